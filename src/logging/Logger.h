@@ -1,0 +1,32 @@
+#pragma once
+
+#include <set>
+
+#include "logging/Log.h"
+#include "logging/Sinks.h"
+#include "util/Singleton.h"
+
+namespace logging {
+
+// Distributes messages to sinks and keeps a repeating warning from flooding the log at frame rate: a text
+// of level Warning or Error is passed on only if neither this frame nor the last one has had it.
+class Logger : public util::Pointee, public util::Singleton<Logger> {
+  public:
+    void AddLogger(const ILoggerPtr& sink) { m_loggers.insert(sink); }
+    void RemoveLogger(const ILoggerPtr& sink) { m_loggers.erase(sink); }
+
+    // Never throws. "-- Warning: " and "!! ERROR: " are put before texts of exactly those two levels.
+    void Log(LogLevel level, const String& text);
+
+    // Once per frame: what was said in this frame becomes last frame's.
+    void Update();
+
+  private:
+    void Distribute(LogLevel level, const String& text);
+
+    std::set<ILoggerPtr> m_loggers;
+    std::set<String> m_lastFrame;
+    std::set<String> m_thisFrame;
+};
+
+}  // namespace logging

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "math/Vector.h"
+
+namespace math {
+
+// Hue in degrees from 0 to 360, saturation and lightness in 0 to 1; red, green and blue in 0 to 1.
+// Formulas: Foley et al., Computer Graphics: Principles and Practice, section 13.3.
+Vec3 RGBtoHSL(Vec3 rgb);
+Vec3 HSLtoRGB(Vec3 hsl);
+
+constexpr real Greyscale(Vec3 rgb) {
+    return 0.3f * rgb.x + 0.59f * rgb.y + 0.11f * rgb.z;
+}
+
+}  // namespace math

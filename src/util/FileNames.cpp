@@ -1,0 +1,8 @@
+#include "util/FileNames.h"
+
+const String WELCOME_SCENE = "welcome.vxa";
+const String AUTOSAVE_SCENE = "_AUTOSAVE.vxa";
+const String ONEXIT_SCENE = "_ONEXITSAVE.vxa";
+const String CONFIG_FILE = "config.cfg";
+const String AUTOEXEC_FILE = "autoexec.cfg";
+const String AUTOSAVE_CONFIG_FILE = "config.autosave.cfg";
