@@ -21,7 +21,7 @@ SHADED = (184, 200, 232)
 LIGHT = (-0.4, -0.75, 0.53)  # from the upper left, x to the right, y downward, z to the viewer
 
 # Per cloud: seed, width of the heap and height of its dome in parts of the side, number of balls on the base.
-CLOUDS = ((5, 0.66, 0.26, 7), (23, 0.50, 0.36, 5), (38, 0.72, 0.15, 9), (52, 0.58, 0.22, 4))
+CLOUDS = ((5, 0.66, 0.26, 7), (23, 0.50, 0.36, 5), (38, 0.72, 0.15, 9), (61, 0.58, 0.20, 6))
 
 
 def smoothstep(low, high, value):
