@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+
+#include "physics/Constraint.h"
+#include "physics/ContactID.h"
+
+namespace physics {
+
+// One point where two geoms overlap: a row along the normal that only pushes, and a friction row along the
+// tangent that is bounded by it. Lives for one step; the next step's contact of the same ID inherits its
+// impulses.
+//
+// A contact without a predecessor (m_new) is an impact: it answers the approach speed by restitution and
+// has no position term. Only from its second step on does it behave as a stiff damped spring that rests at
+// s_targetPenetration of overlap. The equations stand in Contact.cpp.
+class Contact : public Constraint {
+  public:
+    // `normal` is a unit vector from A to B, `point` lies in the world, `penetration` is positive. Both
+    // geoms must have bodies.
+    Contact(Geom* geomA, Geom* geomB, uint32_t index, math::Vec2 point, math::Vec2 normal,
+            math::real penetration);
+
+    // Makes this object another contact, as the constructor would: steps use the objects again.
+    void Reset(Geom* geomA, Geom* geomB, uint32_t index, math::Vec2 point, math::Vec2 normal,
+               math::real penetration);
+
+    bool SolveInit() override;
+    void SolveCalc() override;
+    void SolveApply() override;
+    void SolveExit() override {}
+
+    math::Vec2 m_point;
+    math::Vec2 m_normal;              // unit, from body 0 to body 1; zero for a contact that pushes nothing
+    math::real m_penetration = 0;     // m, positive when overlapping
+    math::real m_friction = 0;        // geometric mean of the two geoms
+    math::real m_restitution = 0;     // geometric mean of the two geoms
+    math::Vec2 m_tangent;             // the normal, a quarter turn to the left
+    bool m_new = true;                // until matched with a contact of the previous step
+    math::Vec2 m_relVel;              // m/s at the point, body 1 less body 0, as of SolveInit
+    math::real m_normalMass = 0;      // kg, exact effective mass of the normal row
+    math::real m_tangentMass = 0;     // kg, of the friction row
+    math::real m_softNormalMass = 0;  // kg, regularised
+    math::real m_softTangentMass = 0;
+    math::real m_useNormalMass = 0;  // the mass in use in this step
+    math::real m_useTangentMass = 0;
+    math::real m_normalTarget = 0;   // N s, right-hand side of the normal row
+    math::real m_tangentTarget = 0;  // N s, of the friction row
+    math::real m_normalImpulse = 0;  // N s, accumulated; never negative after a solve
+    math::real m_tangentImpulse = 0;
+    math::real m_normalDelta = 0;  // N s, pending between SolveCalc and SolveApply
+    math::real m_tangentDelta = 0;
+    ContactID m_id;
+
+    // Constants of the step, set at the start of each solve.
+    static math::real s_contactDist;            // 1/s, weight of the position error
+    static math::real s_contactVel;             // weight of the velocity error
+    static math::real s_contactAcc;             // s, weight of the acceleration
+    static math::real s_contactEps;             // 1/kg, softness added to the diagonal
+    static math::real s_targetPenetration;      // m
+    static math::real s_maxPositionCorrection;  // m, upper bound of the position error
+    static math::real s_warmStartFactor;        // share of the old impulses to start from; below 0: none
+};
+
+}  // namespace physics

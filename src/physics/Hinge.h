@@ -1,0 +1,86 @@
+#pragma once
+
+#include <cstdint>
+
+#include "math/Matrix2.h"
+#include "physics/Constraint.h"
+
+namespace physics {
+
+// A pin through two geoms: two rows that hold the anchors together and, with the motor on, one that drives
+// the relative angular velocity. Geoms joined by a hinge do not collide.
+//
+// The first geom ought to be the driven one: the motor's speed is that of geom 1 against geom 0. The bodies
+// are taken from the geoms anew at each step, so geoms may change bodies under a hinge.
+class Hinge : public Constraint {
+  public:
+    Hinge(GeomPtr geom0, GeomPtr geom1, math::Vec2 point);                        // point in the world
+    Hinge(GeomPtr geom0, GeomPtr geom1, math::Vec2 anchor0, math::Vec2 anchor1);  // in each geom's frame
+    ~Hinge() noexcept(false) override;
+
+    uint32_t GetID() const { return m_id; }
+    const GeomPtr& GetGeom(int end) const { return m_geoms[end]; }
+    math::Vec2 GetAnchor(int end) const { return m_anchors[end]; }
+    void SetAnchor(int end, math::Vec2 anchor) { m_anchors[end] = anchor; }
+    math::Vec2 GetWorldAnchor(int end) const;
+
+    bool GetMotor() const { return m_motor; }
+    void SetMotor(bool on) { m_motor = on; }
+    math::real GetMotorSpeed() const { return m_motorSpeed; }
+    void SetMotorSpeed(math::real speed) { m_motorSpeed = speed; }
+    math::real GetMotorTorque() const { return m_motorTorque; }
+    void SetMotorTorque(math::real torque) { m_motorTorque = torque; }
+
+    // Enters the geoms as partners that must not collide, and takes them out again. Two hinges between
+    // the same geoms share the entry, so removing one of them lets the pair collide.
+    void OnAdd();
+    void OnRemove();
+
+    // Whether the bodies of both geoms are in the simulation.
+    bool AreBodiesValid() const;
+
+    bool SolveInit() override;
+    void SolveCalc() override;
+    void SolveApply() override;
+    void SolveExit() override {}
+
+    // SolveCalc and SolveApply on any record with a body's velocity changes and inverse masses; the
+    // solver's packed sweeps use them with their own.
+    template <class BodyState>
+    void Calc(const BodyState& b0, const BodyState& b1);
+    template <class BodyState>
+    void Apply(BodyState& b0, BodyState& b1);
+
+    // Constants of the step, set at the start of each solve.
+    static math::real s_hingeDist;              // 1/s, weight of the position error
+    static math::real s_hingeVel;               // weight of the velocity error
+    static math::real s_hingeAcc;               // s, weight of the acceleration
+    static math::real s_hingeEps;               // 1/kg, softness added to the diagonal
+    static math::real s_timeDelta;              // s
+    static math::real s_maxPositionCorrection;  // m, upper bound of the error's length
+    static math::real s_warmStartFactor;        // share of the old impulses to start from; below 0: none
+
+  private:
+    void PrepareMotor();
+    void WarmStart();
+
+    uint32_t m_id;  // creation number
+    GeomPtr m_geoms[2];
+    math::Vec2 m_anchors[2];  // m, the hinge point in each geom's local frame
+    bool m_motor = false;
+    math::real m_motorSpeed = 0;    // rad/s, geom 1 against geom 0
+    math::real m_motorTorque = 1;   // greatest torque per effective inertia, rad/s^2
+    math::TMatrix2<float> m_invK;   // kg, inverse of the effective mass matrix
+    math::real m_motorMass = 0;     // kg m^2, effective inertia of the motor row
+    math::real m_motorLimit = 0;    // N m s, greatest motor impulse per step
+    math::Vec2 m_target;            // m/s, right-hand side of the point rows
+    math::Vec2 m_delta;             // N s, pending
+    math::Vec2 m_impulse;           // N s, accumulated; carries over between steps
+    math::real m_motorTarget = 0;   // rad/s, right-hand side of the motor row
+    math::real m_motorDelta = 0;    // N m s, pending
+    math::real m_motorImpulse = 0;  // N m s, accumulated; carries over between steps
+
+    static uint32_t s_nextID;
+};
+
+}  // namespace physics
