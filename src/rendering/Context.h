@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+
+#include "math/Vector.h"
+
+namespace rendering {
+
+// What everybody in the unit must know of the one OpenGL context, and the settings that its code obeys.
+//
+// Life: InitExtensions after each SDL_SetVideoMode, then SetViewport, which marks that a context exists. Once
+// marked it stays so: on a change of window the old context is replaced, and all GL objects have been
+// released before. Until then no constructor of this unit touches GL.
+class Context {
+  public:
+    static bool Exists() { return s_exists; }
+
+    // Raised by InitExtensions: a GL name made in another generation died with its context.
+    static uint32_t GetGeneration() { return s_generation; }
+
+    // Loads the extensions of the context that has just been made current. Throws std::runtime_error with
+    // "GLEW Error: " and the reason.
+    static void InitExtensions();
+
+    // Covers the whole window, `width` by `height` pixels, and brings GL to the state that drawing expects.
+    static void SetViewport(int width, int height);
+    static math::Vec2i GetSize() { return s_size; }  // pixels
+
+    // Whether the frame buffer has alpha bits; without them the cut of the water lets every pixel pass.
+    static bool HasAlpha() { return s_hasAlpha; }
+    static void SetHasAlpha(bool hasAlpha) { s_hasAlpha = hasAlpha; }
+
+    // The switch for all shaders. Default false.
+    static bool UseShaders() { return s_useShaders; }
+    static void SetUseShaders(bool useShaders) { s_useShaders = useShaders; }
+
+    // Takes the shaders of the folder "simple/" instead of "default/". Default false; nothing sets it yet.
+    static bool UseSimpleShaders() { return s_useSimpleShaders; }
+    static void SetUseSimpleShaders(bool useSimple) { s_useSimpleShaders = useSimple; }
+
+    // Both read the present frame. The library may draw into a frame buffer of its own, which only the
+    // functions that it hands out itself know of; the linked ones would give the picture of the last swap.
+    static void CopyTexSubImage(int width, int height);  // lower left of the frame into the bound texture
+    static void ReadPixels(int width, int height, unsigned int format,
+                           void* pixels);  // bytes, packed tightly
+
+  private:
+    static void FetchReadFunctions();
+
+    static bool s_exists;
+    static uint32_t s_generation;
+    static math::Vec2i s_size;
+    static bool s_hasAlpha;
+    static bool s_useShaders;
+    static bool s_useSimpleShaders;
+};
+
+// Without a context none of these is there.
+bool HasMultiTexturing();
+bool HasBorderClamp();
+bool HasShaderPrograms();  // ARB vertex and fragment programs
+
+}  // namespace rendering

@@ -1,0 +1,114 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "math/Vector.h"
+#include "util/Array2D.h"
+#include "util/Pointee.h"
+#include "util/SharedPtr.h"
+#include "util/String.h"
+
+namespace rendering {
+
+// A picture in memory, on its way to a texture. Rows go upward as in GL: the first row is the lowest.
+class AbstractImage : public util::Pointee {
+  public:
+    virtual const void* GetPixels() const = 0;  // null: the contents do not matter
+    // As glTexImage2D takes them.
+    virtual int GetInternalFormat() const = 0;
+    virtual unsigned int GetPixelFormat() const = 0;
+    virtual unsigned int GetPixelType() const = 0;
+
+    uint32_t GetWidth() const { return m_width; }
+    uint32_t GetHeight() const { return m_height; }
+
+  protected:
+    AbstractImage(uint32_t width, uint32_t height) : m_width(width), m_height(height) {}
+
+  private:
+    uint32_t m_width;
+    uint32_t m_height;
+};
+using AbstractImagePtr = util::SharedPtr<AbstractImage>;
+
+template <class T>
+class TImage : public AbstractImage, public util::Array2D<T, util::VectorPOD<T>> {
+  public:
+    using Pixels = util::Array2D<T, util::VectorPOD<T>>;
+
+    // Throws std::bad_alloc when there is no memory for it.
+    TImage(uint32_t width, uint32_t height, const T& value = T())
+        : AbstractImage(width, height), Pixels(width, height, value) {}
+
+    using AbstractImage::GetHeight;
+    using AbstractImage::GetWidth;
+    const void* GetPixels() const override { return Pixels::GetData().data(); }
+
+    const String& GetName() const { return m_name; }
+    void SetName(const String& name) { m_name = name; }
+
+  private:
+    String m_name;  // where it came from, for messages
+};
+
+class ImageRGBA32;
+class ImageFloat;
+using ImageRGBA32Ptr = util::SharedPtr<ImageRGBA32>;
+using ImageFloatPtr = util::SharedPtr<ImageFloat>;
+using RGBA32 = math::TVector4<unsigned char>;
+
+class ImageRGBA32 : public TImage<RGBA32> {
+  public:
+    // Layout of a file of bare pixels, upper row first.
+    enum RAWFormat {
+        RAW_ALPHA,  // one byte, which fills the alpha channel; the colour is white
+        RAW_RGB,    // three bytes, opaque
+        RAW_RGBA,   // four bytes
+    };
+
+    using TImage::TImage;
+
+    int GetInternalFormat() const override;
+    unsigned int GetPixelFormat() const override;
+    unsigned int GetPixelType() const override;
+
+    bool HasAlpha() const { return m_hasAlpha; }
+    void SetHasAlpha(bool hasAlpha) { m_hasAlpha = hasAlpha; }
+
+    // Throws FileReadException when the file ends before the picture is full, std::runtime_error when it
+    // cannot be opened.
+    static ImageRGBA32Ptr LoadRAW(const std::string& path, RAWFormat format, unsigned int width,
+                                  unsigned int height);
+    // A square picture, its side taken from the size of the file; FileReadException when that is no square.
+    static ImageRGBA32Ptr LoadRAW(const std::string& path, RAWFormat format);
+    // ".raw" as a square alpha picture, everything else (PNG, BMP, JPEG, TGA) through the image library, once
+    // its first bytes are plausible. Throws FileReadException.
+    static ImageRGBA32Ptr LoadFile(const std::string& path);
+
+  private:
+    bool m_hasAlpha = true;
+};
+
+// One channel of floats, uploaded as alpha.
+class ImageFloat : public TImage<float> {
+  public:
+    using TImage::TImage;
+
+    int GetInternalFormat() const override;
+    unsigned int GetPixelFormat() const override;
+    unsigned int GetPixelType() const override;
+};
+
+// Just a size: room that the frame buffer will be copied into.
+class BlankImage : public AbstractImage {
+  public:
+    BlankImage(uint32_t width, uint32_t height) : AbstractImage(width, height) {}
+
+    const void* GetPixels() const override { return nullptr; }
+    int GetInternalFormat() const override;
+    unsigned int GetPixelFormat() const override;
+    unsigned int GetPixelType() const override;
+};
+
+}  // namespace rendering

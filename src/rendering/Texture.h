@@ -1,0 +1,105 @@
+#pragma once
+
+#include <cstdint>
+
+#include "rendering/GraphicsResource.h"
+#include "rendering/Image.h"
+#include "util/Mentor.h"
+#include "util/SharedPtr.h"
+#include "util/String.h"
+
+namespace rendering {
+
+// A GL texture with the image that made it.
+class Texture : public GraphicsResource {
+  public:
+    // How a picture is stored and sampled; flags are zero or not.
+    struct ImageType {
+        int32_t internalFormat;
+        uint32_t mipmaps;
+        uint32_t clampS;
+        uint32_t clampT;
+        uint32_t linearMin;
+        uint32_t linearMag;
+        uint32_t linearMip;  // interpolate between mipmap levels
+        // Without, the border that clamped axes show is transparent black; with it, opaque white: a distance
+        // texture means "far outside" by that.
+        uint32_t whiteBorder = 0;
+
+        // The ways in which the program samples its pictures, all GL_RGBA.
+        static ImageType Icon();     // icons, cursor, checkboxes: one to one, no mipmaps, clamped
+        static ImageType Tile();     // skins: repeated, no mipmaps
+        static ImageType Sprite();   // scaled pictures (joints, clouds, water): mipmaps, clamped, smooth
+        static ImageType Profile();  // the two border pictures, which a shader reads a rim profile from
+        // GL_ALPHA: a font sheet, and the distance texture of a polygon.
+        static ImageType Font();
+        static ImageType Distance();
+        // GL_RGBA of the frame buffer: no mipmaps, no clamp, linear.
+        static ImageType Frame();
+    };
+
+    // Without a context it only keeps its parts, with GL name 0; the resource manager makes it anew once
+    // there is one. Throws BadDataException for a format of unknown size.
+    Texture(AbstractImagePtr image, const ImageType& type);
+    ~Texture() noexcept(false) override;
+
+    // The unit is above 0 only with multitexturing (asserted); unit 0 is selected again afterward.
+    void Bind(int unit = 0) const;
+    void Unbind(int unit = 0) const;
+
+    unsigned int MemoryUsage() const override;
+
+    // What GL has now, in RGBA.
+    ImageRGBA32Ptr Read() const;
+
+    // Copies the frame from its lower left corner; at most the texture's size and the viewport's.
+    void Copy(int x, int y);
+
+    uint32_t GetWidth() const { return m_width; }
+    uint32_t GetHeight() const { return m_height; }
+    const ImageType& GetType() const { return m_type; }
+    const AbstractImagePtr& GetImage() const { return m_image; }
+    unsigned int GetId() const { return m_id; }  // GL name, 0 when none
+
+  private:
+    void Upload();
+    void SetSampling() const;
+
+    AbstractImagePtr m_image;
+    uint32_t m_width;   // texels
+    uint32_t m_height;  // texels
+    ImageType m_type;
+    unsigned int m_id = 0;
+    uint32_t m_generation = 0;  // of the context that m_id belongs to
+};
+using TexturePtr = util::SharedPtr<Texture>;
+using TextureMentor = util::Mentor<Texture>;
+using TextureMentorPtr = util::SharedPtr<TextureMentor>;
+
+bool operator<(const Texture::ImageType& a, const Texture::ImageType& b);
+
+// For factories: each gives an object that nobody owns yet.
+Texture* TextureFromImage(ImageRGBA32Ptr image, Texture::ImageType type);
+Texture* TextureFromImageFloat(ImageFloatPtr image, Texture::ImageType type);
+// The picture `name`, sought below Data/Textures/ by the extensions png, tga, bmp, jpg when it has none.
+// Null, with a line at Error, when it cannot be loaded.
+Texture* TextureFromPath(const String& name, Texture::ImageType type);
+
+// Binds for a scope; a null texture is skipped.
+class ScopedTexture {
+  public:
+    explicit ScopedTexture(const TexturePtr& texture, int unit = 0) : m_texture(texture), m_unit(unit) {
+        if (m_texture) m_texture->Bind(m_unit);
+    }
+    ~ScopedTexture() {
+        if (m_texture) m_texture->Unbind(m_unit);
+    }
+    ScopedTexture(const ScopedTexture&) = delete;
+    ScopedTexture& operator=(const ScopedTexture&) = delete;
+
+  private:
+    TexturePtr m_texture;
+    int m_unit;
+};
+
+}  // namespace rendering

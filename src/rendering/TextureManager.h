@@ -1,0 +1,36 @@
+#pragma once
+
+#include <map>
+#include <utility>
+
+#include "rendering/Texture.h"
+#include "util/Singleton.h"
+
+namespace rendering {
+
+// Hands out textures through mentors, which load them on first use and again after the loss of the context.
+// The picture "blank" stands in for one that fails; without it a mentor's value may be empty, and callers
+// skip drawing.
+class TextureManager : public util::Pointee, public util::Singleton<TextureManager> {
+  public:
+    TextureManager();
+
+    // The picture file `name`; the same name and type give the same mentor. Loads nothing yet.
+    TextureMentorPtr Get(const String& name, const Texture::ImageType& type = Texture::ImageType::Sprite());
+
+    // An image made by the program, kept inside the mentor, under a name of its own.
+    TextureMentorPtr Get(const String& name, ImageRGBA32Ptr image, const Texture::ImageType& type);
+    TextureMentorPtr Get(const String& name, ImageFloatPtr image, const Texture::ImageType& type);
+
+    // Any other way to make a texture, not registered: the caller owns the mentor.
+    static TextureMentorPtr Make(const TextureMentor::Factory& factory);
+
+  private:
+    using Key = std::pair<String, Texture::ImageType>;
+
+    TextureMentorPtr Register(const Key& key, const TextureMentor::Factory& factory);
+
+    std::map<Key, TextureMentorPtr> m_textures;
+};
+
+}  // namespace rendering
