@@ -36,11 +36,12 @@ class HashMap {
             SkipEmpty();
             return *this;
         }
-        friend bool operator==(const BasicIterator& lhs, const BasicIterator& rhs) {
+        bool operator==(const BasicIterator& rhs) const {
+            const BasicIterator& lhs = *this;
             DATA_ASSERTION(&lhs.m_map->m_table == &rhs.m_map->m_table);
             return lhs.m_bucket == rhs.m_bucket && lhs.m_index == rhs.m_index;
         }
-        friend bool operator!=(const BasicIterator& lhs, const BasicIterator& rhs) { return !(lhs == rhs); }
+        bool operator!=(const BasicIterator& rhs) const { return !(*this == rhs); }
 
       private:
         void SkipEmpty() {

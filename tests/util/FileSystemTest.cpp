@@ -1,0 +1,98 @@
+#include "util/FileSystem.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+
+#include "support/LogCapture.h"
+#include "util/Exception.h"
+#include "util/FileWrapper.h"
+
+namespace {
+
+util::FileSystem& Files() {
+    return util::FileSystem::Instance();
+}
+
+void Put(const String& path, const String& bytes) {
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+}  // namespace
+
+TEST(FileSystem, WildcardsMatchWithAtLeastOneCharacterPerStar) {
+    const struct {
+        const char *text, *mask;
+        bool matches;
+    } rows[] = {{"a.cfg", "*.cfg", true}, {"a.cfg2", "*.cfg", false}, {"abc", "abc*", false},
+                {"abcd", "abc*", true},   {"abc", "a?c", true},       {"", "", true},
+                {"", "*", false},         {"ab", "*", true},          {"x.vxa", "*.v?a", true},
+                {"abcabc", "*abc", true}, {"abcabd", "*abc", false},  {"ABC", "abc", false}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(util::WildcardMatch(row.text, row.mask), row.matches) << row.text << " " << row.mask;
+    }
+}
+
+TEST(FileSystem, ReadsWindowsLinesAndLongLines) {
+    const String path = Files().GetWorkDir() + "text.txt";
+    const String longLine(5000, 'x');
+    Put(path, "a\r\n" + longLine + "\r\nb\rc\n");
+    EXPECT_EQ(Files().ReadFile(path), "a\n" + longLine + "\nb\rc\n");
+    EXPECT_THROW(Files().ReadFile(path + ".none"), std::runtime_error);
+}
+
+TEST(FileSystem, ReplacesFilesWholeOrNotAtAll) {
+    const String path = Files().GetWorkDir() + "replaced.vxa";
+    Files().WriteFileAtomically(path, "one");
+    Files().WriteFileAtomically(path, "two");
+    EXPECT_EQ(Files().ReadFile(path), "two");
+    EXPECT_FALSE(Files().Exists(path + ".tmp"));
+    EXPECT_THROW(Files().WriteFileAtomically(Files().GetWorkDir() + "nowhere/x", "y"), std::runtime_error);
+    Files().MakeDir(Files().GetWorkDir() + "folder.vxa/full");
+    EXPECT_THROW(Files().WriteFileAtomically(Files().GetWorkDir() + "folder.vxa", "y"), std::runtime_error);
+    EXPECT_FALSE(Files().Exists(Files().GetWorkDir() + "folder.vxa.tmp"));
+}
+
+TEST(FileSystem, ListsFilesAndFoldersApart) {
+    const String directory = Files().GetWorkDir() + "listed/";
+    Files().MakeDir(directory + "sub.cfg");
+    Put(directory + "b.cfg", "");
+    Put(directory + "a.cfg", "");
+    Put(directory + "c.txt", "");
+    util::StringList names = Files().ListFiles(directory, "*.cfg");
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (util::StringList{"a.cfg", "b.cfg"}));
+    EXPECT_EQ(Files().ListDirs(directory), util::StringList{"sub.cfg"});
+    EXPECT_EQ(Files().ListFiles(directory, "*").size(), 3u);
+    EXPECT_TRUE(Files().ListFiles(directory + "missing/", "*").empty());
+}
+
+TEST(FileSystem, KeepsACopyOfWhatCouldNotBeRead) {
+    test::LogCapture log(logging::Error);
+    const String path = Files().GetWorkDir() + "broken.cfg";
+    Put(path, "\"");
+    EXPECT_TRUE(Files().KeepBadCopy(path));
+    EXPECT_EQ(Files().ReadFile(path + ".bad"), "\"");
+    EXPECT_TRUE(log.Contains(path + ".bad"));
+    EXPECT_FALSE(Files().KeepBadCopy(path + ".none"));
+}
+
+TEST(FILEWrapper, FailuresSayWhatFailed) {
+    const String path = Files().GetWorkDir() + "short.bin";
+    Put(path, "abc");
+    const auto textOf = [](auto function) {
+        try {
+            function();
+        } catch (const std::runtime_error& e) {
+            return String(e.what());
+        }
+        return String();
+    };
+    EXPECT_EQ(textOf([&] { util::FILEWrapper(path + "x", "rb"); }), "Failed to open file \"" + path + "x\"");
+    util::FILEWrapper file(path, "rb");
+    char buffer[4];
+    EXPECT_EQ(textOf([&] { file.Read(buffer, 4); }), "Failed to read 4 bytes");
+    EXPECT_EQ(textOf([&] { file.Write("z", 1); }), "Failed to write 1 bytes");
+    EXPECT_EQ(textOf([&] { file.Seek(-9, SEEK_SET); }), "Failed to seek in FILE");
+}
