@@ -1,0 +1,141 @@
+#include "app/tools/StrokeAnalysis.h"
+
+#include <vector>
+
+#include "math/BoundingBox.h"
+#include "math/Geometry.h"
+
+// Segment i of a stroke runs from point i to point i + 1.
+namespace app {
+
+using math::real;
+using math::Vec2;
+using math::Vec2List;
+
+namespace {
+
+// Greatest distance of a stroke from the line between its ends, as a part of that line's length.
+constexpr real LINE_DEVIATION = 0.2f;
+// A stroke is closed when its ends are nearer to each other than this part of its length.
+constexpr real CLOSING_GAP = 1.0f / 8;
+
+// A range of segments, both ends included.
+struct SegmentRange {
+    size_t first;
+    size_t last;
+};
+
+math::BoundingBox2f SegmentBox(const Vec2List& points, size_t segment) {
+    math::BoundingBox2f box;
+    box.Extend(points[segment]);
+    box.Extend(points[segment + 1]);
+    return box;
+}
+
+// One flag per segment: whether it crosses any other that is not its neighbour.
+std::vector<bool> MarkCrossings(const Vec2List& points) {
+    const size_t numSegments = points.size() - 1;
+    std::vector<math::BoundingBox2f> boxes;
+    boxes.reserve(numSegments);
+    for (size_t i = 0; i < numSegments; ++i) boxes.push_back(SegmentBox(points, i));
+
+    std::vector<bool> marked(numSegments, false);
+    for (size_t i = 0; i < numSegments; ++i) {
+        for (size_t j = i + 2; j < numSegments; ++j) {
+            if (!boxes[i].Overlaps(boxes[j])) continue;
+            if (!math::SegmentsIntersect(points[i], points[i + 1], points[j], points[j + 1])) continue;
+            marked[i] = marked[j] = true;
+        }
+    }
+    return marked;
+}
+
+// The segment without a crossing whose middle lies nearest to half of the stroke's length, the earlier one
+// of equals; the number of segments when all cross.
+size_t FindMiddleSegment(const Vec2List& points, const std::vector<bool>& marked) {
+    const real half = PathLength(points) / 2;
+    real before = 0;  // length of the stroke before the segment
+    real nearest = 0;
+    size_t found = marked.size();
+    for (size_t i = 0; i < marked.size(); ++i) {
+        const real length = math::Length(points[i + 1] - points[i]);
+        const real distance = std::fabs(before + length / 2 - half);
+        before += length;
+        if (marked[i]) continue;
+        if (found != marked.size() && distance >= nearest) continue;
+        nearest = distance;
+        found = i;
+    }
+    return found;
+}
+
+// From the middle segment to the first crossing on each side, or to the ends of the stroke.
+SegmentRange GrowRange(const std::vector<bool>& marked, size_t middle) {
+    SegmentRange range{middle, middle};
+    while (range.first > 0 && !marked[range.first]) --range.first;
+    while (range.last + 1 < marked.size() && !marked[range.last]) ++range.last;
+    return range;
+}
+
+// Where the two segments themselves cross; the endless lines through them could meet far away.
+bool FindCrossing(const Vec2List& points, SegmentRange range, Vec2& crossing) {
+    if (range.last < range.first + 2) return false;
+    const Vec2 a1 = points[range.first], a2 = points[range.first + 1];
+    const Vec2 b1 = points[range.last], b2 = points[range.last + 1];
+    crossing = a1 == b1 ? a1 : a2;  // equal heads or tails cross there and give no point of their own
+    return math::SegmentsIntersect(a1, a2, b1, b2, &crossing);
+}
+
+void AppendDistinct(Vec2List& points, Vec2 p) {
+    if (points.empty() || points.back() != p) points.push_back(p);
+}
+
+// The outline of a range. Of a segment that is crossed only the end inside the loop belongs to it; the
+// rest sticks out beyond the crossing.
+Vec2List CutLoop(const Vec2List& points, const std::vector<bool>& marked, SegmentRange range) {
+    const size_t from = marked[range.first] ? range.first + 1 : range.first;
+    const size_t to = marked[range.last] ? range.last : range.last + 1;
+    Vec2List loop;
+    for (size_t i = from; i <= to; ++i) AppendDistinct(loop, points[i]);
+    Vec2 crossing;
+    if (FindCrossing(points, range, crossing)) AppendDistinct(loop, crossing);
+    return loop;
+}
+
+}  // namespace
+
+real PathLength(const Vec2List& points) {
+    real length = 0;
+    for (size_t i = 1; i < points.size(); ++i) length += math::Length(points[i] - points[i - 1]);
+    return length;
+}
+
+bool TestEraseLine(const Vec2List& stroke) {
+    if (stroke.empty()) return false;
+    const Vec2 a = stroke.front(), b = stroke.back();
+    if (a == b) return false;
+    const real limit = LINE_DEVIATION * math::Length(b - a);
+    for (const Vec2 p : stroke) {
+        if (math::Length(p - math::ClosestPointOnSegment(a, b, p)) > limit) return false;
+    }
+    return true;
+}
+
+LoopResult ExtractLoop(Vec2List& points) {
+    if (points.size() < 2) return LoopResult::Open;
+    if (math::Length(points.back() - points.front()) >= CLOSING_GAP * PathLength(points)) {
+        return LoopResult::Open;
+    }
+    const std::vector<bool> marked = MarkCrossings(points);
+    const size_t middle = FindMiddleSegment(points, marked);
+    if (middle == marked.size()) {
+        points.clear();
+        return LoopResult::Tangled;
+    }
+    // A loop cannot close before the second segment.
+    if (middle < 1) return LoopResult::Tangled;
+    points = CutLoop(points, marked, GrowRange(marked, middle));
+    return LoopResult::Loop;
+}
+
+}  // namespace app
