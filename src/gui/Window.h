@@ -1,0 +1,58 @@
+#pragma once
+
+#include "gui/WobbleComponent.h"
+
+namespace gui {
+
+// A framed component with a title bar, by which the user drags it. Raised by a press on the title. No click
+// and no drag falls through it to what lies below; the wheel does.
+//
+// With a tear-off target the first drag takes it out of its parent: the window becomes a child of the
+// target, at the same place on screen.
+class Window : public WobbleComponent {
+  public:
+    // Without a close button; see AddCloseButton.
+    explicit Window(const String& title, const LayoutPtr& layout = nullptr);
+
+    void SetSize(float w, float h) override;  // at least as wide as the title bar needs
+    void OnGeometryChanged() override;
+    void DrawComp() override;
+    void OnKeyEvent(KeyEvent& event) override;
+    void OnMouseMove(MouseMoveEvent& event) override;
+    void OnDragStart(DragEvent& event) override;
+    void OnClick(ClickEvent& event) override;
+
+    const String& GetTitle() const { return m_title; }
+    void SetTitle(const String& title);
+
+    // A press on it removes the window from its parent. Once only.
+    void AddCloseButton();
+    const ButtonPtr& GetCloseButton() const { return m_closeButton; }  // may be null
+
+    // Takes the window from its parent; it dies unless somebody else holds it.
+    void Close();
+
+    util::CallbackSet& GetMovedCallbacks() { return m_movedCallbacks; }  // after each step of a drag
+    util::CallbackSet& GetClosedCallbacks() { return m_closedCallbacks; }
+    void SetTearOffTarget(const ComponentWeakPtr& target) { m_tearOffTarget = target; }
+    bool IsDragged() const { return m_dragging; }
+
+  protected:
+    bool IsHeld() const override { return m_dragging; }
+
+  private:
+    float GetMinWidth() const;
+    bool IsOnTitleBar(math::Vec2 gui) const;
+    void TearOff(Component& target);
+    void Raise();
+
+    String m_title;
+    FormattedText m_titleText;
+    bool m_dragging = false;
+    ButtonPtr m_closeButton;  // a child too; may be null
+    util::CallbackSet m_movedCallbacks;
+    util::CallbackSet m_closedCallbacks;
+    ComponentWeakPtr m_tearOffTarget;
+};
+
+}  // namespace gui
