@@ -46,7 +46,7 @@ class Button : public AbstractButton {
     void SetText(const String& text);  // takes the size of the text with its margins
 
   protected:
-    void DrawText() const;  // in the middle of the content box
+    void DrawLabel() const;  // in the middle of the content box
 
   private:
     FormattedText m_text;
