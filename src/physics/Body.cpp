@@ -1,0 +1,203 @@
+#include "physics/Body.h"
+
+#include <cmath>
+#include <limits>
+
+#include "logging/Log.h"
+#include "math/Geometry.h"
+#include "physics/Geom.h"
+#include "util/Assert.h"
+#include "util/LockPtr.h"
+
+namespace physics {
+
+using math::real;
+using math::RigidTransform;
+using math::Vec2;
+
+namespace {
+
+constexpr real INF = std::numeric_limits<real>::infinity();
+constexpr real RANGE = 100000;  // m, m/s and rad/s: whatever is beyond is bad
+
+}  // namespace
+
+// ---- AbstractBody --------------------------------------------------------------------------------------
+
+uint32_t AbstractBody::s_nextID = 0;
+
+AbstractBody::AbstractBody() : m_inertia(INF), m_mass(INF), m_id(s_nextID++) {}
+
+AbstractBody::AbstractBody(const AbstractBody& other)
+    : util::Pointee(other),
+      m_pos(other.m_pos),
+      m_vel(other.m_vel),
+      m_force(other.m_force),
+      m_angle(other.m_angle),
+      m_angVel(other.m_angVel),
+      m_torque(other.m_torque),
+      m_inertia(INF),
+      m_mass(INF),
+      m_id(s_nextID++) {}
+
+AbstractBody::~AbstractBody() noexcept(false) = default;
+
+bool AbstractBody::IsOutOfRange() const {
+    return math::Length(m_pos) > RANGE || math::Length(m_vel) > RANGE || std::fabs(m_angVel) > RANGE;
+}
+
+bool AbstractBody::IsBad() const {
+    return IsOutOfRange();
+}
+
+real AbstractBody::GetMass() const {
+    return m_held ? INF : m_mass;
+}
+
+real AbstractBody::GetInertia() const {
+    return m_held ? INF : m_inertia;
+}
+
+void AbstractBody::SetHeld(bool held) {
+    m_held = held;
+    if (!held) return;
+    m_vel = Vec2();
+    m_angVel = 0;
+}
+
+// ---- Body ----------------------------------------------------------------------------------------------
+
+Body::Body() = default;
+
+Body::Body(const GeomPtr& geom) {
+    // The geom's hold on this body outlives the constructor, so that its pointer may be taken here.
+    SetGeom(geom);
+}
+
+Body::Body(const Body& other)
+    : AbstractBody(other), m_transform(other.m_transform), m_invTransform(other.m_invTransform) {}
+
+Body::~Body() noexcept(false) = default;
+
+void Body::SetGeom(const GeomPtr& geom) {
+    SetGeoms(GeomSet{geom});
+}
+
+void Body::AddGeoms(const GeomSet& geoms) {
+    GeomSet all = m_geoms;
+    all.insert(geoms.begin(), geoms.end());
+    SetGeoms(all);
+}
+
+void Body::AddGeom(const GeomPtr& geom) {
+    AddGeoms(GeomSet{geom});
+}
+
+void Body::RefreshGeoms() {
+    SetGeoms(m_geoms);
+}
+
+void Body::SetGeoms(const GeomSet& newGeoms) {
+    // The argument may be this body's own set, which is emptied first; and the geoms may be all that keeps
+    // the body alive.
+    const GeomSet geoms = newGeoms;
+    const util::LockPtr<Body> lock(this);
+    DetachGeoms();
+    if (geoms.empty()) {
+        BecomeUnitMass();
+        return;
+    }
+    const GeomSet accepted = SumUpMass(geoms);
+    if (accepted.empty()) {
+        BecomeUnitMass();
+        return;
+    }
+    PlaceFrame();
+    for (const GeomPtr& geom : accepted) AttachGeom(geom);
+    FinishInertia();
+}
+
+void Body::DetachGeoms() {
+    for (const BodyPart& part : m_parts) {
+        if (part.geom->GetBodyPtr() == this) part.geom->SetBody(nullptr);
+    }
+    m_parts.clear();
+    m_geoms.clear();
+}
+
+void Body::BecomeUnitMass() {
+    m_mass = 1;
+    m_massInv = 1;
+    m_inertia = 1;
+    m_inertiaInv = 1;
+}
+
+// Sums mass, area and (into m_pos) the first moment of the usable geoms, which it returns.
+GeomSet Body::SumUpMass(const GeomSet& geoms) {
+    GeomSet accepted;
+    m_angle = 0;
+    m_pos = Vec2();
+    m_area = 0;
+    m_inertia = 0;
+    m_mass = 0;
+    for (const GeomPtr& geom : geoms) {
+        if (!geom) continue;
+        const real area = geom->GetArea();
+        const real mass = geom->m_density * area;
+        const real inertia = geom->m_density * area * geom->GetInertiaSansMass();
+        const Vec2 center = geom->GetPos();
+        if (!(mass > 0) || !(area > 0) || !(inertia > 0) || !IsFinite(center)) {
+            Log(logging::Warning, "Bad geometry in Body::AddGeoms");
+            continue;
+        }
+        m_mass += mass;
+        m_area += area;
+        if (IsFinite(mass)) m_pos += mass * center;
+        accepted.insert(geom);
+    }
+    return accepted;
+}
+
+// The frame's origin is the centre of mass, or the world's origin for infinite mass.
+void Body::PlaceFrame() {
+    m_pos = IsFinite(m_mass) && IsFinite(m_pos) ? m_pos / m_mass : Vec2();
+    m_transform = RigidTransform(1, 0, m_pos.x, m_pos.y);
+    m_invTransform = m_transform.Inverse();
+    m_massInv = 1 / m_mass;
+    m_inertia = 0;
+}
+
+// The geom's inertia about the body's origin is its own plus m d^2 (Steiner). For infinite mass this gives
+// NaN; FinishInertia knows.
+void Body::AttachGeom(const GeomPtr& geom) {
+    const real mass = geom->m_density * geom->GetArea();
+    m_inertia += mass * geom->GetInertiaSansMass() + math::LengthSquared(m_pos - geom->GetPos()) * mass;
+    const RigidTransform toGeom = geom->GetInvTransform() * m_transform;
+    m_parts.push_back({geom, toGeom, toGeom.Inverse()});
+    geom->SetBody(this);
+    m_geoms.insert(geom);
+}
+
+void Body::FinishInertia() {
+    if (!IsFinite(m_mass)) m_inertia = INF;
+    m_inertiaInv = 1 / m_inertia;
+    // clang-format off
+    CODE_CHECK(IsFinite(m_massInv) && m_massInv>=0);
+    CODE_CHECK(IsFinite(m_inertiaInv) && m_inertiaInv>=0);
+    // clang-format on
+    for (auto bp = m_parts.begin(); bp != m_parts.end(); ++bp) CODE_CHECK(bp->geom->GetBodyPtr() == this);
+}
+
+void Body::UpdateGeoms() {
+    m_angle = math::WrapAngle(m_angle);
+    m_transform = RigidTransform(m_angle, m_pos);
+    m_invTransform = m_transform.Inverse();
+    for (const BodyPart& part : m_parts) part.geom.Get()->SetTransform(m_transform * part.fromGeom);
+}
+
+bool Body::IsBad() const {
+    for (auto bp = m_parts.begin(); bp != m_parts.end(); ++bp) CODE_CHECK(bp->geom->GetBodyPtr() == this);
+    return IsOutOfRange() || m_parts.empty();
+}
+
+}  // namespace physics

@@ -1,0 +1,129 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "math/RigidTransform.h"
+#include "math/Vector.h"
+#include "physics/Fwd.h"
+#include "util/Pointee.h"
+#include "util/VectorPOD.h"
+
+namespace physics {
+
+// What moves: the state that the integrator, the solver, joints and tools share, for rigid bodies and drops
+// of water alike. The state is plain data, since all of those both read and write it.
+//
+// A new one is immovable until its owner gives it mass.
+class AbstractBody : public util::Pointee {
+  public:
+    AbstractBody();
+    // Copies place and motion. The copy has an ID of its own and is neither held nor given mass.
+    AbstractBody(const AbstractBody& other);
+    AbstractBody& operator=(const AbstractBody&) = delete;
+    ~AbstractBody() noexcept(false) override;
+
+    // Pushes the place down to the geoms. To be called whenever m_pos or m_angle has changed.
+    virtual void UpdateGeoms() {}
+    // Too far out or too fast to be worth keeping. A NaN in the state does not count: the limits are
+    // strict comparisons.
+    virtual bool IsBad() const;
+
+    uint32_t GetID() const { return m_id; }  // creation number, counted over all bodies and particles
+
+    bool IsImmovable() const { return m_held || m_massInv == 0; }
+    // As constraints and springs see them: a held body weighs infinitely much.
+    math::real GetMass() const;
+    math::real GetInertia() const;
+    math::real GetMassInv() const { return m_held ? 0 : m_massInv; }
+    math::real GetInertiaInv() const { return m_held ? 0 : m_inertiaInv; }
+
+    // Taking hold stops the body; letting go changes nothing else.
+    void SetHeld(bool held);
+
+    util::VectorPOD<Constraint*> m_constraints;  // touching this body; filled by the prioritized solver only
+
+    // What the solver has added to the velocities so far in this step.
+    math::Vec2 m_deltaVel;
+    math::real m_deltaAngVel = 0;
+
+    math::Vec2 m_pos;         // m, centre of mass
+    math::Vec2 m_vel;         // m/s
+    math::Vec2 m_force;       // N, gathered during a step
+    math::real m_angle = 0;   // rad, in (-pi, pi] after UpdateGeoms
+    math::real m_angVel = 0;  // rad/s
+    math::real m_torque = 0;  // N m, gathered during a step
+
+    math::real m_inertia;         // kg m^2, infinite in a new body
+    math::real m_inertiaInv = 0;  // its inverse
+    math::real m_mass;            // kg, infinite in a new body
+    math::real m_massInv = 0;     // its inverse
+    math::real m_area = 0;        // m^2, for buoyancy
+
+    bool m_held = false;   // while a tool holds the body; SetHeld also stops it
+    uint32_t m_index = 0;  // place in the solver's packed arrays; owned by the solver, valid during a solve
+
+  protected:
+    bool IsOutOfRange() const;
+
+  private:
+    uint32_t m_id;
+
+    static uint32_t s_nextID;  // starts at 0 and never goes back: the world body is 0
+};
+
+// A geom and its place on a body.
+struct BodyPart {
+    GeomPtr geom;
+    math::RigidTransform toGeom;    // body space to geom-local
+    math::RigidTransform fromGeom;  // geom-local to body space
+};
+
+// A rigid body: the sum of its geoms.
+//
+// Geoms exist before they have a body and stand at their place in the world. SetGeoms adopts them where
+// they stand: the body's frame gets angle 0 and its origin at their centre of mass, and mass and inertia
+// follow from their areas and densities. From then on the body's place moves the geoms, through
+// UpdateGeoms. A change of a geom's density or shape is taken in by RefreshGeoms (Geom::UpdateBody).
+//
+// Body and geoms own each other. SetGeoms with an empty set breaks that cycle; Simulation::RemoveBody
+// does so. A body without geoms is a harmless unit mass that IsBad reports.
+class Body : public AbstractBody {
+  public:
+    Body();
+    explicit Body(const GeomPtr& geom);
+    // Copies place, motion and transforms, but no geoms.
+    Body(const Body& other);
+    ~Body() noexcept(false) override;
+
+    // Makes the set the whole shape. A geom without positive mass, area and inertia or with a non-finite
+    // place is left out with a warning; velocities stay.
+    void SetGeoms(const GeomSet& geoms);
+    void SetGeom(const GeomPtr& geom);
+    void AddGeoms(const GeomSet& geoms);
+    void AddGeom(const GeomPtr& geom);
+    void RefreshGeoms();
+
+    void UpdateGeoms() override;
+    bool IsBad() const override;
+
+    const GeomSet& GetGeoms() const { return m_geoms; }
+    const std::vector<BodyPart>& GetParts() const { return m_parts; }         // in the order of GetGeoms
+    const math::RigidTransform& GetTransform() const { return m_transform; }  // body space to world
+    const math::RigidTransform& GetInvTransform() const { return m_invTransform; }  // world to body space
+
+  private:
+    void DetachGeoms();
+    void BecomeUnitMass();
+    GeomSet SumUpMass(const GeomSet& geoms);
+    void PlaceFrame();
+    void AttachGeom(const GeomPtr& geom);
+    void FinishInertia();
+
+    math::RigidTransform m_transform;
+    math::RigidTransform m_invTransform;
+    std::vector<BodyPart> m_parts;  // in the order of m_geoms
+    GeomSet m_geoms;
+};
+
+}  // namespace physics

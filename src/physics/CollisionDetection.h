@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstdint>
+
+#include "math/OBB2D.h"
+#include "math/Vector.h"
+#include "physics/Fwd.h"
+#include "physics/PairSweep.h"
+#include "util/VectorPOD.h"
+
+namespace physics {
+
+// Turns the places of all bodies into the contacts of a step.
+//
+// What comes out is defined by brute force over all pairs of geoms, in the order planes and circles, planes
+// and polygons, circles, polygons, circles and polygons, each pass in the order of the lists. Pairs whose
+// boxes are apart cannot touch, so a sweep hands out only the others, and in that same order.
+//
+// Shapes have no edges-against-edges test: a contact of two polygons is a vertex of one found inside the
+// other by its distance map. Normals point from the contact's first geom to its second.
+//
+// Kept from step to step, for its arrays and for the sweep's order; it holds no object between calls of
+// Collide.
+class Collider {
+  public:
+    // Lists the geoms. Each must have a body.
+    void AssignBodies(const BodyList& bodies, const ParticleList& particles);
+    // Appends the contacts.
+    void Collide(ContactPool& out);
+
+  private:
+    // Bits of a record's flags.
+    enum : uint32_t {
+        LAYERS = 7,           // the collision layers that take part
+        IMMOVABLE = 8,        // the body cannot move
+        HAS_NO_COLLIDE = 16,  // m_noCollide is not empty
+    };
+
+    struct PlaneRec {
+        AbstractBody* body;
+        Plane* plane;
+        uint32_t flags;
+    };
+    struct CircleRec {
+        AbstractBody* body;
+        Circle* circle;
+        math::Vec2 pos;
+        math::real radius;
+        uint32_t flags;
+    };
+    struct PolygonRec {
+        AbstractBody* body;
+        Polygon* polygon;
+        uint32_t flags;
+    };
+
+    static uint32_t GetFlags(const AbstractBody& body, const Geom& geom);
+    template <class RecA, class RecB>
+    static bool ShouldCollide(const RecA& a, const Geom* geomA, const RecB& b, const Geom* geomB);
+
+    void AssignGeom(AbstractBody* body, Geom* geom);
+    void FindPairs();
+
+    void CollidePlanes(ContactPool& out);
+    void CollideCircles(ContactPool& out);
+    void CollidePolygons(ContactPool& out);
+    void CollideCirclesWithPolygons(ContactPool& out);
+
+    static void PlaneCircle(const PlaneRec& a, const CircleRec& b, ContactPool& out);
+    static void PlanePolygon(const PlaneRec& a, const PolygonRec& b, ContactPool& out);
+    static void CircleCircle(const CircleRec& a, const CircleRec& b, ContactPool& out);
+    static void CirclePolygon(const CircleRec& a, const PolygonRec& b, ContactPool& out);
+    static void PolygonPolygon(const PolygonRec& a, const PolygonRec& b, ContactPool& out);
+
+    util::VectorPOD<PlaneRec> m_planes;
+    util::VectorPOD<PolygonRec> m_polygons;
+    util::VectorPOD<CircleRec> m_circles;
+    util::VectorPOD<Particle*> m_particles;
+    math::real m_particleRadius = 0;  // m, for collision
+
+    PairSweep m_sweep;  // over circles, then polygons
+};
+
+}  // namespace physics

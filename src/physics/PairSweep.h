@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "util/VectorPOD.h"
+
+namespace physics {
+
+// Finds the pairs of overlapping boxes among many, and lists them by the boxes' numbers: first the pairs of
+// box 0 with later ones, then those of box 1, and so on, each in rising order of the partner.
+//
+// Boxes are sorted by their lower end along one axis, and each is tested against those that begin before it
+// ends. The order is kept from one call to the next, so that a slowly changing scene is nearly sorted
+// already; the axis is the one along which the boxes are spread more widely. Boxes that touch overlap. A box
+// with a NaN overlaps nothing.
+class PairSweep {
+  public:
+    void Clear() { m_boxes.clear(); }
+    void Reserve(size_t count) { m_boxes.reserve(count); }
+    void Add(float minX, float minY, float maxX, float maxY) { m_boxes.push_back({minX, minY, maxX, maxY}); }
+    void FindPairs();
+
+    // Partners of box `i`, all above i, in rising order.
+    const uint32_t* PartnersBegin(size_t i) const { return m_partners.data() + m_firstPartner[i]; }
+    const uint32_t* PartnersEnd(size_t i) const { return m_partners.data() + m_firstPartner[i + 1]; }
+
+  private:
+    struct Box {
+        float minX, minY, maxX, maxY;
+    };
+    struct Pair {
+        uint32_t low, high;
+    };
+
+    void ChooseAxis();
+    void SortOrder();
+    void Gather();
+    void Sweep();
+    void SweepFrom(size_t k);
+    void ListByNumber();
+
+    util::VectorPOD<Box> m_boxes;
+    bool m_alongY = false;  // the sweep's axis
+
+    // In the order of the sweep, with a block of unreachable boxes at the end.
+    util::VectorPOD<uint32_t> m_order;               // numbers of boxes
+    util::VectorPOD<float> m_low, m_high;            // along the axis
+    util::VectorPOD<float> m_crossLow, m_crossHigh;  // across it
+
+    util::VectorPOD<Pair> m_pairs;  // as found
+    util::VectorPOD<uint32_t> m_firstPartner;
+    util::VectorPOD<uint32_t> m_partners;
+};
+
+}  // namespace physics

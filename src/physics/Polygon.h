@@ -1,0 +1,114 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "math/Matrix3.h"
+#include "math/OBB2D.h"
+#include "math/Vector.h"
+#include "physics/DistanceMap.h"
+#include "physics/Geom.h"
+#include "physics/Line.h"
+#include "util/SharedPtr.h"
+
+namespace physics {
+
+// Any simple polygon, convex or concave. It is never cut into convex pieces: its signed distance field is
+// sampled into a map once, at construction, and from then on the questions whether a point is inside and
+// which way is out are bilinear look-ups, whatever the number of vertices.
+//
+// Local coordinates have the centroid at the origin; the geom starts where the vertices were. Inside its
+// tight box (m_obb) the distance comes from the map; outside it is the distance to that box, which bounds
+// the true one and is positive. A normal exists inside the box only.
+class Polygon : public Geom {
+  public:
+    // `outline` in world coordinates, in either sense, without or with a closing vertex. Repeated vertices
+    // are dropped. Throws BadDataException: "Bad polygon" for fewer than 3 vertices or an outline without
+    // area, "Self-intersecting polygon".
+    explicit Polygon(const math::Vec2List& outline);
+    // The copy shares the map, so it costs little.
+    Polygon(const Polygon& other);
+    ~Polygon() noexcept(false) override;
+
+    math::real GetDistance(math::Vec2 point) const override { return Distance(point); }
+    math::Vec2 GetNormal(math::Vec2 point) const override;
+    math::real GetArea() const override { return m_area; }
+    math::real GetInertiaSansMass() const override { return m_inertiaSansMass; }
+    math::Vec2 GetClosestPoint(math::Vec2 point) const override;
+    math::BoundingBox2f GetBoundingBox() const override { return m_worldBoundingBox; }
+    math::OBB2D GetOBB() const override { return m_worldOBB; }
+    math::Vec3 GetBoundingCircle() const override { return m_worldBoundingCircle; }
+    void SetTransform(const math::RigidTransform& transform) override;
+
+    // Counter-clockwise. Edge i runs from vertex i to the next; the last closes the loop.
+    const math::Vec2List& GetVertices() const { return m_vertices; }
+    const LineList& GetLines() const { return m_lines; }
+    const math::Vec2List& GetWorldVertices() const { return m_worldVertices; }
+    const LineList& GetWorldLines() const;
+
+    const math::OBB2D& GetWorldOBB() const { return m_worldOBB; }
+    const math::Vec3& GetWorldBoundingCircle() const { return m_worldBoundingCircle; }
+    const math::OBB2D& GetLocalOBB() const { return m_obb; }
+
+    // The maps, for drawing. Cell (i, j) has its centre at the map point (i, j).
+    const DistanceMap::Floats& GetDistMap() const { return m_map->GetDistMap(); }
+    const DistanceMap::Floats& GetPerimeterMap() const { return m_map->GetPerimeterMap(); }
+    const DistanceMap::Vectors& GetGradientMap() const { return m_map->GetGradientMap(); }
+    math::Vec2i GetDistMapSize() const { return {DistanceMap::SIZE, DistanceMap::SIZE}; }
+    const math::TMatrix3<float>& GetLocalToMap() const { return m_map->GetLocalToMap(); }
+    const math::TMatrix3<float>& GetMapToLocal() const { return m_map->GetMapToLocal(); }
+    const math::OBB2D& GetMapOBB() const { return m_map->GetBox(); }
+    math::real GetPerimeter() const { return m_map->GetPerimeter(); }  // m
+
+    // Whether `other` lies wholly inside this polygon, as far as the vertices of both tell.
+    bool Encloses(const Polygon& other) const;
+    // Pairs of a given line and an edge that cross.
+    size_t CountIntersections(const LineList& lines) const;
+
+    // GetDistance without the virtual call, for loops over vertices.
+    math::real Distance(math::Vec2 point) const;
+
+  private:
+    math::Vec2 CalcAttribs();
+    void BuildLines();
+    void CheckSelfIntersection() const;
+
+    math::Vec2List m_vertices;
+    math::Vec2List m_worldVertices;
+    LineList m_lines;
+    mutable LineList m_worldLines;           // empty until asked for after a move
+    math::Vec3 m_boundingCircle;             // x, y, radius
+    math::Vec3 m_worldBoundingCircle;        // x, y, radius
+    math::BoundingBox2f m_worldBoundingBox;  // of the world vertices
+    math::OBB2D m_obb;                       // tight, local
+    math::OBB2D m_worldOBB;
+    util::SharedPtr<const DistanceMap> m_map;  // never changes; shared by copies
+    math::real m_area = 0;                     // m^2, above 0
+    math::real m_inertiaSansMass = 0;          // m^2, about the centroid, per unit mass
+};
+
+// Whether two polygons are near enough for a vertex of one to lie in the other: by bounding circles, by the
+// axes of their boxes, and by the distance of each circle's centre from the other polygon.
+bool BoundsOverlap(const Polygon& a, const Polygon& b);
+// Whether no axis of either box separates them. Touching counts as overlapping.
+bool BoxesOverlap(const math::OBB2D& a, const math::OBB2D& b);
+
+// The closed outline with points put in so that no edge is longer than `maxDist`. Edges without length
+// vanish. Throws BadDataException for an outline with non-finite points.
+math::Vec2List AssertMaxDist(const math::Vec2List& outline, math::real maxDist);
+
+// An axis-aligned box of 16 vertices. Besides the corners each side has one in the middle and one just
+// beside either corner, so that a box at rest on another stands on several points.
+PolygonPtr MakeBoxPolygon(math::real minX, math::real minY, math::real maxX, math::real maxY);
+
+inline math::real Polygon::Distance(math::Vec2 point) const {
+    const math::Vec2 p = GetInvTransform()(point);
+    const math::Vec2 r = p - m_obb.center;
+    const math::real dx = std::fabs(math::Dot(m_obb.axis[0], r)) - m_obb.halfSize.x;
+    const math::real dy = std::fabs(math::Dot(m_obb.axis[1], r)) - m_obb.halfSize.y;
+    if (dx > 0) return dy > 0 ? std::sqrt(dx * dx + dy * dy) : dx;
+    if (dy > 0) return dy;
+    return m_map->SampleDistance(p);
+}
+
+}  // namespace physics
