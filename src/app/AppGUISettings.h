@@ -1,0 +1,20 @@
+#pragma once
+
+#include "script/Attributes.h"
+#include "script/Reflected.h"
+
+namespace app {
+
+// The settings of the interface, in scripts "App.AppGUI". They live apart from it, because configurations
+// are read before the interface is built and it may be built anew.
+class AppGUISettings : public script::Reflected {
+  public:
+    AppGUISettings();
+
+    const script::AttribPtr<float> m_zoomFactor;     // exponent of 2 per notch of the wheel
+    const script::AttribPtr<bool> m_drawInside;      // drawing tools may start on an entity
+    const script::AttribPtr<bool> m_leftClickMenus;  // a left click opens the popup as well
+    const script::AttribPtr<bool> m_drawHingesWhenRunning;
+};
+
+}  // namespace app

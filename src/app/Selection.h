@@ -1,0 +1,42 @@
+#pragma once
+
+#include "app/Fwd.h"
+#include "math/Vector.h"
+
+namespace app {
+
+// The selected entities. They are drawn with App's selectColor and a pulse. App takes out the ones that
+// leave the scene.
+class Selection {
+  public:
+    void Add(const EntityPtr& entity);  // null is a failed assertion
+    void Remove(const EntityPtr& entity) { m_entities.erase(entity); }
+    void Clear() { m_entities.clear(); }
+    bool Has(const EntityPtr& entity) const { return m_entities.count(entity) != 0; }
+    bool IsEmpty() const { return m_entities.empty(); }
+    size_t GetSize() const { return m_entities.size(); }
+    const EntitySet& Get() const { return m_entities; }
+    void Set(const EntitySet& entities) { m_entities = entities; }
+    EntitySet::const_iterator begin() const { return m_entities.begin(); }
+    EntitySet::const_iterator end() const { return m_entities.end(); }
+
+    // Replaces the selection by the topmost entity at the world point and, unless `single`, what belongs to
+    // it: its chain and its group. False, with an empty selection, where there is none.
+    bool SelectAt(math::Vec2 point, bool single);
+    // The same, single while alt is down.
+    bool ClickAt(math::Vec2 point);
+
+    // The distinct bodies, in the order of the entities, without the world body.
+    physics::BodyList GetBodies() const;
+    // The middle of the box around all that have a finite one; `fallback` when none has.
+    math::Vec2 GetCenter(math::Vec2 fallback) const;
+    // To the end of the scene list, in their order there, so that they are drawn on top.
+    void MoveToTop() const;
+
+  private:
+    void Widen(const EntityPtr& entity);
+
+    EntitySet m_entities;
+};
+
+}  // namespace app

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <vector>
+
+#include "app/Fwd.h"
+#include "math/Vector.h"
+#include "util/Pointee.h"
+
+namespace app {
+
+// The whole scene at one moment: what undo goes back to.
+//
+// It shares the entities, geoms and bodies with the scene and keeps them alive, so restoring brings back
+// the very objects, erased ones included, and builds no shape anew. Besides it holds each entity's values
+// as a map. Taking one costs little; restoring one costs about as much as loading the scene without its
+// outlines.
+class Snapshot : public util::Pointee {
+  public:
+    Snapshot();  // of the present scene
+
+    // Replaces the scene, its bodies and its water by the saved ones, velocities and selection included.
+    void Restore() const;
+
+  private:
+    struct EntityRecord {
+        EntityPtr m_entity;
+        ChainPtr m_chain;
+        EntitySerializer m_values;
+    };
+    struct BodyRecord {
+        physics::BodyPtr m_body;
+        physics::GeomSet m_geoms;
+        math::Vec2 m_vel;
+        math::real m_angVel;
+    };
+    struct ParticleRecord {
+        physics::ParticlePtr m_particle;
+        math::Vec2 m_pos;
+        math::Vec2 m_vel;
+    };
+
+    void TakeEntities();
+    void TakeBodies();
+    void TakeParticles();
+
+    void ResetEntities() const;
+    void RestoreValues() const;
+    void RestoreBodies() const;
+    void RestoreScene() const;
+    void RestoreParticles() const;
+
+    std::vector<EntityRecord> m_entities;  // in scene order
+    std::vector<BodyRecord> m_bodies;      // the world body among them, or planes would get their own
+    std::vector<ParticleRecord> m_particles;
+    EntitySet m_selection;
+};
+
+}  // namespace app

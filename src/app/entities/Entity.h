@@ -1,0 +1,108 @@
+#pragma once
+
+#include <cstdint>
+
+#include "app/Fwd.h"
+#include "math/BoundingBox.h"
+#include "math/RigidTransform.h"
+#include "math/Vector.h"
+#include "physics/Line.h"
+#include "script/Conversions.h"
+#include "script/Reflected.h"
+
+namespace app {
+
+// What the user sees and edits: a scriptable object that owns a piece of the physics world and draws it.
+// Where a rigid body consists of several geoms, each geom keeps an entity of its own; the body is none.
+//
+// Life: made outside the world, it comes into the scene by App::AddEntity and into the physics by
+// AddToSimulation. Once a frame App updates it and retires it as soon as it is not alive any more, which is
+// how things that fell out of the world leave the scene. Undo keeps retired entities and brings the same
+// objects back, so an entity must be able to return: whatever an edit can change has to be in its
+// Serialize, or be reset by ResetForRestore.
+class Entity : public script::Reflected {
+  public:
+    explicit Entity(const String& name);
+
+    // Snapshots leave out what never changes and is costly to write, the outlines.
+    enum class Purpose { FILE, SNAPSHOT };
+
+    // Fetches the present body of the geom: a fixed joint may have changed it.
+    virtual void UpdateBodyPtr() {}
+
+    // One frame, in world coordinates, in the entity's colours times the renderer's.
+    virtual void Draw() = 0;
+
+    virtual bool IsPointInside(math::Vec2 point) const = 0;
+    virtual bool CrossesLines(const physics::LineList& lines) const = 0;      // an eraser's stroke
+    virtual bool IsInsidePolygon(const physics::Polygon& polygon) const = 0;  // wholly; a lasso
+
+    virtual void AddToSimulation() = 0;
+    virtual void RemoveFromSimulation() = 0;
+    virtual bool IsInSimulation() const { return true; }
+
+    // A tool's drag is bracketed by these two.
+    virtual void BeginMove() { m_moving = true; }
+    virtual void Transform(const math::RigidTransform& transform) = 0;
+    virtual void EndMove() { m_moving = false; }
+
+    // Each class adds its own keys to those of its base.
+    virtual void Serialize(EntitySerializer& out, Purpose purpose) const;
+    // Takes what is there. Keys that are absent leave their field alone; of those that should be there,
+    // that is logged.
+    virtual void Deserialize(const EntitySerializer& in);
+
+    virtual math::BoundingBox2f GetBoundingBox() const = 0;
+
+    // A copy with geoms of its own and the same values, outside the world.
+    virtual EntityPtr Clone() const = 0;
+
+    virtual void Update(float /*dt*/) {}
+    virtual bool IsAlive() const { return IsInSimulation(); }
+
+    // Forgets what the saved values do not tell: movement, group, tracking, chain.
+    virtual void ResetForRestore();
+
+    uint32_t GetID() const { return m_serial; }  // creation number
+
+    const math::Vec3& GetColor() const { return m_color; }
+    void SetColor(math::Vec3 color) { m_color = color; }
+    const math::Vec3& GetTint() const { return m_tint; }
+    void SetTint(math::Vec3 tint) { m_tint = tint; }
+    math::Vec3 GetDrawColor() const { return m_color * m_tint; }
+    bool IsMoving() const { return m_moving; }
+
+    // Groups are numbers that the user gives; entities of one group are selected together.
+    static constexpr script::Int NO_GROUP = -1;
+    bool HasGroup() const { return m_hasGroup; }
+    script::Int GetGroup() const { return m_hasGroup ? m_group : NO_GROUP; }
+    void SetGroup(script::Int group);  // NO_GROUP leaves the group
+
+    // Whether the view follows the entity; App::Track sets it, for there is only one.
+    bool IsTracked() const { return m_tracked; }
+    void SetTracked(bool tracked) { m_tracked = tracked; }
+
+    const ChainPtr& GetChain() const { return m_chain; }
+    void SetChain(const ChainPtr& chain);
+
+  protected:
+    // The values that a clone has in common with its original; not the chain.
+    void CopyValuesFrom(const Entity& original);
+
+  private:
+    void SerializeAttributes(EntitySerializer& out) const;
+    void DeserializeAttributes(const EntitySerializer& in);
+
+    ChainPtr m_chain;
+    math::Vec3 m_color;          // red, green, blue in 0 to 1; a new entity gets App's next colour
+    math::Vec3 m_tint{1, 1, 1};  // factor on m_color at drawing, set anew for each frame
+    bool m_moving = false;       // between BeginMove and EndMove
+    bool m_hasGroup = false;
+    script::Int m_group = NO_GROUP;
+    bool m_tracked = false;
+    uint32_t m_serial;
+
+    static uint32_t s_nextSerial;
+};
+
+}  // namespace app
