@@ -1,0 +1,241 @@
+#include "rendering/Texture.h"
+
+#include <algorithm>
+#include <tuple>
+
+#include "logging/Log.h"
+#include "rendering/Context.h"
+#include "rendering/Gl.h"
+#include "util/Assert.h"
+#include "util/Exception.h"
+#include "util/FileSystem.h"
+#include "util/ProfileTree.h"
+
+namespace rendering {
+
+namespace {
+
+auto AsTuple(const Texture::ImageType& t) {
+    return std::tie(t.internalFormat, t.mipmaps, t.clampS, t.clampT, t.linearMin, t.linearMag, t.linearMip,
+                    t.whiteBorder);
+}
+
+int BytesPerPixel(int internalFormat) {
+    switch (internalFormat) {
+        case GL_ALPHA:
+        case GL_ALPHA8:
+        case GL_LUMINANCE:
+        case GL_LUMINANCE8:
+            return 1;
+        case GL_DEPTH_COMPONENT16:
+        case GL_LUMINANCE_ALPHA:
+        case GL_LUMINANCE8_ALPHA8:
+        case GL_LUMINANCE16F_ARB:
+            return 2;
+        case GL_RGB:
+        case GL_DEPTH_COMPONENT24:
+            return 3;
+        case GL_RGBA:
+        case GL_RGBA8:
+        case GL_DEPTH_COMPONENT32:
+            return 4;
+        case GL_RGB32F_ARB:  // counted as drivers pack it at half precision, kept for equal figures
+        case GL_RGBA16F_ARB:
+            return 8;
+        case GL_RGBA32F_ARB:
+            return 16;
+        default:
+            return -1;
+    }
+}
+
+bool IsDepthFormat(int internalFormat) {
+    return internalFormat == GL_DEPTH_COMPONENT || internalFormat == GL_DEPTH_COMPONENT16 ||
+           internalFormat == GL_DEPTH_COMPONENT24 || internalFormat == GL_DEPTH_COMPONENT32;
+}
+
+void SelectUnit(int unit) {
+    glActiveTextureARB(GL_TEXTURE0_ARB + static_cast<GLenum>(unit));
+}
+
+GLint MinFilter(const Texture::ImageType& type) {
+    if (!type.mipmaps) return type.linearMin ? GL_LINEAR : GL_NEAREST;
+    if (type.linearMin && type.linearMip) return GL_LINEAR_MIPMAP_LINEAR;
+    if (type.linearMip) return GL_NEAREST_MIPMAP_LINEAR;
+    return type.linearMin ? GL_LINEAR_MIPMAP_NEAREST : GL_NEAREST_MIPMAP_NEAREST;
+}
+
+GLint WrapMode(uint32_t clamp) {
+    if (!clamp) return GL_REPEAT;
+    return HasBorderClamp() ? GL_CLAMP_TO_BORDER : GL_CLAMP_TO_EDGE;
+}
+
+}  // namespace
+
+bool operator<(const Texture::ImageType& a, const Texture::ImageType& b) {
+    return AsTuple(a) < AsTuple(b);
+}
+
+// ---- ways of sampling ------------------------------------------------------------------------------------
+
+Texture::ImageType Texture::ImageType::Icon() {
+    return {GL_RGBA, 0, 1, 1, 1, 1, 0};
+}
+Texture::ImageType Texture::ImageType::Tile() {
+    return {GL_RGBA, 0, 0, 0, 1, 1, 0};
+}
+Texture::ImageType Texture::ImageType::Sprite() {
+    return {GL_RGBA, 1, 1, 1, 1, 1, 1};
+}
+Texture::ImageType Texture::ImageType::Profile() {
+    return {GL_RGBA, 0, 1, 1, 1, 1, 0};
+}
+Texture::ImageType Texture::ImageType::Font() {
+    return {GL_ALPHA, 0, 1, 1, 1, 1, 0};
+}
+Texture::ImageType Texture::ImageType::Distance() {
+    return {GL_ALPHA, 1, 1, 1, 1, 1, 1, 1};
+}
+Texture::ImageType Texture::ImageType::Frame() {
+    return {GL_RGBA, 0, 0, 0, 1, 1, 0};
+}
+
+// ---- life
+// --------------------------------------------------------------------------------------------------
+
+Texture::Texture(AbstractImagePtr image, const ImageType& type)
+    : m_image(image), m_width(image->GetWidth()), m_height(image->GetHeight()), m_type(type) {
+    if (Context::Exists()) Upload();
+}
+
+Texture::~Texture() noexcept(false) {
+    // In a later context the name may belong to another texture.
+    if (m_id != 0 && m_generation == Context::GetGeneration()) glDeleteTextures(1, &m_id);
+}
+
+void Texture::Upload() {
+    glGenTextures(1, &m_id);
+    m_generation = Context::GetGeneration();
+    glBindTexture(GL_TEXTURE_2D, m_id);
+    const GLsizei width = static_cast<GLsizei>(m_width), height = static_cast<GLsizei>(m_height);
+    if (m_type.mipmaps) {
+        gluBuild2DMipmaps(GL_TEXTURE_2D, m_type.internalFormat, width, height, m_image->GetPixelFormat(),
+                          m_image->GetPixelType(), m_image->GetPixels());
+    } else {
+        glTexImage2D(GL_TEXTURE_2D, 0, m_type.internalFormat, width, height, 0, m_image->GetPixelFormat(),
+                     m_image->GetPixelType(), m_image->GetPixels());
+    }
+    SetSampling();
+    glBindTexture(GL_TEXTURE_2D, 0);
+}
+
+void Texture::SetSampling() const {
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, WrapMode(m_type.clampS));
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, WrapMode(m_type.clampT));
+    const float border = m_type.whiteBorder ? 1.0f : 0.0f;
+    const GLfloat borderColor[4] = {border, border, border, border};
+    glTexParameterfv(GL_TEXTURE_2D, GL_TEXTURE_BORDER_COLOR, borderColor);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, MinFilter(m_type));
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, m_type.linearMag ? GL_LINEAR : GL_NEAREST);
+    if (!IsDepthFormat(m_type.internalFormat)) return;
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_COMPARE_MODE, GL_COMPARE_R_TO_TEXTURE);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_COMPARE_FUNC, GL_LEQUAL);
+    glTexParameteri(GL_TEXTURE_2D, GL_DEPTH_TEXTURE_MODE, GL_INTENSITY);
+}
+
+// ---- use
+// ---------------------------------------------------------------------------------------------------
+
+void Texture::Bind(int unit) const {
+    if (unit > 0) {
+        DATA_ASSERTION(HasMultiTexturing());
+        SelectUnit(unit);
+    }
+    glBindTexture(GL_TEXTURE_2D, m_id);
+    if (unit > 0) SelectUnit(0);
+}
+
+void Texture::Unbind(int unit) const {
+    if (unit > 0) {
+        DATA_ASSERTION(HasMultiTexturing());
+        SelectUnit(unit);
+    }
+    glBindTexture(GL_TEXTURE_2D, 0);
+    if (unit > 0) SelectUnit(0);
+}
+
+unsigned int Texture::MemoryUsage() const {
+    const int pixelSize = BytesPerPixel(m_type.internalFormat);
+    if (pixelSize == -1) DATA_ASSERTION(!"Bad image format");
+    DATA_ASSERTION(pixelSize != -1);
+    const unsigned int size = m_width * m_height * static_cast<unsigned int>(pixelSize);
+    return m_type.mipmaps ? static_cast<unsigned int>(uint64_t{size} * 4 / 3) : size;
+}
+
+ImageRGBA32Ptr Texture::Read() const {
+    PROFILE_SECTION("Read");
+    const ImageRGBA32Ptr image = new ImageRGBA32(m_width, m_height);
+    if (m_id == 0) return image;
+    glBindTexture(GL_TEXTURE_2D, m_id);
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, image->GetData().data());
+    glBindTexture(GL_TEXTURE_2D, 0);
+    return image;
+}
+
+void Texture::Copy(int x, int y) {
+    PROFILE_SECTION("Texture::Copy");
+    const math::Vec2i frame = Context::GetSize();
+    const int width = std::min({x, frame.x, static_cast<int>(m_width)});
+    const int height = std::min({y, frame.y, static_cast<int>(m_height)});
+    if (m_id == 0 || width <= 0 || height <= 0) return;
+    glBindTexture(GL_TEXTURE_2D, m_id);
+    Context::CopyTexSubImage(width, height);
+    glBindTexture(GL_TEXTURE_2D, 0);
+}
+
+// ---- from images and files
+// -----------------------------------------------------------------------------------
+
+namespace {
+
+const char* const EXTENSIONS[] = {"png", "tga", "bmp", "jpg"};
+
+bool HasExtension(const String& name) {
+    return name.size() > 4 && name[name.size() - 4] == '.';
+}
+
+String FindImage(const String& name) {
+    const util::FileSystem& files = util::FileSystem::Instance();
+    const String dataDir = files.GetDataDir();
+    const bool isComplete = name.compare(0, dataDir.size(), dataDir) == 0;
+    const String path = isComplete ? name : files.GetTexturesDir() + name;
+    if (files.Exists(path) || HasExtension(name)) return path;
+    for (const char* const extension : EXTENSIONS) {
+        const String candidate = path + "." + extension;
+        if (files.Exists(candidate)) return candidate;
+    }
+    return path;
+}
+
+}  // namespace
+
+Texture* TextureFromImage(ImageRGBA32Ptr image, Texture::ImageType type) {
+    return new Texture(image, type);
+}
+
+Texture* TextureFromImageFloat(ImageFloatPtr image, Texture::ImageType type) {
+    return new Texture(image, type);
+}
+
+Texture* TextureFromPath(const String& name, Texture::ImageType type) {
+    try {
+        return new Texture(ImageRGBA32::LoadFile(FindImage(name)), type);
+    } catch (const std::exception& e) {
+        LogException(e, WHERE);
+        Log(logging::Error, "Failed to load image " + name);
+        return nullptr;
+    }
+}
+
+}  // namespace rendering

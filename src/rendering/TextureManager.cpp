@@ -1,0 +1,35 @@
+#include "rendering/TextureManager.h"
+
+#include <boost/bind/bind.hpp>
+
+namespace rendering {
+
+TextureManager::TextureManager() {
+    TextureMentor::SetDefault(Get("blank"));
+}
+
+TextureMentorPtr TextureManager::Get(const String& name, const Texture::ImageType& type) {
+    return Register({name, type}, boost::bind(&TextureFromPath, name, type));
+}
+
+TextureMentorPtr TextureManager::Get(const String& name, ImageRGBA32Ptr image,
+                                     const Texture::ImageType& type) {
+    return Register({name, type}, boost::bind(&TextureFromImage, image, type));
+}
+
+TextureMentorPtr TextureManager::Get(const String& name, ImageFloatPtr image,
+                                     const Texture::ImageType& type) {
+    return Register({name, type}, boost::bind(&TextureFromImageFloat, image, type));
+}
+
+TextureMentorPtr TextureManager::Make(const TextureMentor::Factory& factory) {
+    return new TextureMentor(factory);
+}
+
+TextureMentorPtr TextureManager::Register(const Key& key, const TextureMentor::Factory& factory) {
+    TextureMentorPtr& mentor = m_textures[key];
+    if (!mentor) mentor = Make(factory);
+    return mentor;
+}
+
+}  // namespace rendering
