@@ -1,0 +1,72 @@
+#pragma once
+
+#include "app/Fwd.h"
+#include "gui/Component.h"
+
+namespace app {
+
+class MoveTool;
+class RotateTool;
+class PanTool;
+class BrushTool;
+
+// The interface over the world view, a child of app::App that fills it: it holds the tools, brings every
+// gesture that no widget took to one of them, and has the keyboard shortcuts, the autosave and the saving
+// of scenes.
+//
+// A drag goes to the widgets, then to the selected tool, and if nobody took its start, by what lies under
+// the press: with the left button an entity is moved and empty ground drawn on, with the right button an
+// entity is turned and on empty ground the view pans. That tool overrides the selected one until the end
+// of the drag.
+//
+// Whatever fails in a user's action ends in the log, cancels the tool, and goes no further.
+class AppGUI : public gui::Component {
+  public:
+    // `previous` is the interface that this one replaces, or null: its autosave clock goes on.
+    explicit AppGUI(const AppGUI* previous);
+
+    // The tool that the user's gesture goes to.
+    Tool& GetTool() const;
+    bool CancelTool();  // as Tool::Cancel, of that tool
+
+    // Saves the scene to Scenes/. An autosave is silent and does not change the scene's name. A failure is
+    // told to the user, and the answer is false.
+    bool SaveSceneAs(const String& name, bool autosave);
+    // The present name, or a free one of the form "scene-1.vxa" while there is none.
+    bool SaveScene();
+    // The name by which the user last saved; empty before.
+    const String& GetSceneName() const { return m_sceneName; }
+
+    void Update(float dt) override;
+    void Draw() override;
+    void OnDragStart(gui::DragEvent& event) override;
+    void OnDrag(gui::DragEvent& event) override;
+    void OnDragEnd(gui::DragEvent& event) override;
+    void OnClick(gui::ClickEvent& event) override;
+    void OnKeyEvent(gui::KeyEvent& event) override;
+
+  private:
+    template <class Operation>
+    void Guard(const Operation& operation);
+    ToolPtr ChooseOverride(const gui::DragEvent& event) const;
+    void HandleClick(gui::ClickEvent& event);
+    bool HandleKey(const gui::KeyEvent& event);
+    bool HandleWheel(const gui::KeyEvent& event);
+    bool HandleShortcut(int key);
+    void StepHistory(bool redo);
+    void EraseSelection();
+    void SelectAll();
+    void SetGroup(bool assign);
+    void Autosave();
+
+    const util::SharedPtr<MoveTool> m_moveTool;
+    const util::SharedPtr<RotateTool> m_rotateTool;
+    const util::SharedPtr<PanTool> m_panTool;
+    const util::SharedPtr<BrushTool> m_brushTool;
+    ToolPtr m_overrideTool;         // from a drag's start to its end; null otherwise
+    double m_lastAutosave;          // seconds, of util::Clock
+    bool m_steppedHistory = false;  // by the wheel, in this frame
+    String m_sceneName;
+};
+
+}  // namespace app

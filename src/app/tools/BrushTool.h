@@ -1,0 +1,43 @@
+#pragma once
+
+#include "app/tools/Tool.h"
+#include "physics/Fwd.h"
+#include "physics/Line.h"
+
+namespace app {
+
+// The free-hand tool. The shape of one left-button stroke alone decides what it does:
+//
+// - a nearly straight one erases every entity that it crosses,
+// - a loop round entities selects them,
+// - any other loop becomes a polygon,
+// - anything else vanishes.
+//
+// With shift down the stroke gets a straight edge to the place where shift comes up.
+class BrushTool : public Tool {
+  public:
+    void OnDragStart(gui::DragEvent& event) override;
+    void OnDrag(gui::DragEvent& event) override;
+    void OnDragEnd(gui::DragEvent& event) override;
+    void OnKeyEvent(gui::KeyEvent& event) override;
+    void Draw() override;
+    bool Cancel() override;
+
+    bool IsDrawing() const { return m_drawing; }
+    const math::Vec2List& GetPoints() const { return m_points; }
+
+  private:
+    // Ignored within minPointDist of the last point.
+    void AppendPoint(math::Vec2 world);
+
+    static void Analyse(const math::Vec2List& stroke);
+    static void EraseAlong(const math::Vec2List& stroke);
+    // The polygon that the stroke means, or null.
+    static physics::PolygonPtr IsPolygon(const math::Vec2List& stroke);
+    static void CreateEntity(const physics::PolygonPtr& polygon);
+
+    math::Vec2List m_points;  // world coordinates, in drawing order; no two equal ones in a row
+    bool m_drawing = false;
+};
+
+}  // namespace app

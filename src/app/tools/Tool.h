@@ -1,0 +1,40 @@
+#pragma once
+
+#include "app/Fwd.h"
+#include "gui/InputListener.h"
+#include "math/Vector.h"
+#include "physics/Fwd.h"
+
+namespace app {
+
+// What the mouse does to the world. One tool at a time is active; app::AppGUI holds them all and alone
+// passes events on to them: a tool is added to no delegator.
+//
+// A gesture may be broken off at any moment by Cancel (escape, undo, a failure), and its remaining drag
+// events still arrive. So a tool does nothing but between a drag start that it took and the end or the
+// cancelling of it. Idle, a tool holds no entity and no body. Undo entries are made at the end of a
+// gesture, with the snapshot of its start.
+class Tool : public gui::InputListener {
+  public:
+    // Once a frame while the tool is the active one.
+    virtual void Update() {}
+    // The preview, in world coordinates, over the scene.
+    virtual void Draw() {}
+    // Abandons what is under way. Whether there was something to abandon.
+    virtual bool Cancel() { return false; }
+
+    void OnKeyEvent(gui::KeyEvent& event) override;  // escape cancels
+
+  protected:
+    // Whether a shape may be drawn from this world point on: on empty ground, or anywhere if the user
+    // wants to draw inside shapes.
+    static bool MayDrawAt(math::Vec2 world);
+
+    // Ends the making of a shape: it joins the scene and the change goes to the undoer. `before` was taken
+    // at the gesture's start, `undoName` is a language key.
+    static void AddToScene(const EntityPtr& entity, const SnapshotPtr& before, const char* undoName);
+    // Makes all entities that lie inside the lasso the selection. Whether there are any.
+    static bool SelectInside(const physics::Polygon& lasso);
+};
+
+}  // namespace app

@@ -1,0 +1,181 @@
+#!/usr/bin/env python3
+"""Runs one end-to-end case, or all: run.py PROGRAM_FOLDER [CASE]."""
+
+import math
+import os
+import signal
+import subprocess
+import sys
+import time
+import traceback
+
+from harness import AUTOSAVE, ONEXIT, Failure, Session, View, box, check, ground, of_type, wait_for
+
+# Two boxes on a ground, in free space all round; the view shows x from -5.5 to 5.5.
+BOXES = [ground(0), box(-4.5, 0.5, 1), box(4.5, 0.5, 1)]
+VIEW = View(-5, 0, 5, 1)
+
+
+def circle(x, y, radius, turns=0.98, steps=48):
+    angles = [2 * math.pi * turns * i / steps for i in range(steps + 1)]
+    return [VIEW(x + radius * math.cos(a), y + radius * math.sin(a)) for a in angles]
+
+
+def line(a, b, steps=16):
+    return [VIEW(a[0] + (b[0] - a[0]) * i / steps, a[1] + (b[1] - a[1]) * i / steps)
+            for i in range(steps + 1)]
+
+
+def polygons(entities):
+    return of_type(entities, "polygon")
+
+
+def start_boxes(session):
+    session.start_scene(*BOXES)
+    session.wait_scene("the loaded scene", lambda e: len(polygons(e)) == 2)
+
+
+def case_draw_and_fall(session):
+    """A closed stroke becomes a polygon, which falls and comes to rest on the ground."""
+    start_boxes(session)
+    session.stroke(circle(0, 2, 0.5))
+    drawn = session.wait_scene("a third polygon", lambda e: len(polygons(e)) == 3)
+    new = polygons(drawn)[-1]
+    check(abs(new["pos"][0]) < 0.1 and abs(new["pos"][1] - 2) < 0.1, "drawn at %s" % new["pos"])
+    check(12 <= len(new["vecs"]) <= 200, "%d vertices" % len(new["vecs"]))
+    radii = [math.dist(v, new["pos"]) for v in new["vecs"]]
+    check(0.42 < min(radii) and max(radii) < 0.58, "radii %f to %f" % (min(radii), max(radii)))
+    session.key("space")
+    session.wait_scene("the shape at rest on the ground", lambda e: 0.4 < polygons(e)[-1]["pos"][1] < 0.55)
+    session.key("space")
+    saved = session.quit()
+    check(0.4 < polygons(saved)[-1]["pos"][1] < 0.55, "saved at %s" % polygons(saved)[-1]["pos"])
+    check(len(polygons(saved)) == 3 and len(of_type(saved, "plane")) == 1, "the saved scene differs")
+
+
+def case_erase_and_undo(session):
+    """A straight stroke erases the box that it crosses and not the ground; undo and redo walk over that."""
+    start_boxes(session)
+    session.stroke(line((-5.3, 0.6), (-3.5, 0.5)))
+    left = session.wait_scene("one box", lambda e: len(polygons(e)) == 1)
+    check(polygons(left)[0]["pos"][0] > 4, "the wrong box was erased")
+    check(len(of_type(left, "plane")) == 1, "the ground was erased")
+    session.key("ctrl+z")
+    session.wait_scene("both boxes after undo", lambda e: len(polygons(e)) == 2)
+    session.key("ctrl+y")
+    session.wait_scene("one box after redo", lambda e: len(polygons(e)) == 1)
+    session.stroke(line((0, 1), (0.2, -1)))
+    session.wait_scene("no ground, crossed alone", lambda e: not of_type(e, "plane"))
+
+
+def case_lasso_and_delete(session):
+    """A loop round a box selects it and draws nothing; delete erases the selection."""
+    start_boxes(session)
+    session.stroke(circle(-4.5, 0.5, 0.95))
+    session.key("Delete")
+    left = session.wait_scene("one box", lambda e: len(polygons(e)) == 1)
+    check(polygons(left)[0]["pos"][0] > 4, "the wrong box was erased")
+    session.key("ctrl+z")
+    session.wait_scene("both boxes", lambda e: len(polygons(e)) == 2)
+    session.key("ctrl+a")
+    session.key("Delete")
+    session.wait_scene("nothing", lambda e: not e)
+
+
+def case_move_and_clone(session):
+    """A drag on a box moves it by just that way, with ctrl a copy of it; escape puts it back."""
+    start_boxes(session)
+    session.stroke(line((-4.5, 0.5), (-2.5, 1.5)))
+    moved = session.wait_scene("a moved box", lambda e: any(p["pos"][1] > 1.4 for p in polygons(e)))
+    place = max((p["pos"] for p in polygons(moved)), key=lambda pos: pos[1])
+    check(math.dist(place, (-2.5, 1.5)) < 0.03, "moved to %s" % place)
+    check(len(polygons(moved)) == 2, "a move made a shape")
+    session.stroke(line((-2.5, 1.5), (0.5, 1.5)), keys=["ctrl"])
+    cloned = session.wait_scene("a copy", lambda e: len(polygons(e)) == 3)
+    cloned = session.wait_scene("a copy at its place",
+                                lambda e: any(math.dist(p["pos"], (0.5, 1.5)) < 0.03 for p in polygons(e)))
+    check(any(math.dist(p["pos"], (-2.5, 1.5)) < 0.03 for p in polygons(cloned)), "the original moved")
+    session.key("ctrl+z")
+    session.wait_scene("no copy", lambda e: len(polygons(e)) == 2)
+    session.key("ctrl+z")
+    session.wait_scene("the first place",
+                       lambda e: any(math.dist(p["pos"], (-4.5, 0.5)) < 0.03 for p in polygons(e)))
+    words = session.mouse(VIEW(4.5, 0.5)) + ["mousedown", 1]
+    for pixel in line((4.5, 0.5), (4.5, 2)):
+        words += session.mouse(pixel) + ["sleep", "0.01"]
+    session.xdo(*words)
+    session.wait_scene("a box under way", lambda e: any(p["pos"][1] > 1.9 for p in polygons(e)))
+    session.xdo("key", "Escape", "mouseup", 1)
+    session.wait_scene("the box back",
+                       lambda e: any(math.dist(p["pos"], (4.5, 0.5)) < 0.03 for p in polygons(e)))
+
+
+def case_version(session):
+    """The version is told without a display, and nothing else is done."""
+    done = subprocess.run([session.path("Vexa"), "-version"], cwd=session.folder, capture_output=True,
+                          text=True, env=session.environment(), timeout=20)
+    check(done.returncode == 0, "exit status %d" % done.returncode)
+    check("Vexa beta 3.5" in done.stdout.splitlines(), "output: " + done.stdout)
+    check(not os.path.exists(session.path("Logfile.txt")), "a log file was made")
+
+
+def case_crash_and_recover(session):
+    """After a kill the next start brings back the autosaved scene and settings."""
+    session.append_autoexec('Keys.bind("f7", { App.lineWidth = 7.0 })')
+    start_boxes(session)
+    session.stroke(circle(0, 2, 0.5))
+    session.wait_scene("the drawn shape", lambda e: len(polygons(e)) == 3)
+    session.key("F7")
+    wait_for("the setting in the autosaved configuration",
+             lambda: "App.lineWidth = 7.0" in (session.read("config.autosave.cfg") or ""))
+    session.kill()
+    check(not os.path.exists(session.path("config.cfg")), "a killed program saved its configuration")
+    session.start()
+    check(session.has_said("Recovering config.autosave.cfg from previous crash"), "no word of recovery")
+    saved = session.quit()
+    check(len(polygons(saved)) == 3, "%d polygons came back" % len(polygons(saved)))
+    check("App.lineWidth = 7.0" in session.read("config.cfg"), "the setting did not come back")
+
+
+def case_clean_exit(session):
+    """SIGTERM saves scene and configuration and takes the autosaves away; the next start goes on there.
+    Ctrl+s saves under a free name."""
+    start_boxes(session)
+    session.key("ctrl+s")
+    wait_for("the saved scene", lambda: session.read("Scenes/scene-1.vxa"))
+    session.quit()
+    for name in ["Scenes/" + AUTOSAVE, "config.autosave.cfg"]:
+        check(not os.path.exists(session.path(name)), name + " was left behind")
+    check(session.read("config.cfg"), "no configuration was saved")
+    session.start()
+    check(len(polygons(session.quit(by=signal.SIGINT))) == 2, "the scene of the last exit did not come back")
+
+
+CASES = {name[len("case_"):]: case for name, case in sorted(globals().items()) if name.startswith("case_")}
+
+
+def run(program_folder, name):
+    session = Session(program_folder)
+    begin = time.monotonic()
+    try:
+        CASES[name](session)
+        print("ok      %s (%.1f s)" % (name, time.monotonic() - begin))
+        return True
+    except Exception as failure:
+        if not isinstance(failure, Failure):
+            traceback.print_exc()
+        print("FAILED  %s: %s" % (name, failure))
+        print("--- output of the program\n" + session.output[-4000:])
+        return False
+    finally:
+        session.close()
+
+
+def main():
+    names = sys.argv[2:] or list(CASES)
+    results = [run(os.path.abspath(sys.argv[1]), name) for name in names]
+    sys.exit(0 if all(results) else 1)
+
+
+if __name__ == "__main__":
+    main()
