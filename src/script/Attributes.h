@@ -1,0 +1,197 @@
+#pragma once
+
+#include <memory>
+
+#include "math/Vector.h"
+#include "script/ClassObject.h"
+#include "script/Conversions.h"
+#include "util/Callback.h"
+#include "util/ClassTracker.h"
+
+// Settings: a typed native value that is at the same time a script variable.
+//
+// Two representations are kept in step. The stored object is what scripts read and what is saved; the native
+// value is what the program reads, by Get, without any script machinery.
+//   - A script assignment stores its object and converts it to the native value at once. The object stays as
+//     it was written: a float attribute set to 5 saves as 5.
+//   - A native Set changes the value and replaces the stored object.
+//   - A function without parameters as the stored object is a binding: the value follows it at each
+//     RecalcAll (after every Execute, around a configuration, once per frame), and a native Set leaves it
+//     standing. A binding that fails or gives a wrong type is dropped, and the last good value stays.
+//   - Where the value lives elsewhere (AttribGetSet, AttribRemotePoker), the stored object of an unbound
+//     attribute is brought in line whenever it is read or printed.
+// T is bool, int, unsigned int, float, String, TVector2<float>, TVector2<int>, TVector3<float>,
+// TVector4<float>; the code for these stands in Attributes.cpp.
+namespace script {
+
+class AbstractAttrib : public Variable, public util::ClassTracker<AbstractAttrib> {
+  public:
+    AbstractAttrib(const String& name, const ObjectPtr& value) : Variable(name, value) {}
+    ~AbstractAttrib() noexcept(false) override;
+
+    // The path of scripts and widgets: stores the object, which ends an earlier binding, and converts it.
+    void SetValue(const ObjectPtr& value) override;
+
+    // Converts the stored object to the native value. Never throws: what cannot be converted is logged and
+    // replaced by the last good value.
+    virtual void CalcValue() = 0;
+
+    bool IsBound() const { return m_bound; }
+
+    // CalcValue on each bound attribute.
+    static void RecalcAll();
+
+  protected:
+    void Store(const ObjectPtr& value);  // without conversion
+
+  private:
+    bool m_bound = false;  // whether the stored object is a function without parameters
+};
+
+template <class T>
+class TAttrib : public AbstractAttrib {
+  public:
+    virtual T Get() const = 0;
+
+    // Nothing when the value equals Get. Otherwise stores it and calls what was added by AddOnChange.
+    virtual void Set(const T& value);
+
+    ObjectPtr GetValue() const override;
+    void CalcValue() override;
+
+    // Runs after a change has been stored. Callbacks may add and remove others.
+    void AddOnChange(const util::CallbackPtr& callback);
+
+    const T& GetDefault() const { return m_default; }
+    const ObjectPtr& GetCalculated() const { return m_calculated; }  // what the latest binding gave
+
+  protected:
+    TAttrib(const String& name, const T& defaultValue);
+
+    virtual void StoreNative(const T& value) = 0;
+    virtual bool LivesElsewhere() const { return false; }
+
+  private:
+    bool Change(const T& value);
+    void Repair();
+
+    std::unique_ptr<util::CallbackSet> m_onChange;  // made by the first AddOnChange: few attributes have any
+    const T m_default;
+    ObjectPtr m_calculated;  // the resolved object of the latest CalcValue; null before the first
+};
+
+// The value lives in the attribute.
+template <class T>
+class Attrib final : public TAttrib<T> {
+  public:
+    Attrib(const String& name, const T& defaultValue)
+        : TAttrib<T>(name, defaultValue), m_value(defaultValue) {}
+
+    T Get() const override { return m_value; }
+
+  protected:
+    void StoreNative(const T& value) override { m_value = value; }
+
+  private:
+    T m_value;
+};
+
+// The value is read and written through functions. Once the owner is gone they are not called any more, and
+// the attribute (held by a widget, say) reads as its default.
+template <class T>
+class AttribGetSet final : public TAttrib<T> {
+  public:
+    using Getter = boost::function<T()>;
+    using Setter = boost::function<void(const T&)>;
+
+    AttribGetSet(const String& name, const T& defaultValue, const Getter& getter, const Setter& setter)
+        : TAttrib<T>(name, defaultValue), m_getter(getter), m_setter(setter) {}
+
+    T Get() const override { return this->GetOwner() == nullptr ? this->GetDefault() : m_getter(); }
+
+  protected:
+    void StoreNative(const T& value) override {
+        if (this->GetOwner() != nullptr) m_setter(value);
+    }
+    bool LivesElsewhere() const override { return true; }
+
+  private:
+    const Getter m_getter;
+    const Setter m_setter;
+};
+
+// The value lives in a variable of the owner, and is out of reach once the owner is gone.
+template <class T>
+class AttribRemotePoker final : public TAttrib<T> {
+  public:
+    AttribRemotePoker(const String& name, const T& defaultValue, T* target)
+        : TAttrib<T>(name, defaultValue), m_target(target) {}
+
+    T Get() const override { return this->GetOwner() == nullptr ? this->GetDefault() : *m_target; }
+
+  protected:
+    void StoreNative(const T& value) override {
+        if (this->GetOwner() != nullptr) *m_target = value;
+    }
+    bool LivesElsewhere() const override { return true; }
+
+  private:
+    T* const m_target;
+};
+
+// Declare an attribute in the constructor of its owner, which holds it from then on as the variable `name`.
+template <class T>
+AttribPtr<T> DeclareAttrib(ClassObject& owner, const String& name, const T& defaultValue) {
+    const AttribPtr<T> attrib = new Attrib<T>(name, defaultValue);
+    owner.AddVariable(attrib);
+    return attrib;
+}
+inline AttribPtr<String> DeclareAttrib(ClassObject& owner, const String& name, const char* defaultValue) {
+    return DeclareAttrib<String>(owner, name, defaultValue);
+}
+
+// The default is only remembered: the value is what the getter gives.
+template <class T>
+AttribGetSetPtr<T> DeclareAttribGetSet(ClassObject& owner, const String& name, const T& defaultValue,
+                                       const typename AttribGetSet<T>::Getter& getter,
+                                       const typename AttribGetSet<T>::Setter& setter) {
+    const AttribGetSetPtr<T> attrib = new AttribGetSet<T>(name, defaultValue, getter, setter);
+    owner.AddVariable(attrib);
+    return attrib;
+}
+
+// `target` lives as long as the owner; its present value is the default.
+template <class T>
+AttribRemotePokerPtr<T> DeclareAttribRemotePoker(ClassObject& owner, const String& name, T* target) {
+    const AttribRemotePokerPtr<T> attrib = new AttribRemotePoker<T>(name, *target, target);
+    owner.AddVariable(attrib);
+    return attrib;
+}
+
+extern template class TAttrib<bool>;
+extern template class TAttrib<int>;
+extern template class TAttrib<unsigned int>;
+extern template class TAttrib<float>;
+extern template class TAttrib<String>;
+extern template class TAttrib<math::TVector2<float>>;
+extern template class TAttrib<math::TVector2<int>>;
+extern template class TAttrib<math::TVector3<float>>;
+extern template class TAttrib<math::TVector4<float>>;
+
+extern template class Attrib<bool>;
+extern template class Attrib<int>;
+extern template class Attrib<unsigned int>;
+extern template class Attrib<float>;
+extern template class Attrib<String>;
+extern template class Attrib<math::TVector2<float>>;
+extern template class Attrib<math::TVector3<float>>;
+extern template class Attrib<math::TVector4<float>>;
+
+extern template class AttribGetSet<bool>;
+extern template class AttribGetSet<float>;
+
+extern template class AttribRemotePoker<bool>;
+extern template class AttribRemotePoker<int>;
+extern template class AttribRemotePoker<math::TVector2<int>>;
+
+}  // namespace script

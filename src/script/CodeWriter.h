@@ -1,0 +1,51 @@
+#pragma once
+
+#include "util/String.h"
+
+namespace script {
+
+// Collects printed text. One growing buffer for a whole tree, so that the cost of printing follows the
+// length of the text and not its depth. Raises ScriptException with "Text too long" beyond MAX_CODE_SIZE.
+class CodeWriter {
+  public:
+    CodeWriter& Append(const String& text) { return Append(text.data(), text.size()); }
+    CodeWriter& Append(const char* text);
+
+    size_t GetSize() const { return m_text.size(); }
+    bool HoldsNewline(size_t from) const { return m_text.find('\n', from) != String::npos; }
+    void Cut(size_t size) { m_text.resize(size); }
+
+    // Sets what stands from `from` on apart as the body of a function: a newline before and behind, four
+    // blanks behind each newline inside but for one at the very end.
+    void SetApart(size_t from);
+
+    String Take() { return std::move(m_text); }
+
+  private:
+    CodeWriter& Append(const char* text, size_t size);
+
+    String m_text;
+};
+
+// Writes the elements of a range with `separator` between those that give any text. Dereferences each
+// pointer, so a null element raises the null pointer failure.
+template <class Range>
+void WriteJoined(CodeWriter& out, const Range& elements, const char* separator) {
+    size_t end = out.GetSize();
+    for (const auto& element : elements) {
+        const size_t begin = out.GetSize();
+        element->WriteCode(out);
+        if (out.GetSize() == begin) continue;
+        end = out.GetSize();
+        out.Append(separator);
+    }
+    out.Cut(end);
+}
+
+// As the console shows a number: six significant digits, "+inf", "-inf".
+String DoubleToText(double value);
+// As a number is saved: sixteen digits and always a ".". An exponent without a point gets its ".0" behind
+// the exponent ("1e-05.0"), which does not read back; settings never hold such values, floats print none.
+String DoubleToCode(double value);
+
+}  // namespace script

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "util/String.h"
+
+// What keeps a script from ending or hanging the program: bounds on nesting, on work and on sizes. All are
+// far above what a scene or a configuration needs.
+namespace script {
+
+constexpr size_t MAX_STRING_SIZE = 16u << 20;   // bytes of a string value
+constexpr size_t MAX_LIST_SIZE = 1000000;       // elements of a list
+constexpr size_t MAX_CODE_SIZE = 64u << 20;     // bytes of a printed text
+constexpr int MAX_NESTING = 10000;              // nodes entered and not left, of whatever kind
+constexpr int64_t MAX_STEPS = 10000000;         // node evaluations of one session
+constexpr int64_t STEPS_PER_TOKEN = 20;         // added for each token of an executed text
+constexpr int64_t MAX_PARSE_STEPS = 100000000;  // comparisons of operands with infix keywords
+
+// Raise ScriptException with "String too long", "List too long".
+void CheckStringSize(size_t size);
+void CheckListSize(size_t size);
+
+// The span in which steps are counted together: one Execute, one recalculation of an attribute, one call of
+// a function from native code. A session inside another shares the steps of the outer one.
+class Session {
+  public:
+    explicit Session(size_t numTokens = 0);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+};
+
+// Takes `steps` from the session; raises ScriptException with "Script took too long" when none are left.
+void ChargeSteps(int64_t steps);
+// The cost of touching `bytes` characters, in the measure of a node evaluation.
+void ChargeBytes(size_t bytes);
+// Whether the session has used up its steps. The failure is then no longer the statement's but everybody's.
+bool IsSessionSpent();
+
+// One level of native recursion over a script's structure: parsing, evaluating, printing, list arithmetic.
+// Raises ScriptException with "Too deeply nested" beyond MAX_NESTING levels or when the stack runs low,
+// whichever comes first: how much a level takes depends on the build.
+class NestingGuard {
+  public:
+    NestingGuard() {
+        if (++s_depth > MAX_NESTING || IsStackLow() || s_depth == 1) Begin();
+    }
+    ~NestingGuard() {
+        if (--s_depth == 0) End();
+    }
+    NestingGuard(const NestingGuard&) = delete;
+    NestingGuard& operator=(const NestingGuard&) = delete;
+
+    static size_t GetStackUse();  // bytes between the outermost level and here, for measurements
+
+  private:
+    static bool IsStackLow() { return static_cast<const char*>(__builtin_frame_address(0)) < s_stackLimit; }
+    static void Begin();
+    static void End();
+
+    static int s_depth;
+    static const char* s_stackLimit;  // the lowest address that a level may start at
+};
+
+// A level that counts as one node evaluation.
+class EvaluationGuard : public NestingGuard {
+  public:
+    EvaluationGuard() { ChargeSteps(1); }
+};
+
+}  // namespace script

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <map>
+
+#include "script/Reflected.h"
+
+namespace script {
+
+// A name space with operators of its own. At parse time it holds the declarations seen so far.
+class Scope : public Reflected {
+  public:
+    Scope(const String& name, const ClassObjectPtr& superscope);
+    ~Scope() noexcept(false) override;
+
+    const std::vector<InfixPtr>& GetInfixes() const { return m_infixes; }
+
+    // An equal pattern replaces the earlier declaration, so that a text may be run twice.
+    void AddInfix(const InfixPtr& infix);
+
+    // The declaration to split a sequence by, in which the words of `names` occur: of those whose keywords
+    // all occur, here or in an enclosing scope, the one of lowest precedence; an inner one before an equal
+    // outer one; null when there is none. Raises ParseException for a tie within one scope.
+    InfixPtr GetInfix(const StringSet& names) const;
+    template <class Occurs>  // bool(const String& keyword)
+    InfixPtr GetInfix(const Occurs& occurs) const;
+
+  private:
+    struct Choice;
+    std::vector<const Scope*> GetChain() const;  // this scope first, then outward
+    [[noreturn]] static void ThrowTie();
+
+    std::vector<InfixPtr> m_infixes;
+    std::map<StringList, size_t> m_patterns;  // index into m_infixes
+    // Look-up goes by the owner link; this hold keeps the enclosing scope alive for functions that outlive
+    // the call in which they were made.
+    ClassObjectPtr m_superscope;
+};
+
+// A scope at run time: the root, or the locals of one call.
+class Closure : public Scope {
+  public:
+    explicit Closure(const String& name, const ClassObjectPtr& superscope = nullptr)
+        : Scope(name, superscope) {}
+};
+
+}  // namespace script

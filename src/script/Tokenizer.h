@@ -1,0 +1,36 @@
+#pragma once
+
+#include <vector>
+
+#include "script/Exceptions.h"
+
+namespace script {
+
+enum TokenKind {
+    BoolToken,    // the words `true` and `false`
+    FloatToken,   // a number with a fraction part, or an infinity with its sign
+    IntToken,     // a number without a fraction part
+    StringToken,  // a quoted string
+    SymbolToken   // everything else: identifiers, brackets, the comma, runs of operator characters
+};
+
+struct Token {
+    String text;  // decoded and without quotes for a string, otherwise as written
+    TokenKind kind;
+
+    bool IsSymbol(const char* symbol) const { return kind == SymbolToken && text == symbol; }
+};
+using TokenList = std::vector<Token>;
+using TokenIt = TokenList::const_iterator;
+
+// Cuts a text into tokens without knowing the grammar. A sign directly before a digit belongs to the number
+// (`a-5` is two tokens), and a run of operator characters ends neither at a quote nor at `//`: whoever
+// writes script text puts blanks around operators.
+class Tokenizer {
+  public:
+    // Takes time linear in the text. Raises TokenException with "Bad string" or "Unmatched quote (\")"; any
+    // other text has tokens. A UTF-8 mark at the start is skipped.
+    static TokenList Tokenize(const String& text);
+};
+
+}  // namespace script
