@@ -40,6 +40,7 @@ class Collider {
         AbstractBody* body;
         Plane* plane;
         uint32_t flags;
+        Geom* GetGeom() const;
     };
     struct CircleRec {
         AbstractBody* body;
@@ -47,30 +48,37 @@ class Collider {
         math::Vec2 pos;
         math::real radius;
         uint32_t flags;
+        Geom* GetGeom() const;
     };
     struct PolygonRec {
         AbstractBody* body;
         Polygon* polygon;
+        math::Vec3 circle;  // bounding circle: x, y, radius
         uint32_t flags;
+        Geom* GetGeom() const;
     };
 
     static uint32_t GetFlags(const AbstractBody& body, const Geom& geom);
     template <class RecA, class RecB>
-    static bool ShouldCollide(const RecA& a, const Geom* geomA, const RecB& b, const Geom* geomB);
+    static bool ShouldCollide(const RecA& a, const RecB& b);
+    static void MakeContact(ContactPool& out, Geom* geomA, Geom* geomB, uint32_t index, math::Vec2 point,
+                            math::Vec2 normal, math::real penetration);
 
     void AssignGeom(AbstractBody* body, Geom* geom);
     void FindPairs();
 
-    void CollidePlanes(ContactPool& out);
-    void CollideCircles(ContactPool& out);
-    void CollidePolygons(ContactPool& out);
-    void CollideCirclesWithPolygons(ContactPool& out);
+    void CollidePlanes(ContactPool& out) const;
+    void CollideCircles(ContactPool& out) const;
+    void CollidePolygons(ContactPool& out) const;
+    void CollideCirclesWithPolygons(ContactPool& out) const;
 
     static void PlaneCircle(const PlaneRec& a, const CircleRec& b, ContactPool& out);
     static void PlanePolygon(const PlaneRec& a, const PolygonRec& b, ContactPool& out);
     static void CircleCircle(const CircleRec& a, const CircleRec& b, ContactPool& out);
     static void CirclePolygon(const CircleRec& a, const PolygonRec& b, ContactPool& out);
     static void PolygonPolygon(const PolygonRec& a, const PolygonRec& b, ContactPool& out);
+    static void CircleOutsidePolygon(const CircleRec& a, const PolygonRec& b, ContactPool& out);
+    static void VerticesInside(Polygon* owner, Polygon* other, ContactPool& out);
 
     util::VectorPOD<PlaneRec> m_planes;
     util::VectorPOD<PolygonRec> m_polygons;

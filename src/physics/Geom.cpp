@@ -72,10 +72,6 @@ void Geom::SetTransform(const RigidTransform& transform) {
     m_pos = transform.GetTranslation();
 }
 
-AbstractBodyPtr Geom::GetBody() const {
-    return m_body;
-}
-
 void Geom::SetBody(AbstractBody* body) {
     m_body = body;
 }

@@ -40,7 +40,7 @@ class Geom : public util::Pointee {
     uint32_t GetID() const { return m_id; }  // creation number; a count of its own, apart from the bodies'
     Kind GetKind() const { return m_kind; }
 
-    AbstractBodyPtr GetBody() const;
+    const AbstractBodyPtr& GetBody() const { return m_body; }
     AbstractBody* GetBodyPtr() const { return m_body.Get(); }
     void SetBody(AbstractBody* body);
     // Lets the body, if it is a rigid one, take in a changed density or shape.

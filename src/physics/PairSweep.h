@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 #include "util/VectorPOD.h"
 
@@ -12,13 +13,13 @@ namespace physics {
 //
 // Boxes are sorted by their lower end along one axis, and each is tested against those that begin before it
 // ends. The order is kept from one call to the next, so that a slowly changing scene is nearly sorted
-// already; the axis is the one along which the boxes are spread more widely. Boxes that touch overlap. A box
-// with a NaN overlaps nothing.
+// already; the axis is the one along which the boxes are spread more widely. Boxes that touch overlap; a box
+// with a NaN overlaps none of finite size.
 class PairSweep {
   public:
     void Clear() { m_boxes.clear(); }
     void Reserve(size_t count) { m_boxes.reserve(count); }
-    void Add(float minX, float minY, float maxX, float maxY) { m_boxes.push_back({minX, minY, maxX, maxY}); }
+    void Add(float minX, float minY, float maxX, float maxY);
     void FindPairs();
 
     // Partners of box `i`, all above i, in rising order.
@@ -33,12 +34,15 @@ class PairSweep {
         uint32_t low, high;
     };
 
+    float GetLow(uint32_t number) const { return m_alongY ? m_boxes[number].minY : m_boxes[number].minX; }
     void ChooseAxis();
     void SortOrder();
+    void SortFromScratch();
     void Gather();
     void Sweep();
     void SweepFrom(size_t k);
     void ListByNumber();
+    static void SortPartners(uint32_t* begin, uint32_t* end);
 
     util::VectorPOD<Box> m_boxes;
     bool m_alongY = false;  // the sweep's axis
@@ -48,9 +52,16 @@ class PairSweep {
     util::VectorPOD<float> m_low, m_high;            // along the axis
     util::VectorPOD<float> m_crossLow, m_crossHigh;  // across it
 
-    util::VectorPOD<Pair> m_pairs;  // as found
-    util::VectorPOD<uint32_t> m_firstPartner;
+    util::VectorPOD<Pair> m_pairs;             // as found
+    util::VectorPOD<uint32_t> m_firstPartner;  // for each box where its partners begin, and the end
     util::VectorPOD<uint32_t> m_partners;
 };
+
+// A box with a NaN is entered as the empty one: a NaN among the ends would spoil the order of the others.
+inline void PairSweep::Add(float minX, float minY, float maxX, float maxY) {
+    constexpr float INF = std::numeric_limits<float>::infinity();
+    const bool real = minX <= maxX && minY <= maxY;
+    m_boxes.push_back(real ? Box{minX, minY, maxX, maxY} : Box{INF, INF, -INF, -INF});
+}
 
 }  // namespace physics

@@ -92,6 +92,8 @@ class Polygon : public Geom {
 bool BoundsOverlap(const Polygon& a, const Polygon& b);
 // Whether no axis of either box separates them. Touching counts as overlapping.
 bool BoxesOverlap(const math::OBB2D& a, const math::OBB2D& b);
+// Half the extent of a box along a unit vector.
+math::real GetReach(const math::OBB2D& box, math::Vec2 direction);
 
 // The closed outline with points put in so that no edge is longer than `maxDist`. Edges without length
 // vanish. Throws BadDataException for an outline with non-finite points.

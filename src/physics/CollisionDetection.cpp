@@ -1,0 +1,283 @@
+#include "physics/CollisionDetection.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "math/Geometry.h"
+#include "physics/Body.h"
+#include "physics/ContactPool.h"
+#include "physics/Geom.h"
+#include "physics/Particle.h"
+#include "physics/Polygon.h"
+#include "util/Assert.h"
+#include "util/ProfileTree.h"
+
+namespace physics {
+
+using math::real;
+using math::Vec2;
+using math::Vec3;
+
+namespace {
+
+// The index of the one contact of a circle whose centre lies inside a polygon.
+constexpr uint32_t CENTER_INSIDE = 0xFFFFFFFF;
+
+// Boxes for rejection are drawn larger than the shapes by this share of their coordinates: the exact tests
+// round, and no pair may be lost that they would accept.
+constexpr real SLACK = 4e-6f;
+
+real GetSlack(Vec2 center, Vec2 halfSize) {
+    return SLACK * (std::fabs(center.x) + std::fabs(center.y) + halfSize.x + halfSize.y);
+}
+
+void AddBox(PairSweep& sweep, Vec2 center, Vec2 halfSize) {
+    const real slack = GetSlack(center, halfSize);
+    const Vec2 half(halfSize.x + slack, halfSize.y + slack);
+    sweep.Add(center.x - half.x, center.y - half.y, center.x + half.x, center.y + half.y);
+}
+
+// Half the size of the axis-aligned box around an oriented one.
+Vec2 GetAlignedHalfSize(const math::OBB2D& box) {
+    return {std::fabs(box.axis[0].x) * box.halfSize.x + std::fabs(box.axis[1].x) * box.halfSize.y,
+            std::fabs(box.axis[0].y) * box.halfSize.x + std::fabs(box.axis[1].y) * box.halfSize.y};
+}
+
+}  // namespace
+
+// ---- assignment ----------------------------------------------------------------------------------------
+
+void Collider::AssignBodies(const BodyList& bodies, const ParticleList& particles) {
+    PROFILE_SECTION("Collider::AssignBodies");
+    m_planes.clear();
+    m_polygons.clear();
+    m_circles.clear();
+    m_particles.clear();
+    for (const ParticlePtr& particle : particles) m_particles.push_back(particle.Get());
+    for (const BodyPtr& body : bodies) {
+        for (const BodyPart& part : body.Get()->GetParts()) {
+            const GeomPtr* const g = &part.geom;
+            CODE_ASSERTION((*g)->GetBody());
+            AssignGeom(body.Get(), g->Get());
+        }
+    }
+}
+
+void Collider::AssignGeom(AbstractBody* body, Geom* geom) {
+    const uint32_t flags = GetFlags(*body, *geom);
+    switch (geom->GetKind()) {
+        case Geom::Kind::POLYGON: {
+            Polygon* const polygon = static_cast<Polygon*>(geom);
+            m_polygons.push_back({body, polygon, polygon->GetWorldBoundingCircle(), flags});
+            break;
+        }
+        case Geom::Kind::CIRCLE: {
+            Circle* const circle = static_cast<Circle*>(geom);
+            m_circles.push_back({body, circle, circle->GetPos(), circle->m_radius, flags});
+            break;
+        }
+        case Geom::Kind::PLANE:
+            m_planes.push_back({body, static_cast<Plane*>(geom), flags});
+            break;
+        case Geom::Kind::OTHER:
+            break;
+    }
+}
+
+uint32_t Collider::GetFlags(const AbstractBody& body, const Geom& geom) {
+    uint32_t flags = geom.m_collideSet & LAYERS;
+    if (body.IsImmovable()) flags |= IMMOVABLE;
+    if (!geom.m_noCollide.empty()) flags |= HAS_NO_COLLIDE;
+    return flags;
+}
+
+inline Geom* Collider::PlaneRec::GetGeom() const {
+    return plane;
+}
+inline Geom* Collider::CircleRec::GetGeom() const {
+    return circle;
+}
+inline Geom* Collider::PolygonRec::GetGeom() const {
+    return polygon;
+}
+
+// The barred partners are asked for of the first geom only; hinges enter both directions.
+template <class RecA, class RecB>
+bool Collider::ShouldCollide(const RecA& a, const RecB& b) {
+    if ((a.flags & b.flags & LAYERS) == 0) return false;
+    if (a.body == b.body) return false;
+    if ((a.flags & b.flags & IMMOVABLE) != 0) return false;
+    return (a.flags & HAS_NO_COLLIDE) == 0 || a.GetGeom()->m_noCollide.count(b.GetGeom()) == 0;
+}
+
+void Collider::MakeContact(ContactPool& out, Geom* geomA, Geom* geomB, uint32_t index, Vec2 point,
+                           Vec2 normal, real penetration) {
+    out.Add(geomA, geomB, index, point, normal, penetration);
+}
+
+// ---- passes --------------------------------------------------------------------------------------------
+
+void Collider::Collide(ContactPool& out) {
+    PROFILE_SECTION("Collider::Collide");
+    FindPairs();
+    CollidePlanes(out);
+    CollideCircles(out);
+    CollidePolygons(out);
+    CollideCirclesWithPolygons(out);
+}
+
+// The boxes are numbered as circles first, then polygons. A contact with a polygon needs a point inside or
+// near its tight box, which is why that box counts here and not the outline's own.
+void Collider::FindPairs() {
+    PROFILE_SECTION("Pairs");
+    m_sweep.Clear();
+    m_sweep.Reserve(m_circles.size() + m_polygons.size());
+    for (const CircleRec& rec : m_circles) AddBox(m_sweep, rec.pos, Vec2(rec.radius, rec.radius));
+    for (const PolygonRec& rec : m_polygons) {
+        const math::OBB2D& box = rec.polygon->GetWorldOBB();
+        AddBox(m_sweep, box.center, GetAlignedHalfSize(box));
+    }
+    m_sweep.FindPairs();
+}
+
+void Collider::CollidePlanes(ContactPool& out) const {
+    PROFILE_SECTION("Plane");
+    for (const PlaneRec& plane : m_planes) {
+        for (const CircleRec& circle : m_circles) PlaneCircle(plane, circle, out);
+    }
+    for (const PlaneRec& plane : m_planes) {
+        for (const PolygonRec& polygon : m_polygons) PlanePolygon(plane, polygon, out);
+    }
+}
+
+void Collider::CollideCircles(ContactPool& out) const {
+    PROFILE_SECTION("CircleCircle");
+    const size_t circles = m_circles.size();
+    for (size_t i = 0; i < circles; ++i) {
+        const uint32_t* const end = m_sweep.PartnersEnd(i);
+        for (const uint32_t* j = m_sweep.PartnersBegin(i); j != end && *j < circles; ++j) {
+            CircleCircle(m_circles[i], m_circles[*j], out);
+        }
+    }
+}
+
+void Collider::CollidePolygons(ContactPool& out) const {
+    PROFILE_SECTION("PolygonPolygon");
+    const size_t circles = m_circles.size();
+    for (size_t i = 0; i < m_polygons.size(); ++i) {
+        const uint32_t* const end = m_sweep.PartnersEnd(circles + i);
+        for (const uint32_t* j = m_sweep.PartnersBegin(circles + i); j != end; ++j) {
+            PolygonPolygon(m_polygons[i], m_polygons[*j - circles], out);
+        }
+    }
+}
+
+void Collider::CollideCirclesWithPolygons(ContactPool& out) const {
+    PROFILE_SECTION("CirclePolygon");
+    const size_t circles = m_circles.size();
+    if (m_polygons.empty()) return;
+    for (size_t i = 0; i < circles; ++i) {
+        // The partners are sorted, so those that are polygons stand at the end.
+        const uint32_t* const begin = m_sweep.PartnersBegin(i);
+        const uint32_t* const end = m_sweep.PartnersEnd(i);
+        const uint32_t* polygon = end;
+        while (polygon != begin && polygon[-1] >= circles) --polygon;
+        for (; polygon != end; ++polygon) CirclePolygon(m_circles[i], m_polygons[*polygon - circles], out);
+    }
+}
+
+// ---- pairs ---------------------------------------------------------------------------------------------
+//
+// Distances come before the filter: they decide more, and from fewer bytes. Comparisons are written so that
+// a NaN makes no contact.
+
+void Collider::PlaneCircle(const PlaneRec& a, const CircleRec& b, ContactPool& out) {
+    const real d = a.plane->Distance(b.pos);
+    if (!(d < b.radius) || !ShouldCollide(a, b)) return;
+    const Vec2 n = a.plane->GetNormal();
+    MakeContact(out, a.plane, b.circle, 0, b.pos - b.radius * n, n, b.radius - d);
+}
+
+void Collider::PlanePolygon(const PlaneRec& a, const PolygonRec& b, ContactPool& out) {
+    if (!(a.plane->Distance(Vec2(b.circle.x, b.circle.y)) <= b.circle.z) || !ShouldCollide(a, b)) return;
+    const math::OBB2D& box = b.polygon->GetWorldOBB();
+    if (!(GetReach(box, a.plane->GetNormal()) >= a.plane->Distance(box.center))) return;
+    const math::Vec2List& vertices = b.polygon->GetWorldVertices();
+    for (size_t i = 0; i < vertices.size(); ++i) {
+        const real s = a.plane->Distance(vertices[i]);
+        if (!(s < 0)) continue;
+        MakeContact(out, a.plane, b.polygon, static_cast<uint32_t>(i), vertices[i], a.plane->GetNormal(), -s);
+    }
+}
+
+// The point lies in the middle of the overlap. Circles at the same place get a zero normal, which pushes
+// nothing: they stay together.
+void Collider::CircleCircle(const CircleRec& a, const CircleRec& b, ContactPool& out) {
+    const Vec2 between = b.pos - a.pos;
+    const real reach = a.radius + b.radius;
+    if (!(math::LengthSquared(between) < reach * reach) || !ShouldCollide(a, b)) return;
+    const real penetration = reach - math::Length(between);
+    const Vec2 n = math::Normalized(between);
+    MakeContact(out, a.circle, b.circle, 0, a.pos + n * (a.radius - penetration / 2), n, penetration);
+}
+
+void Collider::CirclePolygon(const CircleRec& a, const PolygonRec& b, ContactPool& out) {
+    const real d = b.polygon->Distance(a.pos);
+    if (d > a.radius || !ShouldCollide(a, b)) return;
+    if (d < 0) {
+        MakeContact(out, a.circle, b.polygon, CENTER_INSIDE, a.pos, -b.polygon->GetNormal(a.pos),
+                    a.radius - d);
+        return;
+    }
+    CircleOutsidePolygon(a, b, out);
+}
+
+// Edges are numbered from 1, and the vertices after them. A vertex is the end of two edges, so it is left
+// to the second loop; a circle at a corner thus has up to three contacts.
+void Collider::CircleOutsidePolygon(const CircleRec& a, const PolygonRec& b, ContactPool& out) {
+    const Vec2 c = a.pos;
+    const real r = a.radius;
+    const auto touch = [&](uint32_t index, Vec2 q) {
+        const real distSq = math::LengthSquared(q - c);
+        if (!(distSq < r * r)) return;
+        MakeContact(out, a.circle, b.polygon, index, q, math::Normalized(q - c), r - std::sqrt(distSq));
+    };
+    const math::Vec2List& vertices = b.polygon->GetWorldVertices();
+    const real near = r + GetSlack(c, Vec2(r, r));
+    uint32_t index = 0;
+    Vec2 end = vertices.front();
+    for (size_t i = 0; i < vertices.size(); ++i) {
+        ++index;
+        const Vec2 start = end;
+        end = i + 1 < vertices.size() ? vertices[i + 1] : vertices.front();
+        if (c.x - near > std::max(start.x, end.x) || c.x + near < std::min(start.x, end.x)) continue;
+        if (c.y - near > std::max(start.y, end.y) || c.y + near < std::min(start.y, end.y)) continue;
+        const Vec2 q = math::ClosestPointOnSegment(start, end, c);
+        if (q != start && q != end) touch(index, q);
+    }
+    for (const Vec2 v : vertices) touch(++index, v);
+}
+
+void Collider::PolygonPolygon(const PolygonRec& a, const PolygonRec& b, ContactPool& out) {
+    const Vec2 between(b.circle.x - a.circle.x, b.circle.y - a.circle.y);
+    const real reach = a.circle.z + b.circle.z;
+    if (!(math::LengthSquared(between) < reach * reach) || !ShouldCollide(a, b)) return;
+    if (!BoundsOverlap(*a.polygon, *b.polygon)) return;
+    VerticesInside(a.polygon, b.polygon, out);
+    VerticesInside(b.polygon, a.polygon, out);
+}
+
+// The polygon that a vertex is found in is the contact's first geom, whichever of the two comes first in
+// the list: so a contact keeps its roles, and its cached impulses their meaning. Vertices are numbered from
+// 1; vertices of either polygon with equal numbers make equal IDs, of which the cache keeps the later.
+void Collider::VerticesInside(Polygon* owner, Polygon* other, ContactPool& out) {
+    uint32_t index = 0;
+    for (const Vec2 v : owner->GetWorldVertices()) {
+        ++index;
+        const real s = other->Distance(v);
+        if (!(s < 0)) continue;
+        MakeContact(out, other, owner, index, v, other->Polygon::GetNormal(v), -s);
+    }
+}
+
+}  // namespace physics
