@@ -60,8 +60,12 @@ Polygon::Polygon(const Vec2List& outline) : Geom(Kind::POLYGON), m_vertices(Drop
     if (m_vertices.size() < 3) THROW(BadDataException, "Bad polygon");
     if (m_vertices.size() > MAX_VERTICES) ThrowTooManyVertices();
     const Vec2 centroid = CalcAttribs();
+    const bool sound = m_area > 0 && m_inertiaSansMass > 0;
+    if (!std::isfinite(centroid.x) || !std::isfinite(centroid.y)) THROW(BadDataException, "Bad polygon");
     BuildLines();
     CheckSelfIntersection();
+    // Asked last, since the loops of a figure of eight may cancel out and it deserves its own message.
+    if (!sound || !std::isfinite(m_inertiaSansMass)) THROW(BadDataException, "Bad polygon");
     m_obb = OBB2D::BuildBest(m_vertices.data(), m_vertices.size());
     m_boundingCircle = CalcBoundingCircle(m_vertices);
     m_map = new DistanceMap(m_lines, m_obb);
@@ -79,7 +83,8 @@ Polygon::~Polygon() noexcept(false) = default;
 // The sums for A and C run in double and relative to the first vertex: far from the world's origin the
 // products of float coordinates would leave no digits for the shape itself.
 //
-// Makes the vertices counter-clockwise and relative to the centroid, which it returns.
+// Makes the vertices counter-clockwise and relative to the centroid, which it returns. Without area there is
+// none, and the first vertex takes its place.
 Vec2 Polygon::CalcAttribs() {
     using Vec2d = math::TVector2<double>;
     const size_t n = m_vertices.size();
@@ -95,7 +100,7 @@ Vec2 Polygon::CalcAttribs() {
         area += math::Cross(a, b) / 2;
         moment += (a + b) * math::Cross(a, b);
     }
-    const Vec2d center = moment / (6 * area);
+    const Vec2d center = area != 0 ? moment / (6 * area) : Vec2d();
     for (size_t i = 0; i < n; ++i) {
         const Vec2d local = relative(i) - center;
         m_vertices[i] = Vec2(static_cast<real>(local.x), static_cast<real>(local.y));
@@ -109,13 +114,9 @@ Vec2 Polygon::CalcAttribs() {
         const Vec2d a(u.x, u.y), b(v.x, v.y);
         inertia += math::Cross(a, b) * (math::Dot(a, a) + math::Dot(a, b) + math::Dot(b, b));
     }
-    m_inertiaSansMass = static_cast<real>(inertia / (12 * std::fabs(area)));
+    m_inertiaSansMass = area != 0 ? static_cast<real>(inertia / (12 * std::fabs(area))) : 0;
     DATA_CHECK(m_inertiaSansMass > 0);
-    const Vec2 centroid(static_cast<real>(first.x + center.x), static_cast<real>(first.y + center.y));
-    const bool finite = std::isfinite(centroid.x) && std::isfinite(centroid.y) && std::isfinite(m_area) &&
-                        std::isfinite(m_inertiaSansMass);
-    if (!finite || !(m_area > 0) || !(m_inertiaSansMass > 0)) THROW(BadDataException, "Bad polygon");
-    return centroid;
+    return {static_cast<real>(first.x + center.x), static_cast<real>(first.y + center.y)};
 }
 
 void Polygon::BuildLines() {

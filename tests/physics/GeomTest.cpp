@@ -1,0 +1,98 @@
+#include "physics/Geom.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "Shapes.h"
+
+namespace physics {
+namespace {
+
+using math::RigidTransform;
+using math::Vec2;
+
+constexpr float INF = std::numeric_limits<float>::infinity();
+
+TEST(Circle, AnswersAboutItsSurface) {
+    const CirclePtr circle = new Circle(2, {1, 1});
+    EXPECT_FLOAT_EQ(circle->GetDistance({1, 5}), 2);
+    EXPECT_FLOAT_EQ(circle->GetDistance({1, 1}), -2);
+    EXPECT_EQ(circle->GetNormal({1, 5}), Vec2(0, 1));
+    EXPECT_EQ(circle->GetNormal({1, 1}), Vec2());
+    EXPECT_EQ(circle->GetClosestPoint({1, 5}), Vec2(1, 3));
+    EXPECT_EQ(circle->GetClosestPoint({1, 1}), Vec2(3, 1));
+    EXPECT_FLOAT_EQ(circle->GetArea(), 4 * math::PI);
+    EXPECT_FLOAT_EQ(circle->GetInertiaSansMass(), 2);
+    EXPECT_EQ(circle->GetBoundingBox(), math::BoundingBox2f({-1, -1}, {3, 3}));
+    EXPECT_EQ(circle->GetOBB().center, Vec2(1, 1));
+    EXPECT_EQ(circle->GetOBB().halfSize, Vec2(2, 2));
+    EXPECT_EQ(circle->GetBoundingCircle(), math::Vec3(1, 1, 2));
+}
+
+TEST(Plane, MovesWithItsTransform) {
+    const PlanePtr plane = new Plane({0, 1}, 0);
+    plane->SetTransform(RigidTransform(math::PI / 2, Vec2(5, 3)));
+    // The free side, once up, is now to the left of x = 5.
+    EXPECT_NEAR(plane->GetDistance({3, 100}), 2, 1e-4f);
+    EXPECT_NEAR(plane->GetDistance({6, -7}), -1, 1e-5f);
+    EXPECT_NEAR(plane->GetNormal({0, 0}).x, -1, 1e-6f);
+    const Vec2 closest = plane->GetClosestPoint({3, 1});
+    EXPECT_NEAR(closest.x, 5, 1e-5f);
+    EXPECT_NEAR(closest.y, 1, 1e-5f);
+}
+
+TEST(Plane, IsEndless) {
+    const PlanePtr plane = new Plane({0, 1}, 0);
+    EXPECT_EQ(plane->GetArea(), INF);
+    EXPECT_EQ(plane->GetInertiaSansMass(), INF);
+    EXPECT_EQ(plane->GetBoundingBox(), math::BoundingBox2f({-INF, -INF}, {INF, INF}));
+    EXPECT_EQ(plane->GetBoundingCircle(), math::Vec3(0, 0, INF));
+    EXPECT_EQ(plane->GetOBB().halfSize, Vec2(INF, INF));
+}
+
+TEST(WorldGeom, IsEverywhereAndEmpty) {
+    const WorldGeomPtr world = new WorldGeom;
+    EXPECT_EQ(world->GetDistance({1e6f, 0}), -1);
+    EXPECT_EQ(world->GetNormal({1, 2}), Vec2());
+    EXPECT_EQ(world->GetClosestPoint({1, 2}), Vec2(1, 2));
+    EXPECT_EQ(world->GetBoundingBox(), math::BoundingBox2f());
+    EXPECT_EQ(world->GetBoundingCircle(), math::Vec3(0, 0, -INF));
+    EXPECT_EQ(world->GetOBB().halfSize, Vec2(-INF, -INF));
+    EXPECT_EQ(world->GetArea(), INF);
+}
+
+TEST(Geom, CopyKeepsShapePlaceAndSurfaceOnly) {
+    const CirclePtr circle = new Circle(2, {1, 1});
+    const BodyPtr body = new Body(circle);
+    circle->m_density = 7;
+    circle->m_friction = 0.1f;
+    circle->m_restitution = 0.2f;
+    circle->m_collideWater = false;
+    circle->m_collideSet = 6;
+    circle->m_noCollide.insert(circle.Get());
+    const CirclePtr copy = new Circle(*circle);
+    EXPECT_GT(copy->GetID(), circle->GetID());
+    EXPECT_EQ(copy->GetBodyPtr(), nullptr);
+    EXPECT_TRUE(copy->m_noCollide.empty());
+    EXPECT_EQ(copy->m_radius, 2);
+    EXPECT_EQ(copy->GetPos(), Vec2(1, 1));
+    EXPECT_EQ(copy->m_density, 7);
+    EXPECT_EQ(copy->m_friction, 0.1f);
+    EXPECT_EQ(copy->m_restitution, 0.2f);
+    EXPECT_FALSE(copy->m_collideWater);
+    EXPECT_EQ(copy->m_collideSet, 6u);
+    body->SetGeoms(GeomSet());
+}
+
+TEST(Geom, InverseTransformUndoesTheTransform) {
+    const CirclePtr circle = new Circle(1);
+    circle->SetTransform(RigidTransform(0.7f, Vec2(3, -2)));
+    const Vec2 back = circle->GetInvTransform()(circle->GetTransform()(Vec2(0.3f, 0.4f)));
+    EXPECT_NEAR(back.x, 0.3f, 1e-6f);
+    EXPECT_NEAR(back.y, 0.4f, 1e-6f);
+    EXPECT_EQ(circle->GetPos(), Vec2(3, -2));
+}
+
+}  // namespace
+}  // namespace physics

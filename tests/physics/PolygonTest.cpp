@@ -1,0 +1,275 @@
+#include "physics/Polygon.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+
+#include "Shapes.h"
+#include "math/Geometry.h"
+#include "support/LogCapture.h"
+#include "util/Exception.h"
+
+namespace physics {
+namespace {
+
+using math::Vec2;
+using math::Vec2List;
+
+constexpr float INF = std::numeric_limits<float>::infinity();
+constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
+
+const Vec2List SQUARE = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
+// Open to the upper right.
+const Vec2List L_SHAPE = {{0, 0}, {2, 0}, {2, 1}, {1, 1}, {1, 2}, {0, 2}};
+
+TEST(Polygon, MassPropertiesFollowTheFormulas) {
+    const float w = 3, h = 0.5f, angle = 0.7f;
+    const PolygonPtr box = new Polygon(test::MakeRectangle(w, h, angle, {5, -2}));
+    EXPECT_NEAR(box->GetArea(), w * h, 1e-5f);
+    EXPECT_NEAR(box->GetInertiaSansMass(), (w * w + h * h) / 12, 1e-5f);
+    EXPECT_NEAR(box->GetPos().x, 5, 1e-5f);
+    EXPECT_NEAR(box->GetPos().y, -2, 1e-5f);
+
+    // Three unit squares; their centroid and, by Steiner, their inertia.
+    const PolygonPtr ell = new Polygon(L_SHAPE);
+    EXPECT_FLOAT_EQ(ell->GetArea(), 3);
+    EXPECT_NEAR(ell->GetPos().x, 5.0f / 6, 1e-6f);
+    EXPECT_NEAR(ell->GetPos().y, 5.0f / 6, 1e-6f);
+    const float steiner = (2.0f / 9 + 5.0f / 9 + 5.0f / 9) / 3;
+    EXPECT_NEAR(ell->GetInertiaSansMass(), 1.0f / 6 + steiner, 1e-5f);
+}
+
+TEST(Polygon, FarFromTheOriginIsTheSameShape) {
+    for (const float distance : {10.0f, 100.0f, 300.0f, 900.0f}) {
+        const Vec2 center(distance, -distance);
+        const Vec2List outline = test::MakeRectangle(0.1f, 0.1f, 0, center);
+        const PolygonPtr box = new Polygon(outline);
+        EXPECT_NEAR(box->GetPos().x, center.x, 1e-3f);
+        EXPECT_NEAR(box->GetPos().y, center.y, 1e-3f);
+        EXPECT_NEAR(box->GetArea(), 0.01f, 0.01f * 0.005f);
+        EXPECT_NEAR(box->GetInertiaSansMass(), 0.02f / 12, 0.02f / 12 * 0.01f);
+        for (const Vec2 v : outline) {
+            const Vec2 closest = box->GetClosestPoint(v);
+            EXPECT_LT(math::Length(closest - v), 2e-4f);
+        }
+    }
+}
+
+TEST(Polygon, StoredCounterClockwiseAboutItsCentroid) {
+    for (const bool reversed : {false, true}) {
+        Vec2List outline = SQUARE;
+        if (reversed) std::reverse(outline.begin(), outline.end());
+        const PolygonPtr square = new Polygon(outline);
+        float doubleArea = 0;
+        for (const Line& line : square->GetLines()) doubleArea += math::Cross(line.start, line.end);
+        EXPECT_FLOAT_EQ(doubleArea, 2);
+        EXPECT_FLOAT_EQ(square->GetArea(), 1);
+        EXPECT_EQ(square->GetPos(), Vec2(0.5f, 0.5f));
+        EXPECT_LT(square->GetDistance({0.5f, 0.5f}), -0.45f);
+    }
+}
+
+TEST(Polygon, DropsRepeatedAndClosingVertices) {
+    const PolygonPtr square = new Polygon({{0, 0}, {1, 0}, {1, 0}, {1, 1}, {0, 1}, {0, 0}, {0, 0}});
+    EXPECT_EQ(square->GetVertices().size(), 4u);
+    EXPECT_EQ(square->GetLines().size(), 4u);
+}
+
+String GetFailure(const Vec2List& outline) {
+    try {
+        const PolygonPtr polygon = new Polygon(outline);
+    } catch (const BadDataException& e) {
+        return e.GetText();
+    }
+    return "none";
+}
+
+TEST(Polygon, RefusesWhatIsNoPolygon) {
+    const struct {
+        const char* failure;
+        Vec2List outline;
+    } cases[] = {
+        {"Bad polygon", {}},
+        {"Bad polygon", {{0, 0}, {1, 0}}},
+        {"Bad polygon", {{0, 0}, {1, 0}, {1, 0}, {0, 0}}},
+        {"Bad polygon", {{0, 0}, {1, 0}, {2, 0}}},
+        {"Bad polygon", {{3, 3}, {3, 3}, {3, 3}, {3, 3}}},
+        {"Bad polygon", {{0, 0}, {1, 0}, {1, INF}}},
+        {"Bad polygon", {{0, 0}, {1, 0}, {1, NOT_A_NUMBER}}},
+        {"Bad polygon", {{0, 0}, {3e38f, 0}, {0, 3e38f}}},
+        {"Self-intersecting polygon", {{0, 0}, {2, 2}, {2, 0}, {0, 1}}},
+        {"Self-intersecting polygon", {{0, 0}, {1, 1}, {1, 0}, {0, 1}}},
+        {"Self-intersecting polygon", {{0, 0}, {4, 0}, {4, 4}, {2, -1}, {0, 4}}},
+        {"Too many vertices", test::MakeRectangle(1, 1, 0, {0, 0})},
+        {"none", SQUARE},
+    };
+    for (const auto& c : cases) {
+        Vec2List outline = c.outline;
+        if (String(c.failure) == "Too many vertices") {
+            test::Random random(1);
+            outline = test::MakeStar(random, 20001, 100, {0, 0});
+        }
+        EXPECT_EQ(GetFailure(outline), c.failure);
+    }
+}
+
+TEST(Polygon, ReportsAnOutlineWithoutArea) {
+    test::LogCapture log;
+    EXPECT_EQ(GetFailure({{0, 0}, {1, 1}, {2, 2}}), "Bad polygon");
+    EXPECT_TRUE(log.Contains("m_inertiaSansMass > 0"));
+}
+
+// Points put into slanted sides are collinear but for rounding, and must not be taken for crossings.
+TEST(Polygon, AcceptsSlantedSidesWithManyPoints) {
+    test::Random random(3);
+    for (int i = 0; i < 60; ++i) {
+        const float size = test::Uniform(random, 1, 60);
+        const Vec2List corners = test::MakeRectangle(size, size / 2, test::Uniform(random, 0, 6), {-7, 30});
+        EXPECT_EQ(GetFailure(AssertMaxDist(corners, size / 15)), "none");
+    }
+}
+
+TEST(Polygon, FollowsItsTransform) {
+    const PolygonPtr ell = new Polygon(L_SHAPE);
+    const math::RigidTransform transform(2.1f, Vec2(-4, 9));
+    ell->SetTransform(transform);
+    const math::BoundingBox2f box = ell->GetBoundingBox();
+    for (size_t i = 0; i < ell->GetVertices().size(); ++i) {
+        const Vec2 v = ell->GetWorldVertices()[i];
+        EXPECT_EQ(v, transform(ell->GetVertices()[i]));
+        EXPECT_EQ(ell->GetWorldLines()[i].start, v);
+        EXPECT_TRUE(box.Contains(v));
+        const math::Vec3 circle = ell->GetBoundingCircle();
+        EXPECT_LE(math::Length(v - Vec2(circle.x, circle.y)), circle.z * 1.00001f);
+        for (const Vec2 axis : {ell->GetOBB().axis[0], ell->GetOBB().axis[1]}) {
+            EXPECT_LE(std::fabs(math::Dot(axis, v - ell->GetOBB().center)),
+                      GetReach(ell->GetOBB(), axis) + 1e-5f);
+        }
+    }
+    const Vec2List before = ell->GetWorldVertices();
+    ell->SetTransform(math::RigidTransform(0, Vec2(1, 1)));
+    EXPECT_NE(ell->GetWorldLines()[0].start, before[0]);
+}
+
+TEST(Polygon, DistanceIsABoundOutsideTheBoxAndTheMapInside) {
+    const PolygonPtr square = new Polygon(SQUARE);
+    EXPECT_NEAR(square->GetDistance({3, 0.5f}), 2, 1e-5f);
+    EXPECT_NEAR(square->GetDistance({0.5f, -1}), 1, 1e-5f);
+    EXPECT_NEAR(square->GetDistance({4, 5}), 5, 1e-5f);
+    EXPECT_NEAR(square->GetDistance({0.5f, 0.9f}), -0.1f, 0.004f);
+    EXPECT_EQ(square->GetNormal({1.01f, 0.5f}), Vec2());
+    EXPECT_NEAR(square->GetNormal({0.95f, 0.5f}).x, 1, 0.01f);
+}
+
+TEST(Polygon, NotchOfAnLIsFreeSpace) {
+    const PolygonPtr ell = new Polygon(L_SHAPE);
+    const Vec2 notch(1.2f, 1.2f);
+    EXPECT_GT(ell->GetDistance(notch), 0.1f);
+    const Vec2 normal = ell->GetNormal(notch);
+    EXPECT_GT(normal.x + normal.y, 0.9f);
+}
+
+TEST(Polygon, NumbersThatAreNoneAreOutside) {
+    const PolygonPtr square = new Polygon(SQUARE);
+    EXPECT_FALSE(square->GetDistance({NOT_A_NUMBER, 0.5f}) < 0);
+    square->SetTransform(math::RigidTransform(NOT_A_NUMBER, 0, NOT_A_NUMBER, 0));
+    EXPECT_FALSE(square->GetDistance({0.5f, 0.5f}) < 0);
+}
+
+TEST(Polygon, ClosestPointIsTheFirstOfEquals) {
+    const PolygonPtr square = new Polygon(SQUARE);
+    EXPECT_EQ(square->GetClosestPoint({0.5f, 3}), Vec2(0.5f, 1));
+    EXPECT_EQ(square->GetClosestPoint({2, 2}), Vec2(1, 1));
+    EXPECT_EQ(square->GetClosestPoint({0.5f, 0.5f}), Vec2(0.5f, 0)) << "the edge that starts first";
+}
+
+TEST(Polygon, EnclosesWhatLiesWhollyInside) {
+    const PolygonPtr big = MakeBoxPolygon(0, 0, 10, 10), small = MakeBoxPolygon(4, 4, 5, 5);
+    const PolygonPtr crossing = MakeBoxPolygon(9, 4, 11, 5), apart = MakeBoxPolygon(20, 0, 21, 1);
+    EXPECT_TRUE(big->Encloses(*small));
+    EXPECT_FALSE(small->Encloses(*big));
+    EXPECT_FALSE(big->Encloses(*crossing));
+    EXPECT_FALSE(big->Encloses(*apart));
+}
+
+TEST(Polygon, CountsCrossingsOfAStroke) {
+    const PolygonPtr ell = new Polygon(L_SHAPE);
+    LineList stroke;
+    stroke.push_back({{-1, 1.5f}, {3, 1.5f}});
+    EXPECT_EQ(ell->CountIntersections(stroke), 2u);
+    stroke.push_back({{0.5f, 0.5f}, {0.5f, -3}});
+    EXPECT_EQ(ell->CountIntersections(stroke), 3u);
+    EXPECT_EQ(ell->CountIntersections(LineList()), 0u);
+}
+
+TEST(Polygon, CopySharesTheMapAndMovesByItself) {
+    const PolygonPtr square = new Polygon(SQUARE), copy = new Polygon(*square);
+    copy->SetTransform(math::RigidTransform(0, Vec2(10, 10)));
+    EXPECT_EQ(&copy->GetDistMap(), &square->GetDistMap());
+    EXPECT_LT(copy->GetDistance({10, 10}), 0);
+    EXPECT_LT(square->GetDistance({0.5f, 0.5f}), 0);
+}
+
+// Apart and near along each of the four axes in turn.
+TEST(BoxesOverlap, LooksAlongAllAxes) {
+    math::OBB2D a;
+    a.halfSize = {2, 1};
+    for (const float angle : {0.0f, 0.5f, 1.3f}) {
+        math::OBB2D b = a;
+        b.axis[0] = {std::cos(angle), std::sin(angle)};
+        b.axis[1] = math::Perpendicular(b.axis[0]);
+        for (const Vec2 axis : {a.axis[0], a.axis[1], b.axis[0], b.axis[1]}) {
+            const float touch = GetReach(a, axis) + GetReach(b, axis);
+            b.center = axis * (touch * 1.001f);
+            EXPECT_FALSE(BoxesOverlap(a, b));
+            b.center = axis * (touch * 0.5f);
+            EXPECT_TRUE(BoxesOverlap(a, b));
+            EXPECT_TRUE(BoxesOverlap(b, a));
+        }
+    }
+    math::OBB2D beside = a;
+    beside.center = {4, 0};
+    EXPECT_TRUE(BoxesOverlap(a, beside)) << "touching counts";
+}
+
+TEST(BoundsOverlap, CirclesThatTouchAreApart) {
+    const PolygonPtr a = MakeBoxPolygon(0, 0, 1, 1), b = MakeBoxPolygon(0.5f, 0.5f, 1.5f, 1.5f);
+    EXPECT_TRUE(BoundsOverlap(*a, *b));
+    const float apart = 2 * a->GetBoundingCircle().z;
+    b->SetTransform(math::RigidTransform(0, a->GetPos() + Vec2(apart, 0)));
+    EXPECT_FALSE(BoundsOverlap(*a, *b));
+}
+
+TEST(AssertMaxDist, PutsPointsIntoLongEdges) {
+    const Vec2List split = AssertMaxDist(SQUARE, 0.4f);
+    EXPECT_EQ(split.size(), 12u);
+    EXPECT_EQ(split[0], Vec2(0, 0));
+    EXPECT_NEAR(split[1].x, 1.0f / 3, 1e-6f);
+    EXPECT_EQ(split[3], Vec2(1, 0));
+    for (size_t i = 0; i < split.size(); ++i) {
+        EXPECT_LE(math::Length(split[(i + 1) % split.size()] - split[i]), 0.4f);
+    }
+    EXPECT_EQ(AssertMaxDist({{0, 0}, {1, 0}, {1, 0}, {1, 1}}, 5).size(), 3u);
+    EXPECT_TRUE(AssertMaxDist({}, 1).empty());
+}
+
+TEST(AssertMaxDist, RefusesWhatWouldNotEnd) {
+    EXPECT_THROW(AssertMaxDist(SQUARE, 0), BadDataException);
+    EXPECT_THROW(AssertMaxDist(SQUARE, NOT_A_NUMBER), BadDataException);
+    EXPECT_THROW(AssertMaxDist(SQUARE, 1e-9f), BadDataException);
+    EXPECT_THROW(AssertMaxDist({{0, 0}, {INF, 0}, {1, 1}}, 1), BadDataException);
+}
+
+TEST(MakeBoxPolygon, HasPointsBesideItsCorners) {
+    const PolygonPtr box = MakeBoxPolygon(0, 0, 4, 2);
+    ASSERT_EQ(box->GetVertices().size(), 16u);
+    const Vec2 expected[] = {{0, 0}, {0.125f, 0}, {2, 0}, {3.875f, 0}, {4, 0}, {4, 0.0625f}};
+    for (size_t i = 0; i < std::size(expected); ++i) EXPECT_EQ(box->GetWorldVertices()[i], expected[i]);
+    EXPECT_FLOAT_EQ(box->GetArea(), 8);
+    EXPECT_FLOAT_EQ(box->GetInertiaSansMass(), (16.0f + 4) / 12);
+    EXPECT_THROW(MakeBoxPolygon(1, 0, 1, 5), BadDataException);
+}
+
+}  // namespace
+}  // namespace physics
