@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "math/Vector.h"
 #include "physics/Fwd.h"
 #include "util/Pointee.h"
@@ -28,7 +30,8 @@ class Constraint : public util::Pointee {
     math::real m_warmFactor = 1;                     // multiplies the warm start; read by hinges only
     AbstractBody* m_bodies[2] = {nullptr, nullptr};  // not owned; both ends, valid during the step
     math::Vec2 m_r[2];                               // m, from each body's position to the attachment point
-    math::real m_residual = 0;                       // N^2 s^2, squared size of the pending impulse
+    math::real m_residual = 0;                       // squared size of the pending impulse
+    uint32_t m_place = 0;                            // in the list of the prioritised solve
 
   protected:
     // The solve is pointless without two bodies or without a movable one.

@@ -14,7 +14,7 @@ namespace physics {
 // A contact without a predecessor (m_new) is an impact: it answers the approach speed by restitution and
 // has no position term. Only from its second step on does it behave as a stiff damped spring that rests at
 // s_targetPenetration of overlap. The equations stand in Contact.cpp.
-class Contact : public Constraint {
+class Contact final : public Constraint {
   public:
     // `normal` is a unit vector from A to B, `point` lies in the world, `penetration` is positive. Both
     // geoms must have bodies.
@@ -59,7 +59,12 @@ class Contact : public Constraint {
     static math::real s_contactEps;             // 1/kg, softness added to the diagonal
     static math::real s_targetPenetration;      // m
     static math::real s_maxPositionCorrection;  // m, upper bound of the position error
-    static math::real s_warmStartFactor;        // share of the old impulses to start from; below 0: none
+    static bool s_warmStart;                    // start from the impulses of the last step
+    static math::real s_warmStartFactor;        // the share of them
+
+  private:
+    void CalcMasses();
+    void WarmStart();
 };
 
 }  // namespace physics

@@ -29,7 +29,8 @@ class ContactCache {
         uint32_t hash;
     };
 
-    uint32_t FirstSlot(uint32_t hash) const { return hash & m_mask; }
+    uint32_t FirstSlot(uint32_t hash) const { return (hash ^ (hash >> 15)) & m_mask; }
+    bool IsIn(const Slot& slot, const ContactID& id) const;
     void Resize(size_t contacts);
 
     const ContactPool* m_contacts = nullptr;

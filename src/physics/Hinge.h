@@ -12,7 +12,7 @@ namespace physics {
 //
 // The first geom ought to be the driven one: the motor's speed is that of geom 1 against geom 0. The bodies
 // are taken from the geoms anew at each step, so geoms may change bodies under a hinge.
-class Hinge : public Constraint {
+class Hinge final : public Constraint {
   public:
     Hinge(GeomPtr geom0, GeomPtr geom1, math::Vec2 point);                        // point in the world
     Hinge(GeomPtr geom0, GeomPtr geom1, math::Vec2 anchor0, math::Vec2 anchor1);  // in each geom's frame
@@ -44,12 +44,12 @@ class Hinge : public Constraint {
     void SolveApply() override;
     void SolveExit() override {}
 
-    // SolveCalc and SolveApply on any record with a body's velocity changes and inverse masses; the
-    // solver's packed sweeps use them with their own.
-    template <class BodyState>
-    void Calc(const BodyState& b0, const BodyState& b1);
-    template <class BodyState>
-    void Apply(BodyState& b0, BodyState& b1);
+    // SolveCalc and SolveApply on any record with a body's velocity changes and inverse masses, so that the
+    // solver's packed sweeps can use their own. Defined in HingeSolve.h.
+    template <class B>
+    void Calc(const B& b0, const B& b1);
+    template <class B>
+    void Apply(B& b0, B& b1);
 
     // Constants of the step, set at the start of each solve.
     static math::real s_hingeDist;              // 1/s, weight of the position error
@@ -58,9 +58,12 @@ class Hinge : public Constraint {
     static math::real s_hingeEps;               // 1/kg, softness added to the diagonal
     static math::real s_timeDelta;              // s
     static math::real s_maxPositionCorrection;  // m, upper bound of the error's length
-    static math::real s_warmStartFactor;        // share of the old impulses to start from; below 0: none
+    static bool s_warmStart;                    // start from the impulses of the last step
+    static math::real s_warmStartFactor;        // the share of them
 
   private:
+    void PreparePoint();
+    void CalcEffectiveMass();
     void PrepareMotor();
     void WarmStart();
 

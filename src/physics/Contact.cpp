@@ -1,0 +1,137 @@
+// The rows of a contact.
+//
+// Letters: n unit normal from body 0 to body 1, t the tangent, r0, r1 the arms from the bodies' positions to
+// the point, W and I a body's inverse mass and inertia (0 while it cannot move), F and T its force and
+// torque. Relative values are body 1 less body 0:
+//   u = velocity at the point, a = acceleration (W F, turned by I T) at the point.
+// Effective masses:
+//   1/m(n) = W0 + W1 + I0 (r0 x n)^2 + I1 (r1 x n)^2,  soft: 1 / (1/m + eps).
+//
+// A persisting contact is a very stiff damped spring, integrated over one step (the constants stand in
+// ConstraintSolver.cpp), with e the way to the depth it rests at:
+//   e = min(maxPositionCorrection, targetPenetration - penetration)
+//   normalTarget  = -m(n) (acc (a . n) + dist e + vel (u . n))
+//   tangentTarget = -m(t) (acc (a . t) + vel (u . t))
+// e is negative when too deep, so the bound never slows the way out; and positive when shallower, so that
+// the contact settles at targetPenetration. The softness enters the mass only, not as eps times impulse: it
+// slows the approach to the fixed point and does not move it.
+//
+// A new contact is an impact with the exact masses:
+//   normalTarget = -m(n) (1 + restitution) (u . n).
+
+#include "physics/Contact.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "physics/Body.h"
+#include "physics/ContactRow.h"
+#include "physics/Geom.h"
+#include "physics/PointMotion.h"
+
+namespace physics {
+
+math::real Contact::s_contactDist = 0;
+math::real Contact::s_contactVel = 0;
+math::real Contact::s_contactAcc = 0;
+math::real Contact::s_contactEps = 0;
+math::real Contact::s_targetPenetration = 0;
+math::real Contact::s_maxPositionCorrection = 0;
+bool Contact::s_warmStart = false;
+math::real Contact::s_warmStartFactor = 0;
+
+// Friction and restitution of a pair. A negative product (a user's number) counts as 0: its root would be
+// a NaN in every velocity.
+static math::real GeometricMean(math::real a, math::real b) {
+    return std::sqrt(std::max(a * b, 0.0f));
+}
+
+Contact::Contact(Geom* geomA, Geom* geomB, uint32_t index, math::Vec2 point, math::Vec2 normal,
+                 math::real penetration) {
+    Reset(geomA, geomB, index, point, normal, penetration);
+}
+
+void Contact::Reset(Geom* geomA, Geom* geomB, uint32_t index, math::Vec2 point, math::Vec2 normal,
+                    math::real penetration) {
+    m_id = ContactID(geomA->GetID(), geomB->GetID(), index);
+    m_bodies[0] = geomA->GetBodyPtr();
+    m_bodies[1] = geomB->GetBodyPtr();
+    m_friction = GeometricMean(geomA->m_friction, geomB->m_friction);
+    m_restitution = GeometricMean(geomA->m_restitution, geomB->m_restitution);
+    m_point = point;
+    m_normal = normal;
+    m_tangent = math::Perpendicular(normal);
+    m_penetration = penetration;
+    m_r[0] = point - m_bodies[0]->m_pos;
+    m_r[1] = point - m_bodies[1]->m_pos;
+    m_new = true;
+    m_normalImpulse = m_tangentImpulse = 0;
+    m_normalDelta = m_tangentDelta = 0;
+    m_residual = 0;
+    m_distFactor = m_warmFactor = 1;
+    CalcMasses();
+}
+
+void Contact::CalcMasses() {
+    const AbstractBody& b0 = *m_bodies[0];
+    const AbstractBody& b1 = *m_bodies[1];
+    m_normalMass = 1 / InverseEffectiveMass(b0, b1, m_r[0], m_r[1], m_normal);
+    m_tangentMass = 1 / InverseEffectiveMass(b0, b1, m_r[0], m_r[1], m_tangent);
+    // eps is that of the last solve: contacts are found before the step's constants are set.
+    m_softNormalMass = 1 / (1 / m_normalMass + s_contactEps);
+    m_softTangentMass = 1 / (1 / m_tangentMass + s_contactEps);
+    m_useNormalMass = m_normalMass;
+    m_useTangentMass = m_tangentMass;
+}
+
+bool Contact::SolveInit() {
+    if (!HasMovableBody()) return false;
+    const AbstractBody& b0 = *m_bodies[0];
+    const AbstractBody& b1 = *m_bodies[1];
+    const math::Vec2 u = VelocityAt(b1.m_vel, b1.m_angVel, m_point - b1.m_pos) -
+                         VelocityAt(b0.m_vel, b0.m_angVel, m_point - b0.m_pos);
+    const math::Vec2 a = AccelerationAt(b1, m_r[1]) - AccelerationAt(b0, m_r[0]);
+    m_relVel = u;
+
+    math::real g;
+    if (m_new) {
+        g = math::Dot(u, m_normal) * (m_restitution + 1);
+    } else {
+        m_useNormalMass = m_softNormalMass;
+        m_useTangentMass = m_softTangentMass;
+        const math::real e = std::min(s_maxPositionCorrection, s_targetPenetration - m_penetration);
+        g = math::Dot(a, m_normal) * s_contactAcc + s_contactDist * e * m_distFactor +
+            math::Dot(u, m_normal) * s_contactVel;
+    }
+    m_normalTarget = -m_useNormalMass * g;
+    m_tangentTarget =
+        -m_useTangentMass * (math::Dot(a, m_tangent) * s_contactAcc + math::Dot(u, m_tangent) * s_contactVel);
+    WarmStart();
+    return true;
+}
+
+void Contact::WarmStart() {
+    if (m_new || !s_warmStart) {
+        m_normalImpulse = m_tangentImpulse = 0;
+        return;
+    }
+    m_normalImpulse *= s_warmStartFactor;
+    m_tangentImpulse *= s_warmStartFactor;
+    ApplyImpulse(m_normal * m_normalImpulse + m_tangent * m_tangentImpulse);
+}
+
+void Contact::SolveCalc() {
+    const math::Vec2 c = DeltaVelocityAt(*m_bodies[1], m_r[1]) - DeltaVelocityAt(*m_bodies[0], m_r[0]);
+    const ContactDelta delta = SolveContactRows(*this, c);
+    m_normalDelta = delta.normal;
+    m_tangentDelta = delta.tangent;
+    m_residual = m_tangentDelta * m_tangentDelta + m_normalDelta * m_normalDelta;
+}
+
+void Contact::SolveApply() {
+    ApplyImpulse(m_normal * m_normalDelta + m_tangent * m_tangentDelta);
+    m_normalImpulse += m_normalDelta;
+    m_tangentImpulse += m_tangentDelta;
+}
+
+}  // namespace physics
