@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "math/Vector.h"
+#include "physics/CollisionDetection.h"
 #include "physics/ConstraintSolver.h"
 #include "physics/ContactCache.h"
 #include "physics/ContactPool.h"
@@ -106,14 +107,23 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     const script::AttribPtr<float> m_maxPositionCorrection;  // m
 
   private:
+    struct Air;
+
     void MakeWorldBody();
     void PayTimeDebt(double dt);
     void WriteStats();
 
     void RebuildAllBodies();
     void CalcForces();
+    static math::real CalcDrag(const Air& air, math::real width, math::real speed, math::real mass);
+    static void AddBodyForces(Body& body, const Air& air);
+    void AddParticleForces(const Air& air);
     void CalcContacts();
+    void FindContacts();
+    void UpdateCache();
+    void MatchCache();
     void RunSolver();
+    void Integrate(math::real h);
     void IntegrateVelocity(math::real dt);
     void IntegratePosition(math::real dt);
     void ClearForces();
@@ -131,8 +141,9 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     HingeSet m_hinges;
     ParticleList m_particles;
     AbstractBodyList m_allBodies;  // bodies, then particles; rebuilt at each step
-    ContactPool m_contacts;        // this step's
-    ContactPool m_lastContacts;    // the previous step's, which the cache looks up
+    Collider m_collider;
+    ContactPool m_contacts;      // this step's
+    ContactPool m_lastContacts;  // the previous step's, which the cache looks up
     ContactCache m_contactCache;
     ConstraintSolver m_solver;
     uint32_t m_cacheHits = 0;       // contacts matched in this step

@@ -1,0 +1,99 @@
+// The spring.
+//
+// Letters: a, b the anchors in the world, n the unit vector from a to b, A0, A1 the anchors in their geoms'
+// frames, W and I a body's inverse mass and inertia, k the stiffness, L the length, u the velocity of b less
+// that of a:
+//   c = n x A (the anchor stands in for the arm from the centre of mass)
+//   e = 1 / (W0 + W1 + I0 c0^2 + I1 c1^2)
+//   k = springForce e strength,  critical damping cd = 2 sqrt(k e)
+//   F = cd damping (u . dir) + k (L - length)
+// so that the angular frequency sqrt(k / e) does not depend on the masses.
+
+#include "physics/Joints.h"
+
+#include <cmath>
+
+#include "math/Geometry.h"
+#include "physics/Body.h"
+#include "physics/Geom.h"
+#include "physics/PointMotion.h"
+#include "physics/Simulation.h"
+
+namespace physics {
+
+uint32_t Joint::s_nextID = 0;
+
+Joint::Joint(GeomPtr geom0, GeomPtr geom1) : m_geoms{geom0, geom1}, m_id(s_nextID++) {}
+
+Joint::~Joint() noexcept(false) = default;
+
+static BodyPtr BodyOf(const GeomPtr& geom) {
+    return geom ? util::DynamicCast<Body>(geom->GetBody()) : BodyPtr();
+}
+
+void Joint::GetBodies(BodyPtr& body0, BodyPtr& body1) const {
+    body0 = BodyOf(m_geoms[0]);
+    body1 = BodyOf(m_geoms[1]);
+}
+
+bool Joint::IsValid() const {
+    BodyPtr body0;
+    BodyPtr body1;
+    GetBodies(body0, body1);
+    if (m_geoms[0] == m_geoms[1] || body0 == body1) return false;
+    const Simulation& simulation = Simulation::Instance();
+    return simulation.HasBody(body0) && simulation.HasBody(body1);
+}
+
+SpringJoint::SpringJoint(GeomPtr geom0, GeomPtr geom1, math::Vec2 anchor0, math::Vec2 anchor1,
+                         math::real length, math::real strength, math::real damping)
+    : Joint(geom0, geom1),
+      m_anchors{anchor0, anchor1},
+      m_length(length),
+      m_strength(strength),
+      m_damping(damping) {}
+
+math::Vec2 SpringJoint::GetWorldAnchor(int end) const {
+    return m_geoms[end]->GetTransform()(m_anchors[end]);
+}
+
+math::real SpringJoint::EffectiveMass(const Body& b0, const Body& b1, math::Vec2 n) const {
+    const math::real c0 = math::Cross(m_anchors[0], n);
+    const math::real c1 = math::Cross(m_anchors[1], n);
+    return 1 /
+           (b0.GetMassInv() + b1.GetMassInv() + b0.GetInertiaInv() * c0 * c0 + b1.GetInertiaInv() * c1 * c1);
+}
+
+// Adds the force f at the point p.
+static void AddForce(Body& body, math::Vec2 f, math::Vec2 p) {
+    if (body.IsImmovable()) return;
+    body.m_force += f;
+    body.m_torque += math::Cross(p - body.m_pos, f);
+}
+
+void SpringJoint::ApplyForce() {
+    BodyPtr body0;
+    BodyPtr body1;
+    GetBodies(body0, body1);
+    if (!body0 || !body1) return;
+    const math::Vec2 a = GetWorldAnchor(0);
+    const math::Vec2 b = GetWorldAnchor(1);
+    const math::real e = EffectiveMass(*body0, *body1, math::Normalized(b - a));
+    const math::real k = Simulation::Instance().m_springForce->Get() * e * m_strength;
+    const math::real cd = 2 * std::sqrt(k * e);
+
+    math::real length = math::Length(b - a);
+    math::Vec2 dir(1, 0);  // for anchors that coincide
+    if (math::IsZero(length)) {
+        length = 1e-06f;
+    } else {
+        dir = (b - a) / length;
+    }
+    const math::Vec2 u = VelocityAt(body1->m_vel, body1->m_angVel, b - body1->m_pos) -
+                         VelocityAt(body0->m_vel, body0->m_angVel, a - body0->m_pos);
+    const math::Vec2 f = dir * (math::Dot(u, dir) * cd * m_damping + (length - m_length) * k);
+    AddForce(*body0, f, a);
+    AddForce(*body1, -f, b);
+}
+
+}  // namespace physics

@@ -1,0 +1,298 @@
+#include "physics/Simulation.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <sstream>
+
+#include "logging/Log.h"
+#include "math/Geometry.h"
+#include "physics/Body.h"
+#include "physics/Geom.h"
+#include "physics/Hinge.h"
+#include "physics/Joints.h"
+#include "physics/Particle.h"
+#include "physics/SPH.h"
+#include "util/Assert.h"
+#include "util/Clock.h"
+
+namespace physics {
+
+constexpr float UNLIMITED = std::numeric_limits<float>::infinity();
+
+Simulation::Simulation()
+    : Reflected("Sim"),
+      m_running(script::DeclareAttrib(*this, "running", true)),
+      m_timeFactor(script::DeclareAttrib(*this, "timeFactor", 1.0f)),
+      m_timeDelta(script::DeclareAttrib(*this, "timeDelta", 0.01f)),
+      m_gravity(script::DeclareAttrib(*this, "gravity", math::Vec2(0, -9.8f))),
+      m_gravitySwitch(script::DeclareAttrib(*this, "gravitySwitch", true)),
+      m_airFrictionOn(script::DeclareAttrib(*this, "airFrictionOn", true)),
+      m_airFrictionLinear(script::DeclareAttrib(*this, "airFrictionLinear", 0.01f)),
+      m_airFrictionQuadratic(script::DeclareAttrib(*this, "airFrictionQuadratic", 0.0f)),
+      m_rotFrictionLinear(script::DeclareAttrib(*this, "rotFrictionLinear", 0.01f)),
+      m_airBuoyancy(script::DeclareAttrib(*this, "airBuoyancy", true)),
+      m_airDensity(script::DeclareAttrib(*this, "airDensity", 0.01f)),
+      m_springForce(script::DeclareAttrib(*this, "springForce", 1000.0f)),
+      m_defaultBodyDensity(script::DeclareAttrib(*this, "defaultBodyDensity", 2.0f)),
+      m_defaultBodyFriction(script::DeclareAttrib(*this, "defaultBodyFriction", 0.5f)),
+      m_defaultBodyRestitution(script::DeclareAttrib(*this, "defaultBodyRestitution", 0.5f)),
+      m_fallLimit(script::DeclareAttrib(*this, "fallLimit", 1000.0f)),
+      m_prioritizedSolver(script::DeclareAttrib(*this, "prioritizedSolver", false)),
+      m_targetPenetration(script::DeclareAttrib(*this, "targetPenetration", 0.001f)),
+      m_solveIter(script::DeclareAttrib(*this, "solveIter", 30)),
+      m_solveConstant(script::DeclareAttrib(*this, "solveConstant", 1e8f)),
+      m_solveDcontacts(script::DeclareAttrib(*this, "solveDcontacts", 5.0f)),
+      m_solveDconstraints(script::DeclareAttrib(*this, "solveDconstraints", 5.0f)),
+      m_solvePenetrationDamping(script::DeclareAttrib(*this, "solvePenetrationDamping", false)),
+      m_solveDistFactor(script::DeclareAttrib(*this, "solveDistFactor", 1.0f)),
+      m_solveVelFactor(script::DeclareAttrib(*this, "solveVelFactor", 1.0f)),
+      m_solveAccFactor(script::DeclareAttrib(*this, "solveAccFactor", 1.0f)),
+      m_solveRegularizationFactor(script::DeclareAttrib(*this, "solveRegularizationFactor", 1.0f)),
+      m_solvePreSortConstraints(script::DeclareAttrib(*this, "solvePreSortConstraints", true)),
+      m_leapFrog(script::DeclareAttrib(*this, "leapFrog", true)),
+      m_adHocSolver(script::DeclareAttrib(*this, "adHocSolver", false)),
+      m_warmStart(script::DeclareAttrib(*this, "warmStart", true)),
+      m_warmStartFactor(script::DeclareAttrib(*this, "warmStartFactor", 0.5f)),
+      m_maxPositionCorrection(script::DeclareAttrib(*this, "maxPositionCorrection", UNLIMITED)) {
+    MakeWorldBody();
+}
+
+void Simulation::MakeWorldBody() {
+    m_worldGeom = new WorldGeom;
+    const BodyPtr worldBody = new Body;
+    worldBody->SetGeom(m_worldGeom);
+    AddBody(worldBody);
+    CODE_ASSERTION(m_worldGeom->GetID() == 0);
+    CODE_ASSERTION(worldBody->GetID() == 0);
+}
+
+const WorldGeomPtr& Simulation::GetWorldGeom() const {
+    CODE_ASSERTION(m_worldGeom->GetID() == 0);
+    return m_worldGeom;
+}
+
+BodyPtr Simulation::GetWorldBody() const {
+    const BodyPtr ret = util::DynamicCast<Body>(m_worldGeom->GetBody());
+    CODE_ASSERTION(ret);
+    CODE_ASSERTION(ret->GetID() == 0);
+    return ret;
+}
+
+// ---- lists ---------------------------------------------------------------------------------------------
+
+void Simulation::AddBody(const BodyPtr& body) {
+    CODE_ASSERTION(body);
+    if (HasBody(body)) return;
+    body->UpdateGeoms();
+    m_bodies.push_back(body);
+}
+
+void Simulation::RemoveBody(const BodyPtr& body) {
+    const auto found = std::find(m_bodies.begin(), m_bodies.end(), body);
+    if (found == m_bodies.end() || body == GetWorldBody()) return;
+    const BodyPtr hold = *found;  // `body` may be the list's own pointer
+    m_bodies.erase(found);
+    hold->SetGeoms(GeomSet());
+}
+
+bool Simulation::HasBody(const BodyPtr& body) const {
+    return std::find(m_bodies.begin(), m_bodies.end(), body) != m_bodies.end();
+}
+
+void Simulation::AddJoint(const JointPtr& joint) {
+    CODE_ASSERTION(joint);
+    if (HasJoint(joint)) return;
+    joint->OnAdd();
+    m_joints.insert(joint);
+}
+
+void Simulation::RemoveJoint(const JointPtr& joint) {
+    if (!HasJoint(joint)) return;
+    const JointPtr hold = joint;
+    hold->OnRemove();
+    m_joints.erase(hold);
+}
+
+bool Simulation::HasJoint(const JointPtr& joint) const {
+    return m_joints.count(joint) != 0;
+}
+
+void Simulation::AddConstraint(const HingePtr& constraint) {
+    CODE_ASSERTION(constraint);
+    if (HasConstraint(constraint)) return;
+    constraint->OnAdd();
+    m_hinges.insert(constraint);
+}
+
+void Simulation::RemoveConstraint(const HingePtr& constraint) {
+    if (!HasConstraint(constraint)) return;
+    const HingePtr hold = constraint;
+    hold->OnRemove();
+    m_hinges.erase(hold);
+}
+
+bool Simulation::HasConstraint(const HingePtr& constraint) const {
+    return m_hinges.count(constraint) != 0;
+}
+
+// Particle and geom own each other only while the particle is in the world.
+void Simulation::AddParticle(const ParticlePtr& particle) {
+    CODE_ASSERTION(particle);
+    particle->m_geom->SetBody(particle.Get());
+    m_particles.push_back(particle);
+}
+
+void Simulation::ClearParticles() {
+    for (const ParticlePtr& particle : m_particles) particle->m_geom->SetBody(nullptr);
+    m_particles.clear();
+}
+
+void Simulation::Clear() {
+    m_contactCache.Clear();
+    m_lastContacts.Release();
+    m_contacts.Release();
+    m_allBodies.clear();
+    m_cacheHits = 0;
+    m_timeDebt = 0;
+    ClearParticles();
+    while (!m_joints.empty()) RemoveJoint(*m_joints.begin());
+    while (!m_hinges.empty()) RemoveConstraint(*m_hinges.begin());
+    const BodyPtr worldBody = GetWorldBody();
+    BodyList bodies;
+    bodies.swap(m_bodies);
+    for (const BodyPtr& body : bodies) {
+        if (body != worldBody) body->SetGeoms(GeomSet());
+    }
+    worldBody->SetGeom(m_worldGeom);
+    AddBody(worldBody);
+}
+
+// ---- time ----------------------------------------------------------------------------------------------
+
+void Simulation::Update(double dt) {
+    m_stats.clear();
+    if (m_timeFactor->Get() < 0) m_timeFactor->Set(0);
+    if (!m_running->Get() || math::IsZero(m_timeFactor->Get())) {
+        m_stats += "Frozen\n";
+        Step(false);
+    } else {
+        PayTimeDebt(dt);
+    }
+    RemoveBadObjects();
+    WriteStats();
+}
+
+// Runs steps until the debt is paid or one more step of the last one's length would overrun the budget.
+// Debt that cannot be paid is forgiven: the world slows down instead of falling ever further behind.
+void Simulation::PayTimeDebt(double dt) {
+    m_timeDebt += dt * m_timeFactor->Get();
+    const double owed = m_timeDebt;
+    const double start = util::Clock::Now();
+    const float h = m_timeDelta->Get();
+    while (m_timeDebt > 0) {
+        const double before = util::Clock::Now();
+        Step(m_running->Get());
+        const double after = util::Clock::Now();
+        m_timeDebt -= h;
+        // Without a length no number of steps would do.
+        if (!(h > 0)) break;
+        if ((after - start) + dt + (after - before) > m_maxUpdateTime) break;
+    }
+    if (m_timeDebt <= 0) {
+        m_realtimeFraction = 1;
+        m_stats += "100% realtime.\n";
+        return;
+    }
+    const double fraction = (owed - m_timeDebt) / owed;
+    m_realtimeFraction = std::isfinite(fraction) ? static_cast<float>(std::max(fraction, 0.0)) : 0;
+    m_timeDebt = 0;
+    char text[32];
+    std::snprintf(text, sizeof(text), "%3d%% realtime\n",
+                  static_cast<int>(std::lround(100 * m_realtimeFraction)));
+    m_stats += text;
+}
+
+static String FormatRate(float rate) {
+    if (rate > std::numeric_limits<float>::max()) return "+inf";
+    if (rate < -std::numeric_limits<float>::max()) return "-inf";
+    std::ostringstream text;
+    text << rate;
+    return text.str();
+}
+
+void Simulation::WriteStats() {
+    size_t geoms = 0;
+    for (const BodyPtr& body : m_bodies) geoms += body->GetGeoms().size();
+    const bool isWorldPlain = GetWorldBody()->GetGeoms().size() == 1;
+    std::ostringstream text;
+    text << m_bodies.size() - (isWorldPlain ? 1 : 0) << " bodies\n"
+         << geoms - 1 << " geometries\n"
+         << m_particles.size() << " particles\n"
+         << m_contacts.size() << " contacts\n"
+         << m_joints.size() << " springs\n"
+         << m_hinges.size() << " hinges\n"
+         << "Running at " << FormatRate(1 / m_timeDelta->Get()) << " Hz\n";
+    m_stats += text.str();
+}
+
+// ---- removal -------------------------------------------------------------------------------------------
+
+math::Vec2 Simulation::GetEffectiveGravity() const {
+    return m_gravitySwitch->Get() && m_running->Get() ? m_gravity->Get() : math::Vec2();
+}
+
+// What has flown off, fallen out or lost an end leaves the world; nothing is reported to the user.
+void Simulation::RemoveBadObjects() {
+    const math::Vec2 down = math::Normalized(GetEffectiveGravity());
+    RemoveBadBodies(down);
+    RemoveBadParticles(down);
+    RemoveBadJoints();
+    RemoveBadHinges();
+}
+
+void Simulation::RemoveBadBodies(math::Vec2 down) {
+    const float limit = m_fallLimit->Get();
+    BodyList bad;
+    for (const BodyPtr& body : m_bodies) {
+        if (body.Get()->IsBad() || math::Dot(down, body.Get()->m_pos) > limit) bad.push_back(body);
+    }
+    for (const BodyPtr& body : bad) {
+        Log(logging::Trace, "Removing bad object");
+        RemoveBody(body);
+    }
+}
+
+void Simulation::RemoveBadParticles(math::Vec2 down) {
+    if (m_particles.empty()) return;
+    const float limit = m_fallLimit->Get();
+    const float vaporizeTime = SPH::Instance().m_vaporizeTime->Get();
+    for (size_t i = 0; i < m_particles.size();) {
+        const Particle& particle = *m_particles[i].Get();
+        const bool isGone = particle.IsBad() || particle.m_vaporTime > vaporizeTime ||
+                            math::Dot(down, particle.m_pos) > limit;
+        if (!isGone) {
+            ++i;
+            continue;
+        }
+        m_particles[i]->m_geom->SetBody(nullptr);
+        m_particles[i] = m_particles.back();
+        m_particles.pop_back();
+    }
+}
+
+void Simulation::RemoveBadJoints() {
+    for (auto next = m_joints.begin(); next != m_joints.end();) {
+        const JointPtr joint = *next++;
+        if (!joint->IsValid()) RemoveJoint(joint);
+    }
+}
+
+void Simulation::RemoveBadHinges() {
+    for (auto next = m_hinges.begin(); next != m_hinges.end();) {
+        const HingePtr hinge = *next++;
+        if (!hinge->AreBodiesValid()) RemoveConstraint(hinge);
+    }
+}
+
+}  // namespace physics

@@ -1,0 +1,132 @@
+// The forces of Simulation: gravity, air, springs, water.
+
+#include <algorithm>
+#include <cmath>
+
+#include "math/Geometry.h"
+#include "physics/Body.h"
+#include "physics/Geom.h"
+#include "physics/Joints.h"
+#include "physics/Particle.h"
+#include "physics/SPH.h"
+#include "physics/Simulation.h"
+#include "util/ProfileTree.h"
+
+namespace physics {
+
+// The settings of the air and the step, read once per step.
+struct Simulation::Air {
+    explicit Air(const Simulation& simulation)
+        : gravity(simulation.GetEffectiveGravity()),
+          friction(simulation.m_airFrictionOn->Get()),
+          linear(simulation.m_airFrictionLinear->Get()),
+          quadratic(simulation.m_airFrictionQuadratic->Get()),
+          rotation(simulation.m_rotFrictionLinear->Get()),
+          buoyancy(simulation.m_airBuoyancy->Get()),
+          density(buoyancy ? simulation.m_airDensity->Get() : 0),
+          h(simulation.m_timeDelta->Get()) {}
+
+    math::Vec2 gravity;
+    bool friction;
+    math::real linear;
+    math::real quadratic;
+    math::real rotation;
+    bool buoyancy;
+    math::real density;
+    math::real h;
+};
+
+// Sums over a body's geoms of what the air can take hold of.
+struct AirSurface {
+    math::real width = 0;  // m, across the motion
+    math::Vec2 widthPos;   // sum of width * centre
+    math::Vec2 areaPos;    // sum of area * place
+};
+
+// n is the unit vector across the motion; zero for a body at rest.
+static AirSurface MeasureSurface(const Body& body, math::Vec2 n) {
+    AirSurface surface;
+    for (const BodyPart& part : body.GetParts()) {
+        const Geom& geom = *part.geom.Get();
+        const math::OBB2D box = geom.GetOBB();
+        const math::real w = 2 * (std::fabs(math::Dot(n, box.axis[1])) * box.halfSize.y +
+                                  std::fabs(math::Dot(n, box.axis[0])) * box.halfSize.x);
+        surface.width += w;
+        surface.widthPos += w * box.center;
+        surface.areaPos += geom.GetArea() * geom.GetPos();
+    }
+    return surface;
+}
+
+// Adds the force f at the point p.
+static void AddForceAt(AbstractBody& body, math::Vec2 f, math::Vec2 p) {
+    body.m_force += f;
+    body.m_torque += math::Cross(p - body.m_pos, f);
+}
+
+// Slows the spin, but never turns it round within a step of length h.
+static void AddRotationalDrag(AbstractBody& body, math::real factor, math::real h) {
+    const math::real spin = std::fabs(body.m_angVel);
+    const math::real t = std::min(body.m_mass * factor * spin, body.m_inertia * spin / h);
+    if (body.m_angVel != 0) body.m_torque -= std::copysign(t, body.m_angVel);
+}
+
+// Drag per speed on something of this width, capped so that it cannot reverse the motion within a step.
+math::real Simulation::CalcDrag(const Air& air, math::real width, math::real speed, math::real mass) {
+    return std::min(width * (air.linear + air.quadratic * speed), mass / air.h);
+}
+
+void Simulation::AddBodyForces(Body& body, const Air& air) {
+    body.m_force += body.m_mass * air.gravity;
+    if (!air.friction && !air.buoyancy) return;
+    const math::Vec2 v = body.m_vel;
+    const math::real s = math::Length(v);
+    const math::Vec2 n = s == 0 ? math::Vec2() : math::Vec2(v.y / s, -v.x / s);
+    const AirSurface surface = MeasureSurface(body, n);
+    if (air.friction && !math::IsZero(s) && surface.width > 0) {
+        const math::real f = CalcDrag(air, surface.width, s, body.m_mass);
+        AddForceAt(body, -f * v, surface.widthPos / surface.width);
+        // Only with linear motion: what spins on the spot keeps spinning, and scenes count on it.
+        AddRotationalDrag(body, air.rotation, air.h);
+    }
+    if (air.buoyancy) {
+        AddForceAt(body, -air.density * body.m_area * air.gravity, surface.areaPos / body.m_area);
+    }
+}
+
+void Simulation::AddParticleForces(const Air& air) {
+    const SPH& sph = SPH::Instance();
+    const math::real r = sph.m_radius->Get();
+    const math::real a = math::PI * (r * r);
+    const math::real m = a * sph.m_density->Get();
+    for (const ParticlePtr& pointer : m_particles) {
+        Particle& particle = *pointer.Get();
+        const bool isMovable = !particle.IsImmovable();
+        if (isMovable) particle.m_force += m * air.gravity;
+        if (air.friction) {
+            const math::real f = CalcDrag(air, 2 * r, math::Length(particle.m_vel), particle.m_mass);
+            particle.m_force -= f * particle.m_vel;
+            AddRotationalDrag(particle, air.rotation, air.h);
+        }
+        if (air.buoyancy && isMovable) particle.m_force -= air.density * a * air.gravity;
+    }
+}
+
+void Simulation::CalcForces() {
+    PROFILE_SECTION("Simulation::CalcForces");
+    const Air air(*this);
+    {
+        PROFILE_SECTION("Body forces");
+        for (const BodyPtr& body : m_bodies) {
+            if (!body.Get()->IsImmovable()) AddBodyForces(*body.Get(), air);
+        }
+    }
+    if (!m_particles.empty()) {
+        PROFILE_SECTION("Particle forces");
+        AddParticleForces(air);
+    }
+    for (const JointPtr& joint : m_joints) joint->ApplyForce();
+    if (m_running->Get()) SPH::Instance().Update(m_particles, air.h);
+}
+
+}  // namespace physics
