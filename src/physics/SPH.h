@@ -1,22 +1,44 @@
 #pragma once
 
+#include <cstdint>
+
 #include "math/Vector.h"
 #include "physics/Fwd.h"
+#include "physics/NeighborGrid.h"
+#include "physics/Particle.h"
 #include "script/Attributes.h"
 #include "script/Reflected.h"
+#include "util/HashMap.h"
 #include "util/Singleton.h"
+#include "util/VectorPOD.h"
 
 namespace physics {
+
+struct SpaceHasher {
+    uint32_t operator()(math::Vec2i cell) const {
+        return static_cast<uint32_t>(cell.x) * 2376512323u + static_cast<uint32_t>(cell.y) * 3625334849u;
+    }
+};
 
 // Water as smoothed-particle hydrodynamics: the settings, and the pass that adds the fluid forces to the
 // particles. Holds no particles between passes; Simulation owns them and calls Update once per active step,
 // after the rigid bodies' forces and before the solver.
+//
+// The pass gathers the particles into arrays sorted by grid cell, finds each pair of neighbours once, sums
+// over the pairs and writes the results back to the particles. After the first pass scripts can call
+// AVG_neighCount, AVG_pressure, AVG_density and hashInfo. Equations: SPH.cpp.
 class SPH : public script::Reflected, public util::Singleton<SPH> {
   public:
     SPH();
 
     // The whole water step over `particles`, `dt` seconds long.
     void Update(const ParticleList& particles, math::real dt);
+
+    // Figures of the last pass: means over all particles, and the filling of the neighbour grid as text.
+    float GetAverageNeighborCount() const { return m_averageNeighborCount; }
+    float GetAveragePressure() const { return m_averagePressure; }
+    float GetAverageDensity() const { return m_averageDensity; }
+    String GetHashInfo();
 
     const script::AttribPtr<float> m_radius;          // m, of a particle
     const script::AttribPtr<float> m_influence;       // kernel radius in particle radii
@@ -32,6 +54,62 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
     const script::AttribPtr<float> m_surfaceTension;
     const script::AttribPtr<float> m_jitter;      // deviation of the random acceleration, m/s^2
     const script::AttribPtr<float> m_bucketSize;  // cell size of the grid in kernel radii
+
+    // Constants of the pass.
+    static math::real s_h;             // m, kernel radius
+    static math::real s_poly6Norm;     // 1 / (64 pi h^9)
+    static math::real s_spikyNorm;     // 1 / (pi h^6)
+    static math::real s_particleMass;  // kg
+
+  private:
+    // What the sums need of a particle, in the order of the grid.
+    struct State {
+        math::Vec2 vel;
+        math::real density;
+        math::real pressure;
+    };
+    // What they give.
+    struct Sums {
+        math::Vec2 pressure;
+        math::Vec2 viscosity;
+        math::Vec2 surface;
+    };
+
+    bool IsUsable() const;
+    void SetConstants();
+    void SetMaterials(const ParticleList& particles) const;
+    void FindNeighbors(const ParticleList& particles);
+    void SortStates(const ParticleList& particles);
+    void StoreNeighbors();
+    void CalcSPHForces();
+    void CalcKernels();
+    void CalcDensities();
+    template <bool SPECIAL, bool SURFACE>
+    void SumPairs();
+    void StoreResults();
+    void Jitter(const ParticleList& particles) const;
+    static void Evaporate(const ParticleList& particles, math::real dt);
+    void CalcStatistics();
+    void ShowStatistics();
+
+    NeighborGrid m_grid;
+    util::VectorPOD<math::Vec2> m_points;  // positions, in the particles' order; of the last pass
+    util::VectorPOD<Particle*> m_sorted;   // from here on in the grid's order; empty between passes
+    util::VectorPOD<State> m_states;
+    util::VectorPOD<Sums> m_sums;
+    util::VectorPOD<uint32_t> m_counts;              // neighbours, the particle itself among them
+    util::VectorPOD<math::real> m_dist;              // per pair, m
+    util::VectorPOD<math::real> m_weights;           // per pair: density kernel times mass
+    util::VectorPOD<Particle::Neighbor*> m_cursors;  // where each particle's next neighbour goes
+
+    bool m_hasStatistics = false;
+    float m_averageNeighborCount = 0;
+    float m_averagePressure = 0;
+    float m_averageDensity = 0;
+
+    // Only to answer hashInfo: how the cells would fill a hash table.
+    using CellMap = util::HashMap<math::Vec2i, uint32_t, SpaceHasher>;
+    CellMap m_cellMap;
 };
 
 }  // namespace physics

@@ -1,0 +1,137 @@
+#include "physics/NeighborGrid.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace physics {
+
+constexpr uint64_t NEXT_ROW = uint64_t(1) << 32;
+
+int32_t CellIndex(math::real coordinate, math::real cellsPerMetre) {
+    constexpr math::real FARTHEST = 1e9f;
+    const math::real cell = coordinate * cellsPerMetre;
+    if (std::isnan(cell)) return 0;
+    return static_cast<int32_t>(std::min(std::max(cell, -FARTHEST), FARTHEST));
+}
+
+// Rows and columns shifted to be unsigned, so that keys order like (row, column). Columns stay away from the
+// ends of their half, so that a key plus or minus 1 is the neighbour in the row.
+static uint64_t CellKey(int32_t column, int32_t row) {
+    constexpr uint32_t ORIGIN = 0x80000000u;
+    return (uint64_t(static_cast<uint32_t>(row) + ORIGIN) << 32) | (static_cast<uint32_t>(column) + ORIGIN);
+}
+
+void NeighborGrid::Build(const util::VectorPOD<math::Vec2>& points, math::real radius, math::real cellSize) {
+    SortPoints(points, 1 / cellSize);
+    ListCells();
+    FindPairs(radius);
+}
+
+void NeighborGrid::SortPoints(const util::VectorPOD<math::Vec2>& points, math::real cellsPerMetre) {
+    m_items.clear();
+    m_items.reserve(points.size());
+    uint64_t varyingBits = 0;
+    for (uint32_t i = 0; i < points.size(); ++i) {
+        const math::Vec2 p = points[i];
+        const uint64_t key = CellKey(CellIndex(p.x, cellsPerMetre), CellIndex(p.y, cellsPerMetre));
+        m_items.push_back({key, i});
+        varyingBits |= key ^ m_items.front().key;
+    }
+    SortItems(varyingBits);
+    m_order.resize(points.size());
+    m_points.resize(points.size());
+    for (size_t i = 0; i < m_items.size(); ++i) {
+        m_order[i] = m_items[i].index;
+        m_points[i] = points[m_items[i].index];
+    }
+}
+
+// A radix sort over the digits in which the keys differ at all: two for a pool of some metres.
+void NeighborGrid::SortItems(uint64_t varyingBits) {
+    m_spare.resize(m_items.size());
+    for (int shift = 0; shift < 64; shift += DIGIT_BITS) {
+        if ((varyingBits >> shift) % VALUES != 0) SortByDigit(shift);
+    }
+}
+
+void NeighborGrid::SortByDigit(int shift) {
+    uint32_t places[VALUES] = {};
+    for (const Item& item : m_items) ++places[(item.key >> shift) % VALUES];
+    uint32_t begin = 0;
+    for (uint32_t& place : places) {
+        const uint32_t count = place;
+        place = begin;
+        begin += count;
+    }
+    for (const Item& item : m_items) m_spare[places[(item.key >> shift) % VALUES]++] = item;
+    m_items.swap(m_spare);
+}
+
+void NeighborGrid::ListCells() {
+    m_cells.clear();
+    for (uint32_t i = 0; i < m_items.size(); ++i) {
+        if (m_cells.empty() || m_cells.back().key != m_items[i].key)
+            m_cells.push_back({m_items[i].key, i, i});
+        m_cells.back().end = i + 1;
+    }
+}
+
+// Each pair of cells is visited once, from the one that comes first in the order: a point is paired with
+// those behind it in its own cell and in the next one of the row, and with the three cells above it.
+void NeighborGrid::FindPairs(math::real radius) {
+    m_pairCount = 0;
+    const Cell* const cellsEnd = m_cells.end();
+    const Cell* above = m_cells.begin();
+    for (const Cell* cell = m_cells.begin(); cell != cellsEnd; ++cell) {
+        const Cell* const next = cell + 1;
+        const bool hasNext = next != cellsEnd && next->key == cell->key + 1;
+        const uint32_t rowEnd = hasNext ? next->end : cell->end;
+
+        const uint64_t firstAbove = cell->key + NEXT_ROW - 1;
+        while (above != cellsEnd && above->key < firstAbove) ++above;
+        const Cell* aboveEnd = above;
+        while (aboveEnd != cellsEnd && aboveEnd->key <= firstAbove + 2) ++aboveEnd;
+        const uint32_t aboveBegin = above == aboveEnd ? 0 : above->begin;
+        const uint32_t aboveStop = above == aboveEnd ? 0 : aboveEnd[-1].end;
+
+        for (uint32_t i = cell->begin; i < cell->end; ++i) {
+            ReservePairs((rowEnd - i) + (aboveStop - aboveBegin));
+            PairWith(i, i + 1, rowEnd, radius * radius);
+            PairWith(i, aboveBegin, aboveStop, radius * radius);
+        }
+    }
+}
+
+// Writes every candidate and keeps it by moving on: whether a point is near is a coin toss to the
+// processor's branch prediction.
+void NeighborGrid::PairWith(uint32_t i, uint32_t begin, uint32_t end, math::real radiusSq) {
+    const math::Vec2* const points = m_points.data();
+    uint32_t* const first = m_first.data();
+    uint32_t* const second = m_second.data();
+    math::Vec2* const deltas = m_delta.data();
+    math::real* const distSqs = m_distSq.data();
+    const math::Vec2 p = points[i];
+    size_t count = m_pairCount;
+    for (uint32_t j = begin; j < end; ++j) {
+        const math::Vec2 delta = points[j] - p;
+        const math::real distSq = math::LengthSquared(delta);
+        first[count] = i;
+        second[count] = j;
+        deltas[count] = delta;
+        distSqs[count] = distSq;
+        count += distSq < radiusSq ? 1 : 0;
+    }
+    m_pairCount = count;
+}
+
+void NeighborGrid::ReservePairs(size_t more) {
+    const size_t wanted = m_pairCount + more;
+    if (wanted <= m_first.size()) return;
+    const size_t size = 2 * wanted;
+    m_first.resize(size);
+    m_second.resize(size);
+    m_delta.resize(size);
+    m_distSq.resize(size);
+}
+
+}  // namespace physics
