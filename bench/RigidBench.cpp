@@ -1,0 +1,90 @@
+// Whole steps of rigid scenes, after settling: scene/size/engine.
+
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <stdexcept>
+#include <string>
+
+#include "bench/Engine.h"
+#include "physics/Simulation.h"
+
+namespace bench {
+
+std::unique_ptr<Engine> MakeEngine(const std::string& name, const Scene& scene) {
+    if (name == "vexa") return MakeVexa(scene);
+    if (name == "box2d") return MakeBox2D(scene);
+    if (name == "chipmunk") return MakeChipmunk(scene);
+    throw std::runtime_error("no engine " + name);
+}
+
+static std::unique_ptr<Engine> MakeSettled(const std::string& engine, const Scene& scene) {
+    std::unique_ptr<Engine> world = MakeEngine(engine, scene);
+    for (int i = 0; i < scene.settleSteps; ++i) world->Step();
+    return world;
+}
+
+static void BenchStep(benchmark::State& state, const std::string& scene, int size,
+                      const std::string& engine) {
+    const std::unique_ptr<Engine> world = MakeSettled(engine, MakeScene(scene, size));
+    double contacts = 0;
+    for (auto _ : state) {
+        world->Step();
+        state.PauseTiming();
+        contacts += world->CountContacts();
+        state.ResumeTiming();
+    }
+    state.counters["contacts"] = contacts / static_cast<double>(state.iterations());
+    state.counters["perContactSweep"] =
+        benchmark::Counter(contacts * SWEEPS, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+// The slope of a step's time over the number of sweeps, per contact.
+static void BenchSweep(benchmark::State& state, const std::string& scene, int size) {
+    constexpr int MORE_SWEEPS = 100;
+    const std::unique_ptr<Engine> world = MakeSettled("vexa", MakeScene(scene, size));
+    physics::Simulation& simulation = physics::Simulation::Instance();
+    const auto timeStep = [&](int sweeps) {
+        simulation.m_solveIter->Set(sweeps);
+        const auto start = std::chrono::steady_clock::now();
+        world->Step();
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    };
+    for (auto _ : state) {
+        const double few = timeStep(SWEEPS);
+        const double many = timeStep(SWEEPS + MORE_SWEEPS);
+        state.SetIterationTime((many - few) / MORE_SWEEPS / world->CountContacts());
+    }
+}
+
+static void RegisterScene(const std::string& scene, int size, int steps) {
+    for (const char* const engine : {"vexa", "chipmunk", "box2d"}) {
+        const std::string name = scene + "/" + std::to_string(size) + "/" + engine;
+        benchmark::RegisterBenchmark(name.c_str(), BenchStep, scene, size, engine)
+            ->Iterations(steps)
+            ->Unit(benchmark::kMillisecond);
+    }
+}
+
+static const bool s_isRegistered = [] {
+    RegisterScene("pile", 1000, 200);
+    RegisterScene("pile", 4000, 100);
+    RegisterScene("pyramid", 20, 200);
+    RegisterScene("pyramid", 40, 100);
+    RegisterScene("sparse", 2000, 200);
+    RegisterScene("sparse", 8000, 100);
+    RegisterScene("stack", 20, 500);
+    RegisterScene("mixed", 300, 200);
+    for (const char* const scene : {"pile/1000", "pyramid/20"}) {
+        const std::string text = scene;
+        const size_t slash = text.find('/');
+        benchmark::RegisterBenchmark(("sweep per contact/" + text.substr(0, slash)).c_str(), BenchSweep,
+                                     text.substr(0, slash), std::stoi(text.substr(slash + 1)))
+            ->Iterations(50)
+            ->UseManualTime()
+            ->Unit(benchmark::kNanosecond);
+    }
+    return true;
+}();
+
+}  // namespace bench
