@@ -15,6 +15,7 @@ bool Context::s_exists = false;
 uint32_t Context::s_generation = 0;
 math::Vec2i Context::s_size;
 bool Context::s_hasAlpha = true;
+int Context::s_textureUnits = 1;
 bool Context::s_useShaders = false;
 bool Context::s_useSimpleShaders = false;
 
@@ -42,6 +43,10 @@ void Context::InitExtensions() {
         THROW(std::runtime_error, String("GLEW Error: ") + reason);
     }
     ++s_generation;
+    s_textureUnits = 1;
+    if (GLEW_ARB_multitexture && GLEW_ARB_texture_env_combine) {
+        glGetIntegerv(GL_MAX_TEXTURE_UNITS_ARB, &s_textureUnits);
+    }
     FetchReadFunctions();
 }
 

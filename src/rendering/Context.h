@@ -38,6 +38,9 @@ class Context {
     static bool UseSimpleShaders() { return s_useSimpleShaders; }
     static void SetUseSimpleShaders(bool useSimple) { s_useSimpleShaders = useSimple; }
 
+    // Units of the fixed-function pipeline; 1 without multitexturing.
+    static int GetTextureUnits() { return s_textureUnits; }
+
     // Both read the present frame. The library may draw into a frame buffer of its own, which only the
     // functions that it hands out itself know of; the linked ones would give the picture of the last swap.
     static void CopyTexSubImage(int width, int height);  // lower left of the frame into the bound texture
@@ -51,6 +54,7 @@ class Context {
     static uint32_t s_generation;
     static math::Vec2i s_size;
     static bool s_hasAlpha;
+    static int s_textureUnits;
     static bool s_useShaders;
     static bool s_useSimpleShaders;
 };

@@ -22,7 +22,7 @@ bool EndsWith(const std::string& text, const std::string& end) {
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-// ---- files of bare pixels --------------------------------------------------------------------------------
+// ---- files of bare pixels -----------------------------------------------------------------------------
 
 size_t BytesPerPixel(ImageRGBA32::RAWFormat format) {
     switch (format) {
@@ -55,7 +55,7 @@ void FlipRows(RGBA32* pixels, size_t width, size_t height) {
     }
 }
 
-// ---- files of the image library --------------------------------------------------------------------------
+// ---- files of the image library -----------------------------------------------------------------------
 
 struct FreeSurface {
     void operator()(SDL_Surface* surface) const { SDL_FreeSurface(surface); }
@@ -100,7 +100,7 @@ ImageRGBA32Ptr CopySurface(const SDL_Surface* pic) {
 
 }  // namespace
 
-// ---- ImageRGBA32 -----------------------------------------------------------------------------------------
+// ---- ImageRGBA32 --------------------------------------------------------------------------------------
 
 int ImageRGBA32::GetInternalFormat() const {
     return GL_RGBA;
@@ -159,7 +159,7 @@ ImageRGBA32Ptr ImageRGBA32::LoadFile(const std::string& path) {
     return image;
 }
 
-// ---- ImageFloat, BlankImage ------------------------------------------------------------------------------
+// ---- ImageFloat, BlankImage ---------------------------------------------------------------------------
 
 int ImageFloat::GetInternalFormat() const {
     return GL_ALPHA;

@@ -51,8 +51,7 @@ std::string CheckSides(uint32_t width, uint32_t height) {
            std::to_string(MAX_SIDE);
 }
 
-// ---- PNG
-// ---------------------------------------------------------------------------------------------------
+// ---- PNG ----------------------------------------------------------------------------------------------
 
 std::array<uint32_t, 256> MakeChecksumTable() {
     std::array<uint32_t, 256> table{};
@@ -111,8 +110,7 @@ std::string CheckPng(const Bytes& file) {
     return "PNG without an end";
 }
 
-// ---- BMP
-// ---------------------------------------------------------------------------------------------------
+// ---- BMP ----------------------------------------------------------------------------------------------
 
 std::string CheckBmpSize(const Bytes& file, uint32_t width, uint32_t height, uint32_t bits) {
     const uint64_t rowSize = (uint64_t{width} * bits + 31) / 32 * 4;
@@ -142,8 +140,7 @@ std::string CheckBmp(const Bytes& file) {
     return CheckBmpSize(file, width, height, bits);
 }
 
-// ---- JPEG
-// --------------------------------------------------------------------------------------------------
+// ---- JPEG ---------------------------------------------------------------------------------------------
 
 bool IsFrameHeader(uint32_t marker) {
     return marker >= 0xc0 && marker <= 0xcf && marker != 0xc4 && marker != 0xc8 && marker != 0xcc;
@@ -182,8 +179,7 @@ std::string CheckJpeg(const Bytes& file) {
     return "JPEG without a picture";
 }
 
-// ---- TGA
-// ---------------------------------------------------------------------------------------------------
+// ---- TGA ----------------------------------------------------------------------------------------------
 
 constexpr size_t TGA_HEADER_SIZE = 18;
 
@@ -217,8 +213,7 @@ std::string CheckTga(const Bytes& file) {
     return file.Has(offset, static_cast<size_t>(nPixels * pixelSize)) ? "" : "TGA ends within its pixels";
 }
 
-// ---- all
-// -----------------------------------------------------------------------------------------------------
+// ---- all ----------------------------------------------------------------------------------------------
 
 bool HasExtension(const std::string& path, const char* extension) {
     const size_t length = std::strlen(extension);

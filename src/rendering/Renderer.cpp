@@ -96,7 +96,7 @@ void SaveTGA(const String& path) {
 
 }  // namespace
 
-// ---- colour ----------------------------------------------------------------------------------------------
+// ---- colour -------------------------------------------------------------------------------------------
 
 Renderer::Renderer() = default;
 
@@ -115,8 +115,7 @@ void Renderer::RestoreColor() {
     if (Context::Exists()) glColor4fv(&m_color.x);
 }
 
-// ---- matrices
-// ----------------------------------------------------------------------------------------------
+// ---- matrices -----------------------------------------------------------------------------------------
 
 void Renderer::MultMatrix(const math::TMatrix3<float>& matrix) {
     const auto& m = matrix.m;
@@ -130,8 +129,7 @@ void Renderer::MultMatrix(const math::RigidTransform& transform) {
     MultMatrix(math::TMatrix3<float>(transform));
 }
 
-// ---- shapes
-// ------------------------------------------------------------------------------------------------
+// ---- shapes -------------------------------------------------------------------------------------------
 
 void Renderer::DrawLines(const math::Vec2List& points, bool closed) {
     DrawLines(points.data(), points.size(), closed);
@@ -161,8 +159,18 @@ void Renderer::DrawPolygon(const math::Vec2* points, const math::Vec2* texCoords
     glDrawArrays(GL_TRIANGLE_FAN, 0, static_cast<GLsizei>(nPoints));
 }
 
-// ---- screenshots
-// -------------------------------------------------------------------------------------------
+void Renderer::DrawColored(const math::Vec2* points, const math::Vec4* colors, size_t nPoints) {
+    if (nPoints < 3) return;
+    const ScopedCapability untextured(GL_TEXTURE_2D, false);
+    const VertexArrays arrays(points, nullptr);
+    glEnableClientState(GL_COLOR_ARRAY);
+    glColorPointer(4, GL_FLOAT, sizeof(math::Vec4), colors);
+    glDrawArrays(GL_TRIANGLE_FAN, 0, static_cast<GLsizei>(nPoints));
+    glDisableClientState(GL_COLOR_ARRAY);
+    RestoreColor();  // a colour array leaves GL's colour undefined
+}
+
+// ---- screenshots --------------------------------------------------------------------------------------
 
 void Renderer::Screenshot(String prefix) {
     try {
@@ -174,8 +182,7 @@ void Renderer::Screenshot(String prefix) {
     }
 }
 
-// ---- scopes
-// ------------------------------------------------------------------------------------------------
+// ---- scopes -------------------------------------------------------------------------------------------
 
 ScopedAttribs::ScopedAttribs() : m_color(Renderer::Instance().GetColor()) {
     glPushAttrib(GL_ALL_ATTRIB_BITS);

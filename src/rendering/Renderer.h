@@ -46,6 +46,9 @@ class Renderer : public util::Pointee, public util::Singleton<Renderer> {
     // Any convex outline.
     void DrawPolygon(const math::Vec2* points, const math::Vec2* texCoords, size_t nPoints);
 
+    // With a colour for each point, untextured; the present colour plays no part.
+    void DrawColored(const math::Vec2* points, const math::Vec4* colors, size_t nPoints);
+
     // Saves the present frame as prefix_yymmdd_n.tga with the first n that is free, or, after 10000 of them,
     // over "to_many_screenshots.tga" in the working directory. Makes a missing folder. A failure is logged.
     void Screenshot(String prefix);

@@ -63,8 +63,7 @@ unsigned int LoadShader(int type, String source, String name) {
     return shader;
 }
 
-// ---- Shader
-// ------------------------------------------------------------------------------------------------
+// ---- Shader -------------------------------------------------------------------------------------------
 
 Shader::Shader(String vertexSource, String fragmentSource, String name) : m_name(name) {
     RequireShaderSupport();
@@ -125,8 +124,7 @@ int Shader::LookupAttribute(const String& name) const {
     return location;
 }
 
-// ---- handles
-// -------------------------------------------------------------------------------------------------
+// ---- handles ------------------------------------------------------------------------------------------
 
 ShaderVariable::ShaderVariable(const ShaderMentorPtr& shader, const String& name)
     : m_shader(shader), m_name(name) {

@@ -58,6 +58,20 @@ void SelectUnit(int unit) {
     glActiveTextureARB(GL_TEXTURE0_ARB + static_cast<GLenum>(unit));
 }
 
+// Binds for a scope and gives back what was bound: a texture may be loaded in the middle of somebody's
+// drawing.
+class ScopedBinding {
+  public:
+    explicit ScopedBinding(GLuint id) {
+        glGetIntegerv(GL_TEXTURE_BINDING_2D, &m_previous);
+        glBindTexture(GL_TEXTURE_2D, id);
+    }
+    ~ScopedBinding() { glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(m_previous)); }
+
+  private:
+    GLint m_previous = 0;
+};
+
 GLint MinFilter(const Texture::ImageType& type) {
     if (!type.mipmaps) return type.linearMin ? GL_LINEAR : GL_NEAREST;
     if (type.linearMin && type.linearMip) return GL_LINEAR_MIPMAP_LINEAR;
@@ -76,7 +90,7 @@ bool operator<(const Texture::ImageType& a, const Texture::ImageType& b) {
     return AsTuple(a) < AsTuple(b);
 }
 
-// ---- ways of sampling ------------------------------------------------------------------------------------
+// ---- ways of sampling ---------------------------------------------------------------------------------
 
 Texture::ImageType Texture::ImageType::Icon() {
     return {GL_RGBA, 0, 1, 1, 1, 1, 0};
@@ -100,8 +114,7 @@ Texture::ImageType Texture::ImageType::Frame() {
     return {GL_RGBA, 0, 0, 0, 1, 1, 0};
 }
 
-// ---- life
-// --------------------------------------------------------------------------------------------------
+// ---- life ---------------------------------------------------------------------------------------------
 
 Texture::Texture(AbstractImagePtr image, const ImageType& type)
     : m_image(image), m_width(image->GetWidth()), m_height(image->GetHeight()), m_type(type) {
@@ -116,7 +129,7 @@ Texture::~Texture() noexcept(false) {
 void Texture::Upload() {
     glGenTextures(1, &m_id);
     m_generation = Context::GetGeneration();
-    glBindTexture(GL_TEXTURE_2D, m_id);
+    const ScopedBinding binding(m_id);
     const GLsizei width = static_cast<GLsizei>(m_width), height = static_cast<GLsizei>(m_height);
     if (m_type.mipmaps) {
         gluBuild2DMipmaps(GL_TEXTURE_2D, m_type.internalFormat, width, height, m_image->GetPixelFormat(),
@@ -126,7 +139,6 @@ void Texture::Upload() {
                      m_image->GetPixelType(), m_image->GetPixels());
     }
     SetSampling();
-    glBindTexture(GL_TEXTURE_2D, 0);
 }
 
 void Texture::SetSampling() const {
@@ -143,8 +155,7 @@ void Texture::SetSampling() const {
     glTexParameteri(GL_TEXTURE_2D, GL_DEPTH_TEXTURE_MODE, GL_INTENSITY);
 }
 
-// ---- use
-// ---------------------------------------------------------------------------------------------------
+// ---- use ----------------------------------------------------------------------------------------------
 
 void Texture::Bind(int unit) const {
     if (unit > 0) {
@@ -176,10 +187,9 @@ ImageRGBA32Ptr Texture::Read() const {
     PROFILE_SECTION("Read");
     const ImageRGBA32Ptr image = new ImageRGBA32(m_width, m_height);
     if (m_id == 0) return image;
-    glBindTexture(GL_TEXTURE_2D, m_id);
+    const ScopedBinding binding(m_id);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, image->GetData().data());
-    glBindTexture(GL_TEXTURE_2D, 0);
     return image;
 }
 
@@ -189,13 +199,11 @@ void Texture::Copy(int x, int y) {
     const int width = std::min({x, frame.x, static_cast<int>(m_width)});
     const int height = std::min({y, frame.y, static_cast<int>(m_height)});
     if (m_id == 0 || width <= 0 || height <= 0) return;
-    glBindTexture(GL_TEXTURE_2D, m_id);
+    const ScopedBinding binding(m_id);
     Context::CopyTexSubImage(width, height);
-    glBindTexture(GL_TEXTURE_2D, 0);
 }
 
-// ---- from images and files
-// -----------------------------------------------------------------------------------
+// ---- from images and files ----------------------------------------------------------------------------
 
 namespace {
 

@@ -27,7 +27,7 @@ String LoadFailure(const String& path) {
     }
 }
 
-// ---- bare pixels -----------------------------------------------------------------------------------------
+// ---- bare pixels --------------------------------------------------------------------------------------
 
 TEST(RawImageTest, FormatsFillTheirChannelsAndTurnTheRowsOver) {
     // Two by two, upper row first; read back from the lower left corner.
@@ -82,7 +82,7 @@ TEST(RawImageTest, AShortFileIsCorruptAndALongOneIsReadAsFarAsNeeded) {
     EXPECT_THROW(ImageRGBA32::LoadRAW("nowhere.raw", ImageRGBA32::RAW_RGB, 1, 1), std::runtime_error);
 }
 
-// ---- picture files ---------------------------------------------------------------------------------------
+// ---- picture files ------------------------------------------------------------------------------------
 
 TEST(ImageFileTest, AllFormatsGiveTheSamePictureLowestRowFirst) {
     const struct {

@@ -103,7 +103,7 @@ TEST_F(MentorTest, AFailingDefaultStaysEmptyAndDoesNotRecurse) {
     EXPECT_EQ(m_workshop.calls, 1);
 }
 
-// ---- stacked binds ---------------------------------------------------------------------------------------
+// ---- stacked binds ------------------------------------------------------------------------------------
 
 class Bound : public util::StackedBind<Bound> {
   public:

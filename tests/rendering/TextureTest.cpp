@@ -130,6 +130,16 @@ TEST_F(TextureTest, BindingAnotherUnitReturnsToTheFirst) {
     texture->Unbind(1);
 }
 
+TEST_F(TextureTest, LoadingInTheMiddleOfDrawingKeepsTheBinding) {
+    const TexturePtr bound = new Texture(MakeGradient(8), ImageType::Icon());
+    const rendering::ScopedTexture scope(bound);
+    const TexturePtr other = new Texture(MakeGradient(8), ImageType::Icon());
+    other->Read();
+    GLint id = 0;
+    glGetIntegerv(GL_TEXTURE_BINDING_2D, &id);
+    EXPECT_EQ(static_cast<unsigned int>(id), bound->GetId());
+}
+
 TEST_F(TextureTest, CopyTakesTheFrameAtMostAsFarAsItGoes) {
     glClearColor(0.2f, 0.4f, 0.6f, 0.8f);
     glClear(GL_COLOR_BUFFER_BIT);
@@ -166,7 +176,7 @@ TEST_F(TextureTest, ATextureOfALostContextLeavesTheNewOneAlone) {
     EXPECT_TRUE(glIsTexture(fresh->GetId()));
 }
 
-// ---- the manager -----------------------------------------------------------------------------------------
+// ---- the manager --------------------------------------------------------------------------------------
 
 class TextureManagerTest : public test::GlTest {};
 
