@@ -47,7 +47,7 @@ double SignedArea(const Vec2List& outline) {
 bool IsSimple(const Vec2List& outline) {
     const size_t n = outline.size();
     for (size_t i = 0; i < n; ++i) {
-        for (size_t j = i + 2; j < n; ++j) {
+        for (size_t j = i + 1; j < n; ++j) {
             if (math::SegmentsIntersect(outline[i], outline[(i + 1) % n], outline[j], outline[(j + 1) % n])) {
                 return false;
             }
@@ -146,6 +146,22 @@ TEST(BrushStroke, NearlyClosedLoopGetsNoSpike) {
     for (const Vec2 p : points) {
         EXPECT_LE(std::fabs(p.x), 2.01f);
         EXPECT_LE(std::fabs(p.y), 2.01f);
+    }
+}
+
+// A hand that runs past its start without crossing it leaves a spiral, whose ends overlap.
+TEST(BrushStroke, SpiralClosesWithoutCrossing) {
+    for (const float drift : {-0.1f, -0.03f, 0.03f, 0.1f}) {
+        for (const float turns : {1.02f, 1.06f, 1.1f}) {
+            Vec2List points;
+            for (int i = 0; i <= 100; ++i) {
+                const float t = i / 100.0f, angle = math::TWO_PI * turns * t;
+                points.push_back(Vec2(std::cos(angle), std::sin(angle)) * (1 + drift * t));
+            }
+            ASSERT_EQ(ExtractLoop(points), LoopResult::Loop);
+            EXPECT_TRUE(IsSimple(points)) << drift << " " << turns;
+            EXPECT_NEAR(std::fabs(SignedArea(points)), math::PI, 0.4) << drift << " " << turns;
+        }
     }
 }
 

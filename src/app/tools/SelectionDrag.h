@@ -10,13 +10,16 @@ namespace app {
 // transforming it, letting go, and the way back.
 class SelectionDrag {
   public:
+    SelectionDrag();
+    ~SelectionDrag();
+
     // Takes the entity under the point with all that is selected; one that is not selected is selected
     // first. The selection comes to the top of the scene. False, and nothing is taken, where there is none.
     bool Take(math::Vec2 world);
     // Replaces the selection by copies of it.
     void Clone();
     void Hold();
-    bool IsTaken() const { return m_before; }
+    bool IsTaken() const;
     bool IsHolding() const { return m_holding; }
 
     // Moves every body once, however many of its shapes are selected, and the joints.

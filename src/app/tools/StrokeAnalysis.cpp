@@ -19,6 +19,9 @@ constexpr real LINE_DEVIATION = 0.2f;
 // A stroke is closed when its ends are nearer to each other than this part of its length.
 constexpr real CLOSING_GAP = 1.0f / 8;
 
+// Of a loop's points at most one in so many is taken off to let it close.
+constexpr size_t MAX_TRIMMED_PART = 4;
+
 // A range of segments, both ends included.
 struct SegmentRange {
     size_t first;
@@ -90,6 +93,31 @@ void AppendDistinct(Vec2List& points, Vec2 p) {
     if (points.empty() || points.back() != p) points.push_back(p);
 }
 
+// Whether the edge that closes the outline part [from, to] crosses another of its edges.
+bool ClosingEdgeCrosses(const Vec2List& loop, size_t from, size_t to) {
+    for (size_t i = from; i < to; ++i) {
+        if (math::SegmentsIntersect(loop[to], loop[from], loop[i], loop[i + 1])) return true;
+    }
+    return false;
+}
+
+// A hand that runs past its start without crossing it, as in a spiral, leaves ends that overlap, and the
+// closing edge would cut through one of them. As few points as will do are taken off either end; an
+// outline that this does not help stays as it is.
+void TrimOverlap(Vec2List& loop) {
+    const size_t last = loop.size() - 1;
+    for (size_t dropped = 0; dropped <= loop.size() / MAX_TRIMMED_PART; ++dropped) {
+        for (const size_t fromStart : {size_t(0), dropped, dropped / 2}) {
+            const size_t from = fromStart, to = last - (dropped - fromStart);
+            if (ClosingEdgeCrosses(loop, from, to)) continue;
+            Vec2List kept;
+            kept.assign(loop.begin() + from, loop.begin() + to + 1);
+            loop.swap(kept);
+            return;
+        }
+    }
+}
+
 // The outline of a range. Of a segment that is crossed only the end inside the loop belongs to it; the
 // rest sticks out beyond the crossing.
 Vec2List CutLoop(const Vec2List& points, const std::vector<bool>& marked, SegmentRange range) {
@@ -98,7 +126,11 @@ Vec2List CutLoop(const Vec2List& points, const std::vector<bool>& marked, Segmen
     Vec2List loop;
     for (size_t i = from; i <= to; ++i) AppendDistinct(loop, points[i]);
     Vec2 crossing;
-    if (FindCrossing(points, range, crossing)) AppendDistinct(loop, crossing);
+    if (FindCrossing(points, range, crossing)) {
+        AppendDistinct(loop, crossing);
+    } else {
+        TrimOverlap(loop);
+    }
     return loop;
 }
 

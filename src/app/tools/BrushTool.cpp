@@ -1,0 +1,162 @@
+#include "app/tools/BrushTool.h"
+
+#include <algorithm>
+
+#include "app/Actions.h"
+#include "app/App.h"
+#include "app/Snapshot.h"
+#include "app/Undoer.h"
+#include "app/entities/PlaneEntity.h"
+#include "app/entities/PolyEntity.h"
+#include "app/tools/StrokeAnalysis.h"
+#include "gui/Input.h"
+#include "gui/Key.h"
+#include "logging/Log.h"
+#include "physics/Polygon.h"
+#include "rendering/Renderer.h"
+#include "util/Exception.h"
+
+namespace app {
+
+using math::real;
+using math::Vec2;
+using math::Vec2List;
+
+namespace {
+
+const math::Vec4 STROKE_COLOR(0.85f, 1.0f, 0.85f, 1.0f);
+
+// The distance map and the search for crossings of an outline take time and memory by its vertices; far
+// more than a hand can draw.
+constexpr size_t MAX_EDGES = 4000;
+
+// The greatest length of an outline's edges, in world units. A setting that would split it into more
+// pieces than MAX_EDGES, or that is no length at all, counts as the length at that many.
+real EdgeLimit(const Vec2List& loop, real wanted) {
+    const real closed = PathLength(loop) + math::Length(loop.front() - loop.back());
+    const real least = closed / MAX_EDGES;
+    return wanted > least ? wanted : least;
+}
+
+// Erasing one selected entity erases all that are; a plane, easily hit by accident, goes only alone.
+EntitySet Doom(const EntitySet& crossed, const EntitySet& selected) {
+    EntitySet doomed = crossed;
+    const bool hitSelection = std::any_of(crossed.begin(), crossed.end(),
+                                          [&](const EntityPtr& entity) { return selected.count(entity); });
+    if (hitSelection) doomed.insert(selected.begin(), selected.end());
+    if (doomed.size() < 2) return doomed;
+    for (auto i = doomed.begin(); i != doomed.end();) {
+        i = util::DynamicCast<PlaneEntity>(*i) ? doomed.erase(i) : std::next(i);
+    }
+    return doomed;
+}
+
+}  // namespace
+
+void BrushTool::OnDragStart(gui::DragEvent& event) {
+    if (event.m_handled || event.m_key != gui::Key::LeftMouse) return;
+    const Vec2 world = App::Instance().GUIToWorld(event.m_position);
+    if (!MayDrawAt(world)) return;
+    m_drawing = true;
+    event.m_handled = true;
+    m_points.clear();
+    m_points.push_back(world);
+}
+
+void BrushTool::OnDrag(gui::DragEvent& event) {
+    if (!m_drawing) return;
+    event.m_handled = true;
+    // Draw shows a straight line to the mouse meanwhile.
+    if (gui::Input::Instance().IsModifierDown(gui::Modifier::Shift)) return;
+    AppendPoint(App::Instance().GUIToWorld(event.m_position));
+}
+
+void BrushTool::OnKeyEvent(gui::KeyEvent& event) {
+    Tool::OnKeyEvent(event);
+    const bool shift = event.m_key == gui::Key::LeftShift || event.m_key == gui::Key::RightShift;
+    if (m_drawing && shift && !event.m_pressed) AppendPoint(App::Instance().GUIToWorld(event.m_position));
+}
+
+void BrushTool::OnDragEnd(gui::DragEvent& event) {
+    if (event.m_handled || event.m_key != gui::Key::LeftMouse || !m_drawing) return;
+    event.m_handled = true;
+    AppendPoint(App::Instance().GUIToWorld(event.m_position));
+    // Idle before the analysis: what it does through the undoer cancels the active tool first.
+    m_drawing = false;
+    Vec2List stroke;
+    stroke.swap(m_points);
+    if (stroke.size() >= 2) Analyse(stroke);
+}
+
+void BrushTool::AppendPoint(Vec2 world) {
+    const App& app = App::Instance();
+    const real minDistance = app.m_minPointDist->Get() * app.GetCmToWorld();
+    const Vec2 last = m_points.back();
+    if (world != last && minDistance <= math::Length(world - last)) m_points.push_back(world);
+}
+
+void BrushTool::Draw() {
+    if (!m_drawing) return;
+    rendering::Renderer& renderer = rendering::Renderer::Instance();
+    const math::Vec4 kept = renderer.GetColor();
+    renderer.SetColor(STROKE_COLOR);
+    Vec2List strip = m_points;
+    const Vec2 mouse = App::Instance().GetMousePos();
+    if (mouse != strip.back()) strip.push_back(mouse);
+    renderer.DrawLines(strip, false);
+    renderer.SetColor(kept);
+}
+
+bool BrushTool::Cancel() {
+    const bool wasDrawing = m_drawing;
+    m_points.clear();
+    m_drawing = false;
+    return wasDrawing;
+}
+
+void BrushTool::Analyse(const Vec2List& stroke) {
+    if (TestEraseLine(stroke)) {
+        EraseAlong(stroke);
+        return;
+    }
+    const physics::PolygonPtr polygon = IsPolygon(stroke);
+    if (!polygon) return;
+    if (!SelectInside(*polygon)) CreateEntity(polygon);
+}
+
+void BrushTool::EraseAlong(const Vec2List& stroke) {
+    physics::LineList lines;
+    for (size_t i = 1; i < stroke.size(); ++i) lines.push_back({stroke[i - 1], stroke[i]});
+    const App& app = App::Instance();
+    EntitySet crossed;
+    for (const EntityPtr& entity : app.GetEntities()) {
+        if (entity->CrossesLines(lines)) crossed.insert(entity);
+    }
+    const EntitySet doomed = Doom(crossed, app.GetSelection().Get());
+    if (!doomed.empty()) Undoer::Instance().Do(new EraseEntities(doomed));
+}
+
+physics::PolygonPtr BrushTool::IsPolygon(const Vec2List& stroke) {
+    if (stroke.size() < 3) return nullptr;
+    Vec2List loop = stroke;
+    if (ExtractLoop(loop) != LoopResult::Loop) return nullptr;
+    // A big scribble with a tiny loop at its end means nothing.
+    if (PathLength(loop) < PathLength(stroke) / 2) return nullptr;
+    try {
+        const App& app = App::Instance();
+        loop = physics::AssertMaxDist(loop, EdgeLimit(loop, app.m_maxPointDist->Get() * app.GetCmToWorld()));
+        if (loop.size() < 3) return nullptr;
+        return new physics::Polygon(loop);
+    } catch (const std::exception& e) {
+        LogException(e, "physics::PolygonPtr app::BrushTool::IsPolygon()");
+        Log(logging::Error, e.what());
+        return nullptr;
+    }
+}
+
+void BrushTool::CreateEntity(const physics::PolygonPtr& polygon) {
+    const SnapshotPtr before = new Snapshot;
+    AddToScene(new PolyEntity(polygon), before, "UndoPolygon");
+}
+
+}  // namespace app

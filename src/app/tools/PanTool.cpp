@@ -1,0 +1,34 @@
+#include "app/tools/PanTool.h"
+
+#include "app/App.h"
+#include "app/entities/Entity.h"
+#include "gui/Key.h"
+
+namespace app {
+
+void PanTool::OnDragStart(gui::DragEvent& event) {
+    if (event.m_handled) return;
+    const App& app = App::Instance();
+    if (app.GetEntityAt(app.GUIToWorld(event.m_position))) return;
+    m_grabbed = true;
+    event.m_handled = true;
+}
+
+void PanTool::OnDrag(gui::DragEvent& event) {
+    if (!m_grabbed) return;
+    event.m_handled = true;
+    App::Instance().Pan(event.m_delta.x, event.m_delta.y);
+}
+
+// A drag with any other button keeps the view grabbed: only the right button lets go.
+void PanTool::OnDragEnd(gui::DragEvent& event) {
+    if (event.m_key == gui::Key::RightMouse) event.m_handled = Cancel();
+}
+
+bool PanTool::Cancel() {
+    const bool wasGrabbed = m_grabbed;
+    m_grabbed = false;
+    return wasGrabbed;
+}
+
+}  // namespace app
