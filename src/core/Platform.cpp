@@ -1,0 +1,124 @@
+#include "core/Platform.h"
+
+#include <SDL/SDL_video.h>
+#include <dlfcn.h>
+
+#include <csignal>
+#include <cstdint>
+#include <cstdlib>
+#include <iostream>
+
+#include "logging/Log.h"
+
+namespace core {
+
+namespace {
+
+// A function of the SDL 2 library that this process has loaded already; null without it.
+template <class Function>
+Function* FindSdl2(const char* name) {
+    void* const library = dlopen("libSDL2-2.0.so.0", RTLD_NOLOAD | RTLD_LAZY);
+    if (library == nullptr) return nullptr;
+    const auto function = reinterpret_cast<Function*>(dlsym(library, name));
+    dlclose(library);  // ends this look-up's hold only
+    return function;
+}
+
+// Mirrors of SDL 2's SDL_MessageBoxButtonData and SDL_MessageBoxData, whose header would clash.
+struct MessageBoxButton {
+    uint32_t m_flags;
+    int m_id;
+    const char* m_text;
+};
+struct MessageBox {
+    uint32_t m_flags;
+    void* m_window;
+    const char* m_title;
+    const char* m_message;
+    int m_numButtons;
+    const MessageBoxButton* m_buttons;
+    const void* m_colors;
+};
+constexpr uint32_t INFORMATION_ICON = 0x40;
+constexpr uint32_t DEFAULT_BUTTON = 1;
+
+constexpr int TERMINATION_SIGNALS[] = {SIGTERM, SIGINT, SIGHUP};
+volatile std::sig_atomic_t s_terminationRequested = 0;
+
+void NoteTermination(int) {
+    s_terminationRequested = 1;
+}
+
+void SetSignalHandlers(void (*handler)(int)) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    for (const int signal : TERMINATION_SIGNALS) sigaction(signal, &action, nullptr);
+}
+
+// The video driver that the library has started; empty before that.
+String GetVideoDriver() {
+    char name[32] = "";
+    SDL_VideoDriverName(name, sizeof name);
+    return name;
+}
+
+bool IsInvisible(const String& driver) {
+    return driver == "offscreen" || driver == "dummy";
+}
+
+}  // namespace
+
+bool ShowMessageBox(const String& caption, const String& text) {
+    const auto show = FindSdl2<int(const MessageBox*, int*)>("SDL_ShowMessageBox");
+    if (show == nullptr || IsInvisible(GetVideoDriver())) return false;
+    enum { OK, CANCEL };
+    const MessageBoxButton buttons[] = {{DEFAULT_BUTTON, OK, "OK"}, {0, CANCEL, "Cancel"}};
+    const MessageBox box = {INFORMATION_ICON, nullptr, caption.c_str(), text.c_str(), 2, buttons, nullptr};
+    int pressed = OK;
+    SetSignalHandlers(SIG_DFL);
+    const bool shown = show(&box, &pressed) == 0;
+    return shown && pressed == CANCEL;
+}
+
+bool ShowMsg(const String& caption, const String& text) {
+    std::cerr << caption << ": " << text << std::endl;
+    Log(logging::Error, caption + ": " + text);
+    return ShowMessageBox(caption, text + "\nPress cancel to debug");
+}
+
+bool HasDisplay() {
+    return !IsInvisible(GetVideoDriver()) || std::getenv("SDL_VIDEODRIVER") != nullptr;
+}
+
+math::Vec2i GetDesktopSize() {
+    const SDL_VideoInfo* const info = SDL_GetVideoInfo();
+    if (info == nullptr || info->current_w <= 0 || info->current_h <= 0) return {0, 0};
+    return {info->current_w, info->current_h};
+}
+
+bool HasSwapControl() {
+    return FindSdl2<int(int)>("SDL_GL_SetSwapInterval") != nullptr;
+}
+
+bool GetSwapInterval() {
+    const auto get = FindSdl2<int()>("SDL_GL_GetSwapInterval");
+    return get != nullptr && get() != 0;
+}
+
+void SetSwapInterval(bool enabled) {
+    const auto set = FindSdl2<int(int)>("SDL_GL_SetSwapInterval");
+    if (set != nullptr) set(enabled ? 1 : 0);
+}
+
+void CatchTerminationSignals() {
+    SetSignalHandlers(&NoteTermination);
+}
+
+bool TakeTerminationRequest() {
+    const bool requested = s_terminationRequested != 0;
+    s_terminationRequested = 0;
+    return requested;
+}
+
+}  // namespace core

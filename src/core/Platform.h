@@ -1,0 +1,35 @@
+#pragma once
+
+#include "math/Vector.h"
+#include "util/String.h"
+
+// The seam to the machine's services that SDL 1.2 does not offer. Its compatibility library stands on SDL 2,
+// which does; where that is not so, each operation answers as if the service were missing. None of them
+// blocks where there is no display.
+namespace core {
+
+// A box with OK and Cancel. True if and only if the user pressed Cancel. While it stands, termination
+// signals end the process as they do by default.
+bool ShowMessageBox(const String& caption, const String& text);
+
+// Says something to the user outside the window: on standard error, in the log at Error, in a message box
+// with the hint that Cancel debugs. True if and only if the user pressed Cancel.
+bool ShowMsg(const String& caption, const String& text);
+
+// Whether there is something to show a window on, once the library has started. Where it finds no display
+// it falls back to drawing nowhere, which is welcome only to those who ask it for that (SDL_VIDEODRIVER).
+bool HasDisplay();
+
+// Pixels; 0, 0 when unknown. Right only before the first video mode has been set.
+math::Vec2i GetDesktopSize();
+
+// Synchronisation of buffer swaps with the display, for the current context.
+bool HasSwapControl();
+bool GetSwapInterval();
+void SetSwapInterval(bool enabled);
+
+// From now on SIGTERM, SIGINT and SIGHUP only raise a flag, which TakeTerminationRequest reads and clears.
+void CatchTerminationSignals();
+bool TakeTerminationRequest();
+
+}  // namespace core
