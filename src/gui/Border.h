@@ -1,5 +1,8 @@
 #pragma once
 
+#include <array>
+
+#include "rendering/Texture.h"
 #include "util/SharedPtr.h"
 #include "util/String.h"
 
@@ -27,9 +30,15 @@ class Border {
     void Draw(float width, float height) const;
 
   private:
-    struct Tiles;
+    enum Tile { L, R, T, B, LT, RT, LB, RB, BODY, NUM_TILES };
+    struct Tiles : public util::Pointee {
+        math::Vec2 GetSize(Tile tile) const;  // pixels; zero for a picture that could not be loaded
+
+        std::array<rendering::TextureMentorPtr, NUM_TILES> m_images;
+    };
 
     void MeasureTiles();
+    void DrawTile(Tile tile, math::Vec2 min, math::Vec2 max) const;
 
     util::SharedPtr<Tiles> m_tiles;
     float m_top = 0;

@@ -86,8 +86,8 @@ class Component : public InputDelegator {
 
   private:
     void SortChildren();
-    void DropFromLists(Component& child);
-    static void ResortParentOf(Component* child);
+    void WatchPriority();
+    void ResortInParent();
 
     math::Vec2 m_pos;           // GUI units
     math::Vec2 m_size;          // GUI units

@@ -6,6 +6,10 @@
 
 namespace gui {
 
+// Sizes that give lists of controls their spacing; GUI units.
+constexpr float ROW_HEIGHT = 22;
+constexpr float TEXT_MARGIN = 4;  // on both sides of a text in a control
+
 // The shared source of fonts, text formats and skins. What cannot be loaded is replaced, with a line at
 // Error: a font by boxes, a skin by an empty border.
 class LookAndFeel : public util::Pointee {

@@ -28,6 +28,7 @@ class WobbleComponent : public Component {
     virtual bool IsHeld() const { return false; }
 
   private:
+    math::TMatrix3<float> GetPictureTransform() const;
     void Step(float h);
     void LimitLag();
     void UpdateMatrix();

@@ -1,0 +1,201 @@
+#include "gui/Component.h"
+
+#include <algorithm>
+#include <boost/bind/bind.hpp>
+
+#include "gui/Input.h"
+#include "gui/LookAndFeel.h"
+#include "rendering/Gl.h"
+#include "rendering/Renderer.h"
+#include "util/Assert.h"
+
+namespace gui {
+
+using math::BoundingBox2f;
+using math::TMatrix3;
+using math::Vec2;
+using rendering::Renderer;
+
+Component::Component(const String& name, const LayoutPtr& layout)
+    : InputDelegator(name), m_textFormat(LookAndFeel::Get().GetTextFormat()), m_layout(layout) {}
+
+// ---- drawing -----------------------------------------------------------------------------------------
+
+void Component::Draw() {
+    Renderer& renderer = Renderer::Instance();
+    const math::Vec4 kept = renderer.GetColor();
+    renderer.MultColor(m_color);
+    DrawComp();
+    DrawChildren();
+    renderer.SetColor(kept);
+}
+
+void Component::DrawChildren() {
+    for (const ComponentPtr& child : m_children) {
+        const rendering::ScopedMatrix matrix;
+        const Vec2 origin = child->m_pos + child->GetContentOffset();
+        glTranslatef(origin.x, origin.y, child->m_z);
+        child->Draw();
+    }
+}
+
+void Component::DrawComp() {
+    m_border.Draw(m_size.x, m_size.y);
+}
+
+// Children may leave while they are updated, their own window closing for instance.
+void Component::Update(float dt) {
+    for (size_t i = m_children.size(); i-- > 0;) {
+        if (i >= m_children.size()) continue;
+        const ComponentPtr child = m_children[i];
+        child->Update(dt);
+    }
+}
+
+// ---- place -------------------------------------------------------------------------------------------
+
+TMatrix3<float> Component::GetInverseTransform() const {
+    const Vec2 origin = m_pos + GetContentOffset();
+    const TMatrix3<float> own = TMatrix3<float>::Translation(-origin.x, -origin.y);
+    const Component* const parent = GetParent();
+    return parent ? own * parent->GetInverseTransform() : own;
+}
+
+void Component::SetPos(float x, float y) {
+    const Vec2 pos(x, y);
+    if (pos == m_pos) return;
+    m_pos = pos;
+    OnGeometryChanged();
+}
+
+void Component::SetSize(float w, float h) {
+    const Vec2 size(w, h);
+    if (size == m_size) return;
+    m_size = size;
+    OnGeometryChanged();
+}
+
+// Size of a child, layout of the parent and size of the parent may call each other in a circle, which a
+// NaN, never equal to itself, would keep going: one round has to be enough.
+void Component::OnGeometryChanged() {
+    if (!m_autoNotify || m_notifying) return;
+    m_notifying = true;
+    for (size_t i = m_children.size(); i-- > 0;) {
+        if (i < m_children.size()) m_children[i]->FitToParent();
+    }
+    if (Component* const parent = GetParent()) parent->DoLayout();
+    m_notifying = false;
+}
+
+void Component::DoLayout() {
+    if (!m_layout) return;
+    ComponentList children;
+    for (const ComponentPtr& child : m_children) {
+        if (!child->IsExcludedFromLayout()) children.push_back(child);
+    }
+    m_layout->Apply(*this, children);
+}
+
+// The parent's own place is added, too, which only a parent at 0, 0 makes right; the world view and its
+// interface, which fill the root, are such.
+void Component::FitToParent() {
+    const Component* const parent = GetParent();
+    if (!m_fillParent || !parent) return;
+    m_border = Border();
+    const Vec2 size = parent->m_size, pos = parent->m_pos + parent->GetContentOffset();
+    SetSize(size.x, size.y);
+    SetPos(pos.x, pos.y);
+}
+
+Vec2 Component::GetOuterSize() const {
+    return m_size + GetContentOffset() + Vec2(m_border.GetRight(), m_border.GetBottom());
+}
+
+BoundingBox2f Component::GetOuterBox() const {
+    const Vec2 offset = GetContentOffset();
+    return {-offset, GetOuterSize() - offset};
+}
+
+bool Component::IsInContentBox(Vec2 gui) const {
+    return BoundingBox2f({0, 0}, m_size).Contains(ToContent(gui));
+}
+
+bool Component::IsMouseInside() const {
+    return IsInOuterBox(Input::Instance().GetMousePosition());
+}
+
+void Component::SetBorder(const Border& border) {
+    m_border = border;
+    OnGeometryChanged();
+}
+
+void Component::SetLayout(const LayoutPtr& layout) {
+    m_layout = layout;
+    if (!m_layout) SortChildren();
+    DoLayout();
+}
+
+void Component::SetFillParent(bool fillParent) {
+    m_fillParent = fillParent;
+    FitToParent();
+}
+
+void Component::SetExcludedFromLayout(bool excluded) {
+    m_excludedFromLayout = excluded;
+    if (Component* const parent = GetParent()) parent->DoLayout();
+}
+
+// ---- children ----------------------------------------------------------------------------------------
+
+void Component::AddChild(const ComponentPtr& newChild) {
+    const ComponentPtr child = newChild;  // the argument may be the very entry that is removed below
+    CODE_ASSERTION(child);
+    if (Component* const parent = child->GetParent()) parent->RemoveChild(child);
+    AddReflected(child);
+    m_children.push_back(child);
+    child->m_parent = this;
+    child->FitToParent();
+    AddListener(child);
+    DoLayout();
+    child->WatchPriority();
+    SortChildren();
+}
+
+void Component::RemoveChild(const ComponentPtr& oldChild) {
+    const ComponentPtr child = oldChild;
+    if (!child) return;
+    RemoveListener(*child);
+    // The world view has moved on to a place of its own in the script tree by now.
+    if (child->GetOwner() == this) RemoveVariable(child->GetReflectedName());
+    const auto place = std::find(m_children.begin(), m_children.end(), child);
+    if (place == m_children.end()) return;
+    m_children.erase(place);
+    if (child->GetParent() == this) child->m_parent = ComponentWeakPtr();
+    DoLayout();
+}
+
+void Component::RemoveAllChildren() {
+    const ComponentList children = m_children;
+    for (const ComponentPtr& child : children) RemoveChild(child);
+}
+
+// Once per component, however often it changes its parent.
+void Component::WatchPriority() {
+    if (m_watchesPriority) return;
+    m_watchesPriority = true;
+    GetOnPriorityChange().Add(new util::Callback(boost::bind(&Component::ResortInParent, this), this));
+}
+
+void Component::ResortInParent() {
+    if (Component* const parent = GetParent()) parent->SortChildren();
+}
+
+// A layout shows the children in the order of adding.
+void Component::SortChildren() {
+    if (m_layout) return;
+    std::stable_sort(m_children.begin(), m_children.end(), [](const ComponentPtr& a, const ComponentPtr& b) {
+        return a->GetPriority() < b->GetPriority();
+    });
+}
+
+}  // namespace gui

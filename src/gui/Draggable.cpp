@@ -1,0 +1,21 @@
+#include "gui/Draggable.h"
+
+#include "gui/Key.h"
+
+namespace gui {
+
+// Asked before the children, unlike everything else: what is dragged may carry them.
+void Draggable::OnDragStart(DragEvent& event) {
+    if (!event.m_handled && event.m_key == Key::LeftMouse && IsInContentBox(event.m_start)) {
+        m_dragging = true;
+        event.m_handled = true;
+    }
+    Component::OnDragStart(event);
+}
+
+void Draggable::OnDragEnd(DragEvent& event) {
+    m_dragging = false;
+    Component::OnDragEnd(event);
+}
+
+}  // namespace gui

@@ -1,0 +1,151 @@
+#include "gui/Font.h"
+
+#include <boost/bind/bind.hpp>
+#include <map>
+
+#include "rendering/Context.h"
+#include "rendering/Gl.h"
+#include "rendering/Image.h"
+#include "util/Exception.h"
+#include "util/FileSystem.h"
+#include "util/FileWrapper.h"
+
+namespace gui {
+
+using rendering::Context;
+using rendering::ImageRGBA32;
+using rendering::ImageRGBA32Ptr;
+
+namespace {
+
+Font* LoadFont(const String& widthsPath, const String& sheetPath) {
+    return new Font(widthsPath, sheetPath);
+}
+
+constexpr int STAND_IN_CELL = 16;  // pixels
+constexpr int STAND_IN_ADVANCE = 9;
+
+bool HasPicture(int glyph) {
+    return (glyph > ' ' && glyph < 127) || glyph > 160;
+}
+
+// A box from `left` to `right`, `bottom` to `top`, counted from the lower left corner of the cell.
+ImageRGBA32Ptr MakeStandInSheet() {
+    constexpr int LEFT = 1, RIGHT = 7, BOTTOM = 3, TOP = 12;
+    constexpr int SIDE = STAND_IN_CELL * Font::CELLS_PER_SIDE;
+    const ImageRGBA32Ptr sheet = new ImageRGBA32(SIDE, SIDE, rendering::RGBA32(255, 255, 255, 0));
+    for (int glyph = 0; glyph < Font::NUM_GLYPHS; ++glyph) {
+        if (!HasPicture(glyph)) continue;
+        const int x0 = glyph % Font::CELLS_PER_SIDE * STAND_IN_CELL;
+        const int y0 = SIDE - (glyph / Font::CELLS_PER_SIDE + 1) * STAND_IN_CELL;
+        for (int x = LEFT; x <= RIGHT; ++x) {
+            for (int y = BOTTOM; y <= TOP; ++y) {
+                const bool isEdge = x == LEFT || x == RIGHT || y == BOTTOM || y == TOP;
+                if (isEdge) (*sheet)(x0 + x, y0 + y).w = 255;
+            }
+        }
+    }
+    return sheet;
+}
+
+}  // namespace
+
+Font::Font() {
+    m_advance.fill(1);
+}
+
+Font::Font(const String& widthsPath, const String& sheetPath) : Font() {
+    SetSheet(ImageRGBA32::LoadFile(sheetPath));
+    LoadWidths(widthsPath);
+    BuildLists();
+}
+
+Font::~Font() noexcept(false) {
+    if (m_lists != 0 && m_generation == Context::GetGeneration()) glDeleteLists(m_lists, NUM_GLYPHS);
+}
+
+Font* Font::MakeStandIn() {
+    Font* const font = new Font;
+    font->SetSheet(MakeStandInSheet());
+    font->m_advance.fill(static_cast<float>(STAND_IN_ADVANCE) / STAND_IN_CELL);
+    font->BuildLists();
+    return font;
+}
+
+FontMentorPtr Font::Get(const String& name) {
+    static std::map<String, FontMentorPtr>& fonts = *new std::map<String, FontMentorPtr>;
+    if (fonts.empty()) FontMentor::SetDefault(new FontMentor(&Font::MakeStandIn));
+    FontMentorPtr& mentor = fonts[name];
+    if (!mentor) {
+        const String path = util::FileSystem::Instance().GetFontsDir() + name;
+        mentor = new FontMentor(boost::bind(&LoadFont, path + ".dat", path + ".raw"));
+    }
+    return mentor;
+}
+
+void Font::LoadWidths(const std::string& path) {
+    std::array<unsigned char, NUM_GLYPHS> widths;
+    util::FILEWrapper file(path, "rb");
+    try {
+        file.Read(widths.data(), widths.size());
+    } catch (const std::runtime_error&) {
+        const String text = "File \"" + path + "\" is corrupt.";
+        Log(logging::Error, text);
+        THROW(FileReadException, text);
+    }
+    // Bytes are pixels of the sheet; a cell is a sixteenth of it.
+    const float cellsPerPixel = 1 / m_cellSize;
+    for (int glyph = 0; glyph < NUM_GLYPHS; ++glyph) m_advance[glyph] = widths[glyph] * cellsPerPixel;
+}
+
+void Font::SetSheet(const ImageRGBA32Ptr& sheet) {
+    DATA_ASSERTION(sheet->GetWidth() == sheet->GetHeight() && sheet->GetWidth() % CELLS_PER_SIDE == 0);
+    m_cellSize = static_cast<float>(sheet->GetWidth()) / CELLS_PER_SIDE;
+    m_texture = new rendering::Texture(sheet, rendering::Texture::ImageType::Font());
+}
+
+void Font::BuildLists() {
+    if (!Context::Exists()) return;
+    m_lists = glGenLists(NUM_GLYPHS);
+    m_generation = Context::GetGeneration();
+    for (int glyph = 0; glyph < NUM_GLYPHS; ++glyph) BuildGlyph(glyph);
+}
+
+// Row 0 of the sheet is its upper edge, where t is 1; the quad's y points down.
+void Font::BuildGlyph(int glyph) const {
+    constexpr float CELL = 1.0f / CELLS_PER_SIDE;
+    const float s = glyph % CELLS_PER_SIDE * CELL;
+    const float t = 1 - glyph / CELLS_PER_SIDE * CELL;
+    glNewList(m_lists + glyph, GL_COMPILE);
+    glBegin(GL_QUADS);
+    glTexCoord2f(s, t);
+    glVertex2f(0, 0);
+    glTexCoord2f(s, t - CELL);
+    glVertex2f(0, 1);
+    glTexCoord2f(s + CELL, t - CELL);
+    glVertex2f(1, 1);
+    glTexCoord2f(s + CELL, t);
+    glVertex2f(1, 0);
+    glEnd();
+    glTranslatef(m_advance[glyph], 0, 0);
+    glEndList();
+}
+
+void Font::BeginDrawing() const {
+    glPushAttrib(GL_LIST_BIT | GL_ENABLE_BIT);
+    glListBase(m_lists);
+    glEnable(GL_TEXTURE_2D);
+    glEnable(GL_BLEND);
+    m_texture->Bind();
+}
+
+void Font::DrawRun(const char* bytes, size_t nBytes) const {
+    if (m_lists != 0) glCallLists(static_cast<GLsizei>(nBytes), GL_UNSIGNED_BYTE, bytes);
+}
+
+void Font::EndDrawing() const {
+    m_texture->Unbind();
+    glPopAttrib();
+}
+
+}  // namespace gui
