@@ -1,0 +1,287 @@
+#include "app/AppGUI.h"
+
+#include <boost/bind/bind.hpp>
+#include <boost/format.hpp>
+#include <cmath>
+
+#include "app/Actions.h"
+#include "app/App.h"
+#include "app/SceneFiles.h"
+#include "app/Snapshot.h"
+#include "app/Undoer.h"
+#include "app/entities/Entity.h"
+#include "app/tools/BrushTool.h"
+#include "app/tools/MoveTool.h"
+#include "app/tools/PanTool.h"
+#include "app/tools/RotateTool.h"
+#include "gui/Input.h"
+#include "gui/Key.h"
+#include "logging/Log.h"
+#include "script/Parser.h"
+#include "util/Clock.h"
+#include "util/Exception.h"
+#include "util/FileNames.h"
+#include "util/FileSystem.h"
+#include "util/ProfileTree.h"
+
+namespace app {
+
+AppGUI::AppGUI(const AppGUI* previous)
+    : Component("Interface"),
+      m_moveTool(new MoveTool),
+      m_rotateTool(new RotateTool),
+      m_panTool(new PanTool),
+      m_brushTool(new BrushTool),
+      m_lastAutosave(previous ? previous->m_lastAutosave : util::Clock::Now()) {
+    if (previous) m_sceneName = previous->m_sceneName;
+    SetFillParent(true);
+    App::Instance().GetOnInterrupt().Add(
+        new util::Callback(boost::bind(&AppGUI::CancelTool, this), util::WeakPtr<util::Pointee>(this)));
+}
+
+Tool& AppGUI::GetTool() const {
+    if (m_overrideTool) return *m_overrideTool;
+    return *m_brushTool;
+}
+
+bool AppGUI::CancelTool() {
+    return GetTool().Cancel();
+}
+
+// ---- gestures
+
+template <class Operation>
+void AppGUI::Guard(const Operation& operation) {
+    try {
+        operation();
+    } catch (const std::exception& e) {
+        LogException(e, WHERE);
+        Log(logging::Error, e.what());
+        CancelTool();
+    }
+}
+
+void AppGUI::OnDragStart(gui::DragEvent& event) {
+    Guard([&] {
+        Component::OnDragStart(event);
+        GetTool().OnDragStart(event);
+        if (event.m_handled) return;
+        m_overrideTool = ChooseOverride(event);
+        if (m_overrideTool) m_overrideTool->OnDragStart(event);
+    });
+}
+
+ToolPtr AppGUI::ChooseOverride(const gui::DragEvent& event) const {
+    const App& app = App::Instance();
+    const bool onEntity = static_cast<bool>(app.GetEntityAt(app.GUIToWorld(event.m_position)));
+    switch (event.m_key) {
+        case gui::Key::LeftMouse:
+            return onEntity ? ToolPtr(m_moveTool) : ToolPtr(m_brushTool);
+        case gui::Key::RightMouse:
+            return onEntity ? ToolPtr(m_rotateTool) : ToolPtr(m_panTool);
+        default:
+            return m_overrideTool;
+    }
+}
+
+void AppGUI::OnDrag(gui::DragEvent& event) {
+    Guard([&] {
+        Component::OnDrag(event);
+        GetTool().OnDrag(event);
+    });
+}
+
+void AppGUI::OnDragEnd(gui::DragEvent& event) {
+    Guard([&] {
+        Component::OnDragEnd(event);
+        GetTool().OnDragEnd(event);
+    });
+    m_overrideTool = nullptr;
+}
+
+void AppGUI::OnClick(gui::ClickEvent& event) {
+    Guard([&] {
+        Component::OnClick(event);
+        GetTool().OnClick(event);
+        if (!event.m_handled) HandleClick(event);
+    });
+}
+
+void AppGUI::HandleClick(gui::ClickEvent& event) {
+    App& app = App::Instance();
+    Selection& selection = app.GetSelection();
+    const math::Vec2 world = app.GUIToWorld(event.m_position);
+    const bool left = event.m_key == gui::Key::LeftMouse;
+    const bool wantsMenu = event.m_key == gui::Key::RightMouse || (left && event.m_clicks == 2) ||
+                           (left && app.GetGUISettings().m_leftClickMenus->Get());
+    if (wantsMenu) {
+        const EntityPtr entity = app.GetEntityAt(world);
+        if (!entity || !selection.Has(entity)) selection.ClickAt(world);
+        event.m_handled = true;
+    } else if (left && event.m_clicks == 1) {
+        selection.ClickAt(world);
+        event.m_handled = true;
+    }
+}
+
+// ---- keyboard
+
+void AppGUI::OnKeyEvent(gui::KeyEvent& event) {
+    Guard([&] {
+        Component::OnKeyEvent(event);
+        // Escape is answered by one call of Cancel, below.
+        const bool escape = event.m_pressed && event.m_key == gui::Key::Escape;
+        if (!escape) GetTool().OnKeyEvent(event);
+        if (event.m_pressed && !event.m_handled) event.m_handled = HandleKey(event);
+    });
+}
+
+bool AppGUI::HandleKey(const gui::KeyEvent& event) {
+    switch (event.m_key) {
+        case gui::Key::ScrollUp:
+        case gui::Key::ScrollDown:
+            return HandleWheel(event);
+        case gui::Key::Escape:
+            return CancelTool();
+        case gui::Key::Delete:
+            EraseSelection();
+            return true;
+        default:
+            return event.m_ctrl && HandleShortcut(event.m_key);
+    }
+}
+
+bool AppGUI::HandleWheel(const gui::KeyEvent& event) {
+    const bool up = event.m_key == gui::Key::ScrollUp;
+    if (event.m_ctrl) {
+        // A touch pad sends many notches at once; each would be a step.
+        if (!m_steppedHistory) StepHistory(up);
+        m_steppedHistory = true;
+        return true;
+    }
+    App& app = App::Instance();
+    const float scale = app.GetTargetWorldToGUI().m[0][0];
+    const float bound = up ? App::GetMaxZoom() : App::GetMinZoom();
+    if (up ? scale >= bound : scale <= bound) return true;
+    const float factor = std::exp2(app.GetGUISettings().m_zoomFactor->Get() * (up ? 1 : -1));
+    // Not beyond the bound: App would bring the view back about its middle, away from the mouse.
+    const bool beyond = up ? scale * factor > bound : scale * factor < bound;
+    app.ZoomAbout(event.m_position, beyond ? bound / scale : factor);
+    return true;
+}
+
+bool AppGUI::HandleShortcut(int key) {
+    switch (key) {
+        case 'z':
+            StepHistory(false);
+            return true;
+        case 'y':
+            StepHistory(true);
+            return true;
+        case 'a':
+            SelectAll();
+            return true;
+        case 's':
+            SaveScene();
+            return true;
+        case 'g':
+            SetGroup(true);
+            return true;
+        case 'u':
+            SetGroup(false);
+            return true;
+        default:
+            return false;
+    }
+}
+
+void AppGUI::StepHistory(bool redo) {
+    if (redo) {
+        Undoer::Instance().Redo();
+    } else {
+        Undoer::Instance().Undo();
+    }
+}
+
+void AppGUI::EraseSelection() {
+    CancelTool();
+    const EntitySet selected = App::Instance().GetSelection().Get();
+    if (!selected.empty()) Undoer::Instance().Do(new EraseEntities(selected));
+}
+
+void AppGUI::SelectAll() {
+    CancelTool();
+    App& app = App::Instance();
+    app.GetSelection().Set(EntitySet(app.GetEntities().begin(), app.GetEntities().end()));
+}
+
+void AppGUI::SetGroup(bool assign) {
+    CancelTool();
+    App& app = App::Instance();
+    const EntitySet selected = app.GetSelection().Get();
+    if (selected.empty()) return;
+    const SnapshotPtr before = new Snapshot;
+    const script::Int group = assign ? app.GetFreeGroup() : Entity::NO_GROUP;
+    for (const EntityPtr& entity : selected) entity->SetGroup(group);
+    Undoer::Instance().AddRestorer(before, assign ? "UndoGroupAssignment" : "UndoGroupRemoval");
+}
+
+// ---- saving
+
+bool AppGUI::SaveSceneAs(const String& name, bool autosave) {
+    try {
+        const String saved = app::SaveScene(name);
+        if (autosave) return true;
+        m_sceneName = saved;
+        Log(logging::Info, "Scene saved to " + saved);
+        return true;
+    } catch (const std::exception& e) {
+        LogException(e, "void app::AppGUI::SaveSceneAs(String, bool)");
+        Log(logging::Error, String("Error: ") + e.what());
+        return false;
+    }
+}
+
+bool AppGUI::SaveScene() {
+    if (!m_sceneName.empty()) return SaveSceneAs(m_sceneName, false);
+    // Never over a scene that the user has not named himself.
+    int number = 1;
+    String name;
+    do {
+        name = boost::str(boost::format("scene-%1%.vxa") % number++);
+    } while (util::FileSystem::Instance().Exists(GetScenePath(name)));
+    return SaveSceneAs(name, false);
+}
+
+void AppGUI::Autosave() {
+    const double now = util::Clock::Now();
+    if (now - m_lastAutosave <= App::Instance().m_autosaveTime->Get()) return;
+    m_lastAutosave = now;
+    try {
+        script::Parser::Instance().SaveRootCode(AUTOSAVE_CONFIG_FILE);
+    } catch (const std::exception& e) {
+        LogException(e, WHERE);
+        Log(logging::Error, String("Error: ") + e.what());
+    }
+    SaveSceneAs(AUTOSAVE_SCENE, true);
+}
+
+// ---- each frame
+
+void AppGUI::Update(float dt) {
+    try {
+        PROFILE_SECTION("AppGUI::Update");
+        m_steppedHistory = false;
+        Component::Update(dt);
+        Autosave();
+        GetTool().Update();
+    }
+    PASS_ON_EXCEPTIONS
+}
+
+void AppGUI::Draw() {
+    PROFILE_SECTION("AppGUI::Draw");
+    Component::Draw();
+}
+
+}  // namespace app
