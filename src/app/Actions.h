@@ -2,6 +2,7 @@
 
 #include "app/Fwd.h"
 #include "app/Snapshot.h"
+#include "app/entities/Entity.h"
 #include "util/Pointee.h"
 
 namespace app {
@@ -14,6 +15,8 @@ class Action : public util::Pointee {
     virtual void Do() = 0;
     virtual void Undo() = 0;
     virtual void Redo() { Do(); }
+    // Whether doing it leaves the scene alone, so that a gesture under way may go on.
+    virtual bool KeepsScene() const { return false; }
 
     const char* GetName() const { return m_name; }
 
@@ -29,6 +32,7 @@ class SnapshotAction : public Action {
     void Do() override {}
     void Undo() override { m_snapshot->Restore(); }
     void Redo() override { m_snapshot->Restore(); }
+    bool KeepsScene() const override { return true; }
 
   private:
     SnapshotPtr m_snapshot;
@@ -69,6 +73,7 @@ class SimStart : public Action {
     void Do() override {}
     void Undo() override;
     void Redo() override { m_snapshot->Restore(); }
+    bool KeepsScene() const override { return true; }
 
   private:
     SnapshotPtr m_snapshot;

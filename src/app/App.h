@@ -80,6 +80,8 @@ class App : public gui::Component, public util::Singleton<App> {
     // A new order of the same entities; for moving some to the front or back.
     void SetEntityOrder(const EntityList& entities);
 
+    bool HasEntity(const EntityPtr& entity) const;
+    bool HasChain(int id) const;
     EntityPtr GetEntityAt(math::Vec2 world) const;     // the topmost, or null
     EntityList GetEntitiesAt(math::Vec2 world) const;  // topmost first
     GeomList GetGeomsAt(math::Vec2 world) const;       // topmost first; the world geom comes last
@@ -97,6 +99,9 @@ class App : public gui::Component, public util::Singleton<App> {
 
     // Removes bodies whose last shape has gone.
     void FlushBodies();
+    // A start is a step of the history, however `Sim.running` comes to be true.
+    void RunSimulation();
+    void StopSimulation();
     // Empties the scene as a step of the history.
     void ClearScene();
     void TakeSnapshot();  // a mark in the history
@@ -158,13 +163,15 @@ class App : public gui::Component, public util::Singleton<App> {
 
   private:
     void AddCommands();
+    void OnRunningChange();
     // AppDrawing.cpp: the mentors and the background; touches no GL.
     void MakeDrawingResources();
 
+    void UpdateView();
     void PanByKeys(float dt);
     void UpdateEntities(float dt);
     void RetireDead(const EntitySet& dead);
-    void Detach(const EntityPtr& entity);
+    static bool IsPlaceholder(const physics::Body& body);
     void CopyContacts();
     void KeepZoomInBounds();
     void FollowTrackedEntity();
@@ -177,7 +184,7 @@ class App : public gui::Component, public util::Singleton<App> {
     math::TMatrix3<float> m_worldToGUI;  // the present value of m_view
     AppGUIPtr m_appGUI;                  // null until CreateGUI
     AppGUISettingsPtr m_guiSettings;
-    BackgroundPtr m_background;
+    gui::ComponentPtr m_background;  // no child: DrawComp draws it below the scene
     util::Random m_random;
     util::CallbackSet m_onInterrupt;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Fwd.h"
+#include "app/entities/Entity.h"
 #include "math/Vector.h"
 
 namespace app {

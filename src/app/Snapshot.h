@@ -17,6 +17,7 @@ namespace app {
 class Snapshot : public util::Pointee {
   public:
     Snapshot();  // of the present scene
+    ~Snapshot() noexcept(false) override;
 
     // Replaces the scene, its bodies and its water by the saved ones, velocities and selection included.
     void Restore() const;

@@ -16,6 +16,9 @@ namespace app {
 // already changed stacks, so one more step the other way repairs the scene.
 class Undoer : public util::Pointee, public util::Singleton<Undoer> {
   public:
+    Undoer();
+    ~Undoer() noexcept(false) override;
+
     // Does the action and makes it the last one of the history.
     void Do(const ActionPtr& action);
     void Undo();  // nothing on an empty stack, as Redo

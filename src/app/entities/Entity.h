@@ -23,6 +23,7 @@ namespace app {
 class Entity : public script::Reflected {
   public:
     explicit Entity(const String& name);
+    ~Entity() noexcept(false) override;
 
     // Snapshots leave out what never changes and is costly to write, the outlines.
     enum class Purpose { FILE, SNAPSHOT };

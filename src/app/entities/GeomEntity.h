@@ -10,6 +10,7 @@ namespace app {
 class GeomEntity : public Entity {
   public:
     GeomEntity(const String& name, const physics::GeomPtr& geom);
+    ~GeomEntity() noexcept(false) override;
 
     void UpdateBodyPtr() override;
     bool IsPointInside(math::Vec2 point) const override;
@@ -32,13 +33,10 @@ class GeomEntity : public Entity {
     // The body as of the last UpdateBodyPtr; null outside the world.
     const physics::BodyPtr& GetBody() const { return m_body; }
 
-    const script::AttribPtr<float> m_friction;
-    const script::AttribPtr<float> m_restitution;
-    const script::AttribPtr<bool> m_collideWater;
-    const script::AttribPtr<int> m_collideSet;  // bit mask, see physics::Geom
-
-  protected:
-    void CopyValuesFrom(const GeomEntity& original);
+    const script::TAttribPtr<float> m_friction;
+    const script::TAttribPtr<float> m_restitution;
+    const script::TAttribPtr<bool> m_collideWater;
+    const script::TAttribPtr<int> m_collideSet;  // bit mask, see physics::Geom
 
   private:
     const physics::GeomPtr m_geom;
@@ -54,7 +52,7 @@ class FiniteGeomEntity : public GeomEntity {
     virtual std::vector<math::Vec2> GetWaterPoints() const;
 
     // kg/m^2. Values that are not above 0 or not finite are ignored: they would cost the geom its body.
-    const script::AttribPtr<float> m_density;
+    const script::TAttribPtr<float> m_density;
 
   private:
     void SetDensity(float density);

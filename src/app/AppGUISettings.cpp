@@ -1,0 +1,12 @@
+#include "app/AppGUISettings.h"
+
+namespace app {
+
+AppGUISettings::AppGUISettings()
+    : Reflected("AppGUI"),
+      m_zoomFactor(script::DeclareAttrib(*this, "zoomFactor", 0.2f)),
+      m_drawInside(script::DeclareAttrib(*this, "drawInside", false)),
+      m_leftClickMenus(script::DeclareAttrib(*this, "leftClickMenus", false)),
+      m_drawHingesWhenRunning(script::DeclareAttrib(*this, "drawHingesWhenRunning", true)) {}
+
+}  // namespace app

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <map>
+#include <vector>
+
+#include "app/Fwd.h"
+#include "math/Vector.h"
+#include "script/Fwd.h"
+#include "script/Limits.h"
+
+namespace app {
+
+// One reading of a scene file. Numbers of bodies, geoms and chains are the file's own and mean nothing
+// beyond it, so a scene can be read into another one.
+//
+// First all statements are read into maps of values, whose order then does not matter to the version; then
+// the shapes are built, then the bodies from them, then what refers to shapes; only in the end does all of it
+// enter the scene. Whatever fails costs the entity or statement that it stands in.
+class SceneReader {
+  public:
+    SceneReader();
+    ~SceneReader();
+
+    void Read(const script::CodeBlock& code);
+
+    // Largest length, and most vertices of one outline, that is believed: beyond, numbers are damage, and
+    // building would take for ever.
+    static constexpr float MAX_LENGTH = 1e6f;
+    static constexpr size_t MAX_VERTICES = 10000;
+
+  private:
+    using GeomMap = std::map<unsigned int, physics::GeomPtr>;
+    using BodyMap = std::map<unsigned int, physics::GeomSet>;
+    using ChainMap = std::map<unsigned int, ChainPtr>;
+
+    void ReadStatement(const script::ExpressionPtr& statement);
+    void ReadEntity(script::FunctionDeclaration& declaration);
+    void ReadAssignment(const script::Assignment& assignment);
+
+    void DeserializeBody(EntitySerializer& values);
+    GeomEntityPtr BuildShape(const String& type, const EntitySerializer& values) const;
+    GeomEntityPtr BuildPolygon(const EntitySerializer& values) const;
+    GeomEntityPtr BuildCircle(const EntitySerializer& values) const;
+    GeomEntityPtr BuildPlane(const EntitySerializer& values) const;
+    void PlaceShape(GeomEntity& entity, EntitySerializer& values) const;
+    void EnterShape(const GeomEntityPtr& entity, const EntitySerializer& values);
+    void DeserializeNonbody(const EntitySerializer& values);
+    void DeserializeWater(const EntitySerializer& values) const;
+    void LinkChain(const EntityPtr& entity, const EntitySerializer& values);
+    ChainPtr FindChain(unsigned int number);
+
+    void BuildBodies();
+    void EnterScene();
+    void FinishChains();
+
+    float GetScale() const;
+
+    script::Session m_session;     // bounds what all functions of the file together may take
+    script::ClosurePtr m_closure;  // in which the file's statements are evaluated
+    script::Int m_version = 0;     // 0 until the file says otherwise
+    std::vector<EntitySerializer> m_shapes;
+    std::vector<EntitySerializer> m_others;
+    GeomMap m_geoms;    // by the file's numbers; 0 is the world geom
+    BodyMap m_bodies;   // the geoms of each body, by the file's numbers
+    ChainMap m_chains;  // by the file's numbers
+    EntityList m_entities;
+};
+
+}  // namespace app

@@ -1,0 +1,77 @@
+#include "app/entities/Entity.h"
+
+#include "app/App.h"
+#include "app/EntityReader.h"
+#include "app/entities/Chain.h"
+
+namespace app {
+
+uint32_t Entity::s_nextSerial = 0;
+
+Entity::Entity(const String& name)
+    : Reflected(name), m_color(App::Instance().GetNextColor()), m_serial(s_nextSerial++) {}
+
+Entity::~Entity() noexcept(false) = default;
+
+void Entity::Serialize(EntitySerializer& out, Purpose) const {
+    SerializeAttributes(out);
+    out["color"] = script::ValueToObject(m_color);
+    if (m_chain) {
+        out["chain"] = script::ValueToObject(m_chain->GetID());
+        out["chainNr"] = script::ValueToObject(static_cast<int>(m_chain->IndexOf(*this)));
+    }
+    if (m_hasGroup) out["group"] = script::ValueToObject(m_group);
+    if (m_tracked) out["tracked"] = script::ValueToObject(true);
+}
+
+// Value objects go in as they are, so that a function bound to an attribute stays a function.
+void Entity::SerializeAttributes(EntitySerializer& out) const {
+    for (const script::VariablePtr& variable : GetVariables()) {
+        out[variable->GetName()] = variable->GetValue();
+    }
+}
+
+void Entity::Deserialize(const EntitySerializer& in) {
+    DeserializeAttributes(in);
+    ReadKey(in, "color", m_color);
+    // These two are written only when they hold, so their absence is no fault.
+    if (HasKey(in, "group")) {
+        script::Int group = NO_GROUP;
+        ReadKey(in, "group", group);
+        SetGroup(group);
+    }
+    if (HasKey(in, "tracked")) ReadKey(in, "tracked", m_tracked);
+}
+
+void Entity::DeserializeAttributes(const EntitySerializer& in) {
+    for (const auto& [key, value] : in) {
+        const script::VariablePtr variable = FindLocal(key);
+        if (variable) variable->SetValue(value);
+    }
+}
+
+void Entity::ResetForRestore() {
+    m_moving = false;
+    m_tracked = false;
+    m_chain = nullptr;
+    SetGroup(NO_GROUP);
+}
+
+void Entity::SetGroup(script::Int group) {
+    m_hasGroup = group != NO_GROUP;
+    m_group = group;
+}
+
+void Entity::SetChain(const ChainPtr& chain) {
+    m_chain = chain;
+}
+
+void Entity::CopyValuesFrom(const Entity& original) {
+    EntitySerializer attributes;
+    original.SerializeAttributes(attributes);
+    DeserializeAttributes(attributes);
+    m_color = original.m_color;
+    SetGroup(original.GetGroup());
+}
+
+}  // namespace app

@@ -1,0 +1,75 @@
+#include "app/entities/PolyEntity.h"
+
+#include <algorithm>
+
+#include "rendering/Image.h"
+#include "rendering/ShapePainter.h"
+#include "util/ProfileTree.h"
+
+namespace app {
+
+namespace {
+
+// Share of the map box's greater side that the distance texture resolves to either side of the outline.
+constexpr math::real DIST_SCALE = 0.04f;
+
+rendering::Texture* MakeDistTexture(const physics::PolygonPtr& polygon, math::real scale) {
+    const auto& map = polygon->GetDistMap();
+    const uint32_t size = physics::DistanceMap::SIZE;
+    const rendering::ImageFloatPtr image = new rendering::ImageFloat(size, size);
+    for (uint32_t y = 0; y < size; ++y) {
+        for (uint32_t x = 0; x < size; ++x) {
+            (*image)(x, y) = std::clamp((map(x, y) / scale + 1) / 2, 0.0f, 1.0f);
+        }
+    }
+    return rendering::TextureFromImageFloat(image, rendering::Texture::ImageType::Distance());
+}
+
+}  // namespace
+
+PolyEntity::PolyEntity(const physics::PolygonPtr& polygon)
+    : FiniteGeomEntity("Poly", polygon),
+      m_polygon(polygon),
+      m_distScale(2 * std::max(polygon->GetMapOBB().halfSize.x, polygon->GetMapOBB().halfSize.y) *
+                  DIST_SCALE) {}
+
+void PolyEntity::Draw() {
+    PROFILE_SECTION("Poly::Draw");
+    rendering::ShapePainter::Instance().DrawPolygon(m_polygon->GetTransform(), m_polygon->GetMapOBB(),
+                                                    GetDistTexture()->Get(), m_distScale, GetDrawColor());
+}
+
+bool PolyEntity::CrossesLines(const physics::LineList& lines) const {
+    return m_polygon->CountIntersections(lines) > 1;
+}
+
+bool PolyEntity::IsInsidePolygon(const physics::Polygon& polygon) const {
+    return polygon.Encloses(*m_polygon);
+}
+
+// The outline is written where it stands, but unturned: the angle has a key of its own.
+void PolyEntity::Serialize(EntitySerializer& out, Purpose purpose) const {
+    FiniteGeomEntity::Serialize(out, purpose);
+    out["type"] = script::ValueToObject("polygon");
+    if (purpose == Purpose::SNAPSHOT) return;
+    math::Vec2List vecs;
+    for (const math::Vec2& vertex : m_polygon->GetVertices()) vecs.push_back(vertex + m_polygon->GetPos());
+    out["vecs"] = script::ValueToObject(vecs);
+}
+
+EntityPtr PolyEntity::Clone() const {
+    const PolyEntityPtr clone = new PolyEntity(new physics::Polygon(*m_polygon));
+    clone->CopyValuesFrom(*this);
+    clone->m_distTexture = m_distTexture;
+    return clone;
+}
+
+const rendering::TextureMentorPtr& PolyEntity::GetDistTexture() {
+    if (!m_distTexture) {
+        m_distTexture = new rendering::TextureMentor(
+            [polygon = m_polygon, scale = m_distScale] { return MakeDistTexture(polygon, scale); });
+    }
+    return m_distTexture;
+}
+
+}  // namespace app
