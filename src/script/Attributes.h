@@ -36,7 +36,8 @@ class AbstractAttrib : public Variable, public util::ClassTracker<AbstractAttrib
     // replaced by the last good value.
     virtual void CalcValue() = 0;
 
-    bool IsBound() const { return m_bound; }
+    // Whether the stored object is a function without parameters.
+    bool IsBound() const { return m_binding != 0; }
 
     // CalcValue on each bound attribute.
     static void RecalcAll();
@@ -45,7 +46,9 @@ class AbstractAttrib : public Variable, public util::ClassTracker<AbstractAttrib
     void Store(const ObjectPtr& value);  // without conversion
 
   private:
-    bool m_bound = false;  // whether the stored object is a function without parameters
+    void NoteBinding();
+
+    uint64_t m_binding = 0;  // number of the binding, counted up; the order of recalculation. 0 when unbound
 };
 
 template <class T>
@@ -56,7 +59,7 @@ class TAttrib : public AbstractAttrib {
     // Nothing when the value equals Get. Otherwise stores it and calls what was added by AddOnChange.
     virtual void Set(const T& value);
 
-    ObjectPtr GetValue() const override;
+    ObjectPtr GetValue() override;
     void CalcValue() override;
 
     // Runs after a change has been stored. Callbacks may add and remove others.
@@ -72,8 +75,9 @@ class TAttrib : public AbstractAttrib {
     virtual bool LivesElsewhere() const { return false; }
 
   private:
-    bool Change(const T& value);
+    void Fire();
     void Repair();
+    void BringInLine();
 
     std::unique_ptr<util::CallbackSet> m_onChange;  // made by the first AddOnChange: few attributes have any
     const T m_default;

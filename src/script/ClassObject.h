@@ -16,7 +16,7 @@ class Variable : public util::Pointee {
     // The path of all script assignments. A class object that is assigned gets this variable's owner as its
     // place for look-up, at once, and the one that was replaced loses it.
     virtual void SetValue(const ObjectPtr& value);
-    virtual ObjectPtr GetValue() const { return m_value; }
+    virtual ObjectPtr GetValue() { return m_value; }
 
     const String& GetName() const { return m_name; }
     ClassObject* GetOwner() const { return m_owner.Get(); }
@@ -24,12 +24,15 @@ class Variable : public util::Pointee {
 
     // The source of one assignment with the full path; for a class object the assignments of its contents,
     // without a line of its own. Null when the value has no source.
-    ExpressionPtr ToAssignment() const;
+    ExpressionPtr ToAssignment();
+
+  protected:
+    const ObjectPtr& GetStored() const { return m_value; }
 
   private:
     friend class ClassObject;
     void SetOwner(ClassObject* owner);
-    void ClearValueOwner() const;
+    void ClearValueOwner();
 
     ClassObjectWeakPtr m_owner;  // the class object that holds this variable
     const String m_name;
@@ -55,7 +58,8 @@ class ClassObject : public Object {
     void RemoveAllVariables();
     VariableList GetVariables() const;
     size_t GetNumVariables() const { return m_variables.size(); }
-    VariablePtr FindVariableByValue(const Object* object) const;  // the first in order, or null
+    // The first in order that holds this very object; null when none does.
+    VariablePtr FindVariableByValue(const Object* object, const Variable* except = nullptr) const;
 
     // The dotted path by owner links; null at a root.
     IdentifierPtr GetIdentifier() const;
@@ -69,9 +73,13 @@ class ClassObject : public Object {
 
     // Raises ScriptException with "Circular scope" for an owner that is this object or lies below it.
     void SetOwner(const ClassObjectWeakPtr& owner) override;
+    ClassObject* AsClass() final { return this; }
+
+  protected:
+    // Raises what SetOwner would, before anything has changed.
+    void CheckOwner(const ClassObject* owner) const;
 
   private:
-    void CheckOwner(const ClassObject* owner) const;
     friend class Variable;
 
     std::map<String, VariablePtr> m_variables;

@@ -34,7 +34,7 @@ class Grammar {
     CodeBlockPtr ParseCodeBlock(const ScopePtr& scope, TokenIt& it);
     void ParseExpressionList(CodeBlock& list, const ScopePtr& scope, TokenIt& it);
     ExpressionPtr ParseExpression(const ScopePtr& scope, TokenIt& it);
-    bool ParseOperand(Sequence& sequence, const ScopePtr& scope, TokenIt& it);
+    void ParseOperand(Sequence& sequence, const ScopePtr& scope, TokenIt& it);
     void ParseMember(Sequence& sequence, TokenIt& it);
     ExpressionPtr ParseAssignment(const Sequence& sequence, const ScopePtr& scope, TokenIt& it);
     ExpressionPtr ParseBlock(const ScopePtr& scope, TokenIt& it);

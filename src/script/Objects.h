@@ -24,6 +24,10 @@ class Object : public util::Pointee {
     ClassObject* GetOwner() const { return m_owner.Get(); }
     virtual void SetOwner(const ClassObjectWeakPtr& owner);
 
+    // Casts that are taken at every read of a name; null where the object is of another kind.
+    virtual AbstractFunction* AsFunction() { return nullptr; }
+    virtual ClassObject* AsClass() { return nullptr; }
+
   protected:
     Object();
 
@@ -54,6 +58,7 @@ class AbstractFunction : public Object {
     virtual size_t GetArgCount() const = 0;
 
     const ClosurePtr& GetClosure() const { return m_closure; }
+    AbstractFunction* AsFunction() final { return this; }
 
   protected:
     explicit AbstractFunction(const ClosurePtr& closure);

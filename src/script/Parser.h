@@ -67,12 +67,13 @@ class Parser : public util::Pointee, public util::Singleton<Parser> {
 
   private:
     ObjectPtr Execute(const ExpressionPtr& expression, size_t numTokens);
-    ObjectPtr Evaluate(const ExpressionPtr& expression);
+    CodeBlockPtr ParseOrReport(const String& text, size_t& numTokens);
     void ReportError(const String& text) const;
     void AttachKeyBinder();
 
     ClosurePtr m_rootClosure;  // all top-level variables
     ScopePtr m_rootScope;      // the infix declarations seen while parsing
+    ClosurePtr m_math;         // the intrinsics
     ReflectedPtr m_keyBinder;  // null without a factory
     OnError m_onError;
 };

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <functional>
 #include <map>
 
 #include "script/Reflected.h"
 
 namespace script {
+
+// Whether a keyword occurs in the sequence that is to be split.
+using KeywordTest = std::function<bool(const String& keyword)>;
 
 // A name space with operators of its own. At parse time it holds the declarations seen so far.
 class Scope : public Reflected {
@@ -21,19 +25,19 @@ class Scope : public Reflected {
     // all occur, here or in an enclosing scope, the one of lowest precedence; an inner one before an equal
     // outer one; null when there is none. Raises ParseException for a tie within one scope.
     InfixPtr GetInfix(const StringSet& names) const;
-    template <class Occurs>  // bool(const String& keyword)
-    InfixPtr GetInfix(const Occurs& occurs) const;
+    InfixPtr GetInfix(const KeywordTest& occurs) const;
+
+    size_t GetLevel() const { return m_level; }
 
   private:
-    struct Choice;
-    std::vector<const Scope*> GetChain() const;  // this scope first, then outward
-    [[noreturn]] static void ThrowTie();
+    InfixPtr ChooseInfix(const KeywordTest& occurs, const InfixPtr& outer) const;
 
     std::vector<InfixPtr> m_infixes;
     std::map<StringList, size_t> m_patterns;  // index into m_infixes
     // Look-up goes by the owner link; this hold keeps the enclosing scope alive for functions that outlive
     // the call in which they were made.
     ClassObjectPtr m_superscope;
+    const size_t m_level;  // number of enclosing scopes at construction
 };
 
 // A scope at run time: the root, or the locals of one call.

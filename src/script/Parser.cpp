@@ -1,0 +1,239 @@
+#include "script/Parser.h"
+
+#include <typeinfo>
+
+#include "logging/Log.h"
+#include "script/Attributes.h"
+#include "script/CodeWriter.h"
+#include "script/Completion.h"
+#include "script/Exceptions.h"
+#include "script/Grammar.h"
+#include "script/Intrinsics.h"
+#include "script/Limits.h"
+#include "util/FileSystem.h"
+
+namespace script {
+
+namespace {
+
+Parser::KeyBinderFactory& GetFactory() {
+    static Parser::KeyBinderFactory& s_factory = *new Parser::KeyBinderFactory;  // abandoned at exit
+    return s_factory;
+}
+
+String InWorkDir(const String& fileName) {
+    const bool absolute = !fileName.empty() && fileName[0] == '/';
+    return absolute ? fileName : util::FileSystem::Instance().GetWorkDir() + fileName;
+}
+
+}  // namespace
+
+// ---- life --------------------------------------------------------------------------------------------
+
+Parser::Parser()
+    : m_rootClosure(new Closure("[ROOT]")),
+      m_rootScope(new Scope("ROOT_SCOPE", nullptr)),
+      m_onError([](const String& text) { Log(logging::Warning, text); }) {
+    AttachKeyBinder();
+    m_math = RegisterIntrinsics(*this);
+}
+
+// The root holds functions whose closure it is itself. Emptying it breaks the circle, and lets the services
+// go that it holds. What the key binder holds goes with it, now that the root does not hold it any more.
+Parser::~Parser() noexcept(false) {
+    if (m_keyBinder) m_keyBinder->RemoveAllVariables();
+    m_rootClosure->RemoveAllVariables();
+    m_math->RemoveAllVariables();
+}
+
+void Parser::SetKeyBinderFactory(const KeyBinderFactory& factory) {
+    GetFactory() = factory;
+    if (IsCreated() && !Instance().m_keyBinder) Instance().AttachKeyBinder();
+}
+
+void Parser::AttachKeyBinder() {
+    if (!GetFactory()) return;
+    m_keyBinder = GetFactory()();
+    m_rootClosure->AddReflected(m_keyBinder);
+}
+
+void Reflected::AddToRoot(const ReflectedPtr& child) {
+    Parser::Instance().GetRootClosure()->AddReflected(child);
+}
+
+void Parser::AddInfix(const InfixPtr& infix) {
+    m_rootScope->AddInfix(infix);
+    m_rootClosure->AddInfix(infix);
+}
+
+// ---- parsing -----------------------------------------------------------------------------------------
+
+void Parser::ParserAssert(bool condition, const String& text) {
+    if (!condition) THROW(ParseException, text);
+}
+
+void Parser::ReportError(const String& text) const {
+    try {
+        if (m_onError) m_onError(text);
+    } catch (const std::exception& e) {
+        LogException(e, WHERE);
+    }
+}
+
+CodeBlockPtr Parser::Parse(const TokenList& tokens) {
+    try {
+        return Grammar(tokens).Parse(m_rootScope);
+    } catch (const std::exception& e) {
+        LogException(e, WHERE);
+        ReportError(String("Parse error: ") + e.what());
+        return nullptr;
+    }
+}
+
+CodeBlockPtr Parser::Parse(const String& text) {
+    return Parse(Tokenizer::Tokenize(text));
+}
+
+CodeBlockPtr Parser::ParseOrReport(const String& text, size_t& numTokens) {
+    numTokens = 0;
+    try {
+        const TokenList tokens = Tokenizer::Tokenize(text);
+        numTokens = tokens.size();
+        return Parse(tokens);
+    } catch (const TokenException& e) {
+        LogException(e, WHERE);
+        ReportError(String("Parse error: ") + e.what());
+        return nullptr;
+    }
+}
+
+// ---- executing ---------------------------------------------------------------------------------------
+
+ObjectPtr Parser::Execute(const ExpressionPtr& expression, size_t numTokens) {
+    try {
+        ObjectPtr result;
+        {
+            const Session session(numTokens);
+            result = expression->Evaluate(m_rootClosure);
+        }
+        AbstractAttrib::RecalcAll();
+        return result;
+    } catch (const std::exception& e) {
+        LogException(e, WHERE);
+        ReportError(String("Tree evaluation error: ") + e.what());
+    } catch (...) {
+        LogUnknownException(WHERE);
+        ReportError("Parser threw unknown excpetion.");
+    }
+    return new ErrorObject;
+}
+
+ObjectPtr Parser::Execute(const ExpressionPtr& expression) {
+    return Execute(expression, 0);
+}
+
+ObjectPtr Parser::Execute(const TokenList& tokens) {
+    return Execute(Parse(tokens), tokens.size());
+}
+
+ObjectPtr Parser::Execute(const String& text) {
+    size_t numTokens;
+    const CodeBlockPtr code = ParseOrReport(text, numTokens);
+    return Execute(code, numTokens);
+}
+
+String Parser::ExecuteToString(const String& text) {
+    const ObjectPtr result = Execute(text);
+    if (!result || util::DynamicCast<BadObject>(result)) return String();
+    try {
+        return result->ToCode();
+    } catch (const std::exception& e) {
+        LogException(e, WHERE);
+        ReportError(String("Tree evaluation error: ") + e.what());
+        return String();
+    }
+}
+
+void Parser::Update() {
+    AbstractAttrib::RecalcAll();
+}
+
+// ---- files -------------------------------------------------------------------------------------------
+
+bool Parser::LoadConfig(const std::string& fileName) {
+    Log(logging::Info, "Parsing " + fileName + "...");
+    try {
+        AbstractAttrib::RecalcAll();
+        const String text = util::FileSystem::Instance().ReadFile(InWorkDir(fileName));
+        size_t numTokens;
+        const CodeBlockPtr code = ParseOrReport(text, numTokens);
+        Execute(code, numTokens);
+        AbstractAttrib::RecalcAll();
+        return static_cast<bool>(code);
+    } catch (const std::exception& e) {
+        LogException(e, WHERE);
+        Log(logging::Error, String("Failed loading config file: ") + e.what());
+        return false;
+    }
+}
+
+namespace {
+
+// The statements of nested blocks, one by one and in order. Joined, they give the text of the whole.
+void Flatten(const ExpressionPtr& expression, ExpressionList& statements) {
+    if (!expression) return;
+    if (typeid(*expression) != typeid(CodeBlock)) {
+        statements.push_back(expression);
+        return;
+    }
+    const CodeBlock& block = static_cast<const CodeBlock&>(*expression);
+    for (const ExpressionPtr& inner : block.GetExpressions()) Flatten(inner, statements);
+}
+
+// A list that holds an intrinsic cannot be printed. That costs its own line and no other.
+void WriteStatement(CodeWriter& out, const ExpressionPtr& statement) {
+    const size_t begin = out.GetSize();
+    try {
+        if (begin != 0) out.Append(";\n");
+        const size_t textBegin = out.GetSize();
+        statement->WriteCode(out);
+        if (out.GetSize() == textBegin) out.Cut(begin);
+    } catch (const std::exception& e) {
+        out.Cut(begin);
+        LogException(e, WHERE);
+        const Assignment* const assignment = dynamic_cast<const Assignment*>(statement.Get());
+        const String name = assignment != nullptr ? assignment->GetIdentifier()->ToCode() : "a statement";
+        Log(logging::Warning, "Left out of the saved settings: " + name + ", " + e.what());
+    }
+}
+
+}  // namespace
+
+String Parser::GetRootCode() const {
+    ExpressionList statements;
+    Flatten(m_rootClosure->ToExpression(), statements);
+    CodeWriter out;
+    for (const ExpressionPtr& statement : statements) WriteStatement(out, statement);
+    return out.Take();
+}
+
+bool Parser::SaveRootCode(const String& fileName) const {
+    try {
+        const String code = GetRootCode();
+        if (code.empty()) return false;
+        util::FileSystem::Instance().WriteFileAtomically(InWorkDir(fileName), code);
+        return true;
+    } catch (const std::exception& e) {
+        LogException(e, WHERE);
+        Log(logging::Error, "Failed saving " + fileName + ": " + e.what());
+        return false;
+    }
+}
+
+// ---- completion --------------------------------------------------------------------------------------
+
+StringList Parser::AutoComplete(String& line) const {
+    return Complete(m_rootClosure, line);
+}
+
+}  // namespace script

@@ -1,0 +1,36 @@
+#include "script/Release.h"
+
+#include <utility>
+#include <vector>
+
+namespace script {
+
+namespace {
+
+constexpr int MAX_RELEASE_DEPTH = 64;
+
+int s_depth = 0;
+std::vector<util::SharedPtr<util::Pointee>>& s_kept = *new std::vector<util::SharedPtr<util::Pointee>>;
+
+void Drop(util::SharedPtr<util::Pointee> hold) {
+    ++s_depth;
+    hold = nullptr;
+    --s_depth;
+}
+
+}  // namespace
+
+void ReleaseChild(util::SharedPtr<util::Pointee> child) noexcept {
+    if (s_depth >= MAX_RELEASE_DEPTH) {
+        s_kept.push_back(std::move(child));
+        return;
+    }
+    Drop(std::move(child));
+    while (s_depth == 0 && !s_kept.empty()) {
+        util::SharedPtr<util::Pointee> next = std::move(s_kept.back());
+        s_kept.pop_back();
+        Drop(std::move(next));
+    }
+}
+
+}  // namespace script
