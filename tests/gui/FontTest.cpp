@@ -1,0 +1,134 @@
+#include "gui/Font.h"
+
+#include <gtest/gtest.h>
+
+#include "Fixtures.h"
+#include "gui/LookAndFeel.h"
+#include "rendering/Gl.h"
+#include "rendering/Renderer.h"
+#include "support/LogCapture.h"
+#include "support/gl/GlWindow.h"
+#include "util/Exception.h"
+
+namespace {
+
+using gui::Font;
+using gui::FontPtr;
+using test::CELL;
+
+TEST(Font, ReadsAdvancesWithoutAContext) {
+    const FontPtr font = new Font(test::FontPath("fixedsys.dat"), test::FontPath("fixedsys.raw"));
+    EXPECT_EQ(font->GetCellSize(), CELL);
+    EXPECT_EQ(font->GetAdvance('a'), 0.5f);
+    EXPECT_EQ(font->GetAdvance('i'), 0.25f);
+    EXPECT_EQ(font->GetAdvance('m'), 0.75f);
+}
+
+TEST(Font, RefusesDamagedFiles) {
+    const String widths = test::FontPath("short.dat");
+    test::WriteBytes(widths, String(255, 'x'));
+    const test::LogCapture log;
+    try {
+        const FontPtr font = new Font(widths, test::FontPath("fixedsys.raw"));
+        FAIL();
+    } catch (const FileReadException& e) {
+        EXPECT_EQ(String(e.what()), "File \"" + widths + "\" is corrupt.");
+    }
+    EXPECT_TRUE(log.Contains("!! ERROR: File \"" + widths + "\" is corrupt."));
+
+    const String sheet = test::FontPath("odd.raw");
+    test::WriteBytes(sheet, String(100, 'x'));  // ten by ten: no grid of cells
+    EXPECT_THROW(new Font(test::FontPath("fixedsys.dat"), sheet), BadDataException);
+}
+
+TEST(Font, IsReplacedByBoxesWhenItIsMissing) {
+    const test::LogCapture log;
+    const gui::FontMentorPtr mentor = Font::Get("no such font");
+    ASSERT_TRUE(mentor->Get());
+    EXPECT_TRUE(log.Contains("no such font"));
+    EXPECT_GT(mentor->Get()->GetAdvance('a'), 0);
+    EXPECT_EQ(Font::Get("no such font"), mentor);
+}
+
+class FontDrawing : public test::GlTest {
+  protected:
+    void SetUp() override {
+        GlTest::SetUp();
+        if (IsSkipped()) return;
+        glMatrixMode(GL_PROJECTION);
+        glOrtho(0, SIZE, SIZE, 0, -1, 1);
+        glMatrixMode(GL_MODELVIEW);
+        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+        m_format = test::Format();
+        m_format.m_color = {1, 1, 1, 1};
+        m_format.m_font->Unload();  // it may have been loaded before there was a context
+    }
+
+    void TearDown() override {
+        if (m_format.m_font) m_format.m_font->Unload();
+    }
+
+    // The glyph whose picture stands in the frame with its cell's top left at x, y from the upper left.
+    static int ReadGlyph(const rendering::ImageRGBA32& frame, int x, int y) {
+        const int row = SIZE - 1 - y;
+        if (frame(x, row).x < 128) return -1;
+        int glyph = 0;
+        for (int bit = 0; bit < 8; ++bit) {
+            if (frame(x + bit, row - test::GLYPH_ROW).x >= 128) glyph |= 1 << bit;
+        }
+        return glyph;
+    }
+
+    gui::TextFormat m_format;
+};
+
+TEST_F(FontDrawing, SheetReadsBackUprightAndInOrder) {
+    constexpr int PER_FRAME = 64, PER_ROW = 8;
+    for (int first = 0; first < Font::NUM_GLYPHS; first += PER_FRAME) {
+        glClear(GL_COLOR_BUFFER_BIT);
+        for (int i = 0; i < PER_FRAME; ++i) {
+            const int glyph = first + i;
+            if (glyph == '\n' || glyph == '\t') continue;
+            const String text(1, static_cast<char>(glyph));
+            gui::DrawString(m_format, static_cast<float>(i % PER_ROW * CELL),
+                            static_cast<float>(i / PER_ROW * CELL), text);
+        }
+        const rendering::ImageRGBA32Ptr frame = ReadFrame();
+        for (int i = 0; i < PER_FRAME; ++i) {
+            const int glyph = first + i;
+            const int expected = glyph == '\n' || glyph == '\t' ? -1 : glyph;
+            EXPECT_EQ(ReadGlyph(*frame, i % PER_ROW * CELL, i / PER_ROW * CELL), expected);
+        }
+    }
+}
+
+TEST_F(FontDrawing, PenFollowsAdvancesTabsAndLines) {
+    const math::Vec2 pen = gui::DrawString(m_format, 2, 3, "mi\tb\nxy");
+    EXPECT_EQ(pen, math::Vec2(2 + 16, 3 + 16));
+    const rendering::ImageRGBA32Ptr frame = ReadFrame();
+    EXPECT_EQ(ReadGlyph(*frame, 2 + 64, 3), 'b');
+    EXPECT_EQ(ReadGlyph(*frame, 2, 3 + 16), 'x');
+    EXPECT_EQ(ReadGlyph(*frame, 2 + 8, 3 + 16), 'y');
+}
+
+TEST_F(FontDrawing, LeavesColourListsAndMatrixAsTheyWere) {
+    rendering::Renderer& renderer = rendering::Renderer::Instance();
+    renderer.SetColor({0.5f, 1, 1, 1});
+    m_format.m_color = {1, 0.5f, 0, 1};
+    glListBase(7);
+    gui::DrawString(m_format, 0, 0, "\xFF");
+    GLint base = 0;
+    glGetIntegerv(GL_LIST_BASE, &base);
+    EXPECT_EQ(base, 7);
+    EXPECT_EQ(renderer.GetColor(), math::Vec4(0.5f, 1, 1, 1));
+    const rendering::RGBA32 pixel = (*ReadFrame())(1, SIZE - 1 - test::GLYPH_ROW);
+    EXPECT_NEAR(pixel.x, 128, 2);
+    EXPECT_NEAR(pixel.y, 128, 2);
+    EXPECT_EQ(pixel.z, 0);
+    GLfloat matrix[16];
+    glGetFloatv(GL_MODELVIEW_MATRIX, matrix);
+    EXPECT_EQ(matrix[12], 0);
+    glListBase(0);
+}
+
+}  // namespace
