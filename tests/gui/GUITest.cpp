@@ -123,7 +123,10 @@ TEST_F(GUIDrawing, PlacesAndMixesColoursDownTheTree) {
         EXPECT_EQ(at(11, 21), rendering::RGBA32(255, 128, 255, at(11, 21).w));
         EXPECT_EQ(at(16, 26), rendering::RGBA32(255, 128, 0, at(16, 26).w));
         EXPECT_EQ(at(26, 36).z, 255);
-        if (scale == 1) EXPECT_EQ(at(65, 25), rendering::RGBA32(255, 255, 255, at(65, 25).w));
+        // On the second round it lies beyond the frame.
+        if (scale == 1) {
+            EXPECT_EQ(at(65, 25), rendering::RGBA32(255, 255, 255, at(65, 25).w));
+        }
     }
 }
 

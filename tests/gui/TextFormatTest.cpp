@@ -54,7 +54,8 @@ TEST(TextFormat, BreaksLines) {
         {"hello world", 40, {"hello", "world"}},
         {"hi you two", 40, {"hi", "you", "two"}},
         {"hi you two", 64, {"hi you", "two"}},
-        {"abcdefghijk", 40, {"abcde", "fghij", "k"}} {"ab cdefghijk", 40, {"ab", "cdefg", "hijk"}},
+        {"abcdefghijk", 40, {"abcde", "fghij", "k"}},
+        {"ab cdefghijk", 40, {"ab", "cdefg", "hijk"}},
         {"ab  cdef", 40, {"ab ", "cdef"}},
         {" abcdef", 40, {" abcd", "ef"}},  // a line is not left empty for a blank at its start
         {"mm", 8, {"m", "m"}},             // wider than the line: placed alone
