@@ -1,5 +1,7 @@
 #include "gui/Layout.h"
 
+#include <cmath>
+
 #include "gui/Component.h"
 
 namespace gui {
@@ -23,13 +25,19 @@ class NotificationPause {
     const ComponentList& m_children;
 };
 
-// The box round all outer rectangles, after putting one behind the other.
+bool IsOrdinary(Vec2 v) {
+    return std::isfinite(v.x) && std::isfinite(v.y);
+}
+
+// Puts one child behind the other. The result is the box round all outer rectangles, empty when one of them
+// is no place on screen: then the others keep theirs.
 math::BoundingBox2f PlaceInRow(const ComponentList& children, bool isVertical) {
     math::BoundingBox2f box;
     Vec2 cursor;
     for (const ComponentPtr& child : children) {
-        child->SetPos(cursor.x, cursor.y);
         const Vec2 outer = child->GetOuterSize();
+        if (!IsOrdinary(cursor + outer)) return {};
+        child->SetPos(cursor.x, cursor.y);
         box.Extend(cursor);
         box.Extend(cursor + outer);
         (isVertical ? cursor.y : cursor.x) += isVertical ? outer.y : outer.x;
@@ -60,19 +68,18 @@ void PushToEnd(Component& child, bool isVertical, Vec2 end) {
 void ListLayout::Apply(Component& owner, const ComponentList& children) {
     if (children.empty()) return;
     const bool isVertical = (m_flags & Vertical) != 0;
-    math::BoundingBox2f box;
+    Vec2 extent;
     {
         const NotificationPause pause(children);
-        box = PlaceInRow(children, isVertical);
+        const math::BoundingBox2f box = PlaceInRow(children, isVertical);
+        extent = box.GetSize();
+        if (!IsOrdinary(extent)) return;
         for (const ComponentPtr& child : children) {
-            if (m_flags & StretchCross) Stretch(*child, isVertical, box.GetSize());
-        }
-        for (const ComponentPtr& child : children) {
+            if (m_flags & StretchCross) Stretch(*child, isVertical, extent);
             if (m_flags & AlignEnd) PushToEnd(*child, isVertical, box.max);
         }
     }
-    const Vec2 extent = box.GetSize();
-    if (math::IsFinite(extent)) owner.SetSize(extent.x, extent.y);
+    owner.SetSize(extent.x, extent.y);
 }
 
 }  // namespace gui

@@ -124,6 +124,8 @@ TEST_F(WindowTest, LetsNoClickAndNoDragThrough) {
 }
 
 TEST_F(WindowTest, TearsOffWithoutAJump) {
+    int moved = 0;
+    m_window->GetMovedCallbacks().Add(new util::Callback([&moved] { ++moved; }, m_root));
     for (const bool inList : {false, true}) {
         const ComponentPtr list =
             new Component("list", inList ? new gui::ListLayout(gui::ListLayout::Vertical) : nullptr);
@@ -136,8 +138,7 @@ TEST_F(WindowTest, TearsOffWithoutAJump) {
         m_window->SetPos(0, 0);
         m_window->SetTearOffTarget(target);
         m_window->Update(10);
-        int moved = 0;
-        m_window->GetMovedCallbacks().Add(new util::Callback([&moved] { ++moved; }, m_root));
+        moved = 0;
 
         EXPECT_TRUE(PressKey(Key::LeftMouse, {60, 40}));
         EXPECT_EQ(m_window->GetParent(), list.Get());
