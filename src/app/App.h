@@ -61,7 +61,8 @@ class App : public gui::Component, public util::Singleton<App> {
     float GetZoom() const { return m_worldToGUI.m[0][0]; }
     void SetZoom(float scale);                     // about the middle
     void ZoomAbout(math::Vec2 gui, float factor);  // the world under that point stays there
-    void Pan(float x, float y);                    // GUI units, moves the picture
+    // Moves the picture by GUI units; under the mouse at once, or the ground would trail behind it.
+    void Pan(float x, float y, bool animate = true);
     void ZoomToScene();  // to all entities with finite extents; to the default view when there are none
     void SetDefaultView(bool animate);
 

@@ -163,10 +163,7 @@ bool AppGUI::HandleWheel(const gui::KeyEvent& event) {
     const float scale = app.GetTargetWorldToGUI().m[0][0];
     const float bound = up ? App::GetMaxZoom() : App::GetMinZoom();
     if (up ? scale >= bound : scale <= bound) return true;
-    const float factor = std::exp2(app.GetGUISettings().m_zoomFactor->Get() * (up ? 1 : -1));
-    // Not beyond the bound: App would bring the view back about its middle, away from the mouse.
-    const bool beyond = up ? scale * factor > bound : scale * factor < bound;
-    app.ZoomAbout(event.m_position, beyond ? bound / scale : factor);
+    app.ZoomAbout(event.m_position, std::exp2(app.GetGUISettings().m_zoomFactor->Get() * (up ? 1 : -1)));
     return true;
 }
 

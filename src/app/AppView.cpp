@@ -85,8 +85,8 @@ void App::ZoomAbout(math::Vec2 gui, float factor) {
     SetWorldToGUI(MakeView(gui, scale, math::Inverted(target)(gui)));
 }
 
-void App::Pan(float x, float y) {
-    SetWorldToGUI(Matrix::Translation(x, y) * GetTargetWorldToGUI());
+void App::Pan(float x, float y, bool animate) {
+    SetWorldToGUI(Matrix::Translation(x, y) * GetTargetWorldToGUI(), animate);
 }
 
 void App::SetDefaultView(bool animate) {

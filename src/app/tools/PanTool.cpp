@@ -17,7 +17,7 @@ void PanTool::OnDragStart(gui::DragEvent& event) {
 void PanTool::OnDrag(gui::DragEvent& event) {
     if (!m_grabbed) return;
     event.m_handled = true;
-    App::Instance().Pan(event.m_delta.x, event.m_delta.y);
+    App::Instance().Pan(event.m_delta.x, event.m_delta.y, false);
 }
 
 // A drag with any other button keeps the view grabbed: only the right button lets go.

@@ -1,0 +1,190 @@
+#include "AppGUIFixture.h"
+
+#include <SDL.h>
+
+#include "app/App.h"
+#include "app/entities/CircleEntity.h"
+#include "app/entities/PlaneEntity.h"
+#include "app/entities/PolyEntity.h"
+#include "gui/Input.h"
+#include "gui/Key.h"
+#include "physics/Polygon.h"
+#include "physics/Simulation.h"
+
+namespace test {
+
+using math::Vec2;
+
+namespace {
+
+constexpr float SCALE = 100;  // GUI units per metre
+
+// Made once for the whole program: the services allow no second one.
+app::App& MakeApp() {
+    physics::Simulation::Instance();
+    static app::App* const s_app = [] {
+        auto* made = new util::SharedPtr<app::App>(new app::App);
+        (*made)->SetSize(1024, 768);
+        return made->Get();
+    }();
+    return *s_app;
+}
+
+const std::pair<int, int> MODIFIERS[] = {
+    {gui::Key::LeftShift, KMOD_LSHIFT}, {gui::Key::LeftCtrl, KMOD_LCTRL}, {gui::Key::LeftAlt, KMOD_LALT}};
+
+}  // namespace
+
+Vec2 AppGUIFixture::s_dragStart;
+Vec2 AppGUIFixture::s_dragLast;
+int AppGUIFixture::s_dragButton;
+
+AppGUIFixture::AppGUIFixture() {
+    app::App& app = MakeApp();
+    app.Clear();
+    app.CreateGUI();
+    math::TMatrix3<float> view;
+    view.m[0][0] = SCALE;
+    view.m[1][1] = -SCALE;
+    view.m[0][2] = 512;
+    view.m[1][2] = 384;
+    app.SetWorldToGUI(view, false);
+    app::Undoer::Instance().Clear();
+}
+
+AppGUIFixture::~AppGUIFixture() {
+    GUI().CancelTool();
+    for (const auto& [key, mask] : MODIFIERS) SetModifier(key, false);
+    App().Clear();
+    physics::Simulation::Instance().Clear();
+}
+
+app::App& AppGUIFixture::App() {
+    return app::App::Instance();
+}
+app::AppGUI& AppGUIFixture::GUI() {
+    return *App().GetAppGUI();
+}
+const app::EntityList& AppGUIFixture::Entities() {
+    return App().GetEntities();
+}
+
+size_t AppGUIFixture::UndoCount() {
+    return app::Undoer::Instance().GetUndoCount();
+}
+
+String AppGUIFixture::UndoName() {
+    const char* const name = app::Undoer::Instance().GetUndoName();
+    return name ? name : "";
+}
+
+app::EntityPtr AppGUIFixture::AddBox(Vec2 center, float side) {
+    const float h = side / 2;
+    const app::EntityPtr entity =
+        new app::PolyEntity(physics::MakeBoxPolygon(center.x - h, center.y - h, center.x + h, center.y + h));
+    App().AddEntity(entity);
+    return entity;
+}
+
+app::EntityPtr AppGUIFixture::AddCircle(Vec2 center, float radius) {
+    const app::EntityPtr entity = new app::CircleEntity(new physics::Circle(radius, center));
+    App().AddEntity(entity);
+    return entity;
+}
+
+app::EntityPtr AppGUIFixture::AddPlane(float height) {
+    const app::EntityPtr entity = new app::PlaneEntity(new physics::Plane({0, 1}, -height));
+    App().AddEntity(entity);
+    return entity;
+}
+
+Vec2 AppGUIFixture::PlaceOf(const app::EntityPtr& entity) {
+    return util::DynamicCast<app::GeomEntity>(entity)->GetGeom()->GetPos();
+}
+
+physics::BodyPtr AppGUIFixture::BodyOf(const app::EntityPtr& entity) {
+    const auto shape = util::DynamicCast<app::GeomEntity>(entity);
+    shape->UpdateBodyPtr();
+    return shape->GetBody();
+}
+
+gui::DragEvent AppGUIFixture::MakeDrag(Vec2 world) {
+    gui::DragEvent event;
+    event.m_position = App().WorldToGUI(world);
+    event.m_start = s_dragStart;
+    event.m_delta = event.m_position - s_dragLast;
+    event.m_key = s_dragButton;
+    s_dragLast = event.m_position;
+    return event;
+}
+
+bool AppGUIFixture::Press(Vec2 world, int button) {
+    s_dragStart = s_dragLast = App().WorldToGUI(world);
+    s_dragButton = button;
+    gui::DragEvent event = MakeDrag(world);
+    GUI().OnDragStart(event);
+    return event.m_handled;
+}
+
+bool AppGUIFixture::DragTo(Vec2 world) {
+    gui::DragEvent event = MakeDrag(world);
+    GUI().OnDrag(event);
+    return event.m_handled;
+}
+
+bool AppGUIFixture::Release() {
+    gui::DragEvent event = MakeDrag(App().GUIToWorld(s_dragLast));
+    event.m_delta = Vec2();
+    GUI().OnDragEnd(event);
+    return event.m_handled;
+}
+
+void AppGUIFixture::Drag(const math::Vec2List& path, int button) {
+    Press(path.front(), button);
+    for (const Vec2 p : path) DragTo(p);
+    Release();
+}
+
+bool AppGUIFixture::Click(Vec2 world, int button, int clicks) {
+    gui::ClickEvent event;
+    event.m_position = App().WorldToGUI(world);
+    event.m_key = button;
+    event.m_clicks = clicks;
+    GUI().OnClick(event);
+    return event.m_handled;
+}
+
+bool AppGUIFixture::Key(int key, bool ctrl, Vec2 mouse) {
+    gui::KeyEvent event;
+    event.m_key = key;
+    event.m_pressed = true;
+    event.m_ctrl = ctrl;
+    event.m_position = App().WorldToGUI(mouse);
+    GUI().OnKeyEvent(event);
+    gui::KeyEvent release = event;
+    release.m_pressed = release.m_handled = false;
+    GUI().OnKeyEvent(release);
+    return event.m_handled;
+}
+
+void AppGUIFixture::SetModifier(int key, bool down) {
+    for (const auto& [code, mask] : MODIFIERS) {
+        if (code == key) SDL_SetModState(static_cast<SDLMod>(down ? mask : KMOD_NONE));
+    }
+    gui::KeyEvent event;
+    event.m_key = key;
+    event.m_pressed = down;
+    gui::Input::Instance().OnKeyEvent(event);
+}
+
+math::Vec2List AppGUIFixture::Circle(Vec2 center, float radius, float turns) {
+    constexpr int STEPS = 48;
+    math::Vec2List points;
+    for (int i = 0; i <= STEPS; ++i) {
+        const float angle = math::TWO_PI * turns * i / STEPS;
+        points.push_back(center + Vec2(std::cos(angle), std::sin(angle)) * radius);
+    }
+    return points;
+}
+
+}  // namespace test

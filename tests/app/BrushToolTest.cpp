@@ -1,0 +1,224 @@
+#include "AppGUIFixture.h"
+#include "app/App.h"
+#include "app/entities/PolyEntity.h"
+#include "app/tools/BrushTool.h"
+#include "gui/Key.h"
+#include "physics/Body.h"
+#include "physics/Polygon.h"
+#include "support/LogCapture.h"
+#include "util/Random.h"
+
+namespace app {
+namespace {
+
+using gui::Key;
+using math::Vec2;
+
+class BrushTest : public test::AppGUIFixture {
+  protected:
+    static const BrushTool& Brush() { return dynamic_cast<const BrushTool&>(GUI().GetTool()); }
+};
+
+TEST_F(BrushTest, LoopBecomesPolygon) {
+    Drag(Circle({1, 0.5f}, 1), Key::LeftMouse);
+    ASSERT_EQ(Entities().size(), 1u);
+    const auto poly = util::DynamicCast<PolyEntity>(Entities()[0]);
+    ASSERT_TRUE(poly);
+    EXPECT_NEAR(poly->GetPolygon()->GetArea(), math::PI, 0.03);
+    EXPECT_NEAR(PlaceOf(poly).x, 1, 0.01);
+    EXPECT_NEAR(PlaceOf(poly).y, 0.5, 0.01);
+    EXPECT_TRUE(poly->IsInSimulation());
+    EXPECT_EQ(UndoName(), "UndoPolygon");
+    EXPECT_TRUE(App().GetSelection().IsEmpty());
+
+    Undoer::Instance().Undo();
+    EXPECT_TRUE(Entities().empty());
+    Undoer::Instance().Redo();
+    ASSERT_EQ(Entities().size(), 1u);
+    EXPECT_EQ(Entities()[0], EntityPtr(poly));
+}
+
+TEST_F(BrushTest, EdgesAreNoLongerThanAskedOnTheScreen) {
+    Drag({{0, 0}, {2, 0}, {2, 2}, {0, 2}, {0, 0.1f}}, Key::LeftMouse);
+    ASSERT_EQ(Entities().size(), 1u);
+    const auto& lines = util::DynamicCast<PolyEntity>(Entities()[0])->GetPolygon()->GetWorldLines();
+    const float limit = 0.5f * 86 / 2.54f / 100;  // cm, by the dots per inch, at 100 pixels per metre
+    EXPECT_GE(lines.size(), 8 / limit);
+    for (const auto& line : lines) EXPECT_LE(math::Length(line.end - line.start), limit * 1.001f);
+}
+
+// Settings that would split an outline without end must not hang the program.
+TEST_F(BrushTest, OutlandishEdgeLengthsAreBounded) {
+    for (const float length : {0.0f, -1.0f, 1e-30f, NAN}) {
+        App().m_maxPointDist->Set(length);
+        Drag({{0, 0}, {2, 0}, {2, 2}, {0, 2}, {0, 0.1f}}, Key::LeftMouse);
+        ASSERT_EQ(Entities().size(), 1u) << length;
+        Undoer::Instance().Undo();
+    }
+    App().m_maxPointDist->Set(0.5f);
+}
+
+TEST_F(BrushTest, StrokeHasTheSameGrainAtAnyZoom) {
+    for (const float zoom : {20.0f, 100.0f, 1000.0f}) {
+        App().SetWorldToGUI(math::TMatrix3<float>::Scale(zoom, -zoom), false);
+        const float spacing = 0.2f * 86 / 2.54f / zoom;
+        Press({0, 0}, Key::LeftMouse);
+        DragTo({spacing * 0.9f, 0});
+        EXPECT_EQ(Brush().GetPoints().size(), 1u) << zoom;
+        DragTo({spacing * 1.01f, 0});
+        EXPECT_EQ(Brush().GetPoints().size(), 2u) << zoom;
+        DragTo({spacing * 1.01f, 0});
+        EXPECT_EQ(Brush().GetPoints().size(), 2u) << zoom;
+        Release();
+    }
+}
+
+TEST_F(BrushTest, LoopRoundEntitiesSelectsThem) {
+    const EntityPtr inside = AddBox({0, 0}), alsoInside = AddCircle({1.5f, 0}), half = AddBox({-3, 0});
+    Drag(Circle({0, 0}, 3), Key::LeftMouse);
+    EXPECT_EQ(Entities().size(), 3u);
+    EXPECT_EQ(App().GetSelection().Get(), (EntitySet{inside, alsoInside}));
+    EXPECT_EQ(UndoCount(), 0u);
+}
+
+TEST_F(BrushTest, LineErasesWhatItCrosses) {
+    const EntityPtr left = AddBox({-2, 0}), right = AddBox({2, 0}), plane = AddPlane();
+    const struct {
+        const char* name;
+        math::Vec2List stroke;
+        EntitySet erased;
+    } cases[] = {
+        {"one box", {{-3, 0}, {-1, 0.1f}}, {left}},
+        {"both boxes", {{-3, 0}, {3, 0}}, {left, right}},
+        {"into a box only", {{-3, 0}, {-2, 0}}, {}},
+        {"empty ground", {{-3, 2}, {3, 2}}, {}},
+        {"a box and the plane", {{-2, 1}, {-2, -4}}, {left}},
+        {"the plane alone", {{0, 1}, {0, -4}}, {plane}},
+        {"slightly bent", {{-3, 0.2f}, {-2, -0.2f}, {-1, 0.2f}}, {left}},
+    };
+    for (const auto& c : cases) {
+        Drag(c.stroke, Key::LeftMouse);
+        EntitySet left_over(Entities().begin(), Entities().end());
+        EXPECT_EQ(left_over.size(), 3 - c.erased.size()) << c.name;
+        for (const EntityPtr& entity : c.erased) EXPECT_EQ(left_over.count(entity), 0u) << c.name;
+        EXPECT_EQ(UndoName(), c.erased.empty() ? "" : "UndoErase") << c.name;
+        if (!c.erased.empty()) Undoer::Instance().Undo();
+        ASSERT_EQ(Entities().size(), 3u) << c.name;
+    }
+}
+
+TEST_F(BrushTest, ErasingOneSelectedErasesTheSelection) {
+    const EntityPtr hit = AddBox({0, 0}), far = AddBox({4, 0}), spared = AddBox({-4, 0});
+    App().GetSelection().Set({hit, far});
+    Drag({{0, 2}, {0, -2}}, Key::LeftMouse);
+    ASSERT_EQ(Entities().size(), 1u);
+    EXPECT_EQ(Entities()[0], spared);
+}
+
+TEST_F(BrushTest, WhatIsNeitherLineNorLoopVanishes) {
+    AddBox({5, 5});
+    const math::Vec2List strokes[] = {
+        Circle({0, 0}, 1, 0.5f),
+        {{0, 0}, {1, 0}, {1, 1}},
+        {{0, 0}},
+        // A scribble with a tiny loop in its middle.
+        {{0, 0},
+         {4, 0},
+         {4, 0.3f},
+         {3.9f, 0.3f},
+         {3.9f, -0.3f},
+         {0, -0.3f},
+         {0.1f, 0.1f},
+         {-0.1f, -0.2f},
+         {0.2f, -0.1f},
+         {-0.2f, 0.2f}},
+    };
+    for (const auto& stroke : strokes) {
+        Drag(stroke, Key::LeftMouse);
+        EXPECT_EQ(Entities().size(), 1u);
+        EXPECT_EQ(UndoCount(), 0u);
+    }
+}
+
+TEST_F(BrushTest, LoopWithoutAreaIsReportedOnce) {
+    test::LogCapture log(logging::Error);
+    Drag({{0, 0}, {1, 0}, {2, 0}, {1, 0}, {0, 0}}, Key::LeftMouse);
+    EXPECT_TRUE(Entities().empty());
+    EXPECT_EQ(UndoCount(), 0u);
+    EXPECT_EQ(log.Count("olygon"), 1) << testing::PrintToString(log.GetLines());
+}
+
+TEST_F(BrushTest, ShiftDrawsStraightEdges) {
+    SetModifier(Key::LeftShift, true);
+    Press({-2, -2}, Key::LeftMouse);
+    for (const Vec2 corner : {Vec2(2, -2), Vec2(2, 2), Vec2(-2, 2)}) {
+        EXPECT_TRUE(DragTo(corner * 0.5f));
+        EXPECT_TRUE(DragTo(corner));
+        const size_t numPoints = Brush().GetPoints().size();
+        gui::KeyEvent release;
+        release.m_key = Key::LeftShift;
+        release.m_position = App().WorldToGUI(corner);
+        GUI().OnKeyEvent(release);
+        EXPECT_EQ(Brush().GetPoints().size(), numPoints + 1);
+    }
+    SetModifier(Key::LeftShift, false);
+    DragTo({-2, -1.8f});
+    Release();
+    ASSERT_EQ(Entities().size(), 1u);
+    EXPECT_NEAR(util::DynamicCast<PolyEntity>(Entities()[0])->GetPolygon()->GetArea(), 16, 0.1);
+}
+
+TEST_F(BrushTest, ShiftAllTheWayIsALine) {
+    AddBox({0, 0});
+    SetModifier(Key::LeftShift, true);
+    Drag({{-2, 0}, {0, 2}, {2, 2}, {2, 0}}, Key::LeftMouse);
+    EXPECT_TRUE(Entities().empty());
+}
+
+TEST_F(BrushTest, StartsOnEntitiesOnlyWhenAllowed) {
+    const EntityPtr big = AddBox({0, 0}, 6);
+    Press({1, 0}, Key::LeftMouse);
+    EXPECT_FALSE(dynamic_cast<const BrushTool*>(&GUI().GetTool()));
+    Release();
+
+    App().GetGUISettings().m_drawInside->Set(true);
+    Drag(Circle({0, 0}, 1), Key::LeftMouse);
+    App().GetGUISettings().m_drawInside->Set(false);
+    EXPECT_EQ(Entities().size(), 2u);
+}
+
+TEST_F(BrushTest, EscapeEndsTheStroke) {
+    const auto circle = Circle({0, 0}, 1);
+    Press(circle[0], Key::LeftMouse);
+    for (const Vec2 p : circle) DragTo(p);
+    EXPECT_TRUE(Key(Key::Escape));
+    EXPECT_FALSE(Brush().IsDrawing());
+    EXPECT_FALSE(DragTo({3, 3}));
+    EXPECT_FALSE(Release());
+    EXPECT_TRUE(Entities().empty());
+    EXPECT_FALSE(Key(Key::Escape));
+}
+
+// Whatever is scribbled, the scene stays sound: what comes of it is in the simulation and has an area.
+TEST_F(BrushTest, RandomScribbles) {
+    util::Random random;
+    test::LogCapture log;
+    for (int round = 0; round < 150; ++round) {
+        math::Vec2List stroke{{random.GetUniform(-3, 3), random.GetUniform(-3, 3)}};
+        const int numPoints = random.GetUniformInt(1, 30);
+        Vec2 step;
+        for (int i = 0; i < numPoints; ++i) {
+            step = step * 0.8f + Vec2(random.GetUniform(-0.5f, 0.5f), random.GetUniform(-0.5f, 0.5f));
+            stroke.push_back(stroke.back() + step);
+        }
+        if (round % 2 == 0) stroke.push_back(stroke.front());
+        Drag(stroke, Key::LeftMouse);
+        for (const EntityPtr& entity : Entities()) {
+            EXPECT_TRUE(entity->IsInSimulation());
+            EXPECT_TRUE(entity->GetBoundingBox().IsFinite());
+        }
+    }
+}
+
+}  // namespace
+}  // namespace app
