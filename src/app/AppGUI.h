@@ -34,8 +34,9 @@ class AppGUI : public gui::Component {
     bool SaveSceneAs(const String& name, bool autosave);
     // The present name, or a free one of the form "scene-1.vxa" while there is none.
     bool SaveScene();
-    // The name by which the user last saved; empty before.
+    // The name by which the user last saved; empty before, and for a scene that has no name of its own.
     const String& GetSceneName() const { return m_sceneName; }
+    void SetSceneName(const String& name) { m_sceneName = name; }
 
     void Update(float dt) override;
     void Draw() override;

@@ -90,11 +90,11 @@ TEST_F(BrushTest, LineErasesWhatItCrosses) {
     } cases[] = {
         {"one box", {{-3, 0}, {-1, 0.1f}}, {left}},
         {"both boxes", {{-3, 0}, {3, 0}}, {left, right}},
-        {"into a box only", {{-3, 0}, {-2, 0}}, {}},
+        {"into a box only", {{-3, 0.1f}, {-2, 0.1f}}, {}},
         {"empty ground", {{-3, 2}, {3, 2}}, {}},
         {"a box and the plane", {{-2, 1}, {-2, -4}}, {left}},
         {"the plane alone", {{0, 1}, {0, -4}}, {plane}},
-        {"slightly bent", {{-3, 0.2f}, {-2, -0.2f}, {-1, 0.2f}}, {left}},
+        {"slightly bent", {{-3, 0.15f}, {-2, -0.15f}, {-1, 0.15f}}, {left}},
     };
     for (const auto& c : cases) {
         Drag(c.stroke, Key::LeftMouse);
@@ -142,10 +142,10 @@ TEST_F(BrushTest, WhatIsNeitherLineNorLoopVanishes) {
 
 TEST_F(BrushTest, LoopWithoutAreaIsReportedOnce) {
     test::LogCapture log(logging::Error);
-    Drag({{0, 0}, {1, 0}, {2, 0}, {1, 0}, {0, 0}}, Key::LeftMouse);
+    Drag({{0, 0}, {2, 0}, {4, 0}, {3, 0}, {1, 0}, {0.1f, 0}}, Key::LeftMouse);
     EXPECT_TRUE(Entities().empty());
     EXPECT_EQ(UndoCount(), 0u);
-    EXPECT_EQ(log.Count("olygon"), 1) << testing::PrintToString(log.GetLines());
+    EXPECT_EQ(log.Count("ERROR"), 1) << testing::PrintToString(log.GetLines());
 }
 
 TEST_F(BrushTest, ShiftDrawsStraightEdges) {
@@ -203,7 +203,7 @@ TEST_F(BrushTest, EscapeEndsTheStroke) {
 TEST_F(BrushTest, RandomScribbles) {
     util::Random random;
     test::LogCapture log;
-    for (int round = 0; round < 150; ++round) {
+    for (int round = 0; round < 40; ++round) {
         math::Vec2List stroke{{random.GetUniform(-3, 3), random.GetUniform(-3, 3)}};
         const int numPoints = random.GetUniformInt(1, 30);
         Vec2 step;
