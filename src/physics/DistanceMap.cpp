@@ -33,13 +33,6 @@ struct Edge {
     real arcB;
 };
 
-struct BuildCell {
-    Vec2 center;  // local
-    const Edge* closest = nullptr;
-    real distSq = std::numeric_limits<real>::infinity();  // m^2, to `closest`
-    bool done = false;
-};
-
 // t = (p - a).(b - a) / |b - a|^2 names the foot of p on the edge's line. As ClosestPointOnSegment, with
 // the edge's share worked out beforehand.
 inline Vec2 ClosestPoint(const Edge& e, Vec2 p, real& t) {
@@ -56,41 +49,60 @@ inline real DistanceSquared(const Edge& e, Vec2 p) {
     return math::LengthSquared(p - ClosestPoint(e, p, t));
 }
 
+// What is known of a cell in the end.
+struct BuildCell {
+    Vec2 center;          // local
+    const Edge* closest;  // null for a cell that no edge reached
+};
+
 // Finds the closest edge of each cell: cells that an edge crosses are measured against it, then each cell,
-// nearest first, offers its edge to its neighbours.
+// nearest first, offers its edge to its neighbours. A cell that has made its offers is done and takes none.
+//
+// The arrays have a border of cells that are done from the start, so that every cell has eight neighbours.
 class EdgeField {
   public:
     EdgeField(const util::VectorPOD<Edge>& edges, const math::OBB2D& box,
               const math::TMatrix3<float>& localToMap, const math::TMatrix3<float>& mapToLocal)
-        : m_edges(edges), m_localToMap(localToMap), m_queue(2 * math::Length(box.halfSize)) {
-        m_cells.resize(SIZE * SIZE);
+        : m_edges(edges), m_localToMap(localToMap), m_queue(math::Length(box.halfSize), STRIDE * STRIDE) {
+        CODE_ASSERTION(edges.size() < DONE);
+        m_open.resize(STRIDE * STRIDE, DONE);
+        m_closest.resize(STRIDE * STRIDE, NONE);
+        m_distSq.resize(STRIDE * STRIDE, std::numeric_limits<real>::infinity());
+        m_center.resize(STRIDE * STRIDE);
         for (int j = 0; j < SIZE; ++j) {
             for (int i = 0; i < SIZE; ++i) {
-                m_cells[Index(i, j)].center = mapToLocal(Vec2(static_cast<real>(i), static_cast<real>(j)));
+                m_open[Index(i, j)] = NONE;
+                m_center[Index(i, j)] = mapToLocal(Vec2(static_cast<real>(i), static_cast<real>(j)));
             }
         }
-        for (const Edge& edge : m_edges) SeedEdge(edge);
+        for (size_t e = 0; e < edges.size(); ++e) SeedEdge(static_cast<uint16_t>(e));
         Propagate();
     }
 
-    const BuildCell& operator()(int i, int j) const { return m_cells[Index(i, j)]; }
+    BuildCell operator()(int i, int j) const {
+        const uint16_t closest = m_closest[Index(i, j)];
+        return {m_center[Index(i, j)], closest == NONE ? nullptr : &m_edges[closest]};
+    }
 
   private:
-    static uint32_t Index(int i, int j) { return static_cast<uint32_t>(j * SIZE + i); }
+    static constexpr int STRIDE = SIZE + 2;
+    static constexpr uint16_t NONE = 0xFFFF;  // no edge yet
+    static constexpr uint16_t DONE = 0xFFFE;
 
-    void Offer(const Edge& edge, uint32_t index) {
-        BuildCell& cell = m_cells[index];
-        const real distSq = DistanceSquared(edge, cell.center);
-        if (!(distSq < cell.distSq)) return;
-        cell.closest = &edge;
-        cell.distSq = distSq;
-        m_queue.Push(distSq, index);
+    static uint32_t Index(int i, int j) { return static_cast<uint32_t>((j + 1) * STRIDE + i + 1); }
+
+    void Offer(uint16_t e, uint32_t cell) {
+        const real distSq = DistanceSquared(m_edges[e], m_center[cell]);
+        if (!(distSq < m_distSq[cell])) return;
+        m_open[cell] = m_closest[cell] = e;
+        m_distSq[cell] = distSq;
+        m_queue.Push(distSq, cell);
     }
 
     // Bresenham's walk along the longer axis, over the cells nearest to the edge.
-    void SeedEdge(const Edge& edge) {
-        const Vec2 p0 = m_localToMap(edge.a);
-        const Vec2 p1 = m_localToMap(edge.b);
+    void SeedEdge(uint16_t e) {
+        const Vec2 p0 = m_localToMap(m_edges[e].a);
+        const Vec2 p1 = m_localToMap(m_edges[e].b);
         DATA_ASSERTION(p0 != p1);
         int cell[2] = {RoundToCell(p0.x), RoundToCell(p0.y)};
         const int delta[2] = {RoundToCell(p1.x) - cell[0], RoundToCell(p1.y) - cell[1]};
@@ -98,7 +110,7 @@ class EdgeField {
         const int length = std::abs(delta[major]);
         int error = 0;
         for (int step = 0; step <= length; ++step) {
-            SeedCell(edge, static_cast<uint32_t>(cell[0]), static_cast<uint32_t>(cell[1]));
+            SeedCell(e, static_cast<uint32_t>(cell[0]), static_cast<uint32_t>(cell[1]));
             cell[major] += delta[major] < 0 ? -1 : 1;
             error += std::abs(delta[1 - major]);
             if (2 * error < length) continue;
@@ -109,37 +121,41 @@ class EdgeField {
 
     static int RoundToCell(real x) { return static_cast<int>(std::floor(x + HALF_CELL)); }
 
-    void SeedCell(const Edge& edge, uint32_t x, uint32_t y) {
+    void SeedCell(uint16_t e, uint32_t x, uint32_t y) {
         constexpr uint32_t m_width = SIZE, m_height = SIZE;
         CODE_ASSERTION(x < m_width && y < m_height);  // the margin sees to that
-        Offer(edge, y * m_width + x);
+        Offer(e, Index(static_cast<int>(x), static_cast<int>(y)));
     }
 
     void Propagate() {
-        uint32_t index;
-        while (m_queue.Pop(index)) {
-            BuildCell* const cell = &m_cells[index];
-            if (cell->done) continue;
-            cell->done = true;
-            DATA_ASSERTION(cell->closest);
-            OfferToNeighbours(*cell->closest, static_cast<int>(index) % SIZE, static_cast<int>(index) / SIZE);
+        uint32_t cell;
+        while (m_queue.Pop(cell)) {
+            if (m_open[cell] == DONE) continue;
+            m_open[cell] = DONE;
+            OfferToNeighbours(m_closest[cell], cell);
         }
     }
 
-    void OfferToNeighbours(const Edge& edge, int i, int j) {
-        const int lastI = std::min(i + 1, SIZE - 1), lastJ = std::min(j + 1, SIZE - 1);
-        for (int y = std::max(j - 1, 0); y <= lastJ; ++y) {
-            for (int x = std::max(i - 1, 0); x <= lastI; ++x) {
-                const BuildCell& neighbour = m_cells[Index(x, y)];
-                // One that has this very edge already would only measure the same distance again.
-                if (!neighbour.done && neighbour.closest != &edge) Offer(edge, Index(x, y));
-            }
+    // Passes over neighbours that are done, and those that have this very edge already and would only
+    // measure the same distance again. They are gathered without branches, which could not be foreseen.
+    void OfferToNeighbours(uint16_t e, uint32_t cell) {
+        constexpr int OFFSETS[] = {-STRIDE - 1, -STRIDE, -STRIDE + 1, -1, 1, STRIDE - 1, STRIDE, STRIDE + 1};
+        uint32_t takers[std::size(OFFSETS)];
+        int count = 0;
+        for (const int offset : OFFSETS) {
+            const uint32_t neighbour = cell + static_cast<uint32_t>(offset);
+            takers[count] = neighbour;
+            count += (m_open[neighbour] != e) & (m_open[neighbour] != DONE);
         }
+        for (int k = 0; k < count; ++k) Offer(e, takers[k]);
     }
 
     const util::VectorPOD<Edge>& m_edges;
     const math::TMatrix3<float>& m_localToMap;
-    util::VectorPOD<BuildCell> m_cells;
+    util::VectorPOD<uint16_t> m_open;     // number of the edge a cell has, NONE, or DONE
+    util::VectorPOD<uint16_t> m_closest;  // number of the edge a cell has, or NONE
+    util::VectorPOD<real> m_distSq;       // m^2, to that edge
+    util::VectorPOD<Vec2> m_center;       // local
     DistanceQueue m_queue;
 };
 
@@ -189,7 +205,7 @@ DistanceMap::DistanceMap(const LineList& lines, const math::OBB2D& box)
     const EdgeField field(edges, m_box, m_localToMap, m_mapToLocal);
     for (int j = 0; j < SIZE; ++j) {
         for (int i = 0; i < SIZE; ++i) {
-            const BuildCell& cell = field(i, j);
+            const BuildCell cell = field(i, j);
             DATA_ASSERTION(cell.closest);
             const Edge& e = *cell.closest;
             real t;

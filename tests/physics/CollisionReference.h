@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "math/Vector.h"
+#include "physics/Fwd.h"
+
+namespace test {
+
+// What a contact is made of, to compare runs.
+struct FoundContact {
+    uint32_t geomA, geomB;  // IDs, in order
+    uint32_t index;
+    math::Vec2 point, normal;
+    math::real penetration;
+
+    friend bool operator==(const FoundContact& a, const FoundContact& b) {
+        return a.geomA == b.geomA && a.geomB == b.geomB && a.index == b.index && a.point == b.point &&
+               a.normal == b.normal && a.penetration == b.penetration;
+    }
+};
+using FoundContacts = std::vector<FoundContact>;
+
+// The contacts of the world by going over all pairs, pass after pass.
+FoundContacts CollideByBruteForce(const physics::BodyList& bodies);
+
+// The same from the collider.
+FoundContacts Collide(physics::Collider& collider, const physics::BodyList& bodies);
+
+}  // namespace test
