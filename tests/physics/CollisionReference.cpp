@@ -1,10 +1,15 @@
 #include "CollisionReference.h"
 
+#include <algorithm>
+#include <sstream>
+
 #include "math/Geometry.h"
 #include "physics/Body.h"
 #include "physics/CollisionDetection.h"
 #include "physics/Contact.h"
+#include "physics/ContactPool.h"
 #include "physics/Geom.h"
+#include "physics/Particle.h"
 #include "physics/Polygon.h"
 
 namespace test {
@@ -156,6 +161,18 @@ FoundContacts Collide(physics::Collider& collider, const physics::BodyList& bodi
         found.push_back({a, b, id.index, contact->m_point, contact->m_normal, contact->m_penetration});
     }
     return found;
+}
+
+std::string FindDifference(const FoundContacts& found, const FoundContacts& expected) {
+    std::ostringstream text;
+    for (size_t i = 0; i < std::max(found.size(), expected.size()); ++i) {
+        if (i < found.size() && i < expected.size() && found[i] == expected[i]) continue;
+        text << "contact " << i << " of " << found.size() << ", expected " << expected.size() << "\n";
+        if (i < found.size()) text << "found    " << found[i];
+        if (i < expected.size()) text << "expected " << expected[i];
+        break;
+    }
+    return text.str();
 }
 
 }  // namespace test

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <ostream>
+#include <string>
 #include <vector>
 
 #include "math/Vector.h"
@@ -19,6 +21,10 @@ struct FoundContact {
         return a.geomA == b.geomA && a.geomB == b.geomB && a.index == b.index && a.point == b.point &&
                a.normal == b.normal && a.penetration == b.penetration;
     }
+    friend std::ostream& operator<<(std::ostream& out, const FoundContact& c) {
+        return out << c.geomA << "-" << c.geomB << "#" << c.index << " at (" << c.point.x << ", " << c.point.y
+                   << ") n (" << c.normal.x << ", " << c.normal.y << ") depth " << c.penetration << "\n";
+    }
 };
 using FoundContacts = std::vector<FoundContact>;
 
@@ -27,5 +33,8 @@ FoundContacts CollideByBruteForce(const physics::BodyList& bodies);
 
 // The same from the collider.
 FoundContacts Collide(physics::Collider& collider, const physics::BodyList& bodies);
+
+// The first difference of two lists of contacts, in words; empty when there is none.
+std::string FindDifference(const FoundContacts& found, const FoundContacts& expected);
 
 }  // namespace test
