@@ -7,8 +7,10 @@
 #include "physics/Body.h"
 #include "physics/ContactPool.h"
 #include "physics/Geom.h"
+#include "physics/LooseBox.h"
 #include "physics/Particle.h"
 #include "physics/Polygon.h"
+#include "physics/SPH.h"
 #include "util/Assert.h"
 #include "util/ProfileTree.h"
 
@@ -23,24 +25,8 @@ namespace {
 // The index of the one contact of a circle whose centre lies inside a polygon.
 constexpr uint32_t CENTER_INSIDE = 0xFFFFFFFF;
 
-// Boxes for rejection are drawn larger than the shapes by this share of their coordinates: the exact tests
-// round, and no pair may be lost that they would accept.
-constexpr real SLACK = 4e-6f;
-
-real GetSlack(Vec2 center, Vec2 halfSize) {
-    return SLACK * (std::fabs(center.x) + std::fabs(center.y) + halfSize.x + halfSize.y);
-}
-
-void AddBox(PairSweep& sweep, Vec2 center, Vec2 halfSize) {
-    const real slack = GetSlack(center, halfSize);
-    const Vec2 half(halfSize.x + slack, halfSize.y + slack);
-    sweep.Add(center.x - half.x, center.y - half.y, center.x + half.x, center.y + half.y);
-}
-
-// Half the size of the axis-aligned box around an oriented one.
-Vec2 GetAlignedHalfSize(const math::OBB2D& box) {
-    return {std::fabs(box.axis[0].x) * box.halfSize.x + std::fabs(box.axis[1].x) * box.halfSize.y,
-            std::fabs(box.axis[0].y) * box.halfSize.x + std::fabs(box.axis[1].y) * box.halfSize.y};
+void AddBox(PairSweep& sweep, const math::BoundingBox2f& box) {
+    sweep.Add(box.min.x, box.min.y, box.max.x, box.max.y);
 }
 
 }  // namespace
@@ -52,14 +38,28 @@ void Collider::AssignBodies(const BodyList& bodies, const ParticleList& particle
     m_planes.clear();
     m_polygons.clear();
     m_circles.clear();
-    m_particles.clear();
-    for (const ParticlePtr& particle : particles) m_particles.push_back(particle.Get());
+    AssignParticles(particles);
     for (const BodyPtr& body : bodies) {
         for (const BodyPart& part : body.Get()->GetParts()) {
             const GeomPtr* const g = &part.geom;
             CODE_ASSERTION((*g)->GetBody());
             AssignGeom(body.Get(), g->Get());
         }
+    }
+}
+
+// Particles do not push their place into their geoms, so it is taken from themselves.
+void Collider::AssignParticles(const ParticleList& particles) {
+    constexpr real RADIUS_FACTOR = 0.1f;
+    m_particles.clear();
+    m_particlePos.clear();
+    if (particles.empty()) return;
+    m_particleRadius = SPH::Instance().m_radius->Get() * RADIUS_FACTOR;
+    m_particles.reserve(particles.size());
+    m_particlePos.reserve(particles.size());
+    for (const ParticlePtr& particle : particles) {
+        m_particles.push_back(particle.Get());
+        m_particlePos.push_back(particle.Get()->m_pos);
     }
 }
 
@@ -124,6 +124,7 @@ void Collider::Collide(ContactPool& out) {
     CollideCircles(out);
     CollidePolygons(out);
     CollideCirclesWithPolygons(out);
+    CollideWater(out);
 }
 
 // The boxes are numbered as circles first, then polygons. A contact with a polygon needs a point inside or
@@ -132,11 +133,8 @@ void Collider::FindPairs() {
     PROFILE_SECTION("Pairs");
     m_sweep.Clear();
     m_sweep.Reserve(m_circles.size() + m_polygons.size());
-    for (const CircleRec& rec : m_circles) AddBox(m_sweep, rec.pos, Vec2(rec.radius, rec.radius));
-    for (const PolygonRec& rec : m_polygons) {
-        const math::OBB2D& box = rec.polygon->GetWorldOBB();
-        AddBox(m_sweep, box.center, GetAlignedHalfSize(box));
-    }
+    for (const CircleRec& rec : m_circles) AddBox(m_sweep, LooseBox(rec.pos, Vec2(rec.radius, rec.radius)));
+    for (const PolygonRec& rec : m_polygons) AddBox(m_sweep, LooseBox(rec.polygon->GetWorldOBB()));
     m_sweep.FindPairs();
 }
 

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "math/OBB2D.h"
+#include "math/BoundingBox.h"
 #include "math/Vector.h"
 #include "physics/Fwd.h"
 #include "physics/PairSweep.h"
@@ -13,8 +13,8 @@ namespace physics {
 // Turns the places of all bodies into the contacts of a step.
 //
 // What comes out is defined by brute force over all pairs of geoms, in the order planes and circles, planes
-// and polygons, circles, polygons, circles and polygons, each pass in the order of the lists. Pairs whose
-// boxes are apart cannot touch, so a sweep hands out only the others, and in that same order.
+// and polygons, circles, polygons, circles and polygons, water, each pass in the order of the lists. Pairs
+// whose boxes are apart cannot touch, so a sweep hands out only the others, and in that same order.
 //
 // Shapes have no edges-against-edges test: a contact of two polygons is a vertex of one found inside the
 // other by its distance map. Normals point from the contact's first geom to its second.
@@ -64,6 +64,7 @@ class Collider {
     static void MakeContact(ContactPool& out, Geom* geomA, Geom* geomB, uint32_t index, math::Vec2 point,
                             math::Vec2 normal, math::real penetration);
 
+    void AssignParticles(const ParticleList& particles);
     void AssignGeom(AbstractBody* body, Geom* geom);
     void FindPairs();
 
@@ -71,6 +72,7 @@ class Collider {
     void CollideCircles(ContactPool& out) const;
     void CollidePolygons(ContactPool& out) const;
     void CollideCirclesWithPolygons(ContactPool& out) const;
+    void CollideWater(ContactPool& out) const;
 
     static void PlaneCircle(const PlaneRec& a, const CircleRec& b, ContactPool& out);
     static void PlanePolygon(const PlaneRec& a, const PolygonRec& b, ContactPool& out);
@@ -80,11 +82,19 @@ class Collider {
     static void CircleOutsidePolygon(const CircleRec& a, const PolygonRec& b, ContactPool& out);
     static void VerticesInside(Polygon* owner, Polygon* other, ContactPool& out);
 
+    math::BoundingBox2f GetWaterBox() const;
+    void PlanesInWater(const math::BoundingBox2f& water, ContactPool& out) const;
+    void CirclesInWater(const math::BoundingBox2f& water, ContactPool& out) const;
+    void PolygonsInWater(const math::BoundingBox2f& water, ContactPool& out) const;
+    template <class Shape>
+    void TestParticles(Shape* shape, const math::BoundingBox2f& box, ContactPool& out) const;
+
     util::VectorPOD<PlaneRec> m_planes;
     util::VectorPOD<PolygonRec> m_polygons;
     util::VectorPOD<CircleRec> m_circles;
     util::VectorPOD<Particle*> m_particles;
-    math::real m_particleRadius = 0;  // m, for collision
+    util::VectorPOD<math::Vec2> m_particlePos;  // of the particles, in their order
+    math::real m_particleRadius = 0;            // m, for collision; a tenth of the water's radius
 
     PairSweep m_sweep;  // over circles, then polygons
 };

@@ -6,6 +6,7 @@
 #include "math/Geometry.h"
 #include "math/Matrix3.h"
 #include "physics/Body.h"
+#include "physics/Simulation.h"
 #include "util/LockPtr.h"
 
 namespace physics {
@@ -37,7 +38,11 @@ uint32_t Geom::s_nextID = 0;
 struct Geom::Surface {
     real density, friction, restitution;
 
-    static Surface Default() { return {2, 0.5f, 0.5f}; }
+    static Surface Default() {
+        const Simulation& sim = Simulation::Instance();
+        return {sim.m_defaultBodyDensity->Get(), sim.m_defaultBodyFriction->Get(),
+                sim.m_defaultBodyRestitution->Get()};
+    }
 };
 
 // The defaults are fetched before the ID is drawn: fetching may create the simulation, whose world geom

@@ -11,6 +11,7 @@
 #include "physics/Geom.h"
 #include "physics/Particle.h"
 #include "physics/Polygon.h"
+#include "physics/SPH.h"
 
 namespace test {
 
@@ -32,7 +33,7 @@ bool ShouldCollide(const Geom& a, const Geom& b) {
 
 class BruteForce {
   public:
-    FoundContacts Run(const physics::BodyList& bodies) {
+    FoundContacts Run(const physics::BodyList& bodies, const physics::ParticleList& particles) {
         for (const physics::BodyPtr& body : bodies) {
             for (const physics::GeomPtr& geom : body->GetGeoms()) {
                 if (auto* polygon = dynamic_cast<Polygon*>(geom.Get())) {
@@ -59,6 +60,9 @@ class BruteForce {
         for (Circle* c : m_circles) {
             for (Polygon* g : m_polygons) CirclePolygon(*c, *g);
         }
+        for (Plane* p : m_planes) Water(*p, particles);
+        for (Circle* c : m_circles) Water(*c, particles);
+        for (Polygon* g : m_polygons) Water(*g, particles);
         return m_found;
     }
 
@@ -130,34 +134,48 @@ class BruteForce {
         }
     }
 
+    void Water(const Geom& geom, const physics::ParticleList& particles) {
+        const real radius = physics::SPH::Instance().m_radius->Get() * 0.1f;
+        if (!geom.m_collideWater) return;
+        for (const physics::ParticlePtr& particle : particles) {
+            const Vec2 p = particle->m_pos;
+            const real s = geom.GetDistance(p);
+            if (s < radius) Add(geom, *particle->m_geom, 0, p, geom.GetNormal(p), radius - s);
+        }
+    }
+
     std::vector<Plane*> m_planes;
     std::vector<Circle*> m_circles;
     std::vector<Polygon*> m_polygons;
     FoundContacts m_found;
 };
 
-}  // namespace
-
-FoundContacts CollideByBruteForce(const physics::BodyList& bodies) {
-    return BruteForce().Run(bodies);
+bool OwnsGeom(const physics::AbstractBody* body, uint32_t geomID) {
+    if (auto* particle = dynamic_cast<const physics::Particle*>(body))
+        return particle->m_geom->GetID() == geomID;
+    for (const physics::GeomPtr& geom : static_cast<const physics::Body*>(body)->GetGeoms()) {
+        if (geom->GetID() == geomID) return true;
+    }
+    return false;
 }
 
-FoundContacts Collide(physics::Collider& collider, const physics::BodyList& bodies) {
+}  // namespace
+
+FoundContacts CollideByBruteForce(const physics::BodyList& bodies, const physics::ParticleList& particles) {
+    return BruteForce().Run(bodies, particles);
+}
+
+FoundContacts Collide(physics::Collider& collider, const physics::BodyList& bodies,
+                      const physics::ParticleList& particles) {
     physics::ContactPool pool;
-    collider.AssignBodies(bodies, physics::ParticleList());
+    collider.AssignBodies(bodies, particles);
     collider.Collide(pool);
     FoundContacts found;
     for (const physics::ContactPtr& contact : pool) {
         const physics::ContactID& id = contact->m_id;
         uint32_t a = id.geom0, b = id.geom1;
         // The ID does not keep the order of the geoms; the bodies do.
-        const auto owns = [](const physics::AbstractBody* body, uint32_t geomID) {
-            for (const physics::GeomPtr& geom : static_cast<const physics::Body*>(body)->GetGeoms()) {
-                if (geom->GetID() == geomID) return true;
-            }
-            return false;
-        };
-        if (!owns(contact->m_bodies[0], a)) std::swap(a, b);
+        if (!OwnsGeom(contact->m_bodies[0], a)) std::swap(a, b);
         found.push_back({a, b, id.index, contact->m_point, contact->m_normal, contact->m_penetration});
     }
     return found;

@@ -7,6 +7,7 @@
 
 #include "math/Vector.h"
 #include "physics/Fwd.h"
+#include "physics/Particle.h"
 
 namespace test {
 
@@ -29,10 +30,12 @@ struct FoundContact {
 using FoundContacts = std::vector<FoundContact>;
 
 // The contacts of the world by going over all pairs, pass after pass.
-FoundContacts CollideByBruteForce(const physics::BodyList& bodies);
+FoundContacts CollideByBruteForce(const physics::BodyList& bodies,
+                                  const physics::ParticleList& particles = physics::ParticleList());
 
 // The same from the collider.
-FoundContacts Collide(physics::Collider& collider, const physics::BodyList& bodies);
+FoundContacts Collide(physics::Collider& collider, const physics::BodyList& bodies,
+                      const physics::ParticleList& particles = physics::ParticleList());
 
 // The first difference of two lists of contacts, in words; empty when there is none.
 std::string FindDifference(const FoundContacts& found, const FoundContacts& expected);

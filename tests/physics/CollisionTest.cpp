@@ -23,6 +23,7 @@ class World {
   public:
     ~World() {
         for (const BodyPtr& body : m_bodies) body->SetGeoms(GeomSet());
+        for (const ParticlePtr& particle : m_particles) particle->m_geom->SetBody(nullptr);
     }
     template <class GeomType>
     GeomType* Add(GeomType* geom) {
@@ -31,10 +32,16 @@ class World {
         return geom;
     }
     BodyList& GetBodies() { return m_bodies; }
-    FoundContacts Collide() { return test::Collide(m_collider, m_bodies); }
+    void AddParticle(Vec2 pos) {
+        m_particles.push_back(new Particle(pos, Vec2()));
+        m_particles.back()->m_geom->SetBody(m_particles.back().Get());
+    }
+    FoundContacts Collide() { return test::Collide(m_collider, m_bodies, m_particles); }
+    FoundContacts CollideByBruteForce() const { return test::CollideByBruteForce(m_bodies, m_particles); }
 
   private:
     BodyList m_bodies;
+    ParticleList m_particles;
     Collider m_collider;
 };
 
@@ -94,7 +101,7 @@ TEST(Collider, FindsTheContactsOfBruteForceInTheirOrder) {
         MakeRandomWorld(world, random, 60, range);
         size_t contacts = 0;
         for (int step = 0; step < 12; ++step) {
-            const FoundContacts expected = test::CollideByBruteForce(world.GetBodies());
+            const FoundContacts expected = world.CollideByBruteForce();
             contacts += expected.size();
             ASSERT_EQ(test::FindDifference(world.Collide(), expected), "")
                 << "range " << range << ", step " << step;
@@ -113,7 +120,7 @@ TEST(Collider, LosesNoContactFarFromTheOrigin) {
             body->m_pos += shift;
             body->UpdateGeoms();
         }
-        EXPECT_EQ(test::FindDifference(world.Collide(), test::CollideByBruteForce(world.GetBodies())), "");
+        EXPECT_EQ(test::FindDifference(world.Collide(), world.CollideByBruteForce()), "");
     }
 }
 
@@ -293,6 +300,54 @@ TEST(Collider, RefusesAGeomWithoutBody) {
     circle->SetBody(nullptr);
     EXPECT_THROW(world.Collide(), BadCoderException);
     circle->SetBody(world.GetBodies()[0].Get());
+}
+
+// ---- water ---------------------------------------------------------------------------------------------
+
+TEST(Collider, WaterTouchesWhatBruteForceFinds) {
+    test::Random random(31);
+    for (const float range : {2.0f, 8.0f}) {
+        World world;
+        MakeRandomWorld(world, random, 40, range);
+        for (int i = 0; i < 300; ++i) {
+            world.AddParticle({test::Uniform(random, -range, range), test::Uniform(random, -range, 0)});
+        }
+        for (size_t i = 0; i < 40; i += 3) {
+            for (const GeomPtr& geom : world.GetBodies()[i]->GetGeoms()) geom->m_collideWater = false;
+        }
+        const size_t dry = test::CollideByBruteForce(world.GetBodies()).size();
+        const FoundContacts expected = world.CollideByBruteForce();
+        EXPECT_GT(expected.size(), dry + 50);
+        EXPECT_EQ(test::FindDifference(world.Collide(), expected), "");
+    }
+}
+
+TEST(Collider, WaterIsPushedOutOfShapesWhateverTheirLayersAndMass) {
+    World world;
+    world.Add(new Plane({0, 1}, 0));
+    Polygon* const box = world.Add(Box(4, 1, 6, 3));
+    box->m_collideSet = 0;
+    world.GetBodies().back()->SetHeld(true);
+    world.AddParticle({0, -0.1f});
+    world.AddParticle({0, 0.004f});  // within the collision radius of 0.005
+    world.AddParticle({0, 0.006f});
+    world.AddParticle({5, 2.9f});
+    const FoundContacts found = world.Collide();
+    ASSERT_EQ(found.size(), 3u);
+    EXPECT_NEAR(found[0].penetration, 0.105f, 1e-6f);
+    EXPECT_EQ(found[0].normal, Vec2(0, 1));
+    EXPECT_NEAR(found[1].penetration, 0.001f, 1e-6f);
+    EXPECT_EQ(found[2].geomA, box->GetID());
+    EXPECT_NEAR(found[2].normal.y, 1, 0.01f);
+}
+
+TEST(Collider, WaterAboveABoxFindsNoNormalThere) {
+    World world;
+    world.Add(Box(0, 0, 2, 2));
+    world.AddParticle({1, 2.003f});
+    const FoundContacts found = world.Collide();
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_EQ(found[0].normal, Vec2()) << "the map ends with the box, so nothing is pushed";
 }
 
 }  // namespace
