@@ -9,6 +9,7 @@
 #include "gui/Input.h"
 #include "logging/Log.h"
 #include "rendering/Context.h"
+#include "rendering/Gl.h"
 #include "rendering/Renderer.h"
 #include "util/Exception.h"
 #include "util/FileSystem.h"
@@ -19,6 +20,8 @@ namespace core {
 namespace {
 
 constexpr int ALPHA_BITS = 8;  // what the drawing of water needs
+
+constexpr int MAX_OLD_ERRORS = 16;  // GL remembers a few; more would be a broken driver
 
 void SetGLAttribute(SDL_GLattr attribute, int value, const char* failure) {
     if (SDL_GL_SetAttribute(attribute, value) != 0) THROW(std::runtime_error, failure);
@@ -48,6 +51,16 @@ Uint32 GetVideoFlags(const WindowParams& params) {
     if (params.m_resizable) flags |= SDL_RESIZABLE;
     if (!params.m_frame) flags |= SDL_NOFRAME;
     return flags;
+}
+
+// The library may draw into a frame buffer of its own (for multisampling, for instance), whose making fails
+// without a word; drawing tells.
+void CheckDrawing() {
+    for (int i = 0; i < MAX_OLD_ERRORS && glGetError() != GL_NO_ERROR; ++i) continue;
+    glClear(GL_COLOR_BUFFER_BIT);
+    if (glGetError() == GL_INVALID_FRAMEBUFFER_OPERATION) {
+        THROW(std::runtime_error, "Couldn't set video mode, SDL-error: The frame buffer can't be drawn to");
+    }
 }
 
 math::Vec2i ClampResolution(math::Vec2i size) {
@@ -88,6 +101,7 @@ void Subsystem::BuildWindow(WindowParams params) {
     gui::Input::Instance().Reset();
     Log(logging::Trace, "Init GLEW...");
     rendering::Context::InitExtensions();
+    CheckDrawing();
     ApplyVSync();
     AdoptParams(params);
     CheckAlpha();

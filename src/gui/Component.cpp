@@ -16,6 +16,22 @@ using math::TMatrix3;
 using math::Vec2;
 using rendering::Renderer;
 
+namespace {
+
+// Raised for a scope, also when an exception ends it.
+class ScopedFlag {
+  public:
+    explicit ScopedFlag(bool& flag) : m_flag(flag) { m_flag = true; }
+    ~ScopedFlag() { m_flag = false; }
+    ScopedFlag(const ScopedFlag&) = delete;
+    ScopedFlag& operator=(const ScopedFlag&) = delete;
+
+  private:
+    bool& m_flag;
+};
+
+}  // namespace
+
 Component::Component(const String& name, const LayoutPtr& layout)
     : InputDelegator(name), m_textFormat(LookAndFeel::Get().GetTextFormat()), m_layout(layout) {}
 
@@ -79,12 +95,11 @@ void Component::SetSize(float w, float h) {
 // NaN, never equal to itself, would keep going: one round has to be enough.
 void Component::OnGeometryChanged() {
     if (!m_autoNotify || m_notifying) return;
-    m_notifying = true;
+    const ScopedFlag notifying(m_notifying);
     for (size_t i = m_children.size(); i-- > 0;) {
         if (i < m_children.size()) m_children[i]->FitToParent();
     }
     if (Component* const parent = GetParent()) parent->DoLayout();
-    m_notifying = false;
 }
 
 void Component::DoLayout() {

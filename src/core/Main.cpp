@@ -1,0 +1,218 @@
+#include <SDL/SDL_video.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+
+#include "app/App.h"
+#include "app/SceneLoader.h"
+#include "app/entities/Entity.h"
+#include "core/Platform.h"
+#include "core/ResourceManager.h"
+#include "core/Subsystem.h"
+#include "gui/GUI.h"
+#include "logging/Logger.h"
+#include "physics/SPH.h"
+#include "physics/Simulation.h"
+#include "script/KeyBinder.h"
+#include "script/Parser.h"
+#include "util/Exception.h"
+#include "util/FileNames.h"
+#include "util/FileSystem.h"
+
+// The program from its start to its end. The order of the steps is the order in which they depend on each
+// other; in particular the simulation comes before anything that makes a body, and the configuration before
+// the window that it describes.
+//
+// The autosaved scene and configuration exist only while a run is in progress: whoever finds them at the
+// start knows that the last run did not end by itself, and takes them. So they are deleted at one place only,
+// the end of a clean run, and there only after what replaces them is on the disk.
+namespace {
+
+using AppPtr = util::SharedPtr<app::App>;
+
+const String CREDIT = "the Vexa authors";
+const String SCENE_ENDING = ".vxa";
+constexpr int DESKTOP_MARGIN = 64;  // pixels that a first window leaves free in each direction
+
+util::FileSystem& GetFiles() {
+    return util::FileSystem::Instance();
+}
+
+bool EndsWith(const String& text, const String& ending) {
+    return text.size() >= ending.size() &&
+           text.compare(text.size() - ending.size(), ending.size(), ending) == 0;
+}
+
+// ---- start
+
+void AnswerVersionQuery(const util::StringList& arguments) {
+    for (const String& argument : arguments) {
+        if (argument.find("-version") == String::npos && argument.find("/version") == String::npos) continue;
+        std::cout << util::FileSystem::Version() << std::endl;
+        std::exit(0);
+    }
+}
+
+void MakeSubsystem() {
+    core::Subsystem::Create();
+    const String caption = util::FileSystem::Version() + String(" by ") + CREDIT;
+    SDL_WM_SetCaption(caption.c_str(), "Vexa");
+}
+
+// Each service is made by this first mention.
+void MakeServices() {
+    script::Parser::SetKeyBinderFactory([] { return script::ReflectedPtr(new script::KeyBinder); });
+    script::Reflected::AddToRoot(&core::Subsystem::Instance());
+    script::Reflected::AddToRoot(&core::ResourceManager::Instance());
+    script::Reflected::AddToRoot(&physics::Simulation::Instance());
+    script::Reflected::AddToRoot(&physics::SPH::Instance());
+    script::Reflected::AddToRoot(&gui::GUI::Instance());
+    gui::GUI::Instance().SetWindowHost(&core::Subsystem::Instance());
+}
+
+AppPtr MakeApp() {
+    const AppPtr application = new app::App;
+    gui::GUI::Instance().GetRoot()->AddChild(application);
+    script::Reflected::AddToRoot(application);  // scripts call it App, wherever it hangs on the screen
+    return application;
+}
+
+void RenameOldScene(const String& name) {
+    const String folder = GetFiles().GetScenesDir();
+    const String newName = name.substr(0, name.size() - SCENE_ENDING.size()) + SCENE_ENDING;
+    if (GetFiles().Exists(folder + newName)) {
+        Log(logging::Warning, "Not renaming \"" + name + "\": \"" + newName + "\" exists");
+        return;
+    }
+    try {
+        GetFiles().Rename(folder + name, folder + newName);
+    } catch (const std::exception& e) {
+        LogException(e, WHERE);
+        Log(logging::Warning, "Couldn't rename \"" + name + "\": " + e.what());
+    }
+}
+
+// Scenes once had the extension of configuration files.
+void RenameOldScenes() {
+    const util::StringList names = GetFiles().ListFiles(GetFiles().GetScenesDir(), "*.cfg");
+    if (names.empty()) return;
+    Log(logging::Info, "Renaming old .cfg files to .vxa...");
+    for (const String& name : names) RenameOldScene(name);
+}
+
+// ---- configuration
+
+bool Exists(const String& configuration) {
+    return GetFiles().Exists(GetFiles().GetWorkDir() + configuration);
+}
+
+// What cannot be read is kept beside, for this run will write its own.
+bool LoadConfiguration(const String& name) {
+    if (script::Parser::Instance().LoadConfig(name)) return true;
+    GetFiles().KeepBadCopy(GetFiles().GetWorkDir() + name);
+    return false;
+}
+
+bool RecoverConfiguration() {
+    if (!Exists(AUTOSAVE_CONFIG_FILE)) return false;
+    Log(logging::Info, "Recovering " + AUTOSAVE_CONFIG_FILE + " from previous crash");
+    return LoadConfiguration(AUTOSAVE_CONFIG_FILE);
+}
+
+void FitWindowToDesktop() {
+    core::WindowParams params;
+    const math::Vec2i desktop = core::GetDesktopSize();
+    if (desktop.x > 0 && desktop.y > 0) {
+        params.m_resolution.x = std::min(params.m_resolution.x, desktop.x - DESKTOP_MARGIN);
+        params.m_resolution.y = std::min(params.m_resolution.y, desktop.y - DESKTOP_MARGIN);
+    }
+    core::Subsystem::Instance().SetParams(params);
+}
+
+void LoadConfigurations() {
+    script::Parser::Instance().LoadConfig(AUTOEXEC_FILE);
+    if (RecoverConfiguration()) return;
+    if (Exists(CONFIG_FILE)) {
+        LoadConfiguration(CONFIG_FILE);
+    } else {
+        FitWindowToDesktop();
+    }
+}
+
+// ---- scene
+
+// A path with blanks that was passed unquoted arrives in pieces.
+String JoinArguments(const util::StringList& arguments) {
+    String path;
+    for (const String& argument : arguments) path += (path.empty() ? "" : " ") + argument;
+    return path;
+}
+
+void LoadFirstScene(const util::StringList& arguments) {
+    if (!arguments.empty() && EndsWith(arguments.back(), SCENE_ENDING)) {
+        const String path = JoinArguments(arguments);
+        Log(logging::Info, "Loading argument " + path);
+        app::SceneLoader::LoadAtStart(path);
+        return;
+    }
+    for (const String& scene : {AUTOSAVE_SCENE, ONEXIT_SCENE, WELCOME_SCENE}) {
+        const String path = GetFiles().GetScenesDir() + scene;
+        if (GetFiles().Exists(path) && app::SceneLoader::LoadAtStart(path)) return;
+    }
+}
+
+// ---- end
+
+void Save(app::App& application) {
+    Log(logging::Trace, "Subsystem::Run returned, saving config...");
+    application.OnExit();
+    if (!script::Parser::Instance().SaveRootCode(CONFIG_FILE)) return;
+    GetFiles().Remove(GetFiles().GetWorkDir() + AUTOSAVE_CONFIG_FILE);
+}
+
+// No static destructor runs, and the services that are left are simply abandoned.
+[[noreturn]] void End() {
+    Log(logging::Trace, "Destroying subsystem");
+    script::Parser::Destroy();
+    core::Subsystem::Destroy();
+    Log(logging::Trace, "Returning 0 from main");
+    logging::Logger::Destroy();
+    _exit(0);
+}
+
+[[noreturn]] void RunProgram(const util::StringList& arguments) {
+    AnswerVersionQuery(arguments);
+    MakeSubsystem();
+    MakeServices();
+    const AppPtr application = MakeApp();
+    RenameOldScenes();
+    Log(logging::Trace, "Application created");
+    LoadConfigurations();
+    core::Subsystem::Instance().RecreateWindow();
+    application->CreateGUI();
+    LoadFirstScene(arguments);
+    Log(logging::Info, "Running program...");
+    core::Subsystem::Instance().Run();
+    Save(*application);
+    End();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    GetFiles().FindWorkDir();
+    try {
+        RunProgram(util::StringList(argv + std::min(argc, 1), argv + argc));
+    } catch (const std::exception& e) {
+        LogException(e, WHERE);
+        Log(logging::Error, String("Exception caught in main: ") + e.what());
+        if (core::ShowMsg("Exception caught", e.what())) throw;
+    } catch (...) {
+        LogUnknownException(WHERE);
+        Log(logging::Error, "Unknown exception caught in main.");
+        if (core::ShowMsg("Unknown exception caught", "Badness")) throw;
+    }
+    _exit(1);
+}
