@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "gui/Component.h"
+#include "math/BoundingBox.h"
+#include "rendering/Texture.h"
+#include "rendering/VertexBatch.h"
+#include "script/Attributes.h"
+
+namespace app {
+
+// The sky with its clouds, behind the world. Clouds lie in a plane farther away, so they move at 0.7 of the
+// world's speed on the screen, and they drift with the simulation: they stop when it stops and wrap round in
+// a box about the view.
+//
+// It is a component for the sake of its size and its place in scripts ("App.Background"), not a child of
+// anything: App updates it and draws it under the scene.
+class Background : public gui::Component {
+  public:
+    Background();
+
+    void Update(float dt) override;  // real seconds
+    void Draw() override;            // in GUI coordinates
+
+    struct Cloud {
+        float size;           // side of the square, world units
+        math::Vec2 position;  // centre, world units
+        math::Vec2 velocity;  // world units per simulated second
+        float rotation = 0;   // never drawn
+        float angularVelocity = 0;
+        uint32_t textureIndex;
+        bool flag = false;  // free
+        math::Vec4 color{1, 1, 1, 1};
+    };
+    const std::vector<Cloud>& GetClouds() const { return m_clouds; }
+
+    // Part of the world's speed at which the clouds move on the screen.
+    static constexpr float PARALLAX = 0.7f;
+
+  private:
+    void FindTextures();
+    void CreateClouds();
+    void WrapClouds(math::Vec2 center);
+    void DrawSky();
+    void DrawClouds();
+    void CollectClouds(const math::BoundingBox2f& view);
+
+    const script::AttribPtr<float> m_opacity;  // of the clouds
+    const script::AttribPtr<math::Vec4> m_skyColor;
+
+    std::vector<rendering::TextureMentorPtr> m_skyTextures;  // at least one
+    std::vector<rendering::VertexBatch> m_batches;           // of this frame's clouds, one for each texture
+    std::vector<Cloud> m_clouds;                             // none until the first Update
+    float m_wrapWidth = 0;                                   // world units
+    float m_wrapHeight = 0;
+};
+
+}  // namespace app

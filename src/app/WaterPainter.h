@@ -1,0 +1,62 @@
+#pragma once
+
+#include "math/BoundingBox.h"
+#include "math/Matrix3.h"
+#include "math/Vector.h"
+#include "physics/Fwd.h"
+#include "rendering/Shader.h"
+#include "rendering/Texture.h"
+#include "rendering/VertexBatch.h"
+#include "util/Pointee.h"
+
+namespace app {
+
+// What one frame's water is drawn with.
+struct WaterView {
+    math::TMatrix3<float> worldToGUI;
+    math::BoundingBox2f box;  // the visible part of the world
+    math::Vec2 size;          // of the component, GUI units
+    float guiScale = 1;       // pixels per GUI unit
+    float radius = 0.05f;     // of a particle, m
+    float elongation = 0;     // stretch per speed, s/m
+    float maxElongation = 1;
+    float cutoff = 0.5f;  // of the field at the surface
+    math::Vec4 color;
+};
+
+// Draws the particles as one smooth body of water: metaballs in screen space (after J. Blinn, ACM TOG 1,
+// 1982). Each particle adds a soft sprite to the field; where the sum exceeds a threshold there is water.
+// The frame buffer serves as the scratch paper for the field, before anything else of the frame is drawn, so
+// no frame buffer object is needed; water beyond 2048 pixels is lost.
+class WaterPainter : public util::Pointee {
+  public:
+    WaterPainter();
+
+    // Adds up the field in the frame buffer, keeps it and leaves the buffer black.
+    void DrawField(const physics::ParticleList& particles, const WaterView& view);
+    // Over what is there: with the shader, or by an alpha test.
+    void DrawSurface(const WaterView& view);
+    // The plain way: one soft disc for each particle.
+    void DrawDiscs(const physics::ParticleList& particles, const WaterView& view);
+
+  private:
+    void CollectSprites(const physics::ParticleList& particles, const WaterView& view);
+    void DrawSurfaceByShader(const WaterView& view);
+    void DrawSurfaceByAlphaTest(const WaterView& view);
+
+    rendering::TextureMentorPtr m_metaTexture;      // the field; made with the first water
+    rendering::TextureMentorPtr m_metaBallTexture;  // one drop's field
+    rendering::TextureMentorPtr m_waterTexture;     // a soft disc
+    rendering::ShaderMentorPtr m_waterShader;
+    rendering::UniformPtr m_cutoff;
+    rendering::UniformPtr m_color;
+    rendering::VertexBatch m_sprites;  // of this frame
+};
+
+// A texture that frames are copied into, 2048 by 2048.
+rendering::TextureMentorPtr MakeFrameTexture();
+// The whole component, or what a frame texture covers of it, in GUI units with y down; the texture's lower
+// edge at the frame's lower edge.
+void DrawFrameQuad(math::Vec2 size, float guiScale);
+
+}  // namespace app
