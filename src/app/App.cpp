@@ -7,6 +7,7 @@
 #include "app/Actions.h"
 #include "app/AppGUI.h"
 #include "app/Undoer.h"
+#include "app/WaterPainter.h"
 #include "app/entities/Chain.h"
 #include "app/entities/GeomEntity.h"
 #include "gui/Input.h"

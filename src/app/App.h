@@ -6,7 +6,6 @@
 #include "gui/Component.h"
 #include "math/BoundingBox.h"
 #include "math/Matrix3.h"
-#include "rendering/Shader.h"
 #include "rendering/Texture.h"
 #include "script/Attributes.h"
 #include "util/Interpolator.h"
@@ -14,6 +13,9 @@
 #include "util/Singleton.h"
 
 namespace app {
+
+class WaterPainter;
+struct WaterView;
 
 // A contact as the debug view shows it.
 struct ContactMark {
@@ -165,8 +167,15 @@ class App : public gui::Component, public util::Singleton<App> {
   private:
     void AddCommands();
     void OnRunningChange();
-    // AppDrawing.cpp: the mentors and the background; touches no GL.
+    // AppDrawing.cpp. The first one makes the background and the painters, and touches no GL.
     void MakeDrawingResources();
+    WaterView GetWaterView() const;
+    bool HasWaterField() const;
+    void DrawFade();
+    void CaptureFade();
+    void DrawWater();
+    void DrawEntities();
+    void DrawDebugViews();
 
     void UpdateView();
     void PanByKeys(float dt);
@@ -189,12 +198,9 @@ class App : public gui::Component, public util::Singleton<App> {
     util::Random m_random;
     util::CallbackSet m_onInterrupt;
 
-    // Of the scene drawing; null until MakeDrawingResources.
-    rendering::TextureMentorPtr m_fadeTexture;      // last frame, 2048 by 2048
-    rendering::TextureMentorPtr m_metaTexture;      // the water's field, 2048 by 2048
-    rendering::TextureMentorPtr m_metaBallTexture;  // one drop's field
-    rendering::TextureMentorPtr m_waterTexture;
-    rendering::ShaderMentorPtr m_waterShader;
+    util::SharedPtr<WaterPainter> m_waterPainter;
+    rendering::TextureMentorPtr m_fadeTexture;  // the last frame; null until fading is first asked for
+    uint32_t m_fadeGeneration = 0;              // of the context that m_fadeTexture has a frame of
 };
 
 }  // namespace app

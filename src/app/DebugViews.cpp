@@ -6,6 +6,7 @@
 #include "app/entities/Entity.h"
 #include "physics/Body.h"
 #include "physics/Particle.h"
+#include "physics/Polygon.h"
 #include "rendering/Renderer.h"
 
 namespace app {
@@ -45,6 +46,22 @@ void DrawSegmentsIn(const Vec4& color, const Vec2List& points) {
     Renderer::Instance().DrawSegments(points.data(), points.size());
 }
 
+void DrawBox(const math::OBB2D& box, const math::RigidTransform& transform) {
+    const Vec2 u = box.axis[0] * box.halfSize.x, v = box.axis[1] * box.halfSize.y;
+    const Vec2List corners = {transform(box.center - u - v), transform(box.center + u - v),
+                              transform(box.center + u + v), transform(box.center - u + v)};
+    Renderer::Instance().DrawLines(corners, true);
+}
+
+void DrawBoundingCircle(const math::Vec3& circle) {
+    Vec2List points;
+    for (int i = 0; i < CIRCLE_SEGMENTS; ++i) {
+        const float angle = math::TWO_PI * static_cast<float>(i) / CIRCLE_SEGMENTS;
+        points.push_back(Vec2(circle.x, circle.y) + Vec2(std::cos(angle), std::sin(angle)) * circle.z);
+    }
+    Renderer::Instance().DrawLines(points, true);
+}
+
 }  // namespace
 
 void DrawBodyCenters(const physics::BodyList& bodies) {
@@ -75,24 +92,17 @@ void DrawContacts(float normalLength) {
     DrawPointsIn(RED, points);
 }
 
-void DrawBox(const math::OBB2D& box, const math::RigidTransform& transform) {
-    const Vec2 u = box.axis[0] * box.halfSize.x, v = box.axis[1] * box.halfSize.y;
-    const Vec2List corners = {transform(box.center - u - v), transform(box.center + u - v),
-                              transform(box.center + u + v), transform(box.center - u + v)};
-    Renderer::Instance().DrawLines(corners, true);
+void DrawDebugLayers(const physics::Geom& geom) {
+    const App& app = App::Instance();
+    if (app.m_drawOBBs->Get()) DrawBox(geom.GetOBB(), {});
+    if (app.m_drawBCs->Get()) DrawBoundingCircle(geom.GetBoundingCircle());
 }
 
-void DrawBoundingCircle(const math::Vec3& circle) {
-    Vec2List points;
-    for (int i = 0; i < CIRCLE_SEGMENTS; ++i) {
-        const float angle = math::TWO_PI * static_cast<float>(i) / CIRCLE_SEGMENTS;
-        points.push_back(Vec2(circle.x, circle.y) + Vec2(std::cos(angle), std::sin(angle)) * circle.z);
-    }
-    Renderer::Instance().DrawLines(points, true);
-}
-
-void DrawVertices(const Vec2List& vertices) {
-    DrawPointsIn(RED, vertices);
+void DrawDebugLayers(const physics::Polygon& polygon) {
+    const App& app = App::Instance();
+    DrawDebugLayers(static_cast<const physics::Geom&>(polygon));
+    if (app.m_drawMapOBBs->Get()) DrawBox(polygon.GetMapOBB(), polygon.GetTransform());
+    if (app.m_drawVertices->Get()) DrawPointsIn(RED, polygon.GetWorldVertices());
 }
 
 }  // namespace app

@@ -1,8 +1,5 @@
 #pragma once
 
-#include "math/OBB2D.h"
-#include "math/RigidTransform.h"
-#include "math/Vector.h"
 #include "physics/Fwd.h"
 
 namespace app {
@@ -15,9 +12,8 @@ void DrawBodyCenters(const physics::BodyList& bodies);
 void DrawParticleCenters(const physics::ParticleList& particles);
 void DrawContacts(float normalLength);  // of App's contacts, with normals that long
 
-// Of one shape.
-void DrawBox(const math::OBB2D& box, const math::RigidTransform& transform);
-void DrawBoundingCircle(const math::Vec3& circle);
-void DrawVertices(const math::Vec2List& vertices);
+// Of one shape: boxes, bounding circle, vertices.
+void DrawDebugLayers(const physics::Geom& geom);
+void DrawDebugLayers(const physics::Polygon& polygon);
 
 }  // namespace app

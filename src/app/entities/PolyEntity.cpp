@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "app/DebugViews.h"
 #include "rendering/Image.h"
 #include "rendering/ShapePainter.h"
 #include "util/ProfileTree.h"
@@ -37,6 +38,7 @@ void PolyEntity::Draw() {
     PROFILE_SECTION("Poly::Draw");
     rendering::ShapePainter::Instance().DrawPolygon(m_polygon->GetTransform(), m_polygon->GetMapOBB(),
                                                     GetDistTexture()->Get(), m_distScale, GetDrawColor());
+    DrawDebugLayers(*m_polygon);
 }
 
 bool PolyEntity::CrossesLines(const physics::LineList& lines) const {
