@@ -14,9 +14,14 @@ namespace physics {
 // rows in impulse form: each sweep visits every constraint, computes the impulse still missing and applies
 // it. The number of sweeps is fixed; there is no test of convergence.
 //
-// The sweeps run over packed copies: one cache line per contact, half a line per body, both in arrays, filled
-// after SolveInit and stored back once. The alternative is a greedy solver that always works on the
-// constraint with the greatest residual; it settles stacks better, at 60 to 90 times the cost.
+// The sweeps run over packed copies of constraints and bodies, filled after SolveInit and stored back once.
+// The order of the sweeps is that of the list, or by residual; but all that it fixes is which of two
+// constraints over the same movable body goes first. So each constraint is given the first level after those
+// of its two bodies' earlier constraints, and the contacts of a level are solved four at a time, with the
+// very bits that one after the other would give.
+//
+// The alternative is a greedy solver that always works on the constraint with the greatest residual; it
+// settles stacks better, at 60 to 90 times the cost.
 //
 // Equations and constants stand in ConstraintSolver.cpp. All arrays keep their memory between steps.
 class ConstraintSolver {
@@ -29,15 +34,17 @@ class ConstraintSolver {
         Constraint* constraint;
         Hinge* hinge;  // null for a contact
     };
-    // A stretch of the sorted order: contact rows up to an end, then a hinge (or none at the very end).
-    struct Stretch {
-        uint32_t contactsEnd;
+    // Constraints that share no movable body, up to these ends.
+    struct Level {
+        uint32_t groupsEnd;  // in m_groups
+        uint32_t hingesEnd;  // in m_hinges
+    };
+    struct HingeRow {
         Hinge* hinge;
         uint32_t body0;
         uint32_t body1;
     };
 
-    static void SetStepConstants();
     void InitBodies(const AbstractBodyList& bodies);
     void BuildList(const HingeSet& hinges, const ContactPool& contacts);
     void InitConstraints(const AbstractBodyList& bodies);
@@ -49,20 +56,29 @@ class ConstraintSolver {
     void PackBodies(const AbstractBodyList& bodies);
     void PackRows();
     void SortByResidual();
+    void AssignLevels();
+    uint32_t RaiseLevel(uint32_t body0, uint32_t body1);
+    void LayOutLevels();
     void ArrangeRows();
+    void PutInGroup(const ContactRow& row, uint32_t slot);
     void Sweep();
-    void SweepContacts(uint32_t begin, uint32_t end);
     void StoreRows();
     void StoreBodies(const AbstractBodyList& bodies) const;
 
     void SolvePrioritized(const AbstractBodyList& bodies, int sweeps);
 
-    util::VectorPOD<Entry> m_list;  // hinges, then contacts
-    util::VectorPOD<SolverBody> m_bodies;
-    util::VectorPOD<ContactRow> m_rows;    // in the order of the list; unused entries for hinges
-    util::VectorPOD<ContactRow> m_sorted;  // contacts only, in the order of the sweeps
-    util::VectorPOD<Stretch> m_stretches;
-    util::VectorPOD<uint32_t> m_order;  // list indices in the order of the sweeps
+    util::VectorPOD<Entry> m_list;             // hinges, then contacts
+    util::VectorPOD<SolverBody> m_bodies;      // and at the end one that never moves, for unused lanes
+    util::VectorPOD<ContactRow> m_rows;        // in the order of the list; unused entries for hinges
+    util::VectorPOD<uint32_t> m_order;         // list indices, greatest residual first
+    util::VectorPOD<uint32_t> m_bodyLevels;    // per body: levels in use so far
+    util::VectorPOD<uint32_t> m_entryLevels;   // per list entry
+    util::VectorPOD<uint32_t> m_slots;         // per list entry: its place among the groups' lanes
+    util::VectorPOD<uint32_t> m_cursors;       // per level: the next free lane
+    util::VectorPOD<uint32_t> m_hingeCursors;  // per level: the next free place in m_hinges
+    util::VectorPOD<Level> m_levels;
+    util::VectorPOD<ContactRow4> m_groups;
+    util::VectorPOD<HingeRow> m_hinges;
     ResidualSort m_sort;
 };
 

@@ -7,8 +7,8 @@
 
 namespace physics {
 
-// What the sweeps need of a contact, in one cache line. Member names are those of Contact.
-struct alignas(64) ContactRow {
+// What the sweeps need of a contact. Member names are those of Contact.
+struct ContactRow {
     uint32_t body0;  // indices of the packed bodies
     uint32_t body1;
     math::Vec2 m_normal;
@@ -20,9 +20,30 @@ struct alignas(64) ContactRow {
     math::real m_tangentTarget;
     math::real m_normalImpulse;
     math::real m_tangentImpulse;
-    uint32_t contact;  // index in the solver's list
 };
-static_assert(sizeof(ContactRow) == 64, "a row fills one cache line");
+
+// Four contacts that no movable body has in common, turned so that their numbers lie side by side.
+struct alignas(16) ContactRow4 {
+    static constexpr uint32_t LANES = 4;
+
+    uint32_t body0[LANES];
+    uint32_t body1[LANES];
+    math::real normalX[LANES];
+    math::real normalY[LANES];
+    math::real r0x[LANES];
+    math::real r0y[LANES];
+    math::real r1x[LANES];
+    math::real r1y[LANES];
+    math::real inertiaInv0[LANES];
+    math::real inertiaInv1[LANES];
+    math::real friction[LANES];
+    math::real normalMass[LANES];
+    math::real tangentMass[LANES];
+    math::real normalTarget[LANES];
+    math::real tangentTarget[LANES];
+    math::real normalImpulse[LANES];
+    math::real tangentImpulse[LANES];
+};
 
 // The impulses still missing along the normal and the tangent.
 struct ContactDelta {

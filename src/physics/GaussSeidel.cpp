@@ -1,8 +1,11 @@
 // The sweeps of ConstraintSolver: packed rows and bodies, see ConstraintSolver.h.
 
+#include <algorithm>
+
 #include "physics/Body.h"
 #include "physics/ConstraintSolver.h"
 #include "physics/Contact.h"
+#include "physics/Float4.h"
 #include "physics/HingeSolve.h"
 #include "util/ProfileTree.h"
 
@@ -19,14 +22,18 @@ void ConstraintSolver::SolveGaussSeidel(const AbstractBodyList& bodies, int swee
         m_order.resize(m_list.size());
         for (uint32_t i = 0; i < m_order.size(); ++i) m_order[i] = i;
     }
+    AssignLevels();
+    LayOutLevels();
     ArrangeRows();
     for (int i = 0; i < sweeps; ++i) Sweep();
     StoreRows();
     StoreBodies(bodies);
 }
 
+// ---- packing -------------------------------------------------------------------------------------------
+
 void ConstraintSolver::PackBodies(const AbstractBodyList& bodies) {
-    m_bodies.resize(bodies.size());
+    m_bodies.resize(bodies.size() + 1);
     for (size_t i = 0; i < bodies.size(); ++i) {
         SolverBody& packed = m_bodies[i];
         packed.m_deltaVel = bodies[i]->m_deltaVel;
@@ -34,9 +41,10 @@ void ConstraintSolver::PackBodies(const AbstractBodyList& bodies) {
         packed.m_massInv = bodies[i]->GetMassInv();
         packed.m_inertiaInv = bodies[i]->GetInertiaInv();
     }
+    m_bodies.back() = SolverBody();
 }
 
-static void PackRow(ContactRow& row, const Contact& contact, uint32_t index) {
+static void PackRow(ContactRow& row, const Contact& contact) {
     row.body0 = contact.m_bodies[0]->m_index;
     row.body1 = contact.m_bodies[1]->m_index;
     row.m_normal = contact.m_normal;
@@ -49,18 +57,13 @@ static void PackRow(ContactRow& row, const Contact& contact, uint32_t index) {
     row.m_tangentTarget = contact.m_tangentTarget;
     row.m_normalImpulse = contact.m_normalImpulse;
     row.m_tangentImpulse = contact.m_tangentImpulse;
-    row.contact = index;
 }
 
 void ConstraintSolver::PackRows() {
     m_rows.resize(m_list.size());
     for (uint32_t i = 0; i < m_list.size(); ++i) {
-        if (!m_list[i].hinge) PackRow(m_rows[i], *static_cast<Contact*>(m_list[i].constraint), i);
+        if (!m_list[i].hinge) PackRow(m_rows[i], *static_cast<Contact*>(m_list[i].constraint));
     }
-}
-
-static ContactDelta SolveRow(const ContactRow& row, const SolverBody& b0, const SolverBody& b1) {
-    return SolveContactRows(row, DeltaVelocityAt(b1, row.m_r[1]) - DeltaVelocityAt(b0, row.m_r[0]));
 }
 
 // The constraints furthest from being satisfied by the warm start go first.
@@ -72,67 +75,198 @@ void ConstraintSolver::SortByResidual() {
             m_sort.Add(hinge->m_residual);
         } else {
             const ContactRow& row = m_rows[i];
-            const ContactDelta delta = SolveRow(row, m_bodies[row.body0], m_bodies[row.body1]);
+            const math::Vec2 c = DeltaVelocityAt(m_bodies[row.body1], row.m_r[1]) -
+                                 DeltaVelocityAt(m_bodies[row.body0], row.m_r[0]);
+            const ContactDelta delta = SolveContactRows(row, c);
             m_sort.Add(delta.tangent * delta.tangent + delta.normal * delta.normal);
         }
     }
     m_sort.Sort(m_order);
 }
 
-void ConstraintSolver::ArrangeRows() {
-    m_sorted.clear();
-    m_sorted.reserve(m_list.size());
-    m_stretches.clear();
+// ---- levels --------------------------------------------------------------------------------------------
+
+// The first level after those of both bodies' earlier constraints. Bodies that cannot move are in nobody's
+// way.
+uint32_t ConstraintSolver::RaiseLevel(uint32_t body0, uint32_t body1) {
+    const bool moves0 = !m_bodies[body0].IsImmovable();
+    const bool moves1 = !m_bodies[body1].IsImmovable();
+    const uint32_t level = std::max(moves0 ? m_bodyLevels[body0] : 0, moves1 ? m_bodyLevels[body1] : 0);
+    if (moves0) m_bodyLevels[body0] = level + 1;
+    if (moves1) m_bodyLevels[body1] = level + 1;
+    return level;
+}
+
+void ConstraintSolver::AssignLevels() {
+    m_bodyLevels.clear();
+    m_bodyLevels.resize(m_bodies.size(), 0);
+    m_entryLevels.resize(m_list.size());
+    m_levels.clear();
     for (const uint32_t i : m_order) {
-        Hinge* const hinge = m_list[i].hinge;
-        if (!hinge) {
-            m_sorted.push_back(m_rows[i]);
+        const Hinge* const hinge = m_list[i].hinge;
+        const uint32_t level = hinge ? RaiseLevel(hinge->m_bodies[0]->m_index, hinge->m_bodies[1]->m_index)
+                                     : RaiseLevel(m_rows[i].body0, m_rows[i].body1);
+        if (level >= m_levels.size()) m_levels.resize(level + 1, {0, 0});
+        ++(hinge ? m_levels[level].hingesEnd : m_levels[level].groupsEnd);
+        m_entryLevels[i] = level;
+    }
+}
+
+// Turns the levels' counts of constraints into places.
+void ConstraintSolver::LayOutLevels() {
+    m_cursors.resize(m_levels.size());
+    uint32_t groups = 0;
+    uint32_t hinges = 0;
+    for (size_t i = 0; i < m_levels.size(); ++i) {
+        m_cursors[i] = groups * ContactRow4::LANES;
+        groups += (m_levels[i].groupsEnd + ContactRow4::LANES - 1) / ContactRow4::LANES;
+        hinges += m_levels[i].hingesEnd;
+        m_levels[i] = {groups, hinges};
+    }
+    m_groups.resize(groups);
+    m_hinges.resize(hinges);
+}
+
+void ConstraintSolver::ArrangeRows() {
+    const uint32_t lanes = static_cast<uint32_t>(m_groups.size()) * ContactRow4::LANES;
+    ContactRow unused = {};
+    unused.body0 = unused.body1 = static_cast<uint32_t>(m_bodies.size() - 1);
+    m_slots.resize(m_list.size());
+    m_hingeCursors.resize(m_levels.size());
+    for (size_t i = 0; i < m_levels.size(); ++i) m_hingeCursors[i] = i == 0 ? 0 : m_levels[i - 1].hingesEnd;
+    for (const uint32_t i : m_order) {
+        const uint32_t level = m_entryLevels[i];
+        if (Hinge* const hinge = m_list[i].hinge) {
+            m_hinges[m_hingeCursors[level]++] = {hinge, hinge->m_bodies[0]->m_index,
+                                                 hinge->m_bodies[1]->m_index};
             continue;
         }
-        m_stretches.push_back({static_cast<uint32_t>(m_sorted.size()), hinge, hinge->m_bodies[0]->m_index,
-                               hinge->m_bodies[1]->m_index});
+        m_slots[i] = m_cursors[level]++;
+        PutInGroup(m_rows[i], m_slots[i]);
     }
-    m_stretches.push_back({static_cast<uint32_t>(m_sorted.size()), nullptr, 0, 0});
+    for (size_t i = 0; i < m_levels.size(); ++i) {
+        const uint32_t end = std::min(m_levels[i].groupsEnd * ContactRow4::LANES, lanes);
+        while (m_cursors[i] < end) PutInGroup(unused, m_cursors[i]++);
+    }
 }
+
+void ConstraintSolver::PutInGroup(const ContactRow& row, uint32_t slot) {
+    ContactRow4& group = m_groups[slot / ContactRow4::LANES];
+    const uint32_t lane = slot % ContactRow4::LANES;
+    group.body0[lane] = row.body0;
+    group.body1[lane] = row.body1;
+    group.normalX[lane] = row.m_normal.x;
+    group.normalY[lane] = row.m_normal.y;
+    group.r0x[lane] = row.m_r[0].x;
+    group.r0y[lane] = row.m_r[0].y;
+    group.r1x[lane] = row.m_r[1].x;
+    group.r1y[lane] = row.m_r[1].y;
+    group.inertiaInv0[lane] = m_bodies[row.body0].m_inertiaInv;
+    group.inertiaInv1[lane] = m_bodies[row.body1].m_inertiaInv;
+    group.friction[lane] = row.m_friction;
+    group.normalMass[lane] = row.m_useNormalMass;
+    group.tangentMass[lane] = row.m_useTangentMass;
+    group.normalTarget[lane] = row.m_normalTarget;
+    group.tangentTarget[lane] = row.m_tangentTarget;
+    group.normalImpulse[lane] = row.m_normalImpulse;
+    group.tangentImpulse[lane] = row.m_tangentImpulse;
+}
+
+// ---- sweeps --------------------------------------------------------------------------------------------
+
+namespace {
+
+// Four bodies' velocity changes and inverse masses, side by side.
+struct Body4 {
+    Body4(const SolverBody* bodies, const uint32_t* indices)
+        : vx(Load(bodies[indices[0]])),
+          vy(Load(bodies[indices[1]])),
+          w(Load(bodies[indices[2]])),
+          massInv(Load(bodies[indices[3]])) {
+        Transpose(vx, vy, w, massInv);
+    }
+    void Save(SolverBody* bodies, const uint32_t* indices) {
+        Transpose(vx, vy, w, massInv);
+        Store(&bodies[indices[0]].m_deltaVel.x, vx);
+        Store(&bodies[indices[1]].m_deltaVel.x, vy);
+        Store(&bodies[indices[2]].m_deltaVel.x, w);
+        Store(&bodies[indices[3]].m_deltaVel.x, massInv);
+    }
+
+    Float4 vx;
+    Float4 vy;
+    Float4 w;
+    Float4 massInv;
+
+  private:
+    static Float4 Load(const SolverBody& body) { return LoadFloat4(&body.m_deltaVel.x); }
+};
+
+// SolveContactRows and ApplyImpulsePair, operation by operation, for four contacts.
+inline void SolveGroup(ContactRow4& row, SolverBody* bodies) {
+    Body4 b0(bodies, row.body0);
+    Body4 b1(bodies, row.body1);
+    const Float4 r0x = LoadFloat4(row.r0x);
+    const Float4 r0y = LoadFloat4(row.r0y);
+    const Float4 r1x = LoadFloat4(row.r1x);
+    const Float4 r1y = LoadFloat4(row.r1y);
+    const Float4 nx = LoadFloat4(row.normalX);
+    const Float4 ny = LoadFloat4(row.normalY);
+    const Float4 tx = -ny;
+    const Float4 ty = nx;
+    const Float4 cx = (b1.vx - r1y * b1.w) - (b0.vx - r0y * b0.w);
+    const Float4 cy = (b1.vy + r1x * b1.w) - (b0.vy + r0x * b0.w);
+
+    const Float4 normalImpulse = LoadFloat4(row.normalImpulse);
+    Float4 dn = LoadFloat4(row.normalTarget) - (cx * nx + cy * ny) * LoadFloat4(row.normalMass);
+    const Float4 x = Max(dn + normalImpulse, Zero4());
+    dn = x - normalImpulse;
+    const Float4 tangentImpulse = LoadFloat4(row.tangentImpulse);
+    const Float4 limit = Max(LoadFloat4(row.friction) * x, Zero4());
+    Float4 dt = LoadFloat4(row.tangentTarget) - (cx * tx + cy * ty) * LoadFloat4(row.tangentMass);
+    const Float4 y = Min(Max(dt + tangentImpulse, -limit), limit);
+    dt = y - tangentImpulse;
+    Store(row.normalImpulse, normalImpulse + dn);
+    Store(row.tangentImpulse, tangentImpulse + dt);
+
+    const Float4 px = nx * dn + tx * dt;
+    const Float4 py = ny * dn + ty * dt;
+    b0.vx = b0.vx - px * b0.massInv;
+    b0.vy = b0.vy - py * b0.massInv;
+    b0.w = b0.w - LoadFloat4(row.inertiaInv0) * (r0x * py - r0y * px);
+    b1.vx = b1.vx + px * b1.massInv;
+    b1.vy = b1.vy + py * b1.massInv;
+    b1.w = b1.w + LoadFloat4(row.inertiaInv1) * (r1x * py - r1y * px);
+    b0.Save(bodies, row.body0);
+    b1.Save(bodies, row.body1);
+}
+
+}  // namespace
 
 void ConstraintSolver::Sweep() {
-    uint32_t begin = 0;
-    for (const Stretch& stretch : m_stretches) {
-        SweepContacts(begin, stretch.contactsEnd);
-        begin = stretch.contactsEnd;
-        if (!stretch.hinge) continue;
-        SolverBody& b0 = m_bodies[stretch.body0];
-        SolverBody& b1 = m_bodies[stretch.body1];
-        stretch.hinge->Calc(b0, b1);
-        stretch.hinge->Apply(b0, b1);
+    SolverBody* const bodies = m_bodies.data();
+    ContactRow4* group = m_groups.data();
+    const HingeRow* hinge = m_hinges.data();
+    for (const Level& level : m_levels) {
+        for (ContactRow4* const end = m_groups.data() + level.groupsEnd; group != end; ++group) {
+            SolveGroup(*group, bodies);
+        }
+        for (const HingeRow* const end = m_hinges.data() + level.hingesEnd; hinge != end; ++hinge) {
+            hinge->hinge->Calc(bodies[hinge->body0], bodies[hinge->body1]);
+            hinge->hinge->Apply(bodies[hinge->body0], bodies[hinge->body1]);
+        }
     }
 }
 
-void ConstraintSolver::SweepContacts(uint32_t begin, uint32_t end) {
-    SolverBody* const bodies = m_bodies.data();
-    ContactRow* const last = m_sorted.data() + end;
-    for (ContactRow* row = m_sorted.data() + begin; row != last; ++row) {
-        // Copies: the compiler cannot know that the two bodies differ.
-        SolverBody b0 = bodies[row->body0];
-        SolverBody b1 = bodies[row->body1];
-        const ContactDelta delta = SolveRow(*row, b0, b1);
-        const math::Vec2 p =
-            row->m_normal * delta.normal + math::Perpendicular(row->m_normal) * delta.tangent;
-        ApplyImpulsePair(b0, b1, row->m_r[0], row->m_r[1], p);
-        row->m_normalImpulse += delta.normal;
-        row->m_tangentImpulse += delta.tangent;
-        bodies[row->body0].m_deltaVel = b0.m_deltaVel;
-        bodies[row->body0].m_deltaAngVel = b0.m_deltaAngVel;
-        bodies[row->body1].m_deltaVel = b1.m_deltaVel;
-        bodies[row->body1].m_deltaAngVel = b1.m_deltaAngVel;
-    }
-}
+// ---- results -------------------------------------------------------------------------------------------
 
 void ConstraintSolver::StoreRows() {
-    for (const ContactRow& row : m_sorted) {
-        Contact& contact = *static_cast<Contact*>(m_list[row.contact].constraint);
-        contact.m_normalImpulse = row.m_normalImpulse;
-        contact.m_tangentImpulse = row.m_tangentImpulse;
+    for (uint32_t i = 0; i < m_list.size(); ++i) {
+        if (m_list[i].hinge) continue;
+        Contact& contact = *static_cast<Contact*>(m_list[i].constraint);
+        const ContactRow4& group = m_groups[m_slots[i] / ContactRow4::LANES];
+        contact.m_normalImpulse = group.normalImpulse[m_slots[i] % ContactRow4::LANES];
+        contact.m_tangentImpulse = group.tangentImpulse[m_slots[i] % ContactRow4::LANES];
     }
 }
 

@@ -6,8 +6,8 @@
 // A record B has m_deltaVel, m_deltaAngVel, GetMassInv() and GetInertiaInv(); r is the arm from its position.
 namespace physics {
 
-// What constraints read and write of a body while they are solved, in half a cache line.
-struct alignas(32) SolverBody {
+// What constraints read and write of a body while they are solved. The first four are moved as one.
+struct alignas(16) SolverBody {
     math::Vec2 m_deltaVel;         // m/s
     math::real m_deltaAngVel = 0;  // rad/s
     math::real m_massInv = 0;      // 1/kg, 0 when it cannot move
@@ -15,6 +15,7 @@ struct alignas(32) SolverBody {
 
     math::real GetMassInv() const { return m_massInv; }
     math::real GetInertiaInv() const { return m_inertiaInv; }
+    bool IsImmovable() const { return m_massInv == 0 && m_inertiaInv == 0; }
 };
 
 // The velocity at r of something that moves with v and turns with w.
