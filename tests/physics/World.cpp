@@ -1,0 +1,173 @@
+#include "physics/World.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace test {
+
+using math::Vec2;
+using physics::BodyPtr;
+
+template <class A>
+static void Reset(const A& attribute) {
+    attribute->Set(attribute->GetDefault());
+}
+
+static void ResetSettings(physics::Simulation& sim) {
+    Reset(sim.m_running);
+    Reset(sim.m_timeFactor);
+    Reset(sim.m_timeDelta);
+    Reset(sim.m_gravity);
+    Reset(sim.m_gravitySwitch);
+    Reset(sim.m_airFrictionOn);
+    Reset(sim.m_airFrictionLinear);
+    Reset(sim.m_airFrictionQuadratic);
+    Reset(sim.m_rotFrictionLinear);
+    Reset(sim.m_airBuoyancy);
+    Reset(sim.m_airDensity);
+    Reset(sim.m_springForce);
+    Reset(sim.m_defaultBodyDensity);
+    Reset(sim.m_defaultBodyFriction);
+    Reset(sim.m_defaultBodyRestitution);
+    Reset(sim.m_fallLimit);
+    Reset(sim.m_prioritizedSolver);
+    Reset(sim.m_targetPenetration);
+    Reset(sim.m_solveIter);
+    Reset(sim.m_solveConstant);
+    Reset(sim.m_solveDcontacts);
+    Reset(sim.m_solveDconstraints);
+    Reset(sim.m_solveDistFactor);
+    Reset(sim.m_solveVelFactor);
+    Reset(sim.m_solveAccFactor);
+    Reset(sim.m_solveRegularizationFactor);
+    Reset(sim.m_solvePreSortConstraints);
+    Reset(sim.m_leapFrog);
+    Reset(sim.m_adHocSolver);
+    Reset(sim.m_warmStart);
+    Reset(sim.m_warmStartFactor);
+    Reset(sim.m_maxPositionCorrection);
+}
+
+static void ResetSettings(physics::SPH& sph) {
+    Reset(sph.m_radius);
+    Reset(sph.m_influence);
+    Reset(sph.m_specialPressure);
+    Reset(sph.m_vaporizeTime);
+    Reset(sph.m_friction);
+    Reset(sph.m_restitution);
+    Reset(sph.m_soundSpeed);
+    Reset(sph.m_density);
+    Reset(sph.m_viscosity);
+    Reset(sph.m_pressMultiplier);
+    Reset(sph.m_viscMultiplier);
+    Reset(sph.m_surfaceTension);
+    Reset(sph.m_jitter);
+    Reset(sph.m_bucketSize);
+}
+
+World::World() : sim(physics::Simulation::Instance()), sph(physics::SPH::Instance()) {
+    sim.Clear();
+    ResetSettings(sim);
+    ResetSettings(sph);
+}
+
+World::~World() {
+    sim.Clear();
+}
+
+BodyPtr World::Add(physics::Geom* geom) {
+    const BodyPtr body = new physics::Body(physics::GeomPtr(geom));
+    sim.AddBody(body);
+    return body;
+}
+
+BodyPtr World::AddCircle(Vec2 pos, float radius) {
+    return Add(new physics::Circle(radius, pos));
+}
+
+BodyPtr World::AddBox(Vec2 pos, float width, float height) {
+    const Vec2 half(width / 2, height / 2);
+    const Vec2 min = pos - half;
+    const Vec2 max = pos + half;
+    const physics::PolygonPtr box = physics::MakeBoxPolygon(min.x, min.y, max.x, max.y);
+    return Add(box.Get());
+}
+
+BodyPtr World::AddGround(Vec2 normal, float offset) {
+    return Add(new physics::Plane(normal, offset));
+}
+
+physics::ParticlePtr World::AddParticle(Vec2 pos, Vec2 vel) {
+    const physics::ParticlePtr particle = new physics::Particle(pos, vel);
+    sim.AddParticle(particle);
+    return particle;
+}
+
+physics::HingePtr World::AddHinge(const BodyPtr& body0, const BodyPtr& body1, Vec2 point) {
+    const physics::HingePtr hinge = new physics::Hinge(GeomOf(body0), GeomOf(body1), point);
+    sim.AddConstraint(hinge);
+    return hinge;
+}
+
+constexpr float BOX_SIZE = 0.4f;
+
+std::vector<BodyPtr> World::AddStack(int boxes) {
+    std::vector<BodyPtr> bodies;
+    for (int i = 0; i < boxes; ++i) {
+        bodies.push_back(AddBox({0, (static_cast<float>(i) + 0.5f) * BOX_SIZE}, BOX_SIZE, BOX_SIZE));
+    }
+    return bodies;
+}
+
+std::vector<BodyPtr> World::AddPyramid(int rows) {
+    std::vector<BodyPtr> bodies;
+    for (int row = 0; row < rows; ++row) {
+        const int count = rows - row;
+        for (int i = 0; i < count; ++i) {
+            const float x = (static_cast<float>(i) - 0.5f * static_cast<float>(count - 1)) * BOX_SIZE * 1.1f;
+            bodies.push_back(AddBox({x, (static_cast<float>(row) + 0.5f) * BOX_SIZE}, BOX_SIZE, BOX_SIZE));
+        }
+    }
+    return bodies;
+}
+
+void World::Run(float seconds) {
+    const int steps = static_cast<int>(std::lround(seconds / sim.m_timeDelta->Get()));
+    for (int i = 0; i < steps; ++i) sim.Step(true);
+}
+
+void World::ClearAir() {
+    sim.m_airFrictionOn->Set(false);
+    sim.m_airBuoyancy->Set(false);
+}
+
+void World::SetSurface(float friction, float restitution) {
+    sim.m_defaultBodyFriction->Set(friction);
+    sim.m_defaultBodyRestitution->Set(restitution);
+}
+
+float World::GetDeepestContact() const {
+    float deepest = 0;
+    for (const physics::ContactPtr& contact : sim.GetContacts()) {
+        deepest = std::max(deepest, contact->m_penetration);
+    }
+    return deepest;
+}
+
+float World::GetFastestBody() const {
+    float fastest = 0;
+    for (const BodyPtr& body : sim.GetBodies()) fastest = std::max(fastest, math::Length(body->m_vel));
+    return fastest;
+}
+
+float World::GetKineticEnergy() const {
+    float energy = 0;
+    for (const BodyPtr& body : sim.GetBodies()) {
+        if (body->IsImmovable()) continue;
+        energy += 0.5f * body->m_mass * math::LengthSquared(body->m_vel) +
+                  0.5f * body->m_inertia * body->m_angVel * body->m_angVel;
+    }
+    return energy;
+}
+
+}  // namespace test
