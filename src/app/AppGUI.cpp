@@ -14,6 +14,7 @@
 #include "app/tools/MoveTool.h"
 #include "app/tools/PanTool.h"
 #include "app/tools/RotateTool.h"
+#include "app/windows/StatsWindow.h"
 #include "gui/Input.h"
 #include "gui/Key.h"
 #include "logging/Log.h"
@@ -32,11 +33,18 @@ AppGUI::AppGUI(const AppGUI* previous)
       m_rotateTool(new RotateTool),
       m_panTool(new PanTool),
       m_brushTool(new BrushTool),
-      m_lastAutosave(previous ? previous->m_lastAutosave : util::Clock::Now()) {
+      m_lastAutosave(previous ? previous->m_lastAutosave : util::Clock::Now()),
+      m_statsWindow(previous ? previous->m_statsWindow : new StatsWindow) {
     if (previous) m_sceneName = previous->m_sceneName;
     SetFillParent(true);
+    TakeOverWindows(previous);
     App::Instance().GetOnInterrupt().Add(
         new util::Callback(boost::bind(&AppGUI::CancelTool, this), util::WeakPtr<util::Pointee>(this)));
+}
+
+// A window that the user has torn off or closed stays so.
+void AppGUI::TakeOverWindows(const AppGUI* previous) {
+    if (!previous || m_statsWindow->GetParent() == previous) AddChild(m_statsWindow);
 }
 
 Tool& AppGUI::GetTool() const {

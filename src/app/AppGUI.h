@@ -9,6 +9,7 @@ class MoveTool;
 class RotateTool;
 class PanTool;
 class BrushTool;
+class StatsWindow;
 
 // The interface over the world view, a child of app::App that fills it: it holds the tools, brings every
 // gesture that no widget took to one of them, and has the keyboard shortcuts, the autosave and the saving
@@ -59,6 +60,7 @@ class AppGUI : public gui::Component {
     void SelectAll();
     void SetGroup(bool assign);
     void Autosave();
+    void TakeOverWindows(const AppGUI* previous);
 
     const util::SharedPtr<MoveTool> m_moveTool;
     const util::SharedPtr<RotateTool> m_rotateTool;
@@ -68,6 +70,7 @@ class AppGUI : public gui::Component {
     double m_lastAutosave;          // seconds, of util::Clock
     bool m_steppedHistory = false;  // by the wheel, in this frame
     String m_sceneName;
+    const util::SharedPtr<StatsWindow> m_statsWindow;  // a child, until it is torn off or closed
 };
 
 }  // namespace app

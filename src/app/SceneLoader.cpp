@@ -12,6 +12,8 @@
 
 namespace app {
 
+String SceneLoader::s_loadedName;
+
 SceneLoader::SceneLoader(const String& filename, bool import)
     : Action(import ? "UndoImportScene" : "UndoLoadScene"), m_import(import), m_filename(filename) {}
 
@@ -58,6 +60,7 @@ void SceneLoader::Do() {
     }
     Serializer::Deserialize(m_code);
     m_code = nullptr;
+    if (!m_import) s_loadedName = m_filename.substr(m_filename.find_last_of("/\\") + 1);
     app.ZoomToScene();
     Log(logging::Info, (m_import ? "Imported scene " : "Loaded scene ") + m_filename);
 }

@@ -17,6 +17,9 @@ class SceneLoader : public Action {
     // there but cannot be read is copied to a name with ".bad" before anything overwrites it.
     static bool LoadAtStart(const String& filename);
 
+    // The file that last took the place of the scene, without its folder; empty before the first.
+    static const String& GetLoadedName() { return s_loadedName; }
+
     SceneLoader(const String& filename, bool import);
 
     void Do() override;
@@ -29,6 +32,8 @@ class SceneLoader : public Action {
     String m_filename;
     script::CodeBlockPtr m_code;  // read and not yet used; null before and after
     SnapshotPtr m_snapshot;       // of the scene before
+
+    static String s_loadedName;
 };
 
 }  // namespace app

@@ -25,6 +25,8 @@ Window::Window(const String& title, const LayoutPtr& layout) : WobbleComponent("
     SetTitle(title);
 }
 
+Window::~Window() noexcept(false) = default;
+
 void Window::SetTitle(const String& title) {
     m_title = title;
     m_titleText = FormatText(GetTextFormat(), title);

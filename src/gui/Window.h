@@ -13,6 +13,7 @@ class Window : public WobbleComponent {
   public:
     // Without a close button; see AddCloseButton.
     explicit Window(const String& title, const LayoutPtr& layout = nullptr);
+    ~Window() noexcept(false) override;
 
     void SetSize(float w, float h) override;  // at least as wide as the title bar needs
     void OnGeometryChanged() override;

@@ -1,0 +1,75 @@
+#include "app/windows/StatsWindow.h"
+
+#include <boost/format.hpp>
+
+#include "app/App.h"
+#include "app/AppGUI.h"
+#include "app/SceneLoader.h"
+#include "gui/GUI.h"
+#include "gui/WindowHost.h"
+#include "gui/components/Label.h"
+#include "physics/Simulation.h"
+
+namespace app {
+namespace {
+
+constexpr float WIDTH = 180;  // GUI units; wide enough for all counts, so that they do not move the edge
+constexpr float DOCK_MARGIN = 8;
+
+String GetFrameRate() {
+    const gui::WindowHost* const host = gui::GUI::Instance().GetWindowHost();
+    const double rate = host ? host->GetFPS() : 0;
+    if (!(rate > 0)) return String();
+    return boost::str(boost::format("%.0f frames per second\n") % rate);
+}
+
+}  // namespace
+
+StatsWindow::StatsWindow()
+    : Window("Statistics", new gui::ListLayout(gui::ListLayout::Vertical)), m_text(new gui::Label) {
+    SetReflectedName("Statistics");
+    SetTearOffTarget(&App::Instance());
+    AddCloseButton();
+    AddChild(m_text);
+}
+
+StatsWindow::~StatsWindow() noexcept(false) = default;
+
+void StatsWindow::Update(float dt) {
+    FollowSceneName();
+    ShowText();
+    if (IsDocked()) Dock();
+    Window::Update(dt);
+}
+
+bool StatsWindow::IsDocked() const {
+    return GetParent() != nullptr && GetParent() != &App::Instance() && !IsDragged();
+}
+
+// Follows its parent's size without wobbling.
+void StatsWindow::Dock() {
+    const math::Vec2 place(GetParent()->GetSize().x - GetOuterSize().x - DOCK_MARGIN, DOCK_MARGIN);
+    if (place == GetPos()) return;
+    SetPos(place.x, place.y);
+    StopWobble();
+}
+
+void StatsWindow::ShowText() {
+    String text = GetFrameRate() + physics::Simulation::Instance().GetStats();
+    if (!m_sceneName.empty()) text += "Scene: " + m_sceneName + "\n";
+    if (!text.empty()) text.pop_back();
+    if (text == m_text->GetText()) return;
+    m_text->SetText(text);
+    if (m_text->GetSize().x < WIDTH) m_text->SetSize(WIDTH, m_text->GetSize().y);
+}
+
+void StatsWindow::FollowSceneName() {
+    const AppGUIPtr& interface = App::Instance().GetAppGUI();
+    const String& loaded = SceneLoader::GetLoadedName();
+    if (loaded != m_loadedName) m_sceneName = m_loadedName = loaded;
+    if (interface && interface->GetSceneName() != m_savedName) {
+        m_sceneName = m_savedName = interface->GetSceneName();
+    }
+}
+
+}  // namespace app
