@@ -1,0 +1,50 @@
+#include <cmath>
+
+#include "World.h"
+#include "app/SceneLoader.h"
+#include "util/FileSystem.h"
+
+namespace app {
+namespace {
+
+class ShippedScenes : public World, public testing::WithParamInterface<const char*> {
+  protected:
+    void SetUp() override {
+        World::SetUp();
+        const String path = String(VEXA_SOURCE_DIR) + "/Scenes/" + GetParam() + ".vxa";
+        ASSERT_TRUE(SceneLoader::Load(path));
+    }
+};
+
+TEST_P(ShippedScenes, AreReadWithoutComplaintAndOverlapNothing) {
+    test::LogCapture log(logging::Warning | logging::CodeError | logging::DataError);
+    const String path = String(VEXA_SOURCE_DIR) + "/Scenes/" + GetParam() + ".vxa";
+    const String text = util::FileSystem::Instance().ReadFile(path);
+    EXPECT_EQ(text.compare(0, 3, "// "), 0) << "tells what to look at";
+    ASSERT_TRUE(SceneLoader::Load(path));
+    EXPECT_TRUE(log.GetLines().empty()) << testing::PrintToString(log.GetLines());
+    GetSim().Step(false);
+    for (const physics::ContactPtr& contact : GetSim().GetContacts()) {
+        EXPECT_LT(contact->m_penetration, 0.005f) << contact->m_point.x << " " << contact->m_point.y;
+    }
+}
+
+TEST_P(ShippedScenes, LoseNothingInTenSeconds) {
+    const size_t count = GetApp().GetEntities().size();
+    GetSim().m_running->Set(true);
+    for (int i = 0; i < 1000; ++i) GetSim().Step(true);
+    GetApp().Update(0);
+    EXPECT_EQ(GetApp().GetEntities().size(), count);
+    for (const physics::BodyPtr& body : GetSim().GetBodies()) {
+        EXPECT_LT(math::Length(body->m_vel), 20);
+        EXPECT_LT(std::fabs(body->m_pos.x), 100);
+        EXPECT_GT(body->m_pos.y, -1);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Scenes, ShippedScenes,
+                         testing::Values("welcome", "stack", "dominoes", "pile", "slope", "newton"),
+                         [](const auto& info) { return String(info.param); });
+
+}  // namespace
+}  // namespace app

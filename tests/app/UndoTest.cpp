@@ -1,0 +1,263 @@
+#include "World.h"
+#include "app/Actions.h"
+#include "app/entities/Chain.h"
+#include "physics/Particle.h"
+#include "util/Random.h"
+
+namespace app {
+namespace {
+
+using math::Vec2;
+
+// Counts what is done to it.
+class Probe : public Action {
+  public:
+    explicit Probe(const char* name) : Action(name) {}
+    void Do() override { ++m_done; }
+    void Undo() override { ++m_undone; }
+
+    int m_done = 0;
+    int m_undone = 0;
+};
+using ProbePtr = util::SharedPtr<Probe>;
+
+class UndoTest : public World {
+  protected:
+    static ProbePtr Do(const char* name) {
+        const ProbePtr probe = new Probe(name);
+        GetUndoer().Do(probe);
+        return probe;
+    }
+};
+
+TEST_F(UndoTest, StepsGoBackAndForth) {
+    const ProbePtr a = Do("a"), b = Do("b");
+    EXPECT_EQ(a->m_done, 1);
+    GetUndoer().Undo();
+    EXPECT_EQ(b->m_undone, 1);
+    EXPECT_STREQ(GetUndoer().GetUndoName(), "a");
+    EXPECT_STREQ(GetUndoer().GetRedoName(), "b");
+    GetUndoer().Redo();
+    EXPECT_EQ(b->m_done, 2);
+    EXPECT_EQ(GetUndoer().GetRedoName(), nullptr);
+}
+
+TEST_F(UndoTest, ANewActionForgetsWhatWasUndone) {
+    Do("a");
+    GetUndoer().Undo();
+    Do("b");
+    EXPECT_EQ(GetUndoer().GetRedoCount(), 0u);
+    GetUndoer().Undo();
+    GetUndoer().AddRestorer(new Snapshot, "c");
+    EXPECT_EQ(GetUndoer().GetRedoCount(), 0u);
+}
+
+TEST_F(UndoTest, AnEmptyStackDoesAndFiresNothing) {
+    int changes = 0;
+    GetUndoer().GetOnChange().Add(new util::Callback([&changes] { ++changes; }, &GetApp()));
+    GetUndoer().Undo();
+    GetUndoer().Redo();
+    EXPECT_EQ(changes, 0);
+    Do("a");
+    GetUndoer().Undo();
+    GetUndoer().Redo();
+    GetUndoer().Clear();
+    EXPECT_EQ(changes, 4);
+    changes = -1000000;  // the callback lives on with the world
+}
+
+TEST_F(UndoTest, TheOldestAreDropped) {
+    for (int i = 0; i < 11; ++i) Do("x");
+    EXPECT_EQ(GetUndoer().GetUndoCount(), 10u);
+
+    GetUndoer().AddRestorer(new Snapshot, "y");
+    EXPECT_EQ(GetUndoer().GetUndoCount(), 11u) << "trimmed by the next update only";
+    GetApp().Update(0);
+    EXPECT_EQ(GetUndoer().GetUndoCount(), 10u);
+
+    GetApp().m_maxUndo->Set(0);
+    Do("z");
+    EXPECT_EQ(GetUndoer().GetUndoCount(), 0u);
+}
+
+TEST_F(UndoTest, StepsInterruptGesturesThoughNotTheStartOfTheWorld) {
+    int interrupts = 0;
+    const util::SharedPtr<util::Pointee> owner = new Probe("owner");
+    GetApp().GetOnInterrupt().Add(new util::Callback([&interrupts] { ++interrupts; }, owner));
+    Do("a");
+    GetUndoer().Undo();
+    GetUndoer().Redo();
+    EXPECT_EQ(interrupts, 3);
+    GetApp().RunSimulation();
+    GetApp().TakeSnapshot();
+    EXPECT_EQ(interrupts, 3);
+}
+
+TEST_F(UndoTest, ErasedEntitiesComeBackAsTheSameObjects) {
+    const auto a = AddCircle({0, 0}), b = AddCircle({3, 0});
+    const physics::BodyPtr body = b->GetBody();
+    body->m_vel = {1, 2};
+    body->m_angVel = 3;
+    GetApp().GetSelection().Add(b);
+    const String before = Describe();
+    GetUndoer().Do(new EraseEntities({b}));
+    EXPECT_EQ(GetApp().GetEntities(), (EntityList{a}));
+    EXPECT_FALSE(GetSim().HasBody(body));
+
+    GetUndoer().Undo();
+    EXPECT_EQ(Describe(), before);
+    EXPECT_TRUE(GetSim().HasBody(body));
+    EXPECT_EQ(body->m_vel, Vec2(1, 2));
+    EXPECT_EQ(body->m_angVel, 3);
+}
+
+TEST_F(UndoTest, RedoOfErasingRemembersTheSceneOfThatMoment) {
+    const auto a = AddCircle({0, 0}), b = AddCircle({3, 0});
+    GetUndoer().Do(new EraseEntities({b}));
+    GetUndoer().Undo();
+    a->Transform(math::RigidTransform(0, {0, 7}));
+    GetUndoer().Redo();
+    GetUndoer().Undo();
+    EXPECT_NEAR(a->GetGeom()->GetPos().y, 7, 1e-6);
+}
+
+TEST_F(UndoTest, ASnapshotIsAMarkInBothDirections) {
+    const auto a = AddCircle({0, 0});
+    GetApp().TakeSnapshot();
+    EXPECT_STREQ(GetUndoer().GetUndoName(), "UndoSnapshot");
+    for (int i = 0; i < 2; ++i) {
+        a->Transform(math::RigidTransform(0, {5, 0}));
+        i == 0 ? GetUndoer().Undo() : GetUndoer().Redo();
+        EXPECT_NEAR(a->GetGeom()->GetPos().x, 0, 1e-6);
+    }
+}
+
+TEST_F(UndoTest, UndoOfTheStartStopsTheWorldWhereItStood) {
+    const auto ball = AddCircle({0, 10});
+    GetApp().RunSimulation();
+    EXPECT_STREQ(GetUndoer().GetUndoName(), "UndoSimStart");
+    EXPECT_EQ(GetUndoer().GetUndoCount(), 1u);
+    RunFor(20);
+    EXPECT_LT(ball->GetGeom()->GetPos().y, 9.99f);
+    GetUndoer().Undo();
+    EXPECT_FALSE(GetSim().m_running->Get());
+    EXPECT_EQ(ball->GetGeom()->GetPos(), Vec2(0, 10));
+    EXPECT_EQ(ball->GetBody()->m_vel, Vec2());
+    GetUndoer().Redo();
+    EXPECT_FALSE(GetSim().m_running->Get()) << "redo leaves that as it is";
+    GetApp().StopSimulation();
+    EXPECT_EQ(GetUndoer().GetUndoCount(), 1u) << "stopping is no step";
+}
+
+TEST_F(UndoTest, GroupsTrackingChainsAndWaterComeBackAndGo) {
+    const auto a = AddCircle({0, 0}), b = AddCircle({3, 0});
+    const SnapshotPtr plain = new Snapshot;
+    const ChainPtr chain = new Chain(0);
+    chain->AddEntity(0, a);
+    a->SetGroup(2);
+    GetApp().Track(b);
+    GetSim().AddParticle(new physics::Particle({1, 1}, {2, 0}));
+    const SnapshotPtr rich = new Snapshot;
+    const String richText = Describe();
+
+    plain->Restore();
+    EXPECT_FALSE(a->HasGroup());
+    EXPECT_FALSE(a->GetChain());
+    EXPECT_FALSE(b->IsTracked());
+    EXPECT_FALSE(GetApp().GetTrackedEntity());
+    EXPECT_TRUE(GetSim().GetParticles().empty());
+
+    rich->Restore();
+    EXPECT_EQ(Describe(), richText);
+}
+
+TEST_F(UndoTest, BodiesOfSeveralShapesAndFixedOnesComeBackWhole) {
+    const auto a = AddCircle({-1, 0}), b = AddTriangle({1, 0});
+    Join(*a, *b);
+    const auto plane = AddPlane({0, 1}, 5);
+    a->UpdateBodyPtr();
+    a->GetBody()->m_vel = {1, 0};
+    GetApp().RunSimulation();
+    RunFor(30);
+    const String before = Describe();
+    const physics::BodyPtr body = a->GetBody();
+    const SnapshotPtr snapshot = new Snapshot;
+    GetApp().RemoveEntity(a);
+    GetApp().RemoveEntity(plane);
+    snapshot->Restore();
+    EXPECT_EQ(Describe(), before);
+    EXPECT_EQ(body->GetGeoms().size(), 2u);
+    EXPECT_EQ(GetSim().GetWorldBody()->GetGeoms().size(), 2u);
+    EXPECT_EQ(plane->GetGeom()->GetBody(), GetSim().GetWorldBody());
+}
+
+// Random edits, each with its step of the history: undoing all gives the first state, redoing all the last.
+class RandomEdits : public UndoTest, public testing::WithParamInterface<int> {
+  protected:
+    EntityPtr Pick() {
+        const EntityList& entities = GetApp().GetEntities();
+        return entities[static_cast<size_t>(m_random.GetUniformInt(0, static_cast<int>(entities.size())))];
+    }
+    Vec2 Place() { return {m_random.GetUniform(-9, 9), m_random.GetUniform(-9, 9)}; }
+
+    void EditOnce() {
+        const int kind = m_random.GetUniformInt(0, 8);
+        if (kind == 0 && GetApp().GetEntities().size() > 2) {
+            GetUndoer().Do(new EraseEntities({Pick()}));
+            return;
+        }
+        const SnapshotPtr before = new Snapshot;
+        switch (kind) {
+            case 1:
+                AddCircle(Place());
+                break;
+            case 2:
+                AddTriangle(Place());
+                break;
+            case 3:
+                AddPlane({0, 1}, 20);
+                break;
+            case 4:
+                Pick()->Transform(math::RigidTransform(m_random.GetUniform(-3, 3), Place()));
+                break;
+            case 5:
+                Pick()->SetGroup(m_random.GetUniformInt(-1, 3));
+                break;
+            case 6:
+                Pick()->FindLocal("friction")->SetValue(script::ValueToObject(0.5));
+                break;
+            case 7:
+                GetApp().Track(Pick());
+                break;
+            default:
+                GetApp().GetSelection().Add(Pick());
+                break;
+        }
+        GetUndoer().AddRestorer(before, "UndoMove");
+    }
+
+    util::Random m_random;
+};
+
+TEST_P(RandomEdits, UndoAllThenRedoAll) {
+    GetApp().m_maxUndo->Set(1000);
+    for (int i = 0; i < GetParam(); ++i) m_random();
+    AddCircle({0, 0});
+    AddTriangle({2, 0});
+    AddPlane({0, 1}, 30);
+    // A first round trip through a snapshot settles what adopting shapes rounds.
+    const SnapshotPtr start = new Snapshot;
+    start->Restore();
+    const String first = Describe();
+    for (int i = 0; i < 25; ++i) EditOnce();
+    const String last = Describe();
+    while (GetUndoer().GetUndoCount() > 0) GetUndoer().Undo();
+    ExpectSameText(Describe(), first);
+    while (GetUndoer().GetRedoCount() > 0) GetUndoer().Redo();
+    ExpectSameText(Describe(), last);
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomEdits, testing::Range(0, 8));
+
+}  // namespace
+}  // namespace app

@@ -1,0 +1,174 @@
+#include <cmath>
+#include <limits>
+
+#include "World.h"
+#include "gui/Input.h"
+#include "gui/Key.h"
+
+namespace app {
+namespace {
+
+using math::Vec2;
+
+class ViewTest : public World {
+  protected:
+    static void ExpectNear(Vec2 a, Vec2 b, float tolerance = 1e-3f) {
+        EXPECT_NEAR(a.x, b.x, tolerance);
+        EXPECT_NEAR(a.y, b.y, tolerance);
+    }
+    static void Settle() {
+        AdvanceClock(1);
+        GetApp().Update(0);
+    }
+};
+
+TEST_F(ViewTest, TheWorldStandsUprightAndBothMappingsAreInverse) {
+    ExpectNear(GetApp().WorldToGUI({0, 0}), {400, 300});
+    ExpectNear(GetApp().WorldToGUI({1, 0}), {400 + App::GetDefaultZoom(), 300});
+    ExpectNear(GetApp().WorldToGUI({0, 1}), {400, 300 - App::GetDefaultZoom()});
+    for (const Vec2 p : {Vec2(3, -2), Vec2(-100, 7.5f)}) {
+        ExpectNear(GetApp().GUIToWorld(GetApp().WorldToGUI(p)), p, 1e-3f);
+    }
+}
+
+TEST_F(ViewTest, AnUnsetViewBecomesTheDefaultOne) {
+    GetApp().SetWorldToGUI(math::TMatrix3<float>(), false);
+    GetApp().Update(0);
+    EXPECT_EQ(GetApp().GetZoom(), App::GetDefaultZoom());
+    EXPECT_EQ(GetApp().GetWorldToGUI().m[1][1], -App::GetDefaultZoom());
+}
+
+TEST_F(ViewTest, BadMatricesAreRefused) {
+    const auto before = GetApp().GetTargetWorldToGUI();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float inf = std::numeric_limits<float>::infinity();
+    for (const float bad : {0.0f, nan, inf, -inf}) {
+        test::LogCapture log;
+        auto matrix = before;
+        matrix.m[0][0] = bad;
+        GetApp().SetWorldToGUI(matrix);
+        EXPECT_TRUE(log.Contains("-- Warning: Bad arg to SetWorldToGUI"));
+        EXPECT_TRUE(GetApp().GetTargetWorldToGUI() == before);
+    }
+}
+
+TEST_F(ViewTest, GlidesToItsTargetWithinATenthOfASecond) {
+    GetApp().SetZoom(300);
+    EXPECT_EQ(GetApp().GetZoom(), 150);
+    AdvanceClock(0.05);
+    GetApp().Update(0);
+    EXPECT_GT(GetApp().GetZoom(), 200);
+    EXPECT_LT(GetApp().GetZoom(), 300);
+    AdvanceClock(0.051);
+    GetApp().Update(0);
+    EXPECT_EQ(GetApp().GetZoom(), 300);
+}
+
+TEST_F(ViewTest, ZoomKeepsThePointItIsAbout) {
+    GetApp().Pan(37, -12);
+    Settle();
+    const Vec2 middle = GetApp().GUIToWorld(GetApp().GetMiddle());
+    GetApp().SetZoom(77);
+    Settle();
+    EXPECT_EQ(GetApp().GetZoom(), 77);
+    ExpectNear(GetApp().GUIToWorld(GetApp().GetMiddle()), middle);
+
+    const Vec2 mouse(650, 130);
+    const Vec2 under = GetApp().GUIToWorld(mouse);
+    GetApp().ZoomAbout(mouse, 2);
+    Settle();
+    EXPECT_EQ(GetApp().GetZoom(), 154);
+    ExpectNear(GetApp().GUIToWorld(mouse), under);
+}
+
+TEST_F(ViewTest, NotchesInQuickSuccessionAddUp) {
+    GetApp().ZoomAbout({400, 300}, 2);
+    AdvanceClock(0.02);
+    GetApp().Update(0);
+    GetApp().ZoomAbout({400, 300}, 2);
+    Settle();
+    EXPECT_NEAR(GetApp().GetZoom(), 600, 0.01);
+}
+
+TEST_F(ViewTest, ZoomIsKeptInBounds) {
+    GetApp().SetZoom(0.5f);
+    Settle();
+    Settle();
+    EXPECT_EQ(GetApp().GetZoom(), App::GetMinZoom());
+    GetApp().SetZoom(9000);
+    Settle();
+    Settle();
+    EXPECT_EQ(GetApp().GetZoom(), App::GetMaxZoom());
+}
+
+TEST_F(ViewTest, ArrowsPanWhileTimePasses) {
+    const Vec2 before = GetApp().GetTargetWorldToGUI()(Vec2());
+    gui::KeyEvent press;
+    press.m_key = gui::Key::Right;
+    press.m_pressed = true;
+    gui::Input::Instance().OnKeyEvent(press);
+    GetApp().OnKeyEvent(press);
+    ASSERT_TRUE(GetApp().IsKeyDownHere(gui::Key::Right));
+
+    GetApp().Update(0);
+    ExpectNear(GetApp().GetTargetWorldToGUI()(Vec2()), before);
+    GetApp().Update(0.1f);
+    ExpectNear(GetApp().GetTargetWorldToGUI()(Vec2()), before - Vec2(40, 0));
+
+    press.m_pressed = false;
+    gui::Input::Instance().OnKeyEvent(press);
+    GetApp().OnKeyEvent(press);
+}
+
+TEST_F(ViewTest, ZoomToSceneFitsWhatHasAnExtent) {
+    AddCircle({10, 5}, 2);
+    AddCircle({30, 5}, 2);
+    AddPlane({0, 1}, 0);
+    GetApp().ZoomToScene();
+    Settle();
+    ExpectNear(GetApp().GUIToWorld(GetApp().GetMiddle()), {20, 5});
+    EXPECT_NEAR(GetApp().GetZoom(), 800 / (24 * 1.1), 0.01);
+}
+
+TEST_F(ViewTest, ASceneWithoutExtentIsSeenInTheDefaultView) {
+    for (const bool plane : {false, true}) {
+        if (plane) AddPlane({0, 1}, 0);
+        GetApp().SetZoom(20);
+        GetApp().ZoomToScene();
+        Settle();
+        EXPECT_EQ(GetApp().GetZoom(), App::GetDefaultZoom());
+    }
+}
+
+TEST_F(ViewTest, CentimetresFollowZoomAndResolution) {
+    GetApp().m_DPI->Set(254);
+    // 100 pixels to the centimetre, 150 pixels to the metre.
+    EXPECT_NEAR(GetApp().GetCmToWorld(), 100.0 / 150, 1e-5);
+    GetApp().m_DPI->Set(GetApp().m_DPI->GetDefault());
+}
+
+TEST_F(ViewTest, FollowsTheTrackedEntity) {
+    const auto circle = AddCircle({3, 4});
+    GetApp().Track(circle);
+    GetApp().SetZoom(40);
+    GetApp().Update(0.01f);
+    ExpectNear(GetApp().GUIToWorld(GetApp().GetMiddle()), {3, 4});
+    EXPECT_EQ(GetApp().GetZoom(), 40);
+
+    const auto second = AddCircle({-5, 0});
+    GetApp().Track(second);
+    EXPECT_FALSE(circle->IsTracked());
+    GetApp().Update(0.01f);
+    ExpectNear(GetApp().GUIToWorld(GetApp().GetMiddle()), {-5, 0});
+}
+
+TEST_F(ViewTest, AnEntityWithoutExtentIsNotFollowed) {
+    const auto plane = AddPlane({0, 1}, 0);
+    GetApp().Track(plane);
+    GetApp().Update(0.01f);
+    EXPECT_FALSE(GetApp().GetTrackedEntity());
+    EXPECT_FALSE(plane->IsTracked());
+}
+
+}  // namespace
+}  // namespace app

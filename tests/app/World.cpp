@@ -1,0 +1,145 @@
+#include "World.h"
+
+#include <cmath>
+#include <map>
+#include <regex>
+#include <sstream>
+
+#include "app/Serializer.h"
+#include "app/entities/Chain.h"
+#include "physics/Particle.h"
+#include "script/Expressions.h"
+#include "util/Clock.h"
+
+namespace app {
+
+namespace {
+
+double g_now = 100;
+
+double Now() {
+    return g_now;
+}
+
+// Replaces each "key = n" by a number that counts up with the n that are new; 0 stays.
+String CountThrough(const String& text, const String& keys) {
+    const std::regex pattern("(" + keys + ") = ([0-9]+)");
+    std::map<String, int> seen;
+    String result;
+    auto last = text.cbegin();
+    for (std::sregex_iterator it(text.begin(), text.end(), pattern), end; it != end; ++it) {
+        const String number = (*it)[2];
+        if (number != "0" && !seen.count(number)) seen.emplace(number, static_cast<int>(seen.size()) + 1);
+        result.append(last, (*it)[2].first);
+        result += number == "0" ? number : std::to_string(seen[number]);
+        last = (*it)[2].second;
+    }
+    result.append(last, text.cend());
+    return result;
+}
+
+}  // namespace
+
+void World::SetUp() {
+    util::Clock::SetSource(&Now);
+    g_now = 100;
+    GetSim();
+    GetApp().SetSize(800, 600);
+    GetSim().m_running->SetValue(script::ValueToObject(false));
+    GetApp().Clear();
+    GetUndoer().Clear();
+    GetApp().SetDefaultView(false);
+}
+
+void World::TearDown() {
+    GetApp().m_maxUndo->Set(GetApp().m_maxUndo->GetDefault());
+    util::Clock::SetSource(nullptr);
+}
+
+CircleEntityPtr World::AddCircle(math::Vec2 pos, float radius) {
+    const CircleEntityPtr entity = new CircleEntity(new physics::Circle(radius, pos));
+    GetApp().AddEntity(entity);
+    return entity;
+}
+
+PolyEntityPtr World::AddBox(math::Vec2 min, math::Vec2 max) {
+    const PolyEntityPtr entity = new PolyEntity(physics::MakeBoxPolygon(min.x, min.y, max.x, max.y));
+    GetApp().AddEntity(entity);
+    return entity;
+}
+
+PolyEntityPtr World::AddTriangle(math::Vec2 pos) {
+    math::Vec2List outline;
+    for (const math::Vec2 corner : {math::Vec2(0, 0), math::Vec2(1, 0), math::Vec2(0.25f, 0.75f)}) {
+        outline.push_back(pos + corner);
+    }
+    const PolyEntityPtr entity = new PolyEntity(new physics::Polygon(outline));
+    GetApp().AddEntity(entity);
+    return entity;
+}
+
+PlaneEntityPtr World::AddPlane(math::Vec2 normal, float offset) {
+    const PlaneEntityPtr entity = new PlaneEntity(new physics::Plane(normal, offset));
+    GetSim().GetWorldBody()->AddGeom(entity->GetGeom());
+    GetApp().AddEntity(entity);
+    return entity;
+}
+
+void World::Join(const GeomEntity& a, const GeomEntity& b) {
+    const auto body = util::DynamicCast<physics::Body>(a.GetGeom()->GetBody());
+    GetSim().RemoveBody(util::DynamicCast<physics::Body>(b.GetGeom()->GetBody()));
+    body->AddGeom(b.GetGeom());
+}
+
+void World::RunFor(int frames, float dt) {
+    for (int i = 0; i < frames; ++i) {
+        g_now += static_cast<double>(dt);
+        GetApp().Update(dt);
+    }
+}
+
+void World::AdvanceClock(double seconds) {
+    g_now += seconds;
+}
+
+String World::Save() {
+    return Serializer::Serialize()->ToCode();
+}
+
+String World::SaveNumbered() {
+    return CountThrough(CountThrough(CountThrough(Save(), "id"), "body"), "chain");
+}
+
+void World::Load(const String& text) {
+    GetApp().Clear();
+    Serializer::Deserialize(text);
+}
+
+String World::Describe() {
+    std::ostringstream out;
+    for (const EntityPtr& entity : GetApp().GetEntities()) {
+        out << entity.Get() << (GetApp().GetSelection().Has(entity) ? " selected" : "") << " chain "
+            << entity->GetChain().Get() << "\n";
+    }
+    out << "tracked " << GetApp().GetTrackedEntity().Get() << "\n" << Save() << "\n";
+    for (const physics::BodyPtr& body : GetSim().GetBodies()) {
+        out << body->GetID() << ": " << body->m_vel.x << " " << body->m_vel.y << " " << body->m_angVel
+            << "\n";
+    }
+    for (const physics::ParticlePtr& particle : GetSim().GetParticles()) {
+        out << particle->m_vel.x << " " << particle->m_vel.y << "\n";
+    }
+    return out.str();
+}
+
+void World::ExpectSameText(const String& a, const String& b) {
+    const std::regex number("-?[0-9]+\\.[0-9]+(e-?[0-9]+)?");
+    EXPECT_EQ(std::regex_replace(a, number, "#"), std::regex_replace(b, number, "#"));
+    std::sregex_iterator itA(a.begin(), a.end(), number), itB(b.begin(), b.end(), number), end;
+    for (; itA != end && itB != end; ++itA, ++itB) {
+        const double x = std::stod(itA->str()), y = std::stod(itB->str());
+        EXPECT_NEAR(x, y, 1e-5 * std::max(1.0, std::fabs(x)));
+    }
+}
+
+}  // namespace app
