@@ -6,6 +6,7 @@
 #include "app/SceneLoader.h"
 #include "app/Serializer.h"
 #include "app/entities/Chain.h"
+#include "physics/Particle.h"
 #include "script/Expressions.h"
 #include "util/Exception.h"
 #include "util/FileSystem.h"

@@ -44,7 +44,7 @@ TEST_P(ShippedScenes, LoseNothingInTenSeconds) {
 
 INSTANTIATE_TEST_SUITE_P(Scenes, ShippedScenes,
                          testing::Values("welcome", "stack", "dominoes", "pile", "slope", "newton"),
-                         [](const auto& info) { return String(info.param); });
+                         [](const auto& scene) { return String(scene.param); });
 
 }  // namespace
 }  // namespace app

@@ -172,7 +172,8 @@ TEST_F(UndoTest, GroupsTrackingChainsAndWaterComeBackAndGo) {
 }
 
 TEST_F(UndoTest, BodiesOfSeveralShapesAndFixedOnesComeBackWhole) {
-    const auto a = AddCircle({-1, 0}), b = AddTriangle({1, 0});
+    const auto a = AddCircle({-1, 0});
+    const auto b = AddTriangle({1, 0});
     Join(*a, *b);
     const auto plane = AddPlane({0, 1}, 5);
     a->UpdateBodyPtr();
