@@ -53,6 +53,9 @@ void World::SetUp() {
 
 void World::TearDown() {
     GetApp().m_maxUndo->Set(GetApp().m_maxUndo->GetDefault());
+    GetSim().m_running->SetValue(script::ValueToObject(GetSim().m_running->GetDefault()));
+    GetApp().Clear();
+    GetUndoer().Clear();
     util::Clock::SetSource(nullptr);
 }
 
