@@ -5,6 +5,7 @@ program did is read from the scene texts that it saves; waiting is always for su
 time, so that the cases hold on a slow machine.
 """
 
+import contextlib
 import json
 import os
 import re
@@ -20,6 +21,8 @@ WINDOW = (1024, 768)  # of a first run on a greater screen
 DEFAULT_ZOOM = 150  # pixels per metre in the view of an empty scene
 AUTOSAVE = "_AUTOSAVE.vxa"
 ONEXIT = "_ONEXITSAVE.vxa"
+RUN_TIME_FILES = ["config.cfg", "config.autosave.cfg", "Logfile.txt", "Unlogged.txt", "Scenes/" + AUTOSAVE,
+                  "Scenes/" + ONEXIT]
 
 
 class Failure(Exception):
@@ -120,7 +123,7 @@ class Session:
         self.top = tempfile.mkdtemp(prefix="vexa-")
         self.folder = os.path.join(self.top, "Vexa")
         shutil.copytree(program_folder, self.folder)
-        for leftover in ["config.cfg", "config.autosave.cfg", "Scenes/" + AUTOSAVE, "Scenes/" + ONEXIT]:
+        for leftover in RUN_TIME_FILES:
             if os.path.exists(self.path(leftover)):
                 os.remove(self.path(leftover))
         self.display = None
@@ -219,24 +222,43 @@ class Session:
     def mouse(self, pixel):
         return ["mousemove", "--window", self.window, round(pixel[0]), round(pixel[1])]
 
-    def stroke(self, pixels, button=1, keys=()):
-        """One drag along the pixels."""
-        words = self.mouse(pixels[0])
-        for key in keys:
-            words += ["keydown", key, "sleep", "0.1"]
-        words += ["mousedown", button]
+    def press_and_move(self, pixels, button=1):
+        """One drag along the pixels that is not released."""
+        words = self.mouse(pixels[0]) + ["mousedown", button]
         for pixel in pixels[1:]:
             words += self.mouse(pixel) + ["sleep", "0.004"]
-        words += ["sleep", "0.05", "mouseup", button]
-        for key in keys:
-            words += ["sleep", "0.1", "keyup", key]
         self.xdo(*words)
+
+    def stroke(self, pixels, button=1):
+        self.press_and_move(pixels, button)
+        self.xdo("mouseup", button)
 
     def click(self, pixel, button=1):
         self.xdo(*(self.mouse(pixel) + ["click", button]))
 
     def key(self, name):
         self.xdo("key", name)
+
+    @contextlib.contextmanager
+    def holding(self, modifier):
+        """Modifiers count as they are when a frame begins, so they have to stay for some."""
+        self.xdo("keydown", modifier)
+        self.wait_frames()
+        yield
+        self.wait_frames()
+        self.xdo("keyup", modifier)
+
+    def chord(self, modifier, name):
+        with self.holding(modifier):
+            self.key(name)
+
+    def wait_frames(self):
+        """Until the program has autosaved twice, so at least one whole frame has passed."""
+        def stamp():
+            return os.stat(self.path("Scenes/" + AUTOSAVE)).st_mtime_ns
+        for _ in range(2):
+            before = stamp()
+            wait_for("a frame", lambda: stamp() != before)
 
     # ---- what came of it
 
@@ -250,9 +272,9 @@ class Session:
         def probe():
             check(self.process.poll() is None, "the program ended")
             entities = self.present()
-            return entities if entities is not None and condition(entities) else None
+            return (entities,) if entities is not None and condition(entities) else None
         try:
-            return wait_for(what, probe)
+            return wait_for(what, probe)[0]
         except Failure as failure:
             raise Failure("%s\nlast scene:\n%s" % (failure, self.read("Scenes/" + AUTOSAVE)))
 
