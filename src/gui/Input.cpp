@@ -77,6 +77,7 @@ void Input::HandleEvent(const SDL_Event& event) {
 
 void Input::FinishPump(math::Vec2i mousePixels) {
     m_mousePosition = ToGUI(math::Vec2(mousePixels.x, mousePixels.y));
+    m_modifierState = SDL_GetModState();
     try {
         ApplyHoldRule();
     } catch (const std::exception& e) {
@@ -132,6 +133,7 @@ void Input::HandleMotion(const SDL_Event& event) {
 void Input::HandleKey(const SDL_Event& event) {
     const int code = event.key.keysym.sym;
     const bool pressed = event.type == SDL_KEYDOWN;
+    m_modifierState = event.key.keysym.mod;
     KeyEvent key = MakeKeyEvent(code, 0, pressed);
     try {
         key = BuildKeyEvent(code, event.key.keysym.unicode, pressed);
@@ -209,11 +211,11 @@ bool Input::IsModifierDown(Modifier modifier) const {
         {KMOD_NUM, Key::NumLock, Key::NumLock},
         {KMOD_CAPS, Key::CapsLock, Key::CapsLock},
     };
-    const int state = SDL_GetModState();
-    if (modifier == Modifier::None) return state == 0;
+    if (modifier == Modifier::None) return m_modifierState == 0;
     const Row& row = ROWS[static_cast<int>(modifier)];
     // The library may miss a release outside the window, which this program's own record does not.
-    return (state & row.m_mask) != 0 && (row.m_key == 0 || IsKeyDown(row.m_key) || IsKeyDown(row.m_other));
+    return (m_modifierState & row.m_mask) != 0 &&
+           (row.m_key == 0 || IsKeyDown(row.m_key) || IsKeyDown(row.m_other));
 }
 
 math::Vec2i Input::ToPixels(math::Vec2 gui) const {

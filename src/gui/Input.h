@@ -96,8 +96,11 @@ class Input : public InputDelegator, public util::Singleton<Input> {
     bool m_mouseButtonDown = false;  // after a press of any button, until a release of any
     MouseButtons m_buttons;          // down now
     std::map<int, bool> m_keyDown;   // by key code, mouse buttons included
-    int m_wheelPosition = 0;         // +1 for each notch up, -1 down; never reset
-    math::Vec2 m_mousePosition;      // GUI coordinates, as of the last pump
+    // The library's, as of the event being handled: the library itself tells the state behind the last event
+    // in its queue, in which a quick shortcut is over already.
+    int m_modifierState = 0;
+    int m_wheelPosition = 0;     // +1 for each notch up, -1 down; never reset
+    math::Vec2 m_mousePosition;  // GUI coordinates, as of the last pump
 
     Gesture m_gesture = Gesture::Idle;
     double m_pressTime = 0;      // seconds; these three belong to the press that opened the gesture

@@ -34,7 +34,7 @@ void RecordingListener::OnClick(gui::ClickEvent& event) {
 
 void InputTest::SetUp() {
     util::Clock::SetSource(&GetFakeTime);
-    SDL_SetModState(KMOD_NONE);
+    SetModifiers(KMOD_NONE);
     m_input.GetSettings() = gui::InputSettings();
     m_listener = new RecordingListener(m_calls);
     m_input.AddListener(m_listener);
@@ -72,8 +72,14 @@ void InputTest::Key(bool pressed, int key, int unicode) {
     SDL_Event event{};
     event.type = pressed ? SDL_KEYDOWN : SDL_KEYUP;
     event.key.keysym.sym = static_cast<SDLKey>(key);
+    event.key.keysym.mod = SDL_GetModState();
     event.key.keysym.unicode = static_cast<Uint16>(unicode);
     m_input.HandleEvent(event);
+}
+
+void InputTest::SetModifiers(int state) {
+    SDL_SetModState(static_cast<SDLMod>(state));
+    m_input.FinishPump(m_input.ToPixels(m_input.GetMousePosition()));
 }
 
 void InputTest::Tap(int key, int unicode) {

@@ -120,7 +120,7 @@ class KeyEventTest : public InputTest {
     }
     // Both what the library says and what the program has seen.
     void HoldShift() {
-        SDL_SetModState(KMOD_LSHIFT);
+        SetModifiers(KMOD_LSHIFT);
         Key(true, gui::Key::LeftShift);
     }
 };
@@ -200,16 +200,28 @@ TEST_F(KeyEventTest, Modifiers) {
         {Modifier::NumLock, 0x1000, 300}, {Modifier::CapsLock, 0x2000, 301},
     };
     for (const Case& c : cases) {
-        SDL_SetModState(static_cast<SDLMod>(c.m_state));
+        SetModifiers(c.m_state);
         EXPECT_EQ(m_input.IsModifierDown(c.m_modifier), c.m_key == 0) << "before the press, " << c.m_state;
         if (c.m_key != 0) Key(true, c.m_key);
         EXPECT_TRUE(m_input.IsModifierDown(c.m_modifier)) << c.m_state;
         EXPECT_FALSE(m_input.IsModifierDown(Modifier::None));
-        SDL_SetModState(KMOD_NONE);
+        SetModifiers(KMOD_NONE);
         EXPECT_FALSE(m_input.IsModifierDown(c.m_modifier)) << "only the record says so";
         EXPECT_TRUE(m_input.IsModifierDown(Modifier::None));
         if (c.m_key != 0) Key(false, c.m_key);
     }
+}
+
+TEST_F(KeyEventTest, AShortcutWithinOneFrameKeepsItsModifier) {
+    SDL_SetModState(KMOD_LCTRL);
+    Key(true, gui::Key::LeftCtrl);
+    Key(true, 'z', 'z');
+    SDL_SetModState(KMOD_NONE);  // by now the library has seen the release that waits in its queue
+    Mouse(true, 1, 0, 0);
+    EXPECT_TRUE(m_listener->m_lastKey.m_ctrl);
+    Key(false, gui::Key::LeftCtrl);
+    Mouse(false, 1, 0, 0);
+    EXPECT_FALSE(m_listener->m_lastKey.m_ctrl);
 }
 
 TEST_F(KeyEventTest, OtherEventsArePassedOnWhole) {

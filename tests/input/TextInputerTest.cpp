@@ -76,7 +76,7 @@ TEST_F(TextInputerTest, WhatItLeavesToOthers) {
 }
 
 TEST_F(TextInputerTest, AltGrTypes) {
-    SDL_SetModState(static_cast<SDLMod>(KMOD_RALT | KMOD_LCTRL));
+    SetModifiers(KMOD_RALT | KMOD_LCTRL);
     EXPECT_TRUE(Press('q', '@', true));
     EXPECT_EQ(m_editor->GetText(), "@");
 }
