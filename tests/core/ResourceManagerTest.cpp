@@ -104,6 +104,7 @@ TEST_F(ResourceManagerTest, ANewWindowShowsTheSamePictureAndTakesTheSameMemory) 
     };
     for (const bool shaders : {false, true}) {
         m_manager.m_shaders->Set(shaders);
+        picture();  // makes the painter with its mentors
         m_manager.LoadAll(false);
         rendering::Renderer::Instance().SetColor({1, 1, 0.5f, 1});
         const unsigned int usage = rendering::GraphicsResource::GetTotalMemoryUsage();
