@@ -142,6 +142,7 @@ void App::DrawEntities() {
         Renderer::Instance().SetColor(isSelected ? Vec4(selected.x, selected.y, selected.z, 1) : WHITE);
         entity->Draw();
     }
+    rendering::ShapePainter::Instance().Flush();
     Renderer::Instance().SetColor(WHITE);
 }
 

@@ -39,6 +39,9 @@ class Background : public gui::Component {
     // Part of the world's speed at which the clouds move on the screen.
     static constexpr float PARALLAX = 0.7f;
 
+    const script::AttribPtr<float> m_opacity;  // of the clouds
+    const script::AttribPtr<math::Vec4> m_skyColor;
+
   private:
     void FindTextures();
     void CreateClouds();
@@ -46,9 +49,6 @@ class Background : public gui::Component {
     void DrawSky();
     void DrawClouds();
     void CollectClouds(const math::BoundingBox2f& view);
-
-    const script::AttribPtr<float> m_opacity;  // of the clouds
-    const script::AttribPtr<math::Vec4> m_skyColor;
 
     std::vector<rendering::TextureMentorPtr> m_skyTextures;  // at least one
     std::vector<rendering::VertexBatch> m_batches;           // of this frame's clouds, one for each texture

@@ -142,24 +142,35 @@ int Uniform::Lookup() {
     return m_shader && m_shader->Get() ? m_shader->Get()->LookupUniform(m_name) : -1;
 }
 
-void Uniform::Set(int value) {
+void Uniform::Invalidate() {
+    ShaderVariable::Invalidate();
+    m_isSet = false;
+}
+
+// Finds the location, and tells whether the program has another value. A missing variable is asked for again
+// each time, which is where it is reported.
+bool Uniform::Change(const math::Vec4& value) {
     Resolve();
-    glUniform1iARB(m_location, value);
+    if (m_location < 0 || (m_isSet && m_last == value)) return false;
+    m_last = value;
+    m_isSet = true;
+    return true;
+}
+
+void Uniform::Set(int value) {
+    if (Change({static_cast<float>(value), 0, 0, 0})) glUniform1iARB(m_location, value);
 }
 
 void Uniform::Set(float value) {
-    Resolve();
-    glUniform1fARB(m_location, value);
+    if (Change({value, 0, 0, 0})) glUniform1fARB(m_location, value);
 }
 
 void Uniform::Set(const math::Vec2& value) {
-    Resolve();
-    glUniform2fvARB(m_location, 1, &value.x);
+    if (Change({value.x, value.y, 0, 0})) glUniform2fvARB(m_location, 1, &value.x);
 }
 
 void Uniform::Set(const math::Vec4& value) {
-    Resolve();
-    glUniform4fvARB(m_location, 1, &value.x);
+    if (Change(value)) glUniform4fvARB(m_location, 1, &value.x);
 }
 
 int Attribute::Lookup() {

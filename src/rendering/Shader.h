@@ -70,11 +70,19 @@ class Uniform : public ShaderVariable {
   public:
     Uniform(const ShaderMentorPtr& shader, const String& name) : ShaderVariable(shader, name) {}
     int Lookup() override;
+    void Invalidate() override;
 
+    // A program keeps its values, so one that has been set already does not reach the driver again.
     void Set(int value);  // also the unit of a sampler
     void Set(float value);
     void Set(const math::Vec2& value);
     void Set(const math::Vec4& value);
+
+  private:
+    bool Change(const math::Vec4& value);
+
+    math::Vec4 m_last;     // what the program has, widened
+    bool m_isSet = false;  // whether m_last says so
 };
 using UniformPtr = util::SharedPtr<Uniform>;
 

@@ -20,12 +20,12 @@ namespace {
 
 constexpr float RIM_BRIGHTNESS = 0.35f;  // of the rim's colour, as a part of the fill's
 constexpr float RIM_SOFTNESS = 0.25f;    // part of the rim's width over which the fill darkens to it
-constexpr float MAX_CIRCLE_RIM = 0.2f;   // in radii: as much as the disc pictures have
+constexpr float MAX_CIRCLE_RIM = 0.2f;   // in radii, for a small circle
 // The spot that shows a circle's turning, in radii; the shader has the same numbers.
 constexpr float SPOT_PLACE = 0.6f;
 constexpr float SPOT_RADIUS = 0.11f;
 constexpr float SPOT_DARKNESS = 0.35f;
-constexpr float DISC_MARGIN = 1.0f / 256;  // of the disc pictures, in texture coordinates
+constexpr float DISC_SCALE = 128.0f / 127;  // the picture's disc leaves a texel free on each side of 256
 constexpr Vec2 TEX_COORDS[4] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
 
 Vec4 Darkened(const Vec4& color, float brightness) {
@@ -44,13 +44,11 @@ class ScopedColor {
     Vec4 m_kept;
 };
 
-void DrawSquare(const math::RigidTransform& transform, Vec2 center, float halfSide, float margin) {
-    const Vec2 c = transform(center);
+void DrawSquare(const math::RigidTransform& transform, float halfSide) {
+    const Vec2 c = transform.GetTranslation();
     const Vec2 u = transform.Rotate({halfSide, 0}), v = transform.Rotate({0, halfSide});
     const Vec2 corners[4] = {c - u - v, c + u - v, c + u + v, c - u + v};
-    const Vec2 texCoords[4] = {
-        {margin, margin}, {1 - margin, margin}, {1 - margin, 1 - margin}, {margin, 1 - margin}};
-    Renderer::Instance().DrawPolygon(corners, texCoords, 4);
+    Renderer::Instance().DrawPolygon(corners, TEX_COORDS, 4);
 }
 
 // ---- planes -------------------------------------------------------------------------------------------
@@ -139,8 +137,7 @@ ShapePainter::ShapePainter() : m_polygonShader("polygon"), m_circleShader("circl
     TextureManager& textures = TextureManager::Instance();
     m_profile = textures.Get("circleborder", Texture::ImageType::Profile());
     m_profileNoBorder = textures.Get("circleborder_no_border", Texture::ImageType::Profile());
-    m_disc = textures.Get("circleborder", Texture::ImageType::Sprite());
-    m_discNoBorder = textures.Get("circle_no_border", Texture::ImageType::Sprite());
+    m_disc = textures.Get("circle_no_border", Texture::ImageType::Sprite());
 }
 
 float ShapePainter::GetWidth(float limit) const {
@@ -158,29 +155,40 @@ void ShapePainter::DrawCircle(const math::RigidTransform& transform, float radiu
     if (m_circleShader.IsUsable()) {
         DrawCircleByShader(transform, radius);
     } else {
-        DrawCircleByPictures(transform, radius);
+        AddCircleOfDiscs(transform, radius);
     }
 }
 
 void ShapePainter::DrawCircleByShader(const math::RigidTransform& transform, float radius) {
+    Flush();
     const ScopedTexture profile(GetProfile());
     const ScopedShader shader(*m_circleShader.m_shader->Get());
     const float width = m_view.borders ? GetWidth(MAX_CIRCLE_RIM * radius) : 0;
     m_circleShader.SetCommon(Renderer::Instance().GetColor(), width, m_view.pixelSize, 0);
     m_circleShader.m_radius->Set(radius);
-    DrawSquare(transform, {0, 0}, radius, 0);
+    DrawSquare(transform, radius);
 }
 
-void ShapePainter::DrawCircleByPictures(const math::RigidTransform& transform, float radius) {
-    {
-        const ScopedTexture disc((m_view.borders ? m_disc : m_discNoBorder)->Get());
-        DrawSquare(transform, {0, 0}, radius, DISC_MARGIN);
-    }
-    const ScopedTexture spot(m_discNoBorder->Get());
-    const Vec4 kept = Renderer::Instance().GetColor();
-    Renderer::Instance().SetColor({0, 0, 0, SPOT_DARKNESS * kept.w});
-    DrawSquare(transform, {SPOT_PLACE * radius, 0}, SPOT_RADIUS * radius, DISC_MARGIN);
-    Renderer::Instance().SetColor(kept);
+// Three discs of one picture: the rim's colour, the fill a little smaller, the spot.
+void ShapePainter::AddCircleOfDiscs(const math::RigidTransform& transform, float radius) {
+    const Vec4 fill = Renderer::Instance().GetColor();
+    const auto addDisc = [&](Vec2 center, float discRadius, const Vec4& color) {
+        const float half = discRadius * DISC_SCALE;
+        m_discs.AddSprite(transform(center), transform.Rotate({half, 0}), transform.Rotate({0, half}), color);
+    };
+    // The outline fades out within its last pixel, the rim within its inner part; a disc's edge is the middle
+    // of that.
+    const float outer = std::max(radius - m_view.pixelSize / 2, radius / 2);
+    const float inner = radius - (1 - RIM_SOFTNESS / 2) * GetWidth(MAX_CIRCLE_RIM * radius);
+    if (m_view.borders) addDisc({0, 0}, outer, Darkened(fill, RIM_BRIGHTNESS));
+    addDisc({0, 0}, m_view.borders ? std::min(inner, outer) : outer, fill);
+    addDisc({SPOT_PLACE * radius, 0}, SPOT_RADIUS * radius, {0, 0, 0, SPOT_DARKNESS * fill.w});
+}
+
+void ShapePainter::Flush() {
+    if (m_discs.IsEmpty()) return;
+    const ScopedTexture disc(m_disc->Get());
+    m_discs.DrawAndClear();
 }
 
 // ---- polygons -----------------------------------------------------------------------------------------
@@ -188,6 +196,7 @@ void ShapePainter::DrawCircleByPictures(const math::RigidTransform& transform, f
 void ShapePainter::DrawPolygon(const math::RigidTransform& transform, const math::OBB2D& box,
                                const TexturePtr& distances, float distScale, const Vec3& color) {
     if (!distances) return;
+    Flush();
     const Vec2 u = box.axis[0] * box.halfSize.x, v = box.axis[1] * box.halfSize.y;
     m_corners[0] = transform(box.center - u - v);
     m_corners[1] = transform(box.center + u - v);
@@ -252,6 +261,7 @@ void ShapePainter::DrawPolygonByAlphaTest(const TexturePtr& distances, float dis
 // ---- planes -------------------------------------------------------------------------------------------
 
 void ShapePainter::DrawPlane(const Vec3& plane, const Vec3& color) {
+    Flush();
     const ScopedColor scope(color);
     if (m_planeShader.IsUsable()) {
         DrawPlaneByShader(plane);

@@ -23,8 +23,8 @@ struct ShapeView {
 //
 // With shaders one quad each, whose pixels take their distance from the outline from a distance texture or
 // compute it. Without: polygons by the texture units (rendering::DistanceCombiner), or where there are too
-// few of them by two alpha tests; circles by the plain pictures, whose rim is a fixed part of the radius;
-// planes by bands of vertex colours along their edge.
+// few of them by two alpha tests; circles by plain discs, drawn many at a time; planes by bands of vertex
+// colours along their edge.
 //
 // The modelview matrix is that of the world. Blending by the source's alpha and GL_TEXTURE_2D are on before
 // and after each call. Colours multiply with the renderer's.
@@ -35,6 +35,7 @@ class ShapePainter : public util::Pointee, public util::Singleton<ShapePainter> 
     void SetView(const ShapeView& view) { m_view = view; }
     const ShapeView& GetView() const { return m_view; }
 
+    // Without shaders circles wait to be drawn together, until another shape comes or Flush.
     void DrawCircle(const math::RigidTransform& transform, float radius, const math::Vec3& color);
 
     // `box` in local coordinates is what `distances` covers; a texel's alpha is (d / distScale + 1) / 2 for
@@ -44,6 +45,9 @@ class ShapePainter : public util::Pointee, public util::Singleton<ShapePainter> 
 
     // Of the plane normal . p + offset < 0, given as (normal, offset), what the view shows.
     void DrawPlane(const math::Vec3& plane, const math::Vec3& color);
+
+    // Draws what waits. To be called before anything else is drawn over the shapes.
+    void Flush();
 
   private:
     // A shader with the uniforms that all shapes have.
@@ -62,7 +66,7 @@ class ShapePainter : public util::Pointee, public util::Singleton<ShapePainter> 
     const TexturePtr& GetProfile() const;
 
     void DrawCircleByShader(const math::RigidTransform& transform, float radius);
-    void DrawCircleByPictures(const math::RigidTransform& transform, float radius);
+    void AddCircleOfDiscs(const math::RigidTransform& transform, float radius);
     void DrawPolygonByShader(const TexturePtr& distances, float distScale, float width) const;
     void DrawPolygonByUnits(const TexturePtr& distances, float distScale, float width) const;
     void DrawPolygonByAlphaTest(const TexturePtr& distances, float distScale, float width) const;
@@ -75,10 +79,10 @@ class ShapePainter : public util::Pointee, public util::Singleton<ShapePainter> 
     ShapeShader m_polygonShader;
     ShapeShader m_circleShader;
     ShapeShader m_planeShader;
-    TextureMentorPtr m_profile;          // brightness along the radius, with rim
-    TextureMentorPtr m_profileNoBorder;  // and without
-    TextureMentorPtr m_disc;             // with rim, for the path without shaders
-    TextureMentorPtr m_discNoBorder;     // plain white
+    TextureMentorPtr m_profile;                   // brightness along the radius, with rim
+    TextureMentorPtr m_profileNoBorder;           // and without
+    TextureMentorPtr m_disc;                      // plain white, for the path without shaders
+    VertexBatch m_discs{VertexBatch::OwnColors};  // the circles that wait
 };
 
 }  // namespace rendering

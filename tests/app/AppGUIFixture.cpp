@@ -22,12 +22,9 @@ constexpr float SCALE = 100;  // GUI units per metre
 // Made once for the whole program: the services allow no second one.
 app::App& MakeApp() {
     physics::Simulation::Instance();
-    static app::App* const s_app = [] {
-        auto* made = new util::SharedPtr<app::App>(new app::App);
-        (*made)->SetSize(1024, 768);
-        return made->Get();
-    }();
-    return *s_app;
+    app::App& app = app::App::Instance();
+    app.SetSize(1024, 768);
+    return app;
 }
 
 const std::pair<int, int> MODIFIERS[] = {

@@ -1,0 +1,264 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "app/App.h"
+#include "app/Background.h"
+#include "app/WaterPainter.h"
+#include "app/entities/CircleEntity.h"
+#include "physics/Particle.h"
+#include "physics/SPH.h"
+#include "physics/Simulation.h"
+#include "rendering/Context.h"
+#include "rendering/Gl.h"
+#include "rendering/Renderer.h"
+#include "support/gl/GlWindow.h"
+#include "util/Clock.h"
+#include "util/FileSystem.h"
+
+namespace {
+
+using app::App;
+using math::Vec2;
+using math::Vec4;
+using physics::Simulation;
+using rendering::Context;
+using rendering::ImageRGBA32Ptr;
+using rendering::Renderer;
+using rendering::RGBA32;
+
+constexpr float ZOOM = 32;               // the window shows 4 by 4 metres about the origin
+const RGBA32 SKY = {77, 102, 255, 255};  // 0.3, 0.4, 1
+
+// The scene in a window: pixel (x, y) counts from the lower left corner.
+class SceneDrawingTest : public test::GlTest {
+  protected:
+    void SetUp() override {
+        GlTest::SetUp();
+        if (IsSkipped()) return;
+        Simulation::Instance();
+        util::FileSystem& files = util::FileSystem::Instance();
+        m_workDir = files.GetWorkDir();
+        files.SetWorkDir(String(VEXA_SOURCE_DIR) + "/");
+        App& app = App::Instance();
+        app.SetFillParent(false);
+        app.SetSize(SIZE, SIZE);
+        math::TMatrix3<float> view = math::TMatrix3<float>::Scale(ZOOM, -ZOOM);
+        view.m[0][2] = view.m[1][2] = SIZE / 2;
+        app.SetWorldToGUI(view, false);
+        app.m_drawClouds->Set(false);
+        app.Update(0);
+    }
+
+    void TearDown() override {
+        if (IsSkipped()) return;
+        App& app = App::Instance();
+        app.Clear();
+        Simulation::Instance().Clear();
+        app.m_simpleWater->Set(false);
+        app.m_fadeColor->Set({0, 0, 0});
+        app.m_drawClouds->Set(true);
+        Context::SetUseShaders(false);
+        Context::SetHasAlpha(true);
+        util::AbstractMentor::ForEach([](util::AbstractMentor& mentor) { mentor.Unload(); });
+        util::FileSystem::Instance().SetWorkDir(m_workDir);
+    }
+
+    static ImageRGBA32Ptr Draw() {
+        glMatrixMode(GL_PROJECTION);
+        glLoadIdentity();
+        glOrtho(0, SIZE, SIZE, 0, -1, 1);
+        glMatrixMode(GL_MODELVIEW);
+        glLoadIdentity();
+        glClear(GL_COLOR_BUFFER_BIT);
+        App::Instance().DrawComp();
+        return ReadFrame();
+    }
+
+    static void UseShaders(bool use) {
+        Context::SetUseShaders(use);
+        util::AbstractMentor::ForEach([](util::AbstractMentor& mentor) { mentor.Unload(); });
+    }
+
+    // A block of drops, one metre wide, about the origin.
+    static void AddBlockOfWater() {
+        for (int y = -5; y <= 5; ++y) {
+            for (int x = -5; x <= 5; ++x) {
+                const Vec2 place(0.1f * static_cast<float>(x), 0.1f * static_cast<float>(y));
+                Simulation::Instance().AddParticle(new physics::Particle(place, {}));
+            }
+        }
+    }
+
+    static app::Background& FindBackground() {
+        for (script::Reflected* object : script::Reflected::GetInstances()) {
+            if (auto* const found = dynamic_cast<app::Background*>(object)) return *found;
+        }
+        THROW(BadCoderException, "no background");
+    }
+
+    static app::EntityPtr AddCircle(Vec2 place, math::Vec3 color) {
+        const app::EntityPtr circle = new app::CircleEntity(new physics::Circle(0.5f, place));
+        circle->SetColor(color);
+        App::Instance().AddEntity(circle);
+        return circle;
+    }
+
+    String m_workDir;
+};
+
+// Relative luminance of an opaque pixel, by the Web Content Accessibility Guidelines 2.1.
+double Luminance(const RGBA32& pixel) {
+    const auto linear = [](int byte) {
+        const double c = byte / 255.0;
+        return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(pixel.x) + 0.7152 * linear(pixel.y) + 0.0722 * linear(pixel.z);
+}
+
+double Contrast(const RGBA32& a, const RGBA32& b) {
+    const double la = Luminance(a) + 0.05, lb = Luminance(b) + 0.05;
+    return la > lb ? la / lb : lb / la;
+}
+
+TEST_F(SceneDrawingTest, AnEmptySceneIsSkyAndLeavesGlAsItWas) {
+    Renderer::Instance().SetColor({0.5f, 0.5f, 0.5f, 0.5f});
+    const ImageRGBA32Ptr frame = Draw();
+    for (const size_t place : {0, 64, 127}) EXPECT_EQ((*frame)(place, 127 - place), SKY);
+    EXPECT_EQ(Renderer::Instance().GetColor(), Vec4(0.5f, 0.5f, 0.5f, 0.5f));
+    GLint depth = 0;
+    glGetIntegerv(GL_MODELVIEW_STACK_DEPTH, &depth);
+    EXPECT_EQ(depth, 1);
+    glGetIntegerv(GL_ATTRIB_STACK_DEPTH, &depth);
+    EXPECT_EQ(depth, 0);
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+}
+
+TEST_F(SceneDrawingTest, WaterIsWhereTheDropsAreOnEveryPath) {
+    AddBlockOfWater();
+    for (const int path : {0, 1, 2, 3}) {
+        UseShaders(path == 1);
+        App::Instance().m_simpleWater->Set(path == 2);
+        Context::SetHasAlpha(path != 3);  // as simple
+        const ImageRGBA32Ptr frame = Draw();
+        const RGBA32 inside = (*frame)(64, 64);
+        EXPECT_LT(inside.x, 60) << path;
+        EXPECT_GT(inside.z, 200) << path;
+        EXPECT_EQ((*frame)(64 + 26, 64), SKY) << path;
+        EXPECT_EQ((*frame)(10, 120), SKY) << path;
+    }
+}
+
+TEST_F(SceneDrawingTest, TheShadersWaterStandsOutFromTheSky) {
+    AddBlockOfWater();
+    UseShaders(true);
+    const ImageRGBA32Ptr frame = Draw();
+    double best = 0;
+    for (size_t x = 64; x < SIZE; ++x) best = std::fmax(best, Contrast((*frame)(x, 64), SKY));
+    EXPECT_GE(best, 3);
+}
+
+TEST_F(SceneDrawingTest, DropsStretchAlongTheirVelocity) {
+    Simulation::Instance().AddParticle(new physics::Particle({0, 0}, {0, 20}));
+    physics::SPH::Instance().m_radius->Set(0.2f);
+    const ImageRGBA32Ptr frame = Draw();
+    physics::SPH::Instance().m_radius->Set(0.05f);
+    const auto extent = [&frame](size_t dx, size_t dy) {
+        int count = 0;
+        for (size_t i = 0; i < 60; ++i) count += !((*frame)(64 + i * dx, 64 + i * dy) == SKY);
+        return count;
+    };
+    EXPECT_GT(extent(0, 1), extent(1, 0) * 2);
+}
+
+TEST_F(SceneDrawingTest, SelectedShapesPulse) {
+    const app::EntityPtr circle = AddCircle({0, 0}, {0.4f, 0.4f, 0.4f});
+    static double s_now;
+    util::Clock::SetSource([] { return s_now; });
+    EXPECT_NEAR((*Draw())(64, 64).x, 102, 1);
+    App::Instance().GetSelection().Add(circle);
+    s_now = std::acos(-1.0) / 10;  // brightest: 1.5, in the colour 1, 0.5, 0.5
+    RGBA32 middle = (*Draw())(64, 64);
+    EXPECT_NEAR(middle.x, 153, 1);
+    EXPECT_NEAR(middle.y, 77, 1);
+    s_now *= 3;  // darkest: 0.5
+    middle = (*Draw())(64, 64);
+    EXPECT_NEAR(middle.x, 51, 1);
+    util::Clock::SetSource(nullptr);
+}
+
+TEST_F(SceneDrawingTest, ShapesOutsideTheViewAreLeftOut) {
+    const app::EntityPtr circle = AddCircle({30, 0}, {1, 1, 1});
+    circle->SetTint({0.25f, 0.25f, 0.25f});
+    Draw();
+    EXPECT_EQ(circle->GetTint(), math::Vec3(0.25f, 0.25f, 0.25f));  // not even prepared
+}
+
+TEST_F(SceneDrawingTest, FadingBringsTheLastFrameBackAndTakesNoMemoryUntilUsed) {
+    AddCircle({0, 0}, {1, 1, 1});
+    Draw();
+    const unsigned int usage = rendering::GraphicsResource::GetTotalMemoryUsage();
+    App& app = App::Instance();
+    app.m_fadeColor->Set({1, 1, 1});
+    app.m_fadeScale->Set({1, 1});
+    Draw();
+    EXPECT_EQ(rendering::GraphicsResource::GetTotalMemoryUsage(), usage + 2048 * 2048 * 4);
+    app.Clear();
+    // An opaque sky covers what fades.
+    EXPECT_EQ((*Draw())(64, 64), SKY);
+    const script::AttribPtr<Vec4> skyColor = FindBackground().m_skyColor;
+    AddCircle({0, 0}, {1, 1, 1});
+    Draw();
+    app.Clear();
+    skyColor->Set({0.3f, 0.4f, 1, 0});
+    EXPECT_EQ((*Draw())(64, 64).x, 255);
+    EXPECT_EQ((*Draw())(10, 10).x, 77);  // the sky of the opaque frame, still there
+    skyColor->Set({0.3f, 0.4f, 1, 1});
+}
+
+// ---- clouds
+// ------------------------------------------------------------------------------------------------
+
+TEST_F(SceneDrawingTest, CloudsMoveWithTheSimulationAndStopWithIt) {
+    const util::SharedPtr<app::Background> sky = new app::Background;
+    sky->Update(0.1f);
+    EXPECT_TRUE(sky->GetClouds().empty());  // switched off
+    App::Instance().m_drawClouds->Set(true);
+    Simulation& simulation = Simulation::Instance();
+    simulation.m_running->Set(false);
+    sky->Update(0.1f);
+    ASSERT_EQ(sky->GetClouds().size(), 2500u);
+    const app::Background::Cloud before = sky->GetClouds()[7];
+    sky->Update(0.1f);
+    EXPECT_EQ(sky->GetClouds()[7].position, before.position);
+    simulation.m_running->Set(true);
+    sky->Update(0.1f);
+    const float t = simulation.GetRealtimeFraction() * simulation.m_timeFactor->Get() * 0.1f;
+    EXPECT_FLOAT_EQ(sky->GetClouds()[7].position.x, before.position.x + before.velocity.x * t);
+    sky->Update(20);  // a step of more than a second is a hitch, not a wind
+    EXPECT_FLOAT_EQ(sky->GetClouds()[7].position.x, before.position.x + before.velocity.x * t);
+    simulation.m_running->Set(false);
+}
+
+TEST_F(SceneDrawingTest, CloudsFillTheirBoxAndBigOnesAreFaster) {
+    const util::SharedPtr<app::Background> sky = new app::Background;
+    App::Instance().m_drawClouds->Set(true);
+    sky->Update(0);
+    for (const app::Background::Cloud& cloud : sky->GetClouds()) {
+        EXPECT_TRUE(cloud.size >= 5 && cloud.size <= 15);
+        EXPECT_TRUE(cloud.position.x >= 0 && cloud.position.x <= 1950.5f);
+        EXPECT_TRUE(cloud.position.y >= 0 && cloud.position.y <= 1219.1f);
+        EXPECT_TRUE(cloud.velocity.x >= 0.1f * cloud.size && cloud.velocity.x <= 0.2001f * cloud.size);
+        EXPECT_EQ(cloud.velocity.y, 0);
+    }
+    // Drawing brings all of them round the view.
+    App& app = App::Instance();
+    app.m_drawClouds->Set(true);
+    sky->SetSize(SIZE, SIZE);
+    sky->Draw();
+    const float half = 1950.5f / 2;
+    for (const app::Background::Cloud& cloud : sky->GetClouds())
+        EXPECT_LE(std::fabs(cloud.position.x), half + 3);
+}
+
+}  // namespace
