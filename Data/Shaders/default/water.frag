@@ -14,7 +14,7 @@ void main() {
     if (field <= Cutoff) discard;
     // The red field tells the depth below the surface until it saturates, the green one after that.
     float depth = (field - Cutoff) / (1.0 - Cutoff) + 12.0 * max(0.0, texel.g - 0.04);
-    float rim = 1.0 - smoothstep(0.35, 1.2, depth);
+    float rim = 1.0 - smoothstep(0.35, 1.3, depth);
     float edge = clamp((field - Cutoff) / max(fwidth(field), 0.001), 0.25, 1.0);
     gl_FragColor = vec4(mix(Color.rgb, RIM_COLOR, rim), mix(Color.a, RIM_ALPHA, rim) * edge);
 }
