@@ -29,6 +29,12 @@ using rendering::RGBA32;
 
 constexpr float ZOOM = 32;               // the window shows 4 by 4 metres about the origin
 const RGBA32 SKY = {77, 102, 255, 255};  // 0.3, 0.4, 1
+constexpr float DROP_RADIUS = 0.15f;
+
+// Up to rounding.
+bool IsSky(const RGBA32& pixel) {
+    return std::abs(pixel.x - SKY.x) <= 1 && std::abs(pixel.y - SKY.y) <= 1 && pixel.z >= 254;
+}
 
 // The scene in a window: pixel (x, y) counts from the lower left corner.
 class SceneDrawingTest : public test::GlTest {
@@ -48,6 +54,7 @@ class SceneDrawingTest : public test::GlTest {
         app.SetWorldToGUI(view, false);
         app.m_drawClouds->Set(false);
         app.Update(0);
+        physics::SPH::Instance().m_radius->Set(DROP_RADIUS);
     }
 
     void TearDown() override {
@@ -56,6 +63,7 @@ class SceneDrawingTest : public test::GlTest {
         app.Clear();
         Simulation::Instance().Clear();
         app.m_simpleWater->Set(false);
+        physics::SPH::Instance().m_radius->Set(0.05f);
         app.m_fadeColor->Set({0, 0, 0});
         app.m_drawClouds->Set(true);
         Context::SetUseShaders(false);
@@ -80,11 +88,11 @@ class SceneDrawingTest : public test::GlTest {
         util::AbstractMentor::ForEach([](util::AbstractMentor& mentor) { mentor.Unload(); });
     }
 
-    // A block of drops, one metre wide, about the origin.
+    // A block of drops, two metres wide, about the origin.
     static void AddBlockOfWater() {
         for (int y = -5; y <= 5; ++y) {
             for (int x = -5; x <= 5; ++x) {
-                const Vec2 place(0.1f * static_cast<float>(x), 0.1f * static_cast<float>(y));
+                const Vec2 place(0.2f * static_cast<float>(x), 0.2f * static_cast<float>(y));
                 Simulation::Instance().AddParticle(new physics::Particle(place, {}));
             }
         }
@@ -124,7 +132,7 @@ double Contrast(const RGBA32& a, const RGBA32& b) {
 TEST_F(SceneDrawingTest, AnEmptySceneIsSkyAndLeavesGlAsItWas) {
     Renderer::Instance().SetColor({0.5f, 0.5f, 0.5f, 0.5f});
     const ImageRGBA32Ptr frame = Draw();
-    for (const size_t place : {0, 64, 127}) EXPECT_EQ((*frame)(place, 127 - place), SKY);
+    for (const size_t place : {0, 64, 127}) EXPECT_TRUE(IsSky((*frame)(place, 127 - place)));
     EXPECT_EQ(Renderer::Instance().GetColor(), Vec4(0.5f, 0.5f, 0.5f, 0.5f));
     GLint depth = 0;
     glGetIntegerv(GL_MODELVIEW_STACK_DEPTH, &depth);
@@ -142,10 +150,10 @@ TEST_F(SceneDrawingTest, WaterIsWhereTheDropsAreOnEveryPath) {
         Context::SetHasAlpha(path != 3);  // as simple
         const ImageRGBA32Ptr frame = Draw();
         const RGBA32 inside = (*frame)(64, 64);
-        EXPECT_LT(inside.x, 60) << path;
+        EXPECT_LT(inside.x, 70) << path;
         EXPECT_GT(inside.z, 200) << path;
-        EXPECT_EQ((*frame)(64 + 26, 64), SKY) << path;
-        EXPECT_EQ((*frame)(10, 120), SKY) << path;
+        EXPECT_TRUE(IsSky((*frame)(64 + 46, 64))) << path;
+        EXPECT_TRUE(IsSky((*frame)(10, 120))) << path;
     }
 }
 
@@ -160,12 +168,10 @@ TEST_F(SceneDrawingTest, TheShadersWaterStandsOutFromTheSky) {
 
 TEST_F(SceneDrawingTest, DropsStretchAlongTheirVelocity) {
     Simulation::Instance().AddParticle(new physics::Particle({0, 0}, {0, 20}));
-    physics::SPH::Instance().m_radius->Set(0.2f);
     const ImageRGBA32Ptr frame = Draw();
-    physics::SPH::Instance().m_radius->Set(0.05f);
     const auto extent = [&frame](size_t dx, size_t dy) {
         int count = 0;
-        for (size_t i = 0; i < 60; ++i) count += !((*frame)(64 + i * dx, 64 + i * dy) == SKY);
+        for (size_t i = 0; i < 60; ++i) count += !IsSky((*frame)(64 + i * dx, 64 + i * dy));
         return count;
     };
     EXPECT_GT(extent(0, 1), extent(1, 0) * 2);
@@ -205,14 +211,14 @@ TEST_F(SceneDrawingTest, FadingBringsTheLastFrameBackAndTakesNoMemoryUntilUsed) 
     EXPECT_EQ(rendering::GraphicsResource::GetTotalMemoryUsage(), usage + 2048 * 2048 * 4);
     app.Clear();
     // An opaque sky covers what fades.
-    EXPECT_EQ((*Draw())(64, 64), SKY);
+    EXPECT_TRUE(IsSky((*Draw())(64, 64)));
     const script::AttribPtr<Vec4> skyColor = FindBackground().m_skyColor;
     AddCircle({0, 0}, {1, 1, 1});
     Draw();
     app.Clear();
     skyColor->Set({0.3f, 0.4f, 1, 0});
     EXPECT_EQ((*Draw())(64, 64).x, 255);
-    EXPECT_EQ((*Draw())(10, 10).x, 77);  // the sky of the opaque frame, still there
+    EXPECT_NEAR((*Draw())(10, 10).x, 77, 1);  // the sky of the opaque frame, still there
     skyColor->Set({0.3f, 0.4f, 1, 1});
 }
 
