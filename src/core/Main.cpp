@@ -154,8 +154,8 @@ void LoadFirstScene(const util::StringList& arguments) {
     if (!arguments.empty() && EndsWith(arguments.back(), SCENE_ENDING)) {
         const String path = JoinArguments(arguments);
         Log(logging::Info, "Loading argument " + path);
-        app::SceneLoader::LoadAtStart(path);
-        return;
+        if (app::SceneLoader::LoadAtStart(path)) return;
+        // An empty world would take the place of the last scene at the end of this run.
     }
     for (const String& scene : {AUTOSAVE_SCENE, ONEXIT_SCENE, WELCOME_SCENE}) {
         const String path = GetFiles().GetScenesDir() + scene;

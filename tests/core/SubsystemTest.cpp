@@ -15,6 +15,8 @@
 namespace test {
 namespace {
 
+constexpr int RECREATIONS = 20;
+
 // The program's window, made once; skipped where there is no display.
 class SubsystemTest : public testing::Test {
   protected:
@@ -112,6 +114,18 @@ TEST_F(SubsystemTest, TheUsersResizingMakesTheWindowAnew) {
     LogCapture log(logging::Info);
     gui::Input::Instance().HandleEvent(event);
     EXPECT_FALSE(log.Contains("Creating window...")) << "the size is the present one";
+}
+
+TEST_F(SubsystemTest, MakingItAnewKeepsWhatWasLoaded) {
+    script::Reflected::AddToRoot(&core::ResourceManager::Instance());
+    const String usage = Run("Resources.vramUsage");
+    EXPECT_NE(usage, "0");
+    for (int i = 0; i < RECREATIONS; ++i) {
+        core::WindowParams params = MakeParams({320 + i % 3, 200});
+        params.m_frame = i % 2 == 0;  // a context of its own
+        GetSystem().CreateWindow(params);
+    }
+    EXPECT_EQ(Run("Resources.vramUsage"), usage);
 }
 
 // Lives in the tree for some frames.
