@@ -1,8 +1,5 @@
 #pragma once
 
-#include <array>
-
-#include "rendering/Texture.h"
 #include "util/SharedPtr.h"
 #include "util/String.h"
 
@@ -13,11 +10,16 @@ namespace gui {
 // has none.
 class Border {
   public:
-    Border() = default;
+    Border();
 
     // The skin folder `skin` below the textures of the toolkit. Throws BadDataException, "Bad sizes on
     // border", for tiles that do not fit each other.
     explicit Border(String skin);
+
+    // Where the tiles' holder is known.
+    Border(const Border& other);
+    Border& operator=(const Border& other);
+    ~Border();
 
     bool IsEmpty() const { return !m_tiles; }
     float GetTop() const { return m_top; }
@@ -30,17 +32,9 @@ class Border {
     void Draw(float width, float height) const;
 
   private:
-    enum Tile { L, R, T, B, LT, RT, LB, RB, BODY, NUM_TILES };
-    struct Tiles : public util::Pointee {
-        math::Vec2 GetSize(Tile tile) const;  // pixels; zero for a picture that could not be loaded
+    struct Tiles;
 
-        std::array<rendering::TextureMentorPtr, NUM_TILES> m_images;
-    };
-
-    void MeasureTiles();
-    void DrawTile(Tile tile, math::Vec2 min, math::Vec2 max) const;
-
-    util::SharedPtr<Tiles> m_tiles;
+    util::SharedPtr<Tiles> m_tiles;  // null when empty
     float m_top = 0;
     float m_bottom = 0;
     float m_left = 0;

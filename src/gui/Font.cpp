@@ -48,6 +48,22 @@ ImageRGBA32Ptr MakeStandInSheet() {
     return sheet;
 }
 
+constexpr int GUTTER = 1;  // pixels round each cell of the texture
+
+// The sheet with its cells apart: smooth sampling reads a little beyond a glyph that is not drawn one to one,
+// and must not find the next one there.
+ImageRGBA32Ptr SpreadCells(const ImageRGBA32& sheet, int cell) {
+    const int stride = cell + 2 * GUTTER;
+    const int side = stride * Font::CELLS_PER_SIDE;
+    const ImageRGBA32Ptr spread = new ImageRGBA32(side, side, rendering::RGBA32(255, 255, 255, 0));
+    for (uint32_t y = 0; y < sheet.GetHeight(); ++y) {
+        for (uint32_t x = 0; x < sheet.GetWidth(); ++x) {
+            (*spread)(x + GUTTER * (2 * (x / cell) + 1), y + GUTTER * (2 * (y / cell) + 1)) = sheet(x, y);
+        }
+    }
+    return spread;
+}
+
 }  // namespace
 
 Font::Font() {
@@ -101,7 +117,8 @@ void Font::LoadWidths(const std::string& path) {
 void Font::SetSheet(const ImageRGBA32Ptr& sheet) {
     DATA_ASSERTION(sheet->GetWidth() == sheet->GetHeight() && sheet->GetWidth() % CELLS_PER_SIDE == 0);
     m_cellSize = static_cast<float>(sheet->GetWidth()) / CELLS_PER_SIDE;
-    m_texture = new rendering::Texture(sheet, rendering::Texture::ImageType::Font());
+    m_texture = new rendering::Texture(SpreadCells(*sheet, static_cast<int>(m_cellSize)),
+                                       rendering::Texture::ImageType::Font());
 }
 
 void Font::BuildLists() {
@@ -113,18 +130,20 @@ void Font::BuildLists() {
 
 // Row 0 of the sheet is its upper edge, where t is 1; the quad's y points down.
 void Font::BuildGlyph(int glyph) const {
-    constexpr float CELL = 1.0f / CELLS_PER_SIDE;
-    const float s = glyph % CELLS_PER_SIDE * CELL;
-    const float t = 1 - glyph / CELLS_PER_SIDE * CELL;
+    constexpr float STRIDE = 1.0f / CELLS_PER_SIDE;
+    const float gutter = STRIDE * GUTTER / (m_cellSize + 2 * GUTTER);
+    const float cell = STRIDE - 2 * gutter;
+    const float s = glyph % CELLS_PER_SIDE * STRIDE + gutter;
+    const float t = 1 - glyph / CELLS_PER_SIDE * STRIDE - gutter;
     glNewList(m_lists + glyph, GL_COMPILE);
     glBegin(GL_QUADS);
     glTexCoord2f(s, t);
     glVertex2f(0, 0);
-    glTexCoord2f(s, t - CELL);
+    glTexCoord2f(s, t - cell);
     glVertex2f(0, 1);
-    glTexCoord2f(s + CELL, t - CELL);
+    glTexCoord2f(s + cell, t - cell);
     glVertex2f(1, 1);
-    glTexCoord2f(s + CELL, t);
+    glTexCoord2f(s + cell, t);
     glVertex2f(1, 0);
     glEnd();
     glTranslatef(m_advance[glyph], 0, 0);
