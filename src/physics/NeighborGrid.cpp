@@ -5,7 +5,7 @@
 
 namespace physics {
 
-constexpr uint64_t NEXT_ROW = uint64_t(1) << 32;
+constexpr uint64_t NEXT_COLUMN = uint64_t(1) << 32;
 
 int32_t CellIndex(math::real coordinate, math::real cellsPerMetre) {
     constexpr math::real FARTHEST = 1e9f;
@@ -14,11 +14,11 @@ int32_t CellIndex(math::real coordinate, math::real cellsPerMetre) {
     return static_cast<int32_t>(std::min(std::max(cell, -FARTHEST), FARTHEST));
 }
 
-// Rows and columns shifted to be unsigned, so that keys order like (row, column). Columns stay away from the
-// ends of their half, so that a key plus or minus 1 is the neighbour in the row.
+// Rows and columns shifted to be unsigned, so that keys order like (column, row). Rows stay away from the
+// ends of their half, so that a key plus or minus 1 is the neighbour in the column.
 static uint64_t CellKey(int32_t column, int32_t row) {
     constexpr uint32_t ORIGIN = 0x80000000u;
-    return (uint64_t(static_cast<uint32_t>(row) + ORIGIN) << 32) | (static_cast<uint32_t>(column) + ORIGIN);
+    return (uint64_t(static_cast<uint32_t>(column) + ORIGIN) << 32) | (static_cast<uint32_t>(row) + ORIGIN);
 }
 
 void NeighborGrid::Build(const util::VectorPOD<math::Vec2>& points, math::real radius, math::real cellSize) {
@@ -77,27 +77,28 @@ void NeighborGrid::ListCells() {
 }
 
 // Each pair of cells is visited once, from the one that comes first in the order: a point is paired with
-// those behind it in its own cell and in the next one of the row, and with the three cells above it.
+// those behind it in its own cell and in the next one of the column, and with the three cells beside it in
+// the next column.
 void NeighborGrid::FindPairs(math::real radius) {
     m_pairCount = 0;
     const Cell* const cellsEnd = m_cells.end();
-    const Cell* above = m_cells.begin();
+    const Cell* beside = m_cells.begin();
     for (const Cell* cell = m_cells.begin(); cell != cellsEnd; ++cell) {
         const Cell* const next = cell + 1;
         const bool hasNext = next != cellsEnd && next->key == cell->key + 1;
-        const uint32_t rowEnd = hasNext ? next->end : cell->end;
+        const uint32_t ownEnd = hasNext ? next->end : cell->end;
 
-        const uint64_t firstAbove = cell->key + NEXT_ROW - 1;
-        while (above != cellsEnd && above->key < firstAbove) ++above;
-        const Cell* aboveEnd = above;
-        while (aboveEnd != cellsEnd && aboveEnd->key <= firstAbove + 2) ++aboveEnd;
-        const uint32_t aboveBegin = above == aboveEnd ? 0 : above->begin;
-        const uint32_t aboveStop = above == aboveEnd ? 0 : aboveEnd[-1].end;
+        const uint64_t firstBeside = cell->key + NEXT_COLUMN - 1;
+        while (beside != cellsEnd && beside->key < firstBeside) ++beside;
+        const Cell* besideStop = beside;
+        while (besideStop != cellsEnd && besideStop->key <= firstBeside + 2) ++besideStop;
+        const uint32_t besideBegin = beside == besideStop ? 0 : beside->begin;
+        const uint32_t besideEnd = beside == besideStop ? 0 : besideStop[-1].end;
 
         for (uint32_t i = cell->begin; i < cell->end; ++i) {
-            ReservePairs((rowEnd - i) + (aboveStop - aboveBegin));
-            PairWith(i, i + 1, rowEnd, radius * radius);
-            PairWith(i, aboveBegin, aboveStop, radius * radius);
+            ReservePairs((ownEnd - i) + (besideEnd - besideBegin));
+            PairWith(i, i + 1, ownEnd, radius * radius);
+            PairWith(i, besideBegin, besideEnd, radius * radius);
         }
     }
 }

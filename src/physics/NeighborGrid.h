@@ -13,10 +13,11 @@ int32_t CellIndex(math::real coordinate, math::real cellsPerMetre);
 
 // Finds all pairs of points closer than a radius.
 //
-// Points are sorted by the key of their grid cell, row by row, so that the points of neighbouring cells lie
-// next to each other: for each point, what is still to be paired with it in its own row is one stretch, and
-// in the row above another, whose start only moves forward. Pairs name points by their place in the sorted
-// order. Time grows like the number of points and pairs; all arrays keep their memory.
+// Points are sorted by their grid cell, column by column (water lies flat, so columns are short), and the
+// points of neighbouring cells lie next to each other: for each point, what is still to be paired with it in
+// its own column is one stretch, and in the next column another, whose start only moves forward. Pairs name
+// points by their place in the sorted order. Time grows like the number of points and pairs; all arrays keep
+// their memory.
 class NeighborGrid {
   public:
     // `cellSize` should be at least `radius`: with smaller cells pairs get lost.
@@ -38,7 +39,7 @@ class NeighborGrid {
     static constexpr uint32_t VALUES = 1u << DIGIT_BITS;
 
     struct Item {
-        uint64_t key;  // row in the upper half, column in the lower
+        uint64_t key;  // column in the upper half, row in the lower
         uint32_t index;
     };
     struct Cell {

@@ -54,7 +54,7 @@ void SPH::Update(const ParticleList& particles, math::real dt) {
     if (particles.empty()) return;
     PROFILE_SECTION("SPH::Update");
     if (!IsUsable()) {
-        for (const ParticlePtr& particle : particles) particle.Get()->m_neighbors.clear();
+        for (const ParticlePtr& particle : particles) particle.Get()->m_neighbors = {};
         return;
     }
     SetConstants();
@@ -142,30 +142,41 @@ void SPH::CalcKernels() {
     }
 }
 
-// Fills the particles' own lists: itself first, then in the order of the pairs.
-void SPH::StoreNeighbors() {
+void SPH::CountNeighbors() {
     const size_t pairs = m_grid.GetPairCount();
     const uint32_t* const first = m_grid.GetFirst();
     const uint32_t* const second = m_grid.GetSecond();
-    const math::Vec2* const deltas = m_grid.GetDelta();
     m_counts.clear();
     m_counts.resize(m_sorted.size(), 1);
     for (size_t p = 0; p < pairs; ++p) {
         ++m_counts[first[p]];
         ++m_counts[second[p]];
     }
+}
+
+// Gives each particle its stretch of the array and its first neighbour: itself.
+void SPH::LayOutNeighbors() {
+    m_neighbors.resize(m_sorted.size() + 2 * m_grid.GetPairCount());
     m_cursors.resize(m_sorted.size());
+    uint32_t begin = 0;
     for (size_t i = 0; i < m_sorted.size(); ++i) {
-        util::VectorPOD<Particle::Neighbor>& list = m_sorted[i]->m_neighbors;
-        const size_t count = m_counts[i];
-        list.clear();
-        if (list.capacity() < count) list.reserve(count + count / 2);
-        list.resize(count, {m_sorted[i], 0, math::Vec2()});
-        m_cursors[i] = list.data() + 1;
+        m_neighbors[begin] = {m_sorted[i], 0, math::Vec2()};
+        m_sorted[i]->m_neighbors = Particle::NeighborList(&m_neighbors[begin], m_counts[i]);
+        m_cursors[i] = begin + 1;
+        begin += m_counts[i];
     }
+}
+
+void SPH::StoreNeighbors() {
+    CountNeighbors();
+    LayOutNeighbors();
+    const size_t pairs = m_grid.GetPairCount();
+    const uint32_t* const first = m_grid.GetFirst();
+    const uint32_t* const second = m_grid.GetSecond();
+    const math::Vec2* const deltas = m_grid.GetDelta();
     for (size_t p = 0; p < pairs; ++p) {
-        *m_cursors[first[p]]++ = {m_sorted[second[p]], m_dist[p], deltas[p]};
-        *m_cursors[second[p]]++ = {m_sorted[first[p]], m_dist[p], -deltas[p]};
+        m_neighbors[m_cursors[first[p]]++] = {m_sorted[second[p]], m_dist[p], deltas[p]};
+        m_neighbors[m_cursors[second[p]]++] = {m_sorted[first[p]], m_dist[p], -deltas[p]};
     }
 }
 

@@ -80,6 +80,8 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
     void SetMaterials(const ParticleList& particles) const;
     void FindNeighbors(const ParticleList& particles);
     void SortStates(const ParticleList& particles);
+    void CountNeighbors();
+    void LayOutNeighbors();
     void StoreNeighbors();
     void CalcSPHForces();
     void CalcKernels();
@@ -97,10 +99,11 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
     util::VectorPOD<Particle*> m_sorted;   // from here on in the grid's order; empty between passes
     util::VectorPOD<State> m_states;
     util::VectorPOD<Sums> m_sums;
-    util::VectorPOD<uint32_t> m_counts;              // neighbours, the particle itself among them
-    util::VectorPOD<math::real> m_dist;              // per pair, m
-    util::VectorPOD<math::real> m_weights;           // per pair: density kernel times mass
-    util::VectorPOD<Particle::Neighbor*> m_cursors;  // where each particle's next neighbour goes
+    util::VectorPOD<uint32_t> m_counts;               // neighbours, the particle itself among them
+    util::VectorPOD<math::real> m_dist;               // per pair, m
+    util::VectorPOD<math::real> m_weights;            // per pair: density kernel times mass
+    util::VectorPOD<Particle::Neighbor> m_neighbors;  // of all particles, one list after the other
+    util::VectorPOD<uint32_t> m_cursors;              // where each particle's next neighbour goes
 
     bool m_hasStatistics = false;
     float m_averageNeighborCount = 0;

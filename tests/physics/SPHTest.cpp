@@ -251,6 +251,32 @@ TEST_F(SPHTest, JitterPushesWithTheMassOfAParticle) {
     EXPECT_NEAR(deviation / (10 * physics::SPH::s_particleMass), 1, 0.05);
 }
 
+// A pool neither leaks through planes nor blows up at the default step; it settles at half of it.
+TEST_F(SPHTest, PoolIsContained) {
+    for (const float h : {0.01f, 0.005f}) {
+        sim.Clear();
+        sim.m_timeDelta->Set(h);
+        AddGround({0, 1});
+        AddGround({1, 0}, 0.5f);
+        AddGround({-1, 0}, 0.5f);
+        for (int i = 0; i < 200; ++i) {
+            AddParticle(
+                {-0.45f + 0.06f * static_cast<float>(i % 16), 0.05f + 0.06f * static_cast<float>(i / 16)});
+        }
+        Run(6);
+        EXPECT_EQ(sim.GetParticles().size(), 200u);
+        float speed = 0;
+        for (const ParticlePtr& particle : sim.GetParticles()) {
+            EXPECT_GT(particle->m_pos.y, -0.05f);
+            EXPECT_LT(std::fabs(particle->m_pos.x), 0.55f);
+            speed += math::Length(particle->m_vel) / 200;
+        }
+        EXPECT_GT(sph.GetAverageDensity(), 13);
+        EXPECT_LT(sph.GetAverageDensity(), 17);
+        EXPECT_LT(speed, h == 0.01f ? 1.0f : 0.02f);
+    }
+}
+
 TEST_F(SPHTest, HashInfoHasThreeLines) {
     AddParticle({0.01f, 0});
     AddParticle({-0.01f, 0});  // the same cell: cells are cut towards zero
