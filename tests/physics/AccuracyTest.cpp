@@ -179,6 +179,17 @@ TEST_F(Accuracy, StacksStand) {
     }
 }
 
+TEST_F(Accuracy, PyramidStands) {
+    SetSurface(0.5f, 0);
+    AddGround();
+    const std::vector<BodyPtr> boxes = AddPyramid(12);
+    std::vector<float> heights;
+    for (const BodyPtr& box : boxes) heights.push_back(box->m_pos.y);
+    Run(10);
+    for (size_t i = 0; i < boxes.size(); ++i) EXPECT_NEAR(boxes[i]->m_pos.y, heights[i], 0.03f);
+    EXPECT_LT(GetFastestBody(), 0.05f);
+}
+
 TEST_F(Accuracy, RestingWorldGainsNoEnergy) {
     SetSurface(0.5f, 0);
     AddGround();
