@@ -1,5 +1,6 @@
 #include "app/tools/StrokeAnalysis.h"
 
+#include <limits>
 #include <vector>
 
 #include "math/BoundingBox.h"
@@ -19,8 +20,10 @@ constexpr real LINE_DEVIATION = 0.2f;
 // A stroke is closed when its ends are nearer to each other than this part of its length.
 constexpr real CLOSING_GAP = 1.0f / 8;
 
-// Of a loop's points at most one in so many is taken off to let it close.
+// Of a loop's points at most one in so many is taken off either end to let it close.
 constexpr size_t MAX_TRIMMED_PART = 4;
+// Of what is taken off, as a part of its length: a slightly shorter closing edge is not worth a long cut.
+constexpr real TRIMMING_COST = 0.25f;
 
 // A range of segments, both ends included.
 struct SegmentRange {
@@ -101,21 +104,41 @@ bool ClosingEdgeCrosses(const Vec2List& loop, size_t from, size_t to) {
     return false;
 }
 
-// A hand that runs past its start without crossing it, as in a spiral, leaves ends that overlap, and the
-// closing edge would cut through one of them. As few points as will do are taken off either end; an
-// outline that this does not help stays as it is.
+// A part of an outline, both ends included, and what it costs to close it: the length of the closing edge
+// and some of what is taken off for it.
+struct Closing {
+    size_t from;
+    size_t to;
+    real cost;
+};
+
+Closing MakeClosing(const Vec2List& loop, size_t from, size_t to, real dropped) {
+    return {from, to, math::Length(loop[to] - loop[from]) + TRIMMING_COST * dropped};
+}
+
+// A hand that runs past its start without crossing it, as in a spiral, leaves ends that lie side by side,
+// and the closing edge would cut through one of them or leave a barb. Either end, or both alike, are taken
+// back to where they close at the least cost; an outline that this does not help stays as it is.
 void TrimOverlap(Vec2List& loop) {
     const size_t last = loop.size() - 1;
-    for (size_t dropped = 0; dropped <= loop.size() / MAX_TRIMMED_PART; ++dropped) {
-        for (const size_t fromStart : {size_t(0), dropped, dropped / 2}) {
-            const size_t from = fromStart, to = last - (dropped - fromStart);
-            if (ClosingEdgeCrosses(loop, from, to)) continue;
-            Vec2List kept;
-            kept.assign(loop.begin() + from, loop.begin() + to + 1);
-            loop.swap(kept);
-            return;
+    Closing best{0, last, std::numeric_limits<real>::infinity()};
+    real fromStart = 0, fromEnd = 0;  // lengths taken off so far
+    const auto consider = [&](const Closing& closing) {
+        if (closing.cost >= best.cost || ClosingEdgeCrosses(loop, closing.from, closing.to)) return;
+        best = closing;
+    };
+    for (size_t n = 0; n <= loop.size() / MAX_TRIMMED_PART; ++n) {
+        if (n > 0) {
+            fromStart += math::Length(loop[n] - loop[n - 1]);
+            fromEnd += math::Length(loop[last - n] - loop[last - n + 1]);
         }
+        consider(MakeClosing(loop, 0, last - n, fromEnd));
+        consider(MakeClosing(loop, n, last, fromStart));
+        if (2 * n < last) consider(MakeClosing(loop, n, last - n, fromStart + fromEnd));
     }
+    Vec2List kept;
+    kept.assign(loop.begin() + best.from, loop.begin() + best.to + 1);
+    loop.swap(kept);
 }
 
 // The outline of a range. Of a segment that is crossed only the end inside the loop belongs to it; the
