@@ -15,8 +15,9 @@
 #include "app/tools/PanTool.h"
 #include "app/tools/RotateTool.h"
 #include "app/windows/StatsWindow.h"
-#include "gui/Input.h"
+#include "gui/GUI.h"
 #include "gui/Key.h"
+#include "gui/WindowHost.h"
 #include "logging/Log.h"
 #include "script/Parser.h"
 #include "util/Clock.h"
@@ -238,6 +239,8 @@ bool AppGUI::SaveSceneAs(const String& name, bool autosave) {
         const String saved = app::SaveScene(name);
         if (autosave) return true;
         m_sceneName = saved;
+        gui::WindowHost* const host = gui::GUI::Instance().GetWindowHost();
+        if (host) host->SetDocumentName(saved);
         Log(logging::Info, "Scene saved to " + saved);
         return true;
     } catch (const std::exception& e) {

@@ -1,4 +1,3 @@
-#include <SDL/SDL_video.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -57,8 +56,7 @@ void AnswerVersionQuery(const util::StringList& arguments) {
 
 void MakeSubsystem() {
     core::Subsystem::Create();
-    const String caption = util::FileSystem::Version() + String(" by ") + CREDIT;
-    SDL_WM_SetCaption(caption.c_str(), "Vexa");
+    core::Subsystem::Instance().SetCaption(util::FileSystem::Version() + String(" by ") + CREDIT);
 }
 
 // Each service is made by this first mention.

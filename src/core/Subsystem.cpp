@@ -48,6 +48,16 @@ Subsystem::Subsystem()
     AddCommands();
 }
 
+void Subsystem::SetCaption(const String& caption) {
+    m_caption = caption;
+    SetDocumentName("");
+}
+
+void Subsystem::SetDocumentName(const String& name) {
+    const String title = name.empty() ? m_caption : name + " - " + m_caption;
+    SDL_WM_SetCaption(title.c_str(), "Vexa");
+}
+
 void Subsystem::AddLoggers() {
     logging::Logger& logger = logging::Logger::Instance();
     logger.AddLogger(new logging::StreamLogger(STDERR_LEVELS, std::cerr));

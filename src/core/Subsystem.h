@@ -36,7 +36,11 @@ class Subsystem : public gui::InputListener, public gui::WindowHost, public util
     bool IsFullscreen() const override { return m_windowParams.m_fullscreen; }
     void SetFullscreen(bool fullscreen) override;
     void RecreateWindow() override { CreateWindow(m_wantedParams); }
+    void SetDocumentName(const String& name) override;
     double GetFPS() const override { return m_fps; }
+
+    // The program's part of the window's title.
+    void SetCaption(const String& caption);
 
     const WindowParams& GetWantedParams() const { return m_wantedParams; }
     // For a first run: what the window is and what it is to be.
@@ -88,6 +92,7 @@ class Subsystem : public gui::InputListener, public gui::WindowHost, public util
     WindowParams m_windowParams;  // of the window that exists
     WindowParams m_wantedParams;  // what scripts edit and the next creation uses; equal after each creation
 
+    String m_caption;
     bool m_quit = false;                // the loop is to end
     bool m_commandsRegistered = false;  // the commands that need a window
     int m_framesSinceFlush = 0;

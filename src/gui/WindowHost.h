@@ -1,5 +1,7 @@
 #pragma once
 
+#include "util/String.h"
+
 namespace gui {
 
 // What the application may ask of the window it lives in. Implemented by the core, handed over at start.
@@ -12,6 +14,9 @@ class WindowHost {
 
     // Makes the window anew with the settings of the script object "System". Failures throw.
     virtual void RecreateWindow() = 0;
+
+    // Shows what is open before the program's own caption; an empty name leaves that alone.
+    virtual void SetDocumentName(const String& name) = 0;
 
     virtual double GetFPS() const = 0;  // frames per second, measured; 0 until first known
 

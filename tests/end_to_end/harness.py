@@ -188,6 +188,10 @@ class Session:
             capture_output=True, text=True).stdout.split()
         return windows[-1] if windows else None
 
+    def title(self):
+        return subprocess.run(["xdotool", "getwindowname", self.window], env=self.environment(),
+                              capture_output=True, text=True).stdout.strip()
+
     def kill(self):
         self.process.kill()
         self.process.wait()

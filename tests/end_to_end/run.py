@@ -154,6 +154,7 @@ def case_clean_exit(session):
     start_boxes(session)
     session.chord("ctrl", "s")
     wait_for("the saved scene", lambda: session.read("Scenes/scene-1.vxa"))
+    wait_for("its name in the title", lambda: session.title().startswith("scene-1.vxa - Vexa beta 3.5"))
     session.quit()
     for name in ["Scenes/" + AUTOSAVE, "config.autosave.cfg"]:
         check(not os.path.exists(session.path(name)), name + " was left behind")
