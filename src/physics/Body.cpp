@@ -43,7 +43,9 @@ AbstractBody::AbstractBody(const AbstractBody& other)
 AbstractBody::~AbstractBody() noexcept(false) = default;
 
 bool AbstractBody::IsOutOfRange() const {
-    return math::Length(m_pos) > RANGE || math::Length(m_vel) > RANGE || std::fabs(m_angVel) > RANGE;
+    constexpr real RANGE_SQUARED = RANGE * RANGE;
+    return math::LengthSquared(m_pos) > RANGE_SQUARED || math::LengthSquared(m_vel) > RANGE_SQUARED ||
+           std::fabs(m_angVel) > RANGE;
 }
 
 bool AbstractBody::IsBad() const {

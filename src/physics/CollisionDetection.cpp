@@ -269,13 +269,23 @@ void Collider::PolygonPolygon(const PolygonRec& a, const PolygonRec& b, ContactP
 // the list: so a contact keeps its roles, and its cached impulses their meaning. Vertices are numbered from
 // 1; vertices of either polygon with equal numbers make equal IDs, of which the cache keeps the later.
 void Collider::VerticesInside(Polygon* owner, Polygon* other, ContactPool& out) {
-    uint32_t index = 0;
-    for (const Vec2 v : owner->GetWorldVertices()) {
-        ++index;
+    const math::Vec2List& vertices = owner->GetWorldVertices();
+    const size_t count = vertices.size();
+    const auto test = [&](size_t i) {
+        const Vec2 v = vertices[i];
         const real s = other->Distance(v);
-        if (!(s < 0)) continue;
-        MakeContact(out, other, owner, index, v, other->Polygon::GetNormal(v), -s);
+        if (!(s < 0)) return;
+        MakeContact(out, other, owner, static_cast<uint32_t>(i + 1), v, other->Polygon::GetNormal(v), -s);
+    };
+    size_t i = 0;
+    for (; i + Polygon::BLOCK <= count; i += Polygon::BLOCK) {
+        uint32_t inBox[Polygon::BLOCK];
+        other->FindInBox(vertices.data() + i, inBox);
+        for (size_t b = 0; b < Polygon::BLOCK; ++b) {
+            if (inBox[b] != 0) test(i + b);
+        }
     }
+    for (; i < count; ++i) test(i);
 }
 
 }  // namespace physics

@@ -67,6 +67,9 @@ class Polygon : public Geom {
 
     // GetDistance without the virtual call, for loops over vertices.
     math::real Distance(math::Vec2 point) const;
+    // Which of BLOCK points lie in the tight box; the distance of the others is positive.
+    static constexpr size_t BLOCK = 8;
+    void FindInBox(const math::Vec2* points, uint32_t* inBox) const;
 
   private:
     math::Vec2 CalcAttribs();
