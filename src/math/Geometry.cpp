@@ -5,6 +5,7 @@
 namespace math {
 
 real WrapAngle(real angle) {
+    if (angle > -PI && angle <= PI) return angle;  // the usual case: nothing below would change it
     if (!IsFinite(angle)) return 0;
     real wrapped = std::fmod(angle, TWO_PI);
     while (wrapped <= -PI) wrapped += TWO_PI;

@@ -8,29 +8,30 @@ namespace physics {
 
 namespace {
 
-constexpr size_t BLOCK = 16;          // boxes tested at a time
-constexpr double AXIS_LOYALTY = 1.5;  // how much wider the spread must be across to turn the sweep round
-constexpr size_t SHIFTS_PER_BOX = 8;  // beyond that many the order is not nearly sorted
-constexpr size_t LONG_LIST = 24;      // partners, from which on sorting by insertion is slow
-
-// Sums that tell how widely the boxes are spread along one axis.
-struct Spread {
-    double sum = 0;
-    double sumSq = 0;
-
-    void Add(float low, float high) {
-        const double middle = (static_cast<double>(low) + high) / 2;
-        if (!std::isfinite(middle)) return;
-        sum += middle;
-        sumSq += middle * middle;
-    }
-    double GetVariance(size_t count) const {
-        const double mean = sum / static_cast<double>(count);
-        return sumSq / static_cast<double>(count) - mean * mean;
-    }
-};
+constexpr size_t BLOCK = 16;           // boxes tested at a time
+constexpr double AXIS_LOYALTY = 1.5;   // how much wider the spread must be across to turn the sweep round
+constexpr size_t SHIFTS_PER_BOX = 8;   // beyond that many the order is not nearly sorted
+constexpr size_t LONG_LIST = 24;       // partners, from which on sorting by insertion is slow
+constexpr double BAND_HEIGHT = 4;      // mean sizes of a box, so that few boxes lie in two bands
+constexpr size_t BOXES_PER_BAND = 32;  // fewer are not worth a band
+constexpr size_t MAX_BANDS = 128;
+constexpr double SPREAD_WIDTH = 3.5;  // standard deviations from end to end of evenly spread boxes
 
 }  // namespace
+
+void PairSweep::Spread::Add(float low, float high) {
+    const double middle = (static_cast<double>(low) + high) / 2;
+    const double size = static_cast<double>(high) - low;
+    if (!std::isfinite(middle) || !std::isfinite(size)) return;
+    sum += middle;
+    sumSq += middle * middle;
+    sizes += size;
+}
+
+double PairSweep::Spread::GetVariance(size_t count) const {
+    const double mean = sum / static_cast<double>(count);
+    return std::max(sumSq / static_cast<double>(count) - mean * mean, 0.0);
+}
 
 void PairSweep::FindPairs() {
     ChooseAxis();
@@ -41,7 +42,6 @@ void PairSweep::FindPairs() {
 }
 
 void PairSweep::ChooseAxis() {
-    if (m_boxes.empty()) return;
     Spread x, y;
     for (const Box& box : m_boxes) {
         x.Add(box.minX, box.maxX);
@@ -49,6 +49,18 @@ void PairSweep::ChooseAxis() {
     }
     const double alongX = x.GetVariance(m_boxes.size()), alongY = y.GetVariance(m_boxes.size());
     if (m_alongY ? alongX > AXIS_LOYALTY * alongY : alongY > AXIS_LOYALTY * alongX) m_alongY = !m_alongY;
+    ChooseBands(m_alongY ? x : y);
+}
+
+// Bands across the axis. Their number and place only decide how much is tested in vain.
+void PairSweep::ChooseBands(const Spread& across) {
+    const double count = static_cast<double>(m_boxes.size());
+    const double width = SPREAD_WIDTH * std::sqrt(across.GetVariance(m_boxes.size()));
+    const double wanted = width / (BAND_HEIGHT * across.sizes / count);
+    const double most = static_cast<double>(std::min(m_boxes.size() / BOXES_PER_BAND, MAX_BANDS));
+    m_bands = wanted > 1 && most > 1 ? static_cast<uint32_t>(std::min(wanted, most)) : 1;
+    m_bandsPerMetre = m_bands > 1 ? static_cast<float>(m_bands / width) : 0;
+    m_bandOrigin = m_bands > 1 ? static_cast<float>(across.sum / count - width / 2) : 0;
 }
 
 // By insertion, starting from the last order; from scratch when that is not near.
@@ -58,7 +70,7 @@ void PairSweep::SortOrder() {
         m_order.resize(n);
         for (size_t i = 0; i < n; ++i) m_order[i] = static_cast<uint32_t>(i);
     }
-    m_low.resize(n);
+    m_low.resize(n);  // for the time being
     for (size_t k = 0; k < n; ++k) m_low[k] = GetLow(m_order[k]);
     size_t shifts = 0;
     for (size_t k = 1; k < n; ++k) {
@@ -84,31 +96,62 @@ void PairSweep::SortFromScratch() {
               [this](uint32_t a, uint32_t b) { return GetLow(a) < GetLow(b); });
 }
 
-// The arrays that the sweep runs over, with a block of NaN behind them, which nothing overlaps.
+// The arrays that the sweep runs over: band after band, and within a band in the order of the axis. Behind
+// each band stands a block of NaN, which nothing overlaps.
 void PairSweep::Gather() {
-    const size_t n = m_boxes.size();
-    for (util::VectorPOD<float>* array : {&m_low, &m_high, &m_crossLow, &m_crossHigh}) {
-        array->resize(n + BLOCK);
-        std::fill(array->begin() + n, array->end(), std::numeric_limits<float>::quiet_NaN());
+    PlaceBands();
+    for (const uint32_t number : m_order) {
+        const Box box = m_boxes[number];
+        const float crossLow = m_alongY ? box.minX : box.minY;
+        const float crossHigh = m_alongY ? box.maxX : box.maxY;
+        const uint32_t lastBand = GetBand(crossHigh);
+        for (uint32_t band = GetBand(crossLow); band <= lastBand; ++band) {
+            const uint32_t at = m_bandEnd[band]++;
+            m_number[at] = number;
+            m_low[at] = m_alongY ? box.minY : box.minX;
+            m_high[at] = m_alongY ? box.maxY : box.maxX;
+            m_crossLow[at] = crossLow;
+            m_crossHigh[at] = crossHigh;
+        }
     }
-    for (size_t k = 0; k < n; ++k) {
-        const Box box = m_boxes[m_order[k]];
-        m_low[k] = m_alongY ? box.minY : box.minX;
-        m_high[k] = m_alongY ? box.maxY : box.maxX;
-        m_crossLow[k] = m_alongY ? box.minX : box.minY;
-        m_crossHigh[k] = m_alongY ? box.maxX : box.maxY;
+    for (const uint32_t end : m_bandEnd) {
+        std::fill_n(m_low.begin() + end, BLOCK, std::numeric_limits<float>::quiet_NaN());
+        std::fill_n(m_crossLow.begin() + end, BLOCK, std::numeric_limits<float>::quiet_NaN());
+        std::fill_n(m_crossHigh.begin() + end, BLOCK, std::numeric_limits<float>::quiet_NaN());
     }
+}
+
+// Counts the boxes of each band and gives it its stretch of the arrays, which is still empty.
+void PairSweep::PlaceBands() {
+    m_bandBegin.resize(m_bands);
+    m_bandEnd.resize(m_bands);
+    std::fill(m_bandEnd.begin(), m_bandEnd.end(), 0u);
+    for (const Box& box : m_boxes) {
+        const uint32_t lastBand = GetBand(m_alongY ? box.maxX : box.maxY);
+        for (uint32_t band = GetBand(m_alongY ? box.minX : box.minY); band <= lastBand; ++band)
+            ++m_bandEnd[band];
+    }
+    uint32_t size = 0;
+    for (uint32_t band = 0; band < m_bands; ++band) {
+        const uint32_t count = m_bandEnd[band];
+        m_bandBegin[band] = m_bandEnd[band] = size;
+        size += count + BLOCK;
+    }
+    m_number.resize(size);
+    for (util::VectorPOD<float>* array : {&m_low, &m_high, &m_crossLow, &m_crossHigh}) array->resize(size);
 }
 
 void PairSweep::Sweep() {
     m_pairs.clear();
-    for (size_t k = 0; k < m_boxes.size(); ++k) SweepFrom(k);
+    for (uint32_t band = 0; band < m_bands; ++band) {
+        for (uint32_t k = m_bandBegin[band]; k < m_bandEnd[band]; ++k) SweepFrom(k, band);
+    }
 }
 
-// Tests box k of the sweep against those that begin before it ends, a block at a time and without branches.
-void PairSweep::SweepFrom(size_t k) {
+// Tests box k of the arrays against those that begin before it ends, a block at a time and without branches.
+void PairSweep::SweepFrom(uint32_t k, uint32_t band) {
     const float high = m_high[k], crossLow = m_crossLow[k], crossHigh = m_crossHigh[k];
-    for (size_t first = k + 1; m_low[first] <= high; first += BLOCK) {
+    for (uint32_t first = k + 1; m_low[first] <= high; first += BLOCK) {
         const float* const lows = m_low.data() + first;
         const float* const crossLows = m_crossLow.data() + first;
         const float* const crossHighs = m_crossHigh.data() + first;
@@ -120,8 +163,9 @@ void PairSweep::SweepFrom(size_t k) {
         }
         if (any == 0) continue;
         for (size_t b = 0; b < BLOCK; ++b) {
-            if (hits[b] == 0) continue;
-            const uint32_t i = m_order[k], j = m_order[first + b];
+            // Of a pair that shares several bands, the one where the overlap begins speaks.
+            if (hits[b] == 0 || GetBand(std::max(crossLow, crossLows[b])) != band) continue;
+            const uint32_t i = m_number[k], j = m_number[first + b];
             m_pairs.push_back(i < j ? Pair{i, j} : Pair{j, i});
         }
     }
