@@ -106,7 +106,7 @@ FileBytes MakeBmp(int width, int height) {
     AddLittle(file, static_cast<uint32_t>(height), 4);
     AddLittle(file, 1, 2);
     AddLittle(file, 24, 2);
-    AddLittle(file, 0, 24);
+    file.insert(file.end(), 24, 0);
     for (int y = height - 1; y >= 0; --y) {
         const size_t start = file.size();
         for (int x = 0; x < width; ++x) AddBgr(file, x, y);
@@ -120,7 +120,7 @@ std::string WriteFile(const std::string& name, const FileBytes& bytes) {
     const std::string path = files.GetWorkDir() + name;
     files.MakeDir(path.substr(0, path.rfind('/')));
     util::FILEWrapper file(path, "wb");
-    file.Write(bytes.data(), bytes.size());
+    if (!bytes.empty()) file.Write(bytes.data(), bytes.size());
     return path;
 }
 
