@@ -5,7 +5,7 @@
 #include "app/Background.h"
 #include "app/DebugViews.h"
 #include "app/WaterPainter.h"
-#include "app/entities/Entity.h"
+#include "app/entities/CircleEntity.h"
 #include "app/tools/Tool.h"
 #include "gui/Input.h"
 #include "physics/SPH.h"
@@ -87,6 +87,7 @@ void App::DrawComp() {
     DrawEntities();
     DrawDebugViews();
     if (m_appGUI) m_appGUI->GetTool().Draw();
+    rendering::ShapePainter::Instance().Flush();
     CaptureFade();
 }
 
@@ -130,19 +131,22 @@ void App::DrawEntities() {
     view.pixelSize = GetWorldPerGUI() / GetGUIScale();
     view.borderWidth = m_borderWidth->Get() * GetCmToWorld();
     view.borders = m_borders->Get();
-    rendering::ShapePainter::Instance().SetView(view);
+    rendering::ShapePainter& painter = rendering::ShapePainter::Instance();
+    painter.SetView(view);
 
     const float pulse = GetPulse();
-    const Vec3& selected = m_selectColor->Get();
+    const Vec3 selected = m_selectColor->Get();
     for (const EntityPtr& entity : m_entities) {
         if (!entity->GetBoundingBox().Overlaps(view.box)) continue;
         const bool isSelected = m_selection.Has(entity);
         const float tint = isSelected ? pulse : 1;
         entity->SetTint({tint, tint, tint});
         Renderer::Instance().SetColor(isSelected ? Vec4(selected.x, selected.y, selected.z, 1) : WHITE);
+        // Waiting circles lie below whatever comes next.
+        if (dynamic_cast<const CircleEntity*>(entity.Get()) == nullptr) painter.Flush();
         entity->Draw();
     }
-    rendering::ShapePainter::Instance().Flush();
+    painter.Flush();
     Renderer::Instance().SetColor(WHITE);
 }
 

@@ -8,6 +8,7 @@
 #include "physics/Particle.h"
 #include "physics/Polygon.h"
 #include "rendering/Renderer.h"
+#include "rendering/ShapePainter.h"
 
 namespace app {
 
@@ -94,6 +95,8 @@ void DrawContacts(float normalLength) {
 
 void DrawDebugLayers(const physics::Geom& geom) {
     const App& app = App::Instance();
+    if (!app.m_drawOBBs->Get() && !app.m_drawBCs->Get()) return;
+    rendering::ShapePainter::Instance().Flush();
     if (app.m_drawOBBs->Get()) DrawBox(geom.GetOBB(), {});
     if (app.m_drawBCs->Get()) DrawBoundingCircle(geom.GetBoundingCircle());
 }

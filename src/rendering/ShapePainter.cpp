@@ -140,6 +140,12 @@ ShapePainter::ShapePainter() : m_polygonShader("polygon"), m_circleShader("circl
     m_disc = textures.Get("circle_no_border", Texture::ImageType::Sprite());
 }
 
+// What a broken-off frame left waiting is dropped.
+void ShapePainter::SetView(const ShapeView& view) {
+    m_view = view;
+    m_discs.Clear();
+}
+
 float ShapePainter::GetWidth(float limit) const {
     return std::min(m_view.borderWidth, limit);
 }

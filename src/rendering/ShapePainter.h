@@ -32,7 +32,7 @@ class ShapePainter : public util::Pointee, public util::Singleton<ShapePainter> 
   public:
     ShapePainter();
 
-    void SetView(const ShapeView& view) { m_view = view; }
+    void SetView(const ShapeView& view);
     const ShapeView& GetView() const { return m_view; }
 
     // Without shaders circles wait to be drawn together, until another shape comes or Flush.
