@@ -79,10 +79,10 @@ def build_formulas(target):
 
 
 def build_font(target):
-    """Sheet and advances."""
+    """Sheets and advances."""
     path = os.path.join(target, FONT)
     os.makedirs(os.path.dirname(path), exist_ok=True)
-    for ending, data in zip((".raw", ".dat"), fontsheet.build()):
+    for ending, data in fontsheet.build().items():
         with open(path + ending, "wb") as file:
             file.write(data)
 

@@ -1,4 +1,5 @@
-"""The font sheet: 16 by 16 cells of 16 by 16 pixels, one byte a pixel, and the table of advances.
+"""The font sheets: 16 by 16 cells of 16 by 16 pixels, one byte a pixel, and the table of advances; and the same
+glyphs at twice the size for screens of high density, set by the advances of the small ones.
 
 Glyph g lies in column g % 16 and row g / 16, row 0 at the top of the file. The text is ISO 8859-1, so a byte is the
 Unicode character of the same number; control characters are empty cells with the advance of a blank.
@@ -19,32 +20,47 @@ BASELINE = 13  # rows from the top of a cell: accents begin in row 1, descenders
 CONTROLS = set(range(0, 32)) | set(range(127, 160))
 
 
-def load_font():
+def load_font(scale):
     """The typeface at the sheet's size, without any shaping between glyphs."""
-    return ImageFont.truetype(FONT_FILE, FONT_PIXELS, layout_engine=ImageFont.Layout.BASIC)
+    return ImageFont.truetype(FONT_FILE, FONT_PIXELS * scale, layout_engine=ImageFont.Layout.BASIC)
 
 
-def draw_glyph(font, code):
-    """One cell and its advance in pixels. Ink left of the pen would be cut off, so such a glyph moves right."""
-    cell = Image.new("L", (CELL, CELL), 0)
-    advance = round(font.getlength(" " if code in CONTROLS else chr(code)))
+def advance_of(font, code):
+    """Pixels; control characters are as wide as a blank."""
+    return round(font.getlength(" " if code in CONTROLS else chr(code)))
+
+
+def draw_glyph(font, code, scale, advance):
+    """One cell and the advance of its glyph in pixels, `advance` unless the ink needs more. Ink left of the pen would
+    be cut off, so such a glyph moves right. What hinting made wider or narrower than `advance` is shared out."""
+    side = CELL * scale
+    cell = Image.new("L", (side, side), 0)
     if code in CONTROLS:
         return cell, advance
     left, top, right, bottom = font.getbbox(chr(code), anchor="ls")
-    shift = max(0, -left)
-    if BASELINE + top < 0 or BASELINE + bottom > CELL or right + shift > CELL:
+    shift = max((advance - advance_of(font, code)) // 2, -left)
+    baseline = BASELINE * scale
+    if baseline + top < 0 or baseline + bottom > side or right + shift > side:
         raise ValueError("glyph %d does not fit its cell" % code)
-    ImageDraw.Draw(cell).text((shift, BASELINE), chr(code), font=font, fill=255, anchor="ls")
-    return cell, max(advance, right + shift if shift else 0)
+    ImageDraw.Draw(cell).text((shift, baseline), chr(code), font=font, fill=255, anchor="ls")
+    return cell, max(advance, right + shift if shift > 0 and left < 0 else 0)
+
+
+def draw_sheet(font, scale, advances):
+    """The bytes of a sheet and the advances that its glyphs take."""
+    side = CELL * scale
+    sheet = Image.new("L", (16 * side, 16 * side), 0)
+    taken = []
+    for code in range(256):
+        cell, advance = draw_glyph(font, code, scale, advances[code])
+        sheet.paste(cell, (code % 16 * side, code // 16 * side))
+        taken.append(advance)
+    return sheet.tobytes(), taken
 
 
 def build():
-    """Returns the bytes of the sheet and the bytes of the table of advances."""
-    font = load_font()
-    sheet = Image.new("L", (16 * CELL, 16 * CELL), 0)
-    advances = []
-    for code in range(256):
-        cell, advance = draw_glyph(font, code)
-        sheet.paste(cell, (code % 16 * CELL, code // 16 * CELL))
-        advances.append(advance)
-    return sheet.tobytes(), bytes(advances)
+    """Returns the files by their endings: the sheet, the table of advances, the sheet of twice the size."""
+    font = load_font(1)
+    sheet, advances = draw_sheet(font, 1, [advance_of(font, code) for code in range(256)])
+    fine, _ = draw_sheet(load_font(2), 2, [2 * advance for advance in advances])
+    return {".raw": sheet, ".dat": bytes(advances), "_2x.raw": fine}

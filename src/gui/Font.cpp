@@ -1,11 +1,13 @@
 #include "gui/Font.h"
 
+#include <algorithm>
 #include <boost/bind/bind.hpp>
 #include <map>
 
 #include "rendering/Context.h"
 #include "rendering/Gl.h"
 #include "rendering/Image.h"
+#include "rendering/TextureManager.h"
 #include "util/Exception.h"
 #include "util/FileSystem.h"
 #include "util/FileWrapper.h"
@@ -18,8 +20,9 @@ using rendering::ImageRGBA32Ptr;
 
 namespace {
 
-Font* LoadFont(const String& widthsPath, const String& sheetPath) {
-    return new Font(widthsPath, sheetPath);
+// `path` is without the endings.
+Font* LoadFont(const String& path) {
+    return new Font(path + ".dat", path + ".raw", path + "_2x.raw");
 }
 
 constexpr int STAND_IN_CELL = 16;  // pixels
@@ -48,30 +51,43 @@ ImageRGBA32Ptr MakeStandInSheet() {
     return sheet;
 }
 
-constexpr int GUTTER = 1;  // pixels round each cell of the texture
+// Room round each cell of the texture, in cells: a pixel of the ordinary sheet.
+constexpr int CELL_PER_GUTTER = 16;
 
 // The sheet with its cells apart: smooth sampling reads a little beyond a glyph that is not drawn one to one,
 // and must not find the next one there.
-ImageRGBA32Ptr SpreadCells(const ImageRGBA32& sheet, int cell) {
-    const int stride = cell + 2 * GUTTER;
-    const int side = stride * Font::CELLS_PER_SIDE;
+ImageRGBA32Ptr SpreadCells(const ImageRGBA32& sheet) {
+    const int cell = static_cast<int>(sheet.GetWidth()) / Font::CELLS_PER_SIDE;
+    const int gutter = std::max(1, cell / CELL_PER_GUTTER);
+    const int side = (cell + 2 * gutter) * Font::CELLS_PER_SIDE;
     const ImageRGBA32Ptr spread = new ImageRGBA32(side, side, rendering::RGBA32(255, 255, 255, 0));
     for (uint32_t y = 0; y < sheet.GetHeight(); ++y) {
         for (uint32_t x = 0; x < sheet.GetWidth(); ++x) {
-            (*spread)(x + GUTTER * (2 * (x / cell) + 1), y + GUTTER * (2 * (y / cell) + 1)) = sheet(x, y);
+            (*spread)(x + gutter * (2 * (x / cell) + 1), y + gutter * (2 * (y / cell) + 1)) = sheet(x, y);
         }
     }
     return spread;
 }
 
+rendering::Texture* MakeTexture(const ImageRGBA32Ptr& sheet) {
+    return new rendering::Texture(SpreadCells(*sheet), rendering::Texture::ImageType::Font());
+}
+
+rendering::Texture* LoadTexture(const String& path) {
+    return MakeTexture(ImageRGBA32::LoadFile(path));
+}
+
 }  // namespace
+
+float Font::s_pixelsPerUnit = 1;
 
 Font::Font() {
     m_advance.fill(1);
 }
 
-Font::Font(const String& widthsPath, const String& sheetPath) : Font() {
+Font::Font(const String& widthsPath, const String& sheetPath, const String& fineSheetPath) : Font() {
     SetSheet(ImageRGBA32::LoadFile(sheetPath));
+    SetFineSheet(fineSheetPath);
     LoadWidths(widthsPath);
     BuildLists();
 }
@@ -94,7 +110,7 @@ FontMentorPtr Font::Get(const String& name) {
     FontMentorPtr& mentor = fonts[name];
     if (!mentor) {
         const String path = util::FileSystem::Instance().GetFontsDir() + name;
-        mentor = new FontMentor(boost::bind(&LoadFont, path + ".dat", path + ".raw"));
+        mentor = new FontMentor(boost::bind(&LoadFont, path));
     }
     return mentor;
 }
@@ -117,8 +133,19 @@ void Font::LoadWidths(const std::string& path) {
 void Font::SetSheet(const ImageRGBA32Ptr& sheet) {
     DATA_ASSERTION(sheet->GetWidth() == sheet->GetHeight() && sheet->GetWidth() % CELLS_PER_SIDE == 0);
     m_cellSize = static_cast<float>(sheet->GetWidth()) / CELLS_PER_SIDE;
-    m_texture = new rendering::Texture(SpreadCells(*sheet, static_cast<int>(m_cellSize)),
-                                       rendering::Texture::ImageType::Font());
+    m_texture = MakeTexture(sheet);
+}
+
+void Font::SetFineSheet(const String& path) {
+    if (path.empty() || !util::FileSystem::Instance().Exists(path)) return;
+    m_fineTexture = rendering::TextureManager::Make(boost::bind(&LoadTexture, path));
+}
+
+// One of another size, which may be the picture that stands in for it, would not have the glyphs in place.
+const rendering::Texture& Font::ChooseTexture() const {
+    if (s_pixelsPerUnit <= 1 || !m_fineTexture) return *m_texture;
+    const rendering::TexturePtr& fine = m_fineTexture->Get();
+    return fine && fine->GetWidth() == 2 * m_texture->GetWidth() ? *fine : *m_texture;
 }
 
 void Font::BuildLists() {
@@ -131,7 +158,7 @@ void Font::BuildLists() {
 // Row 0 of the sheet is its upper edge, where t is 1; the quad's y points down.
 void Font::BuildGlyph(int glyph) const {
     constexpr float STRIDE = 1.0f / CELLS_PER_SIDE;
-    const float gutter = STRIDE * GUTTER / (m_cellSize + 2 * GUTTER);
+    const float gutter = STRIDE * (1 - m_cellSize * CELLS_PER_SIDE / m_texture->GetWidth()) / 2;
     const float cell = STRIDE - 2 * gutter;
     const float s = glyph % CELLS_PER_SIDE * STRIDE + gutter;
     const float t = 1 - glyph / CELLS_PER_SIDE * STRIDE - gutter;
@@ -155,7 +182,7 @@ void Font::BeginDrawing() const {
     glListBase(m_lists);
     glEnable(GL_TEXTURE_2D);
     glEnable(GL_BLEND);
-    m_texture->Bind();
+    ChooseTexture().Bind();
 }
 
 void Font::DrawRun(const char* bytes, size_t nBytes) const {
@@ -163,7 +190,7 @@ void Font::DrawRun(const char* bytes, size_t nBytes) const {
 }
 
 void Font::EndDrawing() const {
-    m_texture->Unbind();
+    ChooseTexture().Unbind();
     glPopAttrib();
 }
 

@@ -56,11 +56,11 @@ GUI::GUI()
     InstallLogSink();
     m_root = new Component("Root");
     Input::Instance().AddListener(m_root);
-    const util::CallbackPtr push = new util::Callback(boost::bind(&GUI::PushInputSettings, this), this);
+    const util::CallbackPtr push = new util::Callback(boost::bind(&GUI::PushSettings, this), this);
     m_clickTolerance->AddOnChange(push);
     m_clickTimeTolerance->AddOnChange(push);
     m_scale->AddOnChange(new util::Callback(boost::bind(&GUI::OnScaleChange, this), this));
-    PushInputSettings();
+    PushSettings();
     ResizeRoot();
     LoadCursor();
 }
@@ -112,13 +112,14 @@ void GUI::OnScaleChange() {
         SetScale(scale > MAX_SCALE ? MAX_SCALE : MIN_SCALE);  // which comes here again
         return;
     }
-    PushInputSettings();
+    PushSettings();
     ResizeRoot();
 }
 
-void GUI::PushInputSettings() {
+void GUI::PushSettings() {
     InputSettings& settings = Input::Instance().GetSettings();
     settings.m_scale = GetScale();
+    Font::SetPixelsPerUnit(GetScale());
     settings.m_clickTolerance = m_clickTolerance->Get();
     settings.m_clickTimeTolerance = m_clickTimeTolerance->Get();
 }

@@ -48,7 +48,7 @@ class GUI : public script::Reflected, public util::Singleton<GUI> {
     void InstallLogSink();
     void LoadCursor();
     void OnScaleChange();
-    void PushInputSettings();
+    void PushSettings();  // to those who obey them
     void ResizeRoot();
     void DrawTree();
     void DrawCursor();

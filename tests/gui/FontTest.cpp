@@ -102,6 +102,30 @@ TEST_F(FontDrawing, SheetReadsBackUprightAndInOrder) {
     }
 }
 
+// Twice the size in every direction, drawn at a scale of 2; here the fine sheet is all filled.
+TEST_F(FontDrawing, FineSheetIsDrawnAtHighScalesIfItFits) {
+    constexpr int SHEET = CELL * Font::CELLS_PER_SIDE;
+    const struct {
+        int side;
+        float pixelsPerUnit;
+        int expected;
+    } cases[] = {{2 * SHEET, 2, 255}, {2 * SHEET, 1, 0}, {SHEET, 2, 0}};
+    for (const auto& c : cases) {
+        test::WriteBytes(test::FontPath("fine.raw"), String(c.side * c.side, '\xff'));
+        const FontPtr font = new Font(test::FontPath("fixedsys.dat"), test::FontPath("fixedsys.raw"),
+                                      test::FontPath("fine.raw"));
+        Font::SetPixelsPerUnit(c.pixelsPerUnit);
+        glClear(GL_COLOR_BUFFER_BIT);
+        glLoadIdentity();
+        glScalef(2 * CELL, 2 * CELL, 1);
+        font->BeginDrawing();
+        font->DrawRun("a", 1);
+        font->EndDrawing();
+        EXPECT_EQ((*ReadFrame())(16, SIZE - 1 - 24).x, c.expected);
+        Font::SetPixelsPerUnit(1);
+    }
+}
+
 TEST_F(FontDrawing, PenFollowsAdvancesTabsAndLines) {
     const math::Vec2 pen = gui::DrawString(m_format, 2, 3, "mi\tb\nxy");
     EXPECT_EQ(pen, math::Vec2(2 + 16, 3 + 16));
