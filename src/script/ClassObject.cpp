@@ -195,6 +195,7 @@ ExpressionPtr ClassObject::ToExpression() const {
     const CodeBlockPtr block = new CodeBlock;
     for (const VariablePtr& variable : GetVariables()) {
         try {
+            const FreshSession session;
             if (const ExpressionPtr assignment = variable->ToAssignment()) block->Add(assignment);
         } catch (const std::exception& e) {
             LogException(e, WHERE);

@@ -42,15 +42,15 @@ ObjectPtr CodeBlock::Evaluate(const ClosurePtr& closure) {
     return result;
 }
 
-// When the session has used up its steps, the failure ends all statements and not only this one.
 ObjectPtr CodeBlock::EvaluateStatement(const ExpressionPtr& statement, const ClosurePtr& closure) const {
     try {
         return statement->Evaluate(closure);
+    } catch (const TimeoutException&) {
+        throw;
     } catch (const std::exception& e) {
-        if (IsSessionSpent()) throw;
+        ChargeSteps(FAILURE_STEPS);
         LogException(e, WHERE);
         Log(logging::Warning, "Failed to evaluate: " + DescribeStatement(statement) + ", " + e.what());
-        ChargeSteps(FAILURE_STEPS);
         return new ErrorObject;
     }
 }

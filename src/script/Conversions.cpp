@@ -1,7 +1,5 @@
 #include "script/Conversions.h"
 
-#include <typeinfo>
-
 #include "script/Exceptions.h"
 
 namespace script {
@@ -10,23 +8,14 @@ namespace script {
 
 namespace {
 
-// The value if the object is one of exactly this type, else null. By typeid: several times faster than a
-// dynamic cast, and scenes convert millions of numbers.
-template <class T>
-const T* ValueOf(const ObjectPtr& object) {
-    const Object* const pointee = object.Get();
-    if (pointee == nullptr || typeid(*pointee) != typeid(Value<T>)) return nullptr;
-    return &static_cast<const Value<T>*>(pointee)->Get();
-}
-
-const ObjectList& ListOf(const ObjectPtr& object) {
-    const List* const list = dynamic_cast<const List*>(object.Get());
+const ObjectList& GetList(const ObjectPtr& object) {
+    const ObjectList* const list = ListOf(object);
     if (list == nullptr) THROW(ScriptException, "Not a list");
-    return list->Get();
+    return *list;
 }
 
-const ObjectList& ListOf(const ObjectPtr& object, size_t size, const char* failure) {
-    const ObjectList& list = ListOf(object);
+const ObjectList& GetList(const ObjectPtr& object, size_t size, const char* failure) {
+    const ObjectList& list = GetList(object);
     if (list.size() != size) THROW(ScriptException, failure);
     return list;
 }
@@ -34,7 +23,7 @@ const ObjectList& ListOf(const ObjectPtr& object, size_t size, const char* failu
 template <class Container>
 Container VectorsOf(const ObjectPtr& object) {
     Container vectors;
-    for (const ObjectPtr& element : ListOf(object)) vectors.push_back(ObjectToValue<math::Vec2>(element));
+    for (const ObjectPtr& element : GetList(object)) vectors.push_back(ObjectToValue<math::Vec2>(element));
     return vectors;
 }
 
@@ -87,30 +76,30 @@ ObjectPtr ObjectToValue(const ObjectPtr& object) {
 
 template <>
 ObjectList ObjectToValue(const ObjectPtr& object) {
-    return ListOf(object);
+    return GetList(object);
 }
 
 template <>
 math::TVector2<float> ObjectToValue(const ObjectPtr& object) {
-    const ObjectList& list = ListOf(object, 2, "Not a vector");
+    const ObjectList& list = GetList(object, 2, "Not a vector");
     return {ObjectToValue<float>(list[0]), ObjectToValue<float>(list[1])};
 }
 
 template <>
 math::TVector2<int> ObjectToValue(const ObjectPtr& object) {
-    const ObjectList& list = ListOf(object, 2, "Not a vector");
+    const ObjectList& list = GetList(object, 2, "Not a vector");
     return {ObjectToValue<int>(list[0]), ObjectToValue<int>(list[1])};
 }
 
 template <>
 math::TVector3<float> ObjectToValue(const ObjectPtr& object) {
-    const ObjectList& list = ListOf(object, 3, "Not a vector");
+    const ObjectList& list = GetList(object, 3, "Not a vector");
     return {ObjectToValue<float>(list[0]), ObjectToValue<float>(list[1]), ObjectToValue<float>(list[2])};
 }
 
 template <>
 math::TVector4<float> ObjectToValue(const ObjectPtr& object) {
-    const ObjectList& list = ListOf(object, 4, "Not a vector");
+    const ObjectList& list = GetList(object, 4, "Not a vector");
     return {ObjectToValue<float>(list[0]), ObjectToValue<float>(list[1]), ObjectToValue<float>(list[2]),
             ObjectToValue<float>(list[3])};
 }
@@ -127,7 +116,7 @@ std::vector<math::Vec2> ObjectToValue(const ObjectPtr& object) {
 
 template <>
 math::BoundingBox2f ObjectToValue(const ObjectPtr& object) {
-    const ObjectList& list = ListOf(object, 2, "Not a bounding box");
+    const ObjectList& list = GetList(object, 2, "Not a bounding box");
     return {ObjectToValue<math::Vec2>(list[0]), ObjectToValue<math::Vec2>(list[1])};
 }
 

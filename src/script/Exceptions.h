@@ -22,4 +22,11 @@ class ScriptException : public BadDataException {
     using BadDataException::BadDataException;
 };
 
+// A program that has worked for too long. The only failure that ends more than its statement: everything up
+// to the outermost Execute.
+class TimeoutException : public ScriptException {
+  public:
+    using ScriptException::ScriptException;
+};
+
 }  // namespace script

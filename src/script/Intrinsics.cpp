@@ -43,36 +43,26 @@ Float DivFloat(Float a, Float b) {
     return a / b;
 }
 
-template <class T>
-const Value<T>* As(const ObjectPtr& object) {
-    return dynamic_cast<const Value<T>*>(object.Get());
-}
-const List* AsList(const ObjectPtr& object) {
-    return dynamic_cast<const List*>(object.Get());
-}
-
 // Null when `a` is no number.
 ObjectPtr NumFun(const ObjectPtr& a, const ObjectPtr& b, Int (*intFn)(Int, Int),
-                 Float (*floatFn)(Float, Float), const String& name) {
-    if (const Value<Int>* const intA = As<Int>(a)) {
-        if (const Value<Int>* const intB = As<Int>(b)) return ValueToObject(intFn(intA->Get(), intB->Get()));
-        if (const Value<Float>* const floatB = As<Float>(b)) {
-            return ValueToObject(floatFn(intA->Get(), floatB->Get()));
-        }
-        THROW(ScriptException, "Cannot " + name + " an int to a non-number");
+                 Float (*floatFn)(Float, Float), const char* name) {
+    if (const Int* const intA = ValueOf<Int>(a)) {
+        if (const Int* const intB = ValueOf<Int>(b)) return ValueToObject(intFn(*intA, *intB));
+        if (const Float* const floatB = ValueOf<Float>(b)) return ValueToObject(floatFn(*intA, *floatB));
+        THROW(ScriptException, String("Cannot ") + name + " an int to a non-number");
     }
-    if (const Value<Float>* const floatA = As<Float>(a)) {
-        return ValueToObject(floatFn(floatA->Get(), ObjectToValue<Float>(b)));
+    if (const Float* const floatA = ValueOf<Float>(a)) {
+        return ValueToObject(floatFn(*floatA, ObjectToValue<Float>(b)));
     }
     return nullptr;
 }
 
 // ---- lists -------------------------------------------------------------------------------------------
 
-constexpr int64_t ELEMENT_STEPS = 2;  // an element costs an object, in time and in memory
+constexpr int64_t ELEMENT_STEPS = 4;  // an element costs an object, in time and in memory
 
-void ChargeElements(const List& list) {
-    ChargeSteps(ELEMENT_STEPS * static_cast<int64_t>(list.Get().size()));
+void ChargeElements(const ObjectList& list) {
+    ChargeSteps(ELEMENT_STEPS * static_cast<int64_t>(list.size()));
 }
 
 void AppendUnlessNull(ObjectList& list, const ObjectPtr& object) {
@@ -80,46 +70,46 @@ void AppendUnlessNull(ObjectList& list, const ObjectPtr& object) {
 }
 
 // Element by element; null when `a` is no list.
-ObjectPtr ListRecurse(const ObjectPtr& a, const ObjectPtr& b, Operation fn, const String& name) {
+ObjectPtr ListRecurse(const ObjectPtr& a, const ObjectPtr& b, Operation fn, const char* name) {
     const NestingGuard guard;
-    const List* const listA = AsList(a);
+    const ObjectList* const listA = ListOf(a);
     if (listA == nullptr) return nullptr;
-    const List* const listB = AsList(b);
-    if (listB == nullptr) THROW(ScriptException, "Cannot " + name + " list and no-list");
-    const size_t size = listA->Get().size();
-    if (size != listB->Get().size()) THROW(ScriptException, "Cannot " + name + " lists of different size");
+    const ObjectList* const listB = ListOf(b);
+    if (listB == nullptr) THROW(ScriptException, String("Cannot ") + name + " list and no-list");
+    const size_t size = listA->size();
+    if (size != listB->size()) THROW(ScriptException, String("Cannot ") + name + " lists of different size");
     ChargeElements(*listA);
     ObjectList result;
     result.reserve(size);
-    for (size_t i = 0; i < size; ++i) AppendUnlessNull(result, fn(listA->Get()[i], listB->Get()[i]));
+    for (size_t i = 0; i < size; ++i) AppendUnlessNull(result, fn((*listA)[i], (*listB)[i]));
     return new List(std::move(result));
 }
 
-ObjectPtr ListMap(const List& list, const ObjectPtr& scalar, Operation fn) {
+ObjectPtr ListMap(const ObjectList& list, const ObjectPtr& scalar, Operation fn) {
     const NestingGuard guard;
     ChargeElements(list);
     ObjectList result;
-    result.reserve(list.Get().size());
-    for (const ObjectPtr& element : list.Get()) AppendUnlessNull(result, fn(element, scalar));
+    result.reserve(list.size());
+    for (const ObjectPtr& element : list) AppendUnlessNull(result, fn(element, scalar));
     return new List(std::move(result));
 }
 
 ObjectPtr MapFloat(const ObjectPtr& x, double (*fn)(double)) {
     const NestingGuard guard;
-    const List* const list = AsList(x);
+    const ObjectList* const list = ListOf(x);
     if (list == nullptr) return ValueToObject(fn(ObjectToValue<Float>(x)));
     ChargeElements(*list);
     ObjectList result;
-    result.reserve(list->Get().size());
-    for (const ObjectPtr& element : list->Get()) AppendUnlessNull(result, MapFloat(element, fn));
+    result.reserve(list->size());
+    for (const ObjectPtr& element : *list) AppendUnlessNull(result, MapFloat(element, fn));
     return new List(std::move(result));
 }
 
 // ---- strings -----------------------------------------------------------------------------------------
 
 ObjectPtr Concatenate(const String& a, const String& b) {
-    CheckStringSize(a.size() + b.size());
     ChargeBytes(a.size() + b.size());
+    CheckStringSize(a.size() + b.size());
     return ValueToObject(a + b);
 }
 
@@ -130,8 +120,11 @@ ObjectPtr Concatenate(const String& a, const String& b) {
 }  // namespace
 
 ObjectPtr Add(const ObjectPtr& a, const ObjectPtr& b) {
-    if (const Value<String>* const text = As<String>(a)) return Concatenate(text->Get(), b->ToCode());
-    if (const Value<String>* const text = As<String>(b)) return Concatenate(a->ToCode(), text->Get());
+    const String* const textA = ValueOf<String>(a);
+    const String* const textB = ValueOf<String>(b);
+    if (textA != nullptr && textB != nullptr) return Concatenate(*textA, *textB);
+    if (textA != nullptr) return Concatenate(*textA, b->ToCode());
+    if (textB != nullptr) return Concatenate(a->ToCode(), *textB);
     if (const ObjectPtr number = NumFun(a, b, AddInt, AddFloat, "add")) return number;
     if (const ObjectPtr list = ListRecurse(a, b, Add, "add")) return list;
     Fail("Add", a, b);
@@ -144,8 +137,8 @@ ObjectPtr Substract(const ObjectPtr& a, const ObjectPtr& b) {
 }
 
 ObjectPtr Multiply(const ObjectPtr& a, const ObjectPtr& b) {
-    const List* const listA = AsList(a);
-    const List* const listB = AsList(b);
+    const ObjectList* const listA = ListOf(a);
+    const ObjectList* const listB = ListOf(b);
     if (listA != nullptr && listB != nullptr) return ListRecurse(a, b, Multiply, "multiply");
     if (listA != nullptr) return ListMap(*listA, b, Multiply);
     if (listB != nullptr) return ListMap(*listB, a, Multiply);
@@ -154,12 +147,12 @@ ObjectPtr Multiply(const ObjectPtr& a, const ObjectPtr& b) {
 }
 
 ObjectPtr Divide(const ObjectPtr& a, const ObjectPtr& b) {
-    const List* const listA = AsList(a);
+    const ObjectList* const listA = ListOf(a);
     if (listA == nullptr) {
         if (const ObjectPtr number = NumFun(a, b, DivInt, DivFloat, "divide")) return number;
         Fail("Divide", a, b);
     }
-    if (AsList(b) != nullptr) return ListRecurse(a, b, Divide, "divide");
+    if (ListOf(b) != nullptr) return ListRecurse(a, b, Divide, "divide");
     return ListMap(*listA, b, Divide);
 }
 

@@ -10,7 +10,9 @@ namespace script {
 
 namespace {
 
-constexpr int64_t DEEP_FAILURE_STEPS = 1000;  // so that a doubly recursive function cannot fail for minutes
+// What leaving a level by an exception costs, against a node evaluation: unwinding is slow, and a doubly
+// recursive function could fail for minutes.
+constexpr int64_t UNWIND_STEPS = 5;
 constexpr int64_t UNCOUNTED = INT64_MAX / 2;  // native work outside all sessions
 constexpr size_t BYTES_PER_STEP = 64;
 constexpr size_t STACK_SIZE = 8u << 20;  // what a main thread has by default
@@ -54,17 +56,23 @@ Session::~Session() {
     if (--s_sessions == 0) s_stepsLeft = UNCOUNTED;
 }
 
+FreshSession::FreshSession() : m_outerSteps(s_stepsLeft) {
+    s_stepsLeft = MAX_STEPS;
+    ++s_sessions;
+}
+
+FreshSession::~FreshSession() {
+    --s_sessions;
+    s_stepsLeft = m_outerSteps;
+}
+
 void ChargeSteps(int64_t steps) {
     s_stepsLeft -= steps;
-    if (s_stepsLeft < 0) THROW(ScriptException, "Script took too long");
+    if (s_stepsLeft < 0) THROW(TimeoutException, "Script took too long");
 }
 
 void ChargeBytes(size_t bytes) {
     ChargeSteps(static_cast<int64_t>(bytes / BYTES_PER_STEP));
-}
-
-bool IsSessionSpent() {
-    return s_stepsLeft < 0;
 }
 
 void NestingGuard::Begin() {
@@ -75,7 +83,7 @@ void NestingGuard::Begin() {
         return;
     }
     --s_depth;
-    s_stepsLeft -= DEEP_FAILURE_STEPS;
+    s_stepsLeft -= UNWIND_STEPS * s_depth;
     THROW(ScriptException, "Too deeply nested");
 }
 

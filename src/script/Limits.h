@@ -9,13 +9,13 @@
 // far above what a scene or a configuration needs.
 namespace script {
 
-constexpr size_t MAX_STRING_SIZE = 16u << 20;   // bytes of a string value
-constexpr size_t MAX_LIST_SIZE = 1000000;       // elements of a list
-constexpr size_t MAX_CODE_SIZE = 64u << 20;     // bytes of a printed text
-constexpr int MAX_NESTING = 10000;              // nodes entered and not left, of whatever kind
-constexpr int64_t MAX_STEPS = 10000000;         // node evaluations of one session
-constexpr int64_t STEPS_PER_TOKEN = 20;         // added for each token of an executed text
-constexpr int64_t MAX_PARSE_STEPS = 100000000;  // comparisons of operands with infix keywords
+constexpr size_t MAX_STRING_SIZE = 16u << 20;  // bytes of a string value
+constexpr size_t MAX_LIST_SIZE = 1000000;      // elements of a list
+constexpr size_t MAX_CODE_SIZE = 64u << 20;    // bytes of a printed text
+constexpr int MAX_NESTING = 20000;             // nodes entered and not left, of whatever kind
+constexpr int64_t MAX_STEPS = 10000000;        // node evaluations of one session
+constexpr int64_t STEPS_PER_TOKEN = 20;        // added for each token of an executed text
+constexpr int64_t MAX_PARSE_STEPS = 40000000;  // comparisons of operands with infix keywords
 
 // Raise ScriptException with "String too long", "List too long".
 void CheckStringSize(size_t size);
@@ -31,12 +31,22 @@ class Session {
     Session& operator=(const Session&) = delete;
 };
 
-// Takes `steps` from the session; raises ScriptException with "Script took too long" when none are left.
+// A span with steps of its own, whatever has been used up around it: the printing of one variable among many.
+class FreshSession {
+  public:
+    FreshSession();
+    ~FreshSession();
+    FreshSession(const FreshSession&) = delete;
+    FreshSession& operator=(const FreshSession&) = delete;
+
+  private:
+    const int64_t m_outerSteps;
+};
+
+// Takes `steps` from the session; raises TimeoutException with "Script took too long" when none are left.
 void ChargeSteps(int64_t steps);
 // The cost of touching `bytes` characters, in the measure of a node evaluation.
 void ChargeBytes(size_t bytes);
-// Whether the session has used up its steps. The failure is then no longer the statement's but everybody's.
-bool IsSessionSpent();
 
 // One level of native recursion over a script's structure: parsing, evaluating, printing, list arithmetic.
 // Raises ScriptException with "Too deeply nested" beyond MAX_NESTING levels or when the stack runs low,

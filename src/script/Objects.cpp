@@ -58,6 +58,9 @@ template class Value<int>;
 template class Value<double>;
 template class Value<String>;
 
+constexpr size_t ELEMENTS_PER_STEP = 4;  // when a list is printed
+constexpr int64_t STEPS_PER_NODE = 4;    // when it is turned into a tree
+
 // ---- functions ---------------------------------------------------------------------------------------
 
 AbstractFunction::AbstractFunction(const ClosurePtr& closure) : m_closure(closure) {}
@@ -98,7 +101,7 @@ ObjectPtr List::Call(const ObjectList& args) {
 // would spoil the whole text.
 ExpressionPtr List::ToExpression() const {
     const NestingGuard guard;
-    ChargeSteps(static_cast<int64_t>(m_list.size()));
+    ChargeSteps(STEPS_PER_NODE * static_cast<int64_t>(m_list.size()));
     ExpressionList elements;
     elements.reserve(m_list.size());
     for (const ObjectPtr& element : m_list) {
@@ -109,6 +112,7 @@ ExpressionPtr List::ToExpression() const {
 
 void List::WriteCode(CodeWriter& out) const {
     const NestingGuard guard;
+    ChargeSteps(1 + static_cast<int64_t>(m_list.size() / ELEMENTS_PER_STEP));
     out.Append("[");
     WriteJoined(out, m_list, ", ");
     out.Append("]");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <boost/function.hpp>
+#include <typeinfo>
 
 #include "script/Fwd.h"
 #include "util/Pointee.h"
@@ -175,6 +176,21 @@ extern template class Value<bool>;
 extern template class Value<int>;
 extern template class Value<double>;
 extern template class Value<String>;
+
+// The value if the object is one of exactly this type, else null (also for a null object). By typeid: several
+// times quicker than a dynamic cast, and scenes convert millions of numbers.
+template <class T>
+const T* ValueOf(const ObjectPtr& object) {
+    const Object* const pointee = object.Get();
+    if (pointee == nullptr || typeid(*pointee) != typeid(Value<T>)) return nullptr;
+    return &static_cast<const Value<T>*>(pointee)->Get();
+}
+// The same for the elements of a list.
+inline const ObjectList* ListOf(const ObjectPtr& object) {
+    const Object* const pointee = object.Get();
+    if (pointee == nullptr || typeid(*pointee) != typeid(List)) return nullptr;
+    return &static_cast<const List*>(pointee)->Get();
+}
 
 // Resolves what a variable holds, as reading its name does: a function without parameters is called and
 // gives its result, anything else stands for itself.

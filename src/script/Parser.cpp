@@ -194,6 +194,7 @@ void Flatten(const ExpressionPtr& expression, ExpressionList& statements) {
 void WriteStatement(CodeWriter& out, const ExpressionPtr& statement) {
     const size_t begin = out.GetSize();
     try {
+        const FreshSession session;
         if (begin != 0) out.Append(";\n");
         const size_t textBegin = out.GetSize();
         statement->WriteCode(out);

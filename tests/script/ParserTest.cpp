@@ -1,0 +1,156 @@
+#include "script/Parser.h"
+
+#include "ScriptFixture.h"
+#include "script/Exceptions.h"
+#include "util/FileSystem.h"
+
+namespace script {
+
+class Parsing : public test::Script {
+  protected:
+    static void Write(const String& name, const String& text) {
+        util::FileSystem::Instance().WriteFileAtomically(Path(name), text);
+    }
+    static String Path(const String& name) { return util::FileSystem::Instance().GetWorkDir() + name; }
+};
+
+TEST_F(Parsing, TokensThatCannotBeCutLeaveParseAlone) {
+    EXPECT_THROW(m_parser.Parse(String("\"open")), TokenException);
+    EXPECT_TRUE(m_errors.empty());
+    EXPECT_TRUE(util::DynamicCast<ErrorObject>(m_parser.Execute("\"open")));
+    EXPECT_EQ(m_errors[0], "Parse error: Unmatched quote (\")");
+}
+
+TEST_F(Parsing, ExecuteNeverThrows) {
+    EXPECT_TRUE(util::DynamicCast<ErrorObject>(m_parser.Execute(ExpressionPtr())));
+    EXPECT_TRUE(util::DynamicCast<ErrorObject>(m_parser.Execute("nothing")));
+    EXPECT_TRUE(util::DynamicCast<Void>(m_parser.Execute("")));
+    m_parser.GetRootClosure()->AddCmd("odd", [] { throw 1; });
+    EXPECT_TRUE(util::DynamicCast<ErrorObject>(m_parser.Execute("odd")));
+    EXPECT_EQ(m_errors.back(), "Parser threw unknown excpetion.");
+    m_parser.SetOnError([](const String&) { throw std::runtime_error("sink"); });
+    EXPECT_TRUE(util::DynamicCast<ErrorObject>(m_parser.Execute("(")));
+}
+
+TEST_F(Parsing, ErrorsAreWarningsUnlessSomebodyTakesThem) {
+    m_parser.SetOnError([](const String& text) { Log(logging::Warning, text); });
+    Run("(");
+    EXPECT_TRUE(m_log.Contains("-- Warning: Parse error: Missing )"));
+}
+
+TEST_F(Parsing, OuterLocalsStayWithTheFunction) {
+    Run("f = (n)=>{ kept = n; [{ f(n + 1) }, { }](n / 3)(); n }; f 1");
+    const FunctionPtr function = util::DynamicCast<Function>(Get("f"));
+    ASSERT_TRUE(function && function->GetCallClosure());
+    EXPECT_EQ(function->GetCallClosure()->GetValue("kept")->ToCode(), "1");
+    EXPECT_EQ(function->GetCallClosure()->GetReflectedName(),
+              "[function closure: " + function->ToCode() + "]");
+}
+
+TEST_F(Parsing, MadeFunctionsKeepTheScopesAroundThem) {
+    Run("make = (a)=>{ (b)=>{ (c)=>{ [a, b, c] } } }; inner = make 1 2; make 8 9; make = 0");
+    EXPECT_EQ(Run("inner 3"), "[1, 2, 3]");
+}
+
+TEST_F(Parsing, MathCanBeCoveredUp) {
+    Run("math = 5");
+    EXPECT_EQ(Run("1 + 1"), "");
+    EXPECT_TRUE(m_log.Contains("owner"));
+}
+
+// ---- choice of an operator -----------------------------------------------------------------------------
+
+TEST_F(Parsing, LowestPrecedenceWins) {
+    const ScopePtr outer = new Scope("outer", nullptr);
+    const ScopePtr inner = new Scope("inner", outer);
+    const auto declare = [](const ScopePtr& scope, double precedence, const StringList& pattern) {
+        const InfixPtr infix = new Infix(precedence, false, pattern, new Identifier("f"));
+        scope->AddInfix(infix);
+        return infix;
+    };
+    const InfixPtr plus = declare(outer, 2, {"", "+", ""});
+    const InfixPtr times = declare(outer, 3, {"", "*", ""});
+    const InfixPtr ifThen = declare(outer, 1, {"if", "", "then", ""});
+    const InfixPtr at = declare(inner, 2, {"", "@", ""});
+    EXPECT_EQ(inner->GetInfix(StringSet{"+", "*"}), plus);
+    EXPECT_EQ(inner->GetInfix(StringSet{"*", "x"}), times);
+    EXPECT_EQ(inner->GetInfix(StringSet{"if", "+"}), plus);
+    EXPECT_EQ(inner->GetInfix(StringSet{"if", "then", "+"}), ifThen);
+    EXPECT_EQ(inner->GetInfix(StringSet{"@", "+"}), at);
+    EXPECT_FALSE(inner->GetInfix(StringSet{"x"}));
+    EXPECT_FALSE(outer->GetInfix(StringSet{"@"}));
+    declare(outer, 2, {"", "-", ""});
+    EXPECT_THROW(outer->GetInfix(StringSet{"+", "-"}), ParseException);
+    EXPECT_THROW(inner->GetInfix(StringSet{"+", "-", "@"}), ParseException);
+    const InfixPtr again = declare(outer, 2, {"", "-", ""});
+    EXPECT_EQ(outer->GetInfix(StringSet{"-"}), again);
+    const ScopePtr stray = new Scope("stray", ClassObjectPtr(new Reflected("no scope")));
+}
+
+// ---- files -------------------------------------------------------------------------------------------
+
+TEST_F(Parsing, LoadConfigTellsWhatBecameOfTheFile) {
+    m_parser.SetOnError([](const String& text) { Log(logging::Warning, text); });
+    Write("good.cfg", "\xEF\xBB\xBF// settings\r\nx = 1;\r\nnothing;\r\ny = 2");
+    EXPECT_TRUE(m_parser.LoadConfig("good.cfg"));
+    EXPECT_EQ(Run("x + y"), "3");
+    EXPECT_TRUE(m_log.Contains("Failed to evaluate: nothing, nothing not found in scope"));
+    Write("cut.cfg", "x = 5; title = \"unfinished");
+    EXPECT_FALSE(m_parser.LoadConfig("cut.cfg"));
+    Write("syntax.cfg", "x = 5; y = (1");
+    EXPECT_FALSE(m_parser.LoadConfig("syntax.cfg"));
+    EXPECT_EQ(Run("x"), "1");
+    EXPECT_FALSE(m_parser.LoadConfig("missing.cfg"));
+    EXPECT_TRUE(m_log.Contains("Failed loading config file: "));
+    EXPECT_FALSE(m_parser.LoadConfig(""));
+}
+
+TEST_F(Parsing, SavedRootLoads) {
+    Run("x = 1; f = (n)=>{ a = n; a + x }; Gadget.count = { 4 + 4 }");
+    ASSERT_TRUE(m_parser.SaveRootCode("saved.cfg"));
+    const String code = m_parser.GetRootCode();
+    EXPECT_EQ(util::FileSystem::Instance().ReadFile(Path("saved.cfg")), code);
+    Run("x = 0; f = 0; Gadget.count = 1");
+    EXPECT_TRUE(m_parser.LoadConfig(Path("saved.cfg")));
+    EXPECT_EQ(Run("f 2"), "3");
+    EXPECT_EQ(m_gadget->m_count->Get(), 8);
+    EXPECT_EQ(m_parser.GetRootCode(), code);
+    EXPECT_FALSE(m_parser.SaveRootCode("no such folder/saved.cfg"));
+    EXPECT_TRUE(m_log.Contains("!! ERROR: Failed saving no such folder/saved.cfg"));
+}
+
+// ---- completion --------------------------------------------------------------------------------------
+
+TEST_F(Parsing, Completion) {
+    Run("Gadget.inner = 1; gadgetry = 2; short = { Gadget }; App_x = 1; app_y = 1");
+    const ReflectedPtr empty = new Reflected("Empty");
+    Reflected::AddToRoot(empty);
+    const struct {
+        String line, completed;
+        StringList candidates;
+    } rows[] = {
+        {"gad", "gadget", {"Gadget.", "gadgetry"}},
+        {"x = GADGETR", "x = gadgetry", {"gadgetry"}},
+        {"gadget.co", "gadget.co", {"color", "count"}},
+        {"f(Gadget.cou", "f(Gadget.count", {"count"}},
+        {"Gadget.C", "Gadget.co", {"color", "count"}},
+        {"short.COUN", "short.count", {"count"}},
+        {"Gadget.re", "Gadget.Re", {"Repeat", "Reset"}},
+        {"Emp", "Empty", {"Empty"}},
+        {"math.s", "math.s", {"sin", "substract"}},
+        {"Gadget.none", "Gadget.none", {}},
+        {"none.x", "none.x", {}},
+        {"gadgetry.x", "gadgetry.x", {}},
+        {"aPP", "app_", {"App_x", "app_y"}},
+        {"APP_Y", "app_y", {"app_y"}},
+        {"1 + ", "1 + ", {"App_x", "Empty", "Gadget.", "app_y", "gadgetry", "math.", "short"}},
+        {"..", "..", {}},
+    };
+    for (const auto& row : rows) {
+        String line = row.line;
+        EXPECT_EQ(m_parser.AutoComplete(line), row.candidates) << row.line;
+        EXPECT_EQ(line, row.completed) << row.line;
+    }
+}
+
+}  // namespace script
