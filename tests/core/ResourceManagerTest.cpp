@@ -30,6 +30,7 @@ class ResourceManagerTest : public test::GlTest {
         m_shader = rendering::ShaderManager::Instance().Get("water");
     }
     void TearDown() override {
+        if (IsSkipped()) return;
         m_manager.m_shaders->Set(false);
         m_manager.DestroyAll();
         util::FileSystem::Instance().SetWorkDir(m_workDir);

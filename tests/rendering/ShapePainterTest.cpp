@@ -68,6 +68,7 @@ class ShapePainterTest : public test::GlTest {
     }
 
     void TearDown() override {
+        if (IsSkipped()) return;
         UseShaders(false);
         util::FileSystem::Instance().SetWorkDir(m_workDir);
         ReloadAll();
