@@ -58,6 +58,22 @@ TEST_F(Parsing, MathCanBeCoveredUp) {
     EXPECT_TRUE(m_log.Contains("owner"));
 }
 
+// In a process of its own, since a service cannot be made again: the root and the functions made in it hold
+// each other, and yet all that the root holds is gone with the parser.
+TEST_F(Parsing, DestroyBreaksTheCircle) {
+    const auto destroy = [this] {
+        Parser::SetKeyBinderFactory([] { return ReflectedPtr(new Reflected("Keys")); });
+        const util::WeakPtr<ClassObject> keys = Get("Keys")->AsClass();
+        const util::WeakPtr<Closure> root = m_parser.GetRootClosure();
+        const util::WeakPtr<test::Gadget> gadget = m_gadget;
+        m_parser.Execute("f = (n)=>{ g = n }; f 1; Gadget.speed = { f 2; 3 }; math.twice = { f 2 }; f f");
+        m_gadget = nullptr;
+        Parser::Destroy();
+        std::_Exit(keys || root || gadget ? 1 : 0);
+    };
+    EXPECT_EXIT(destroy(), testing::ExitedWithCode(0), "");
+}
+
 // ---- choice of an operator -----------------------------------------------------------------------------
 
 TEST_F(Parsing, LowestPrecedenceWins) {
