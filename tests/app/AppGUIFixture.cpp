@@ -165,13 +165,13 @@ bool AppGUIFixture::Key(int key, bool ctrl, Vec2 mouse) {
 }
 
 void AppGUIFixture::SetModifier(int key, bool down) {
+    SDL_Event event = {};
+    event.type = static_cast<Uint8>(down ? SDL_KEYDOWN : SDL_KEYUP);
+    event.key.keysym.sym = static_cast<SDLKey>(key);
     for (const auto& [code, mask] : MODIFIERS) {
-        if (code == key) SDL_SetModState(static_cast<SDLMod>(down ? mask : KMOD_NONE));
+        if (code == key && down) event.key.keysym.mod = static_cast<SDLMod>(mask);
     }
-    gui::KeyEvent event;
-    event.m_key = key;
-    event.m_pressed = down;
-    gui::Input::Instance().OnKeyEvent(event);
+    gui::Input::Instance().HandleEvent(event);
 }
 
 math::Vec2List AppGUIFixture::Circle(Vec2 center, float radius, float turns) {

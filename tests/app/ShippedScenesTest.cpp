@@ -1,7 +1,10 @@
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "World.h"
 #include "app/SceneLoader.h"
+#include "physics/Particle.h"
 #include "util/FileSystem.h"
 
 namespace app {
@@ -9,6 +12,14 @@ namespace {
 
 class ShippedScenes : public World, public testing::WithParamInterface<const char*> {
   protected:
+    // Height of the lowest body that can move.
+    static float FindLowest() {
+        float lowest = std::numeric_limits<float>::infinity();
+        for (const physics::BodyPtr& body : GetSim().GetBodies()) {
+            if (!body->IsImmovable()) lowest = std::min(lowest, body->m_pos.y);
+        }
+        return lowest;
+    }
     static String GetPath() { return String(VEXA_SOURCE_DIR) + "/Scenes/" + GetParam() + ".vxa"; }
 };
 
@@ -20,6 +31,8 @@ TEST_P(ShippedScenes, AreReadWithoutComplaintAndOverlapNothing) {
     EXPECT_TRUE(log.GetLines().empty()) << testing::PrintToString(log.GetLines());
     GetSim().Step(false);
     for (const physics::ContactPtr& contact : GetSim().GetContacts()) {
+        const bool water = dynamic_cast<const physics::Particle*>(contact->m_bodies[1]) != nullptr;
+        if (water) continue;  // presses into its walls at rest
         EXPECT_LT(contact->m_penetration, 0.005f) << contact->m_point.x << " " << contact->m_point.y;
     }
 }
@@ -27,14 +40,16 @@ TEST_P(ShippedScenes, AreReadWithoutComplaintAndOverlapNothing) {
 TEST_P(ShippedScenes, LoseNothingInTenSeconds) {
     ASSERT_TRUE(SceneLoader::Load(GetPath()));
     const size_t count = GetApp().GetEntities().size();
+    const float lowest = FindLowest() - 1;
     GetSim().m_running->Set(true);
     for (int i = 0; i < 1000; ++i) GetSim().Step(true);
     GetApp().Update(0);
     EXPECT_EQ(GetApp().GetEntities().size(), count);
     for (const physics::BodyPtr& body : GetSim().GetBodies()) {
+        if (body->IsImmovable()) continue;
         EXPECT_LT(math::Length(body->m_vel), 20);
         EXPECT_LT(std::fabs(body->m_pos.x), 100);
-        EXPECT_GT(body->m_pos.y, -1);
+        EXPECT_GT(body->m_pos.y, lowest);
     }
 }
 
