@@ -35,10 +35,13 @@ def load(path):
     has_medians = any(e.get("aggregate_name") == "median" for e in entries)
     scenes = defaultdict(dict)
     for entry in entries:
+        if entry.get("error_occurred"):
+            print(f"{entry['name']}: {entry['error_message']}")
+            continue
         if has_medians and entry.get("aggregate_name") != "median":
             continue
         parts = entry["run_name"].split("/")
-        parts = [p for p in parts if not p.startswith(("iterations:", "repeats:", "manual_time"))]
+        parts = [p for p in parts if not p.startswith(("iterations:", "repeats:", "manual_time", "process_time"))]
         entry["ms"] = entry["cpu_time"] * UNITS[entry["time_unit"]]
         entry["real"] = entry["real_time"] * UNITS[entry["time_unit"]]
         scenes["/".join(parts[:2])][parts[2] if len(parts) > 2 else "vexa"] = entry

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "app/DebugViews.h"
-#include "rendering/Image.h"
 #include "rendering/ShapePainter.h"
 #include "util/ProfileTree.h"
 
@@ -15,15 +14,8 @@ namespace {
 constexpr math::real DIST_SCALE = 0.04f;
 
 rendering::Texture* MakeDistTexture(const physics::PolygonPtr& polygon, math::real scale) {
-    const auto& map = polygon->GetDistMap();
-    const uint32_t size = physics::DistanceMap::SIZE;
-    const rendering::ImageFloatPtr image = new rendering::ImageFloat(size, size);
-    for (uint32_t y = 0; y < size; ++y) {
-        for (uint32_t x = 0; x < size; ++x) {
-            (*image)(x, y) = std::clamp((map(x, y) / scale + 1) / 2, 0.0f, 1.0f);
-        }
-    }
-    return rendering::TextureFromImageFloat(image, rendering::Texture::ImageType::Distance());
+    return rendering::TextureFromImageFloat(PolyEntity::MakeDistImage(*polygon, scale),
+                                            rendering::Texture::ImageType::Distance());
 }
 
 }  // namespace
@@ -64,6 +56,18 @@ EntityPtr PolyEntity::Clone() const {
     clone->CopyValuesFrom(*this);
     clone->m_distTexture = m_distTexture;
     return clone;
+}
+
+rendering::ImageFloatPtr PolyEntity::MakeDistImage(const physics::Polygon& polygon, math::real scale) {
+    const auto& map = polygon.GetDistMap();
+    const uint32_t size = physics::DistanceMap::SIZE;
+    const rendering::ImageFloatPtr image = new rendering::ImageFloat(size, size);
+    for (uint32_t y = 0; y < size; ++y) {
+        for (uint32_t x = 0; x < size; ++x) {
+            (*image)(x, y) = std::clamp((map(x, y) / scale + 1) / 2, 0.0f, 1.0f);
+        }
+    }
+    return image;
 }
 
 const rendering::TextureMentorPtr& PolyEntity::GetDistTexture() {

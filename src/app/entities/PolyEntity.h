@@ -2,6 +2,7 @@
 
 #include "app/entities/GeomEntity.h"
 #include "physics/Polygon.h"
+#include "rendering/Image.h"
 #include "rendering/Texture.h"
 
 namespace app {
@@ -23,6 +24,8 @@ class PolyEntity : public FiniteGeomEntity {
     math::real GetDistScale() const { return m_distScale; }
     // 128 by 128 texels over the polygon's map box; made at the first use.
     const rendering::TextureMentorPtr& GetDistTexture();
+    // Its texels, from the polygon's distance map.
+    static rendering::ImageFloatPtr MakeDistImage(const physics::Polygon& polygon, math::real scale);
 
   private:
     const physics::PolygonPtr m_polygon;  // the geom by its own type
