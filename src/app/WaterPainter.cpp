@@ -38,8 +38,8 @@ Texture* MakeMetaBallTexture() {
 
 // A maximum below 1 makes the bounds change places.
 float Stretch(float speed, const WaterView& view) {
-    const auto bounds = std::minmax(1.0f, view.maxElongation);
-    return std::clamp(speed * view.elongation + 1, bounds.first, bounds.second);
+    const float least = std::min(1.0f, view.maxElongation), most = std::max(1.0f, view.maxElongation);
+    return std::clamp(speed * view.elongation + 1, least, most);
 }
 
 }  // namespace
