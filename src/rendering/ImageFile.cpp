@@ -9,7 +9,7 @@
 #include "util/String.h"
 
 // Formats: PNG, W3C Recommendation of 2003; JPEG, ITU-T T.81 annex B; BMP, the BITMAPINFOHEADER family; TGA,
-// Truevision's specification 2.0.
+// Truevision TGA file format 2.0.
 
 namespace rendering {
 
