@@ -45,7 +45,7 @@ static std::vector<Case> ReadCases(const std::filesystem::path& path) {
 class Cases : public Script, public testing::WithParamInterface<std::filesystem::path> {};
 
 TEST_P(Cases, DoWhatTheySay) {
-    m_parser.SetOnError([](const String& text) { Log(logging::Warning, text); });
+    m_parser.SetOnError(+[](const String& text) { Log(logging::Warning, text); });
     const std::vector<Case> cases = ReadCases(GetParam());
     EXPECT_FALSE(cases.empty());
     for (const Case& test : cases) {

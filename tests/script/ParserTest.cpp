@@ -28,12 +28,12 @@ TEST_F(Parsing, ExecuteNeverThrows) {
     m_parser.GetRootClosure()->AddCmd("odd", [] { throw 1; });
     EXPECT_TRUE(util::DynamicCast<ErrorObject>(m_parser.Execute("odd")));
     EXPECT_EQ(m_errors.back(), "Parser threw unknown excpetion.");
-    m_parser.SetOnError([](const String&) { throw std::runtime_error("sink"); });
+    m_parser.SetOnError(+[](const String&) { throw std::runtime_error("sink"); });
     EXPECT_TRUE(util::DynamicCast<ErrorObject>(m_parser.Execute("(")));
 }
 
 TEST_F(Parsing, ErrorsAreWarningsUnlessSomebodyTakesThem) {
-    m_parser.SetOnError([](const String& text) { Log(logging::Warning, text); });
+    m_parser.SetOnError(+[](const String& text) { Log(logging::Warning, text); });
     Run("(");
     EXPECT_TRUE(m_log.Contains("-- Warning: Parse error: Missing )"));
 }
@@ -62,7 +62,7 @@ TEST_F(Parsing, MathCanBeCoveredUp) {
 // each other, and yet all that the root holds is gone with the parser.
 TEST_F(Parsing, DestroyBreaksTheCircle) {
     const auto destroy = [this] {
-        Parser::SetKeyBinderFactory([] { return ReflectedPtr(new Reflected("Keys")); });
+        Parser::SetKeyBinderFactory(+[] { return ReflectedPtr(new Reflected("Keys")); });
         const util::WeakPtr<ClassObject> keys = Get("Keys")->AsClass();
         const util::WeakPtr<Closure> root = m_parser.GetRootClosure();
         const util::WeakPtr<test::Gadget> gadget = m_gadget;
@@ -106,7 +106,7 @@ TEST_F(Parsing, LowestPrecedenceWins) {
 // ---- files -------------------------------------------------------------------------------------------
 
 TEST_F(Parsing, LoadConfigTellsWhatBecameOfTheFile) {
-    m_parser.SetOnError([](const String& text) { Log(logging::Warning, text); });
+    m_parser.SetOnError(+[](const String& text) { Log(logging::Warning, text); });
     Write("good.cfg", "\xEF\xBB\xBF// settings\r\nx = 1;\r\nnothing;\r\ny = 2");
     EXPECT_TRUE(m_parser.LoadConfig("good.cfg"));
     EXPECT_EQ(Run("x + y"), "3");
