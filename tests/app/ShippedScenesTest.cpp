@@ -54,7 +54,7 @@ TEST_P(ShippedScenes, LoseNothingInTenSeconds) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Scenes, ShippedScenes,
-                         testing::Values("welcome", "stack", "dominoes", "pile", "slope", "newton"),
+                         testing::Values("welcome", "dam", "stack", "dominoes", "pile", "slope", "newton"),
                          [](const auto& scene) { return String(scene.param); });
 
 }  // namespace
