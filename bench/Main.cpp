@@ -3,9 +3,21 @@
 
 #include <cstdio>
 
+#include "bench/Engine.h"
 #include "logging/Logger.h"
 #include "physics/Simulation.h"
 #include "util/FileSystem.h"
+
+// Chipmunk greets on standard output when it makes its first space; that would spoil the report.
+static void HearGreetings() {
+    std::fflush(stdout);
+    const int out = dup(STDOUT_FILENO);
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+    bench::MakeChipmunk({});
+    std::fflush(stdout);
+    dup2(out, STDOUT_FILENO);
+    close(out);
+}
 
 // Services are abandoned at exit, as in the program itself.
 int main(int argc, char** argv) {
@@ -14,6 +26,7 @@ int main(int argc, char** argv) {
     physics::Simulation::Instance();
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    HearGreetings();
     benchmark::RunSpecifiedBenchmarks();
     std::fflush(nullptr);
     _exit(0);

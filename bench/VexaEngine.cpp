@@ -27,6 +27,7 @@ class VexaEngine : public Engine {
   public:
     explicit VexaEngine(const Scene& scene) : m_simulation(physics::Simulation::Instance()) {
         m_simulation.Clear();
+        m_simulation.m_running->Set(true);
         m_simulation.m_timeDelta->Set(TIME_STEP);
         m_simulation.m_solveIter->Set(SWEEPS);
         m_simulation.m_gravity->Set(scene.gravity);

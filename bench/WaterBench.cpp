@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "bench/Scenes.h"
 #include "bench/WaterReference.h"
 #include "physics/Body.h"
 #include "physics/Geom.h"
@@ -27,7 +28,9 @@ static void MakeTank(int drops, float tankWidth, float blockWidth) {
     constexpr float CALM = 0.5f;
     physics::Simulation& simulation = physics::Simulation::Instance();
     simulation.Clear();
-    simulation.m_timeDelta->Set(0.01f);
+    simulation.m_running->Set(true);
+    simulation.m_solveIter->Set(SWEEPS);
+    simulation.m_timeDelta->Set(TIME_STEP);
     simulation.m_gravity->Set({0, -9.8f});
     physics::SPH::Instance().m_pressMultiplier->Set(CALM);
     AddWall({0, 1}, 0);

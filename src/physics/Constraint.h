@@ -3,7 +3,9 @@
 #include <cstdint>
 
 #include "math/Vector.h"
+#include "physics/Body.h"
 #include "physics/Fwd.h"
+#include "physics/PointMotion.h"
 #include "util/Pointee.h"
 
 namespace physics {
@@ -24,7 +26,7 @@ class Constraint : public util::Pointee {
     virtual void SolveExit() = 0;
 
     // Applies -p to body 0 and +p to body 1 at the attachment point, as velocity changes.
-    void ApplyImpulse(math::Vec2 p);
+    void ApplyImpulse(math::Vec2 p) { ApplyImpulsePair(*m_bodies[0], *m_bodies[1], m_r[0], m_r[1], p); }
 
     math::real m_distFactor = 1;                     // multiplies the position term
     math::real m_warmFactor = 1;                     // multiplies the warm start; read by hinges only
@@ -35,7 +37,10 @@ class Constraint : public util::Pointee {
 
   protected:
     // The solve is pointless without two bodies or without a movable one.
-    bool HasMovableBody() const;
+    bool HasMovableBody() const {
+        return m_bodies[0] != nullptr && m_bodies[1] != nullptr &&
+               !(m_bodies[0]->IsImmovable() && m_bodies[1]->IsImmovable());
+    }
 };
 
 }  // namespace physics
