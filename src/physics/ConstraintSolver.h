@@ -34,6 +34,8 @@ class ConstraintSolver {
         Constraint* constraint;
         Hinge* hinge;  // null for a contact
     };
+    static constexpr uint32_t INACTIVE = 0xFFFFFFFFu;
+
     // Constraints that share no movable body, up to these ends.
     struct Level {
         uint32_t groupsEnd;  // in m_groups
@@ -53,8 +55,9 @@ class ConstraintSolver {
     static void ApplyVelocityChanges(const AbstractBodyList& bodies);
 
     void SolveGaussSeidel(const AbstractBodyList& bodies, int sweeps, bool preSort);
-    void PackBodies(const AbstractBodyList& bodies);
-    void PackRows();
+    void PackRows(size_t bodies);
+    uint32_t Activate(AbstractBody* body);
+    void PackBodies();
     void SortByResidual();
     void AssignLevels();
     uint32_t RaiseLevel(uint32_t body0, uint32_t body1);
@@ -63,13 +66,15 @@ class ConstraintSolver {
     void PutInGroup(const ContactRow& row, uint32_t slot);
     void Sweep();
     void StoreRows();
-    void StoreBodies(const AbstractBodyList& bodies) const;
+    void StoreBodies() const;
 
     void SolvePrioritized(const AbstractBodyList& bodies, int sweeps);
 
     util::VectorPOD<Entry> m_list;             // hinges, then contacts
-    util::VectorPOD<SolverBody> m_bodies;      // and at the end one that never moves, for unused lanes
-    util::VectorPOD<ContactRow> m_rows;        // in the order of the list; unused entries for hinges
+    util::VectorPOD<uint32_t> m_places;        // per body: its place in the two below, or INACTIVE
+    AbstractBodyList m_active;                 // bodies with constraints, in order of first mention
+    util::VectorPOD<SolverBody> m_bodies;      // their copies, and one that never moves, for unused lanes
+    util::VectorPOD<ContactRow> m_rows;        // in the order of the list; of a hinge only the bodies
     util::VectorPOD<uint32_t> m_order;         // list indices, greatest residual first
     util::VectorPOD<uint32_t> m_bodyLevels;    // per body: levels in use so far
     util::VectorPOD<uint32_t> m_entryLevels;   // per list entry

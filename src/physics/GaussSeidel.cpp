@@ -14,8 +14,8 @@ namespace physics {
 void ConstraintSolver::SolveGaussSeidel(const AbstractBodyList& bodies, int sweeps, bool preSort) {
     PROFILE_SECTION("GaussSeidelSolver");
     if (m_list.empty() || sweeps == 0) return;
-    PackBodies(bodies);
-    PackRows();
+    PackRows(bodies.size());
+    PackBodies();
     if (preSort) {
         SortByResidual();
     } else {
@@ -27,26 +27,12 @@ void ConstraintSolver::SolveGaussSeidel(const AbstractBodyList& bodies, int swee
     ArrangeRows();
     for (int i = 0; i < sweeps; ++i) Sweep();
     StoreRows();
-    StoreBodies(bodies);
+    StoreBodies();
 }
 
 // ---- packing -------------------------------------------------------------------------------------------
 
-void ConstraintSolver::PackBodies(const AbstractBodyList& bodies) {
-    m_bodies.resize(bodies.size() + 1);
-    for (size_t i = 0; i < bodies.size(); ++i) {
-        SolverBody& packed = m_bodies[i];
-        packed.m_deltaVel = bodies[i]->m_deltaVel;
-        packed.m_deltaAngVel = bodies[i]->m_deltaAngVel;
-        packed.m_massInv = bodies[i]->GetMassInv();
-        packed.m_inertiaInv = bodies[i]->GetInertiaInv();
-    }
-    m_bodies.back() = SolverBody();
-}
-
 static void PackRow(ContactRow& row, const Contact& contact) {
-    row.body0 = contact.m_bodies[0]->m_index;
-    row.body1 = contact.m_bodies[1]->m_index;
     row.m_normal = contact.m_normal;
     row.m_r[0] = contact.m_r[0];
     row.m_r[1] = contact.m_r[1];
@@ -59,24 +45,54 @@ static void PackRow(ContactRow& row, const Contact& contact) {
     row.m_tangentImpulse = contact.m_tangentImpulse;
 }
 
-void ConstraintSolver::PackRows() {
+void ConstraintSolver::PackRows(size_t bodies) {
+    m_active.clear();
+    m_places.clear();
+    m_places.resize(bodies, INACTIVE);
     m_rows.resize(m_list.size());
     for (uint32_t i = 0; i < m_list.size(); ++i) {
-        if (!m_list[i].hinge) PackRow(m_rows[i], *static_cast<Contact*>(m_list[i].constraint));
+        const Constraint& constraint = *m_list[i].constraint;
+        m_rows[i].body0 = Activate(constraint.m_bodies[0]);
+        m_rows[i].body1 = Activate(constraint.m_bodies[1]);
+        if (!m_list[i].hinge) PackRow(m_rows[i], static_cast<const Contact&>(constraint));
     }
+}
+
+// The body's place among those that have constraints.
+uint32_t ConstraintSolver::Activate(AbstractBody* body) {
+    uint32_t& place = m_places[body->m_index];
+    if (place == INACTIVE) {
+        place = static_cast<uint32_t>(m_active.size());
+        m_active.push_back(body);
+    }
+    return place;
+}
+
+void ConstraintSolver::PackBodies() {
+    m_bodies.resize(m_active.size() + 1);
+    for (size_t i = 0; i < m_active.size(); ++i) {
+        const AbstractBody& body = *m_active[i];
+        SolverBody& packed = m_bodies[i];
+        packed.m_deltaVel = body.m_deltaVel;
+        packed.m_deltaAngVel = body.m_deltaAngVel;
+        packed.m_massInv = body.GetMassInv();
+        packed.m_inertiaInv = body.GetInertiaInv();
+    }
+    m_bodies.back() = SolverBody();
 }
 
 // The constraints furthest from being satisfied by the warm start go first.
 void ConstraintSolver::SortByResidual() {
     m_sort.Clear(m_list.size());
     for (uint32_t i = 0; i < m_list.size(); ++i) {
+        const ContactRow& row = m_rows[i];
+        const SolverBody& b0 = m_bodies[row.body0];
+        const SolverBody& b1 = m_bodies[row.body1];
         if (Hinge* const hinge = m_list[i].hinge) {
-            hinge->Calc(m_bodies[hinge->m_bodies[0]->m_index], m_bodies[hinge->m_bodies[1]->m_index]);
+            hinge->Calc(b0, b1);
             m_sort.Add(hinge->m_residual);
         } else {
-            const ContactRow& row = m_rows[i];
-            const math::Vec2 c = DeltaVelocityAt(m_bodies[row.body1], row.m_r[1]) -
-                                 DeltaVelocityAt(m_bodies[row.body0], row.m_r[0]);
+            const math::Vec2 c = DeltaVelocityAt(b1, row.m_r[1]) - DeltaVelocityAt(b0, row.m_r[0]);
             const ContactDelta delta = SolveContactRows(row, c);
             m_sort.Add(delta.tangent * delta.tangent + delta.normal * delta.normal);
         }
@@ -103,11 +119,9 @@ void ConstraintSolver::AssignLevels() {
     m_entryLevels.resize(m_list.size());
     m_levels.clear();
     for (const uint32_t i : m_order) {
-        const Hinge* const hinge = m_list[i].hinge;
-        const uint32_t level = hinge ? RaiseLevel(hinge->m_bodies[0]->m_index, hinge->m_bodies[1]->m_index)
-                                     : RaiseLevel(m_rows[i].body0, m_rows[i].body1);
+        const uint32_t level = RaiseLevel(m_rows[i].body0, m_rows[i].body1);
         if (level >= m_levels.size()) m_levels.resize(level + 1, {0, 0});
-        ++(hinge ? m_levels[level].hingesEnd : m_levels[level].groupsEnd);
+        ++(m_list[i].hinge ? m_levels[level].hingesEnd : m_levels[level].groupsEnd);
         m_entryLevels[i] = level;
     }
 }
@@ -137,8 +151,7 @@ void ConstraintSolver::ArrangeRows() {
     for (const uint32_t i : m_order) {
         const uint32_t level = m_entryLevels[i];
         if (Hinge* const hinge = m_list[i].hinge) {
-            m_hinges[m_hingeCursors[level]++] = {hinge, hinge->m_bodies[0]->m_index,
-                                                 hinge->m_bodies[1]->m_index};
+            m_hinges[m_hingeCursors[level]++] = {hinge, m_rows[i].body0, m_rows[i].body1};
             continue;
         }
         m_slots[i] = m_cursors[level]++;
@@ -270,10 +283,10 @@ void ConstraintSolver::StoreRows() {
     }
 }
 
-void ConstraintSolver::StoreBodies(const AbstractBodyList& bodies) const {
-    for (size_t i = 0; i < bodies.size(); ++i) {
-        bodies[i]->m_deltaVel = m_bodies[i].m_deltaVel;
-        bodies[i]->m_deltaAngVel = m_bodies[i].m_deltaAngVel;
+void ConstraintSolver::StoreBodies() const {
+    for (size_t i = 0; i < m_active.size(); ++i) {
+        m_active[i]->m_deltaVel = m_bodies[i].m_deltaVel;
+        m_active[i]->m_deltaAngVel = m_bodies[i].m_deltaAngVel;
     }
 }
 

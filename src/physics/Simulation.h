@@ -126,6 +126,7 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     void Integrate(math::real h);
     void IntegrateVelocity(math::real dt);
     void IntegratePosition(math::real dt);
+    void IntegrateVelocityAndPosition(math::real velocityTime, math::real positionTime);
     void ClearForces();
 
     void RemoveBadObjects();

@@ -33,8 +33,7 @@ void Simulation::Integrate(math::real h) {
     if (m_leapFrog->Get()) {
         IntegrateVelocity(h / 2);
         RunSolver();
-        IntegrateVelocity(h / 2);
-        IntegratePosition(h);
+        IntegrateVelocityAndPosition(h / 2, h);
     } else {
         RunSolver();
         IntegratePosition(h);
@@ -91,20 +90,35 @@ void Simulation::RunSolver() {
 
 // ---- integration ---------------------------------------------------------------------------------------
 
+static void MoveVelocity(AbstractBody& body, math::real dt) {
+    body.m_vel += dt * body.m_force * body.m_massInv;
+    body.m_angVel += dt * body.m_torque * body.m_inertiaInv;
+}
+
+static void MovePosition(AbstractBody& body, math::real dt) {
+    body.m_pos += dt * body.m_vel;
+    body.m_angle = math::WrapAngle(body.m_angle + dt * body.m_angVel);
+    body.UpdateGeoms();
+}
+
 void Simulation::IntegrateVelocity(math::real dt) {
     for (AbstractBody* const body : m_allBodies) {
-        if (body->IsImmovable()) continue;
-        body->m_vel += dt * body->m_force * body->m_massInv;
-        body->m_angVel += dt * body->m_torque * body->m_inertiaInv;
+        if (!body->IsImmovable()) MoveVelocity(*body, dt);
     }
 }
 
 void Simulation::IntegratePosition(math::real dt) {
     for (AbstractBody* const body : m_allBodies) {
+        if (!body->IsImmovable()) MovePosition(*body, dt);
+    }
+}
+
+// The one after the other, in a single walk over the bodies.
+void Simulation::IntegrateVelocityAndPosition(math::real velocityTime, math::real positionTime) {
+    for (AbstractBody* const body : m_allBodies) {
         if (body->IsImmovable()) continue;
-        body->m_pos += dt * body->m_vel;
-        body->m_angle = math::WrapAngle(body->m_angle + dt * body->m_angVel);
-        body->UpdateGeoms();
+        MoveVelocity(*body, velocityTime);
+        MovePosition(*body, positionTime);
     }
 }
 
