@@ -4,6 +4,7 @@
 
 #include "math/Vector.h"
 #include "physics/Fwd.h"
+#include "physics/Geom.h"
 #include "util/Pointee.h"
 
 namespace physics {
