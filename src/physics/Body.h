@@ -112,6 +112,8 @@ class Body : public AbstractBody {
     const math::RigidTransform& GetTransform() const { return m_transform; }  // body space to world
     const math::RigidTransform& GetInvTransform() const { return m_invTransform; }  // world to body space
 
+    bool m_inWorld = false;  // whether Simulation lists the body; set by it alone
+
   private:
     void DetachGeoms();
     void BecomeUnitMass();

@@ -86,18 +86,19 @@ void Simulation::AddBody(const BodyPtr& body) {
     if (HasBody(body)) return;
     body->UpdateGeoms();
     m_bodies.push_back(body);
+    body->m_inWorld = true;
 }
 
 void Simulation::RemoveBody(const BodyPtr& body) {
-    const auto found = std::find(m_bodies.begin(), m_bodies.end(), body);
-    if (found == m_bodies.end() || body == GetWorldBody()) return;
-    const BodyPtr hold = *found;  // `body` may be the list's own pointer
-    m_bodies.erase(found);
+    if (!HasBody(body) || body == GetWorldBody()) return;
+    const BodyPtr hold = body;  // which may be the list's own pointer
+    m_bodies.erase(std::find(m_bodies.begin(), m_bodies.end(), hold));
+    hold->m_inWorld = false;
     hold->SetGeoms(GeomSet());
 }
 
 bool Simulation::HasBody(const BodyPtr& body) const {
-    return std::find(m_bodies.begin(), m_bodies.end(), body) != m_bodies.end();
+    return body && body->m_inWorld;
 }
 
 void Simulation::AddJoint(const JointPtr& joint) {
@@ -168,6 +169,7 @@ void Simulation::Clear() {
     BodyList bodies;
     bodies.swap(m_bodies);
     for (const BodyPtr& body : bodies) {
+        body->m_inWorld = false;
         if (body != worldBody) body->SetGeoms(GeomSet());
     }
     worldBody->SetGeom(m_worldGeom);

@@ -77,6 +77,7 @@ void Simulation::Validate() const {
     for (const BodyPtr& body : m_bodies) {
         CODE_ASSERTION(body);
         CODE_ASSERTION(bodies.insert(body.Get()).second);
+        CODE_ASSERTION(body->m_inWorld);
         ValidateBody(*body);
     }
     for (const ParticlePtr& particle : m_particles) {
