@@ -17,11 +17,11 @@ quietly() {
 }
 
 echo "== building checked (address and undefined-behaviour sanitizers)"
-quietly checked-configure cmake --preset checked -DVEXA_BENCH=OFF
+quietly checked-configure cmake --preset checked
 quietly checked-build cmake --build --preset checked --target unit_tests
 echo "== building release"
-quietly release-configure cmake --preset release -DVEXA_BENCH=ON
-quietly release-build cmake --build --preset release
+quietly release-configure cmake --preset release
+quietly release-build cmake --build --preset release --target all vexa-bench
 
 status=0
 echo "== unit tests, checked"
