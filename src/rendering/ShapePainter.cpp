@@ -89,7 +89,7 @@ Outline ViewOutline(const math::BoundingBox2f& box) {
     return outline;
 }
 
-// The part of the view between two distances, its colour going over from one to the other.
+// A stretch of the view between two distances, its colour going over from one to the other.
 struct Band {
     float low, high;
     Vec4 lowColor, highColor;
