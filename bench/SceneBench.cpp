@@ -5,12 +5,12 @@
 
 #include <cmath>
 
-#include "app/Actions.h"
 #include "app/App.h"
-#include "app/Serializer.h"
-#include "app/Undoer.h"
 #include "app/entities/CircleEntity.h"
 #include "app/entities/PolyEntity.h"
+#include "app/files/Serializer.h"
+#include "app/history/Actions.h"
+#include "app/history/Undoer.h"
 #include "physics/Simulation.h"
 #include "script/Expressions.h"
 

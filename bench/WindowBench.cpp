@@ -9,11 +9,11 @@
 #include <stdexcept>
 
 #include "app/App.h"
-#include "app/SceneLoader.h"
-#include "app/Undoer.h"
-#include "app/WaterPainter.h"
+#include "app/drawing/WaterPainter.h"
 #include "app/entities/CircleEntity.h"
 #include "app/entities/PolyEntity.h"
+#include "app/files/SceneLoader.h"
+#include "app/history/Undoer.h"
 #include "bench/Driver.h"
 #include "core/Platform.h"
 #include "gui/GUI.h"

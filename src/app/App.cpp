@@ -1,17 +1,16 @@
 #include "app/App.h"
 
 #include <algorithm>
-#include <boost/bind/bind.hpp>
 #include <cmath>
 
-#include "app/Actions.h"
 #include "app/AppGUI.h"
-#include "app/Undoer.h"
-#include "app/WaterPainter.h"
+#include "app/drawing/WaterPainter.h"
 #include "app/entities/Chain.h"
 #include "app/entities/GeomEntity.h"
-#include "gui/Input.h"
-#include "gui/Key.h"
+#include "app/history/Actions.h"
+#include "app/history/Undoer.h"
+#include "input/Input.h"
+#include "input/Key.h"
 #include "logging/Log.h"
 #include "math/Color.h"
 #include "physics/Body.h"
@@ -63,7 +62,7 @@ App::App()
     AddReflected(m_guiSettings);
     AddCommands();
     physics::Simulation::Instance().m_running->AddOnChange(
-        new util::Callback(boost::bind(&App::OnRunningChange, this), this));
+        new util::Callback([this] { OnRunningChange(); }, this));
     MakeDrawingResources();
 }
 

@@ -2,7 +2,7 @@
 
 #include "app/AppGUISettings.h"
 #include "app/Fwd.h"
-#include "app/Selection.h"
+#include "app/scene/Selection.h"
 #include "gui/Component.h"
 #include "math/BoundingBox.h"
 #include "math/Matrix3.h"

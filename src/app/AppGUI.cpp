@@ -1,23 +1,22 @@
 #include "app/AppGUI.h"
 
-#include <boost/bind/bind.hpp>
 #include <boost/format.hpp>
 #include <cmath>
 
-#include "app/Actions.h"
 #include "app/App.h"
-#include "app/SceneFiles.h"
-#include "app/Snapshot.h"
-#include "app/Undoer.h"
 #include "app/entities/Entity.h"
+#include "app/files/SceneFiles.h"
+#include "app/history/Actions.h"
+#include "app/history/Snapshot.h"
+#include "app/history/Undoer.h"
 #include "app/tools/BrushTool.h"
 #include "app/tools/MoveTool.h"
 #include "app/tools/PanTool.h"
 #include "app/tools/RotateTool.h"
 #include "app/windows/StatsWindow.h"
 #include "gui/GUI.h"
-#include "gui/Key.h"
-#include "gui/WindowHost.h"
+#include "input/Key.h"
+#include "input/WindowHost.h"
 #include "logging/Log.h"
 #include "script/Parser.h"
 #include "util/Clock.h"
@@ -40,7 +39,7 @@ AppGUI::AppGUI(const AppGUI* previous)
     SetFillParent(true);
     TakeOverWindows(previous);
     App::Instance().GetOnInterrupt().Add(
-        new util::Callback(boost::bind(&AppGUI::CancelTool, this), util::WeakPtr<util::Pointee>(this)));
+        new util::Callback([this] { CancelTool(); }, util::WeakPtr<util::Pointee>(this)));
 }
 
 // A window that the user has torn off or closed stays so.

@@ -4,8 +4,8 @@
 
 #include "app/App.h"
 #include "app/entities/Entity.h"
-#include "gui/Input.h"
-#include "gui/Key.h"
+#include "input/Input.h"
+#include "input/Key.h"
 #include "logging/Log.h"
 #include "util/Assert.h"
 

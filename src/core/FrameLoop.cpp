@@ -7,7 +7,8 @@
 #include "core/ResourceManager.h"
 #include "core/Subsystem.h"
 #include "gui/GUI.h"
-#include "gui/Input.h"
+#include "input/Input.h"
+#include "input/Profiler.h"
 #include "logging/Logger.h"
 #include "physics/Simulation.h"
 #include "rendering/Gl.h"
@@ -15,7 +16,6 @@
 #include "util/Clock.h"
 #include "util/Exception.h"
 #include "util/Interpolator.h"
-#include "util/Profiler.h"
 
 // The frame loop, core::Subsystem's third part. Each frame runs its sections in a fixed order, and an
 // exception that passes one of them on its way to main leaves its trace in the log.

@@ -5,16 +5,16 @@
 #include <iostream>
 
 #include "app/App.h"
-#include "app/SceneLoader.h"
 #include "app/entities/Entity.h"
+#include "app/files/SceneLoader.h"
 #include "core/Platform.h"
 #include "core/ResourceManager.h"
 #include "core/Subsystem.h"
 #include "gui/GUI.h"
+#include "input/KeyBinder.h"
 #include "logging/Logger.h"
 #include "physics/SPH.h"
 #include "physics/Simulation.h"
-#include "script/KeyBinder.h"
 #include "script/Parser.h"
 #include "util/Exception.h"
 #include "util/FileNames.h"

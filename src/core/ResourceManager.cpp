@@ -1,6 +1,5 @@
 #include "core/ResourceManager.h"
 
-#include <boost/bind/bind.hpp>
 #include <boost/lexical_cast.hpp>
 
 #include "logging/Log.h"
@@ -17,7 +16,7 @@ ResourceManager::ResourceManager()
     : Reflected("Resources"),
       m_shaders(script::DeclareAttribGetSet<bool>(*this, "shaders", false, &Context::UseShaders,
                                                   &Context::SetUseShaders)) {
-    m_shaders->AddOnChange(new util::Callback(boost::bind(&ResourceManager::OnShadersChange, this), this));
+    m_shaders->AddOnChange(new util::Callback([this] { OnShadersChange(); }, this));
     AddCmd("unloadAll", this, &ResourceManager::DestroyAll);
     AddCmd("loadAll", [this] { LoadAll(false); });
     AddCmd("reloadAll", [this] { LoadAll(true); });

@@ -6,7 +6,8 @@
 
 #include "core/Platform.h"
 #include "gui/GUI.h"
-#include "gui/Input.h"
+#include "input/Input.h"
+#include "input/Profiler.h"
 #include "logging/Logger.h"
 #include "logging/Sinks.h"
 #include "rendering/Renderer.h"
@@ -15,7 +16,6 @@
 #include "util/Clock.h"
 #include "util/Exception.h"
 #include "util/FileSystem.h"
-#include "util/Profiler.h"
 
 namespace core {
 

@@ -3,8 +3,8 @@
 #include <exception>
 
 #include "core/WindowParams.h"
-#include "gui/InputListener.h"
-#include "gui/WindowHost.h"
+#include "input/InputListener.h"
+#include "input/WindowHost.h"
 #include "script/Attributes.h"
 #include "util/Singleton.h"
 

@@ -6,7 +6,7 @@
 #include "core/ResourceManager.h"
 #include "core/Subsystem.h"
 #include "gui/GUI.h"
-#include "gui/Input.h"
+#include "input/Input.h"
 #include "logging/Log.h"
 #include "rendering/Context.h"
 #include "rendering/Gl.h"

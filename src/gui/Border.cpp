@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <boost/bind/bind.hpp>
 
 #include "rendering/Renderer.h"
 #include "rendering/TextureManager.h"
@@ -54,7 +53,7 @@ Border::Tiles::Tiles(const String& directory) {
     for (int tile = 0; tile < NUM_TILES; ++tile) {
         m_images[tile] = manager.Get(directory + TILE_FILES[tile], rendering::Texture::ImageType::Tile());
     }
-    m_sheet = rendering::TextureManager::Make(boost::bind(&Tiles::MakeSheet, this));
+    m_sheet = rendering::TextureManager::Make([this] { return MakeSheet(); });
     Measure();
 }
 

@@ -1,10 +1,9 @@
 #include "gui/Component.h"
 
 #include <algorithm>
-#include <boost/bind/bind.hpp>
 
-#include "gui/Input.h"
 #include "gui/LookAndFeel.h"
+#include "input/Input.h"
 #include "rendering/Gl.h"
 #include "rendering/Renderer.h"
 #include "util/Assert.h"
@@ -198,7 +197,7 @@ void Component::RemoveAllChildren() {
 void Component::WatchPriority() {
     if (m_watchesPriority) return;
     m_watchesPriority = true;
-    GetOnPriorityChange().Add(new util::Callback(boost::bind(&Component::ResortInParent, this), this));
+    GetOnPriorityChange().Add(new util::Callback([this] { ResortInParent(); }, this));
 }
 
 void Component::ResortInParent() {

@@ -2,9 +2,9 @@
 
 #include "gui/Border.h"
 #include "gui/Fwd.h"
-#include "gui/InputListener.h"
 #include "gui/Layout.h"
 #include "gui/TextFormat.h"
+#include "input/InputListener.h"
 #include "math/BoundingBox.h"
 #include "math/Matrix3.h"
 

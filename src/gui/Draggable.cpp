@@ -1,6 +1,6 @@
 #include "gui/Draggable.h"
 
-#include "gui/Key.h"
+#include "input/Key.h"
 
 namespace gui {
 

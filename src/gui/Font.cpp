@@ -1,7 +1,6 @@
 #include "gui/Font.h"
 
 #include <algorithm>
-#include <boost/bind/bind.hpp>
 #include <map>
 
 #include "rendering/Context.h"
@@ -110,7 +109,7 @@ FontMentorPtr Font::Get(const String& name) {
     FontMentorPtr& mentor = fonts[name];
     if (!mentor) {
         const String path = util::FileSystem::Instance().GetFontsDir() + name;
-        mentor = new FontMentor(boost::bind(&LoadFont, path));
+        mentor = new FontMentor([path] { return LoadFont(path); });
     }
     return mentor;
 }
@@ -138,7 +137,7 @@ void Font::SetSheet(const ImageRGBA32Ptr& sheet) {
 
 void Font::SetFineSheet(const String& path) {
     if (path.empty() || !util::FileSystem::Instance().Exists(path)) return;
-    m_fineTexture = rendering::TextureManager::Make(boost::bind(&LoadTexture, path));
+    m_fineTexture = rendering::TextureManager::Make([path] { return LoadTexture(path); });
 }
 
 // One of another size, which may be the picture that stands in for it, would not have the glyphs in place.

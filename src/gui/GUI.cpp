@@ -1,12 +1,11 @@
 #include "gui/GUI.h"
 
 #include <algorithm>
-#include <boost/bind/bind.hpp>
 #include <cmath>
 
-#include "gui/Input.h"
 #include "gui/LookAndFeel.h"
 #include "gui/TextFormat.h"
+#include "input/Input.h"
 #include "logging/Logger.h"
 #include "rendering/Context.h"
 #include "rendering/Gl.h"
@@ -56,10 +55,10 @@ GUI::GUI()
     InstallLogSink();
     m_root = new Component("Root");
     Input::Instance().AddListener(m_root);
-    const util::CallbackPtr push = new util::Callback(boost::bind(&GUI::PushSettings, this), this);
+    const util::CallbackPtr push = new util::Callback([this] { PushSettings(); }, this);
     m_clickTolerance->AddOnChange(push);
     m_clickTimeTolerance->AddOnChange(push);
-    m_scale->AddOnChange(new util::Callback(boost::bind(&GUI::OnScaleChange, this), this));
+    m_scale->AddOnChange(new util::Callback([this] { OnScaleChange(); }, this));
     PushSettings();
     ResizeRoot();
     LoadCursor();

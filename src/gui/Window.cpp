@@ -1,11 +1,10 @@
 #include "gui/Window.h"
 
 #include <algorithm>
-#include <boost/bind/bind.hpp>
 
-#include "gui/Key.h"
 #include "gui/LookAndFeel.h"
 #include "gui/components/Button.h"
+#include "input/Key.h"
 
 namespace gui {
 namespace {
@@ -60,7 +59,7 @@ void Window::AddCloseButton() {
     if (m_closeButton) return;
     m_closeButton = new Button("x", "CloseButton");
     m_closeButton->SetExcludedFromLayout(true);
-    m_closeButton->GetOnPress().Add(new util::Callback(boost::bind(&Window::Close, this), this));
+    m_closeButton->GetOnPress().Add(new util::Callback([this] { Close(); }, this));
     AddChild(m_closeButton);
     Window::SetSize(GetSize().x, GetSize().y);
     Window::OnGeometryChanged();

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <boost/function.hpp>
 #include <fstream>
+#include <functional>
 #include <iosfwd>
 
 #include "util/Pointee.h"
@@ -48,12 +48,12 @@ class FileLogger : public ILogger {
 // Hands lines to a function; what the function throws is logged elsewhere.
 class FunctionLogger : public ILogger {
   public:
-    FunctionLogger(int levels, const boost::function<void(const String&)>& function)
+    FunctionLogger(int levels, const std::function<void(const String&)>& function)
         : ILogger(levels), m_function(function) {}
     void Log(const String& text) override;
 
   private:
-    boost::function<void(const String&)> m_function;
+    std::function<void(const String&)> m_function;
 };
 
 }  // namespace logging

@@ -1,6 +1,5 @@
 #include "rendering/Shader.h"
 
-#include <boost/bind/bind.hpp>
 #include <vector>
 
 #include "logging/Log.h"
@@ -129,7 +128,7 @@ int Shader::LookupAttribute(const String& name) const {
 ShaderVariable::ShaderVariable(const ShaderMentorPtr& shader, const String& name)
     : m_shader(shader), m_name(name) {
     if (!m_shader) return;
-    m_shader->GetOnUnload().Add(new util::Callback(boost::bind(&ShaderVariable::Invalidate, this), this));
+    m_shader->GetOnUnload().Add(new util::Callback([this] { Invalidate(); }, this));
 }
 
 void ShaderVariable::Resolve() {

@@ -1,7 +1,5 @@
 #include "rendering/ShaderManager.h"
 
-#include <boost/bind/bind.hpp>
-
 #include "rendering/Context.h"
 #include "util/FileSystem.h"
 
@@ -9,7 +7,7 @@ namespace rendering {
 
 ShaderMentorPtr ShaderManager::Get(const String& name) {
     ShaderMentorPtr& mentor = m_shaders[name];
-    if (!mentor) mentor = new ShaderMentor(boost::bind(&ShaderManager::LoadFromFiles, name));
+    if (!mentor) mentor = new ShaderMentor([name] { return LoadFromFiles(name); });
     return mentor;
 }
 

@@ -1,7 +1,5 @@
 #include "rendering/TextureManager.h"
 
-#include <boost/bind/bind.hpp>
-
 namespace rendering {
 
 TextureManager::TextureManager() {
@@ -9,17 +7,17 @@ TextureManager::TextureManager() {
 }
 
 TextureMentorPtr TextureManager::Get(const String& name, const Texture::ImageType& type) {
-    return Register({name, type}, boost::bind(&TextureFromPath, name, type));
+    return Register({name, type}, [name, type] { return TextureFromPath(name, type); });
 }
 
 TextureMentorPtr TextureManager::Get(const String& name, ImageRGBA32Ptr image,
                                      const Texture::ImageType& type) {
-    return Register({name, type}, boost::bind(&TextureFromImage, image, type));
+    return Register({name, type}, [image, type] { return TextureFromImage(image, type); });
 }
 
 TextureMentorPtr TextureManager::Get(const String& name, ImageFloatPtr image,
                                      const Texture::ImageType& type) {
-    return Register({name, type}, boost::bind(&TextureFromImageFloat, image, type));
+    return Register({name, type}, [image, type] { return TextureFromImageFloat(image, type); });
 }
 
 TextureMentorPtr TextureManager::Make(const TextureMentor::Factory& factory) {

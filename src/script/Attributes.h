@@ -105,8 +105,8 @@ class Attrib final : public TAttrib<T> {
 template <class T>
 class AttribGetSet final : public TAttrib<T> {
   public:
-    using Getter = boost::function<T()>;
-    using Setter = boost::function<void(const T&)>;
+    using Getter = std::function<T()>;
+    using Setter = std::function<void(const T&)>;
 
     AttribGetSet(const String& name, const T& defaultValue, const Getter& getter, const Setter& setter)
         : TAttrib<T>(name, defaultValue), m_getter(getter), m_setter(setter) {}

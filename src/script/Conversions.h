@@ -1,6 +1,6 @@
 #pragma once
 
-#include <boost/function.hpp>
+#include <functional>
 #include <tuple>
 #include <type_traits>
 
@@ -102,7 +102,7 @@ inline ObjectPtr MakeVoid() {
 namespace conversions {
 
 template <class R, class... Args, class C, class Method>
-boost::function<R(Args...)> Bind(C* object, Method method) {
+std::function<R(Args...)> Bind(C* object, Method method) {
     if constexpr (std::is_base_of<util::Pointee, C>::value) {
         return [watch = util::WeakPtr<C>(object), method](Args... args) -> R {
             C* const target = watch.Get();
@@ -119,11 +119,11 @@ boost::function<R(Args...)> Bind(C* object, Method method) {
 // The method of an object as a plain callable. Counted objects are watched, so that a command that outlives
 // its object fails instead of touching freed memory.
 template <class C, class R, class B, class... Args>
-boost::function<R(Args...)> BindMethod(C* object, R (B::*method)(Args...)) {
+std::function<R(Args...)> BindMethod(C* object, R (B::*method)(Args...)) {
     return conversions::Bind<R, Args...>(object, method);
 }
 template <class C, class R, class B, class... Args>
-boost::function<R(Args...)> BindMethod(C* object, R (B::*method)(Args...) const) {
+std::function<R(Args...)> BindMethod(C* object, R (B::*method)(Args...) const) {
     return conversions::Bind<R, Args...>(object, method);
 }
 
@@ -139,7 +139,7 @@ struct Signature<R (*)(Args...)> {
     using Arg = std::decay_t<std::tuple_element_t<I, std::tuple<Args...>>>;
 };
 template <class R, class... Args>
-struct Signature<boost::function<R(Args...)>> : Signature<R (*)(Args...)> {};
+struct Signature<std::function<R(Args...)>> : Signature<R (*)(Args...)> {};
 template <class C, class R, class... Args>
 struct Signature<R (C::*)(Args...)> : Signature<R (*)(Args...)> {};
 template <class C, class R, class... Args>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <boost/function.hpp>
+#include <functional>
 #include <typeinfo>
 
 #include "script/Fwd.h"
@@ -120,7 +120,7 @@ class AbstractIntrinsic : public AbstractFunction {
 
 class IntrinsicCmd : public AbstractIntrinsic {
   public:
-    using Native = boost::function<ObjectPtr()>;
+    using Native = std::function<ObjectPtr()>;
     explicit IntrinsicCmd(const Native& function) : m_function(function) {}
     ObjectPtr Call(const ObjectList& args) override;
     size_t GetArgCount() const override { return 0; }
@@ -131,7 +131,7 @@ class IntrinsicCmd : public AbstractIntrinsic {
 
 class IntrinsicCmd1 : public AbstractIntrinsic {
   public:
-    using Native = boost::function<ObjectPtr(const ObjectPtr&)>;
+    using Native = std::function<ObjectPtr(const ObjectPtr&)>;
     explicit IntrinsicCmd1(const Native& function) : m_function(function) {}
     ObjectPtr Call(const ObjectList& args) override;
     size_t GetArgCount() const override { return 1; }
@@ -142,7 +142,7 @@ class IntrinsicCmd1 : public AbstractIntrinsic {
 
 class IntrinsicCmd2 : public AbstractIntrinsic {
   public:
-    using Native = boost::function<ObjectPtr(const ObjectPtr&, const ObjectPtr&)>;
+    using Native = std::function<ObjectPtr(const ObjectPtr&, const ObjectPtr&)>;
     explicit IntrinsicCmd2(const Native& function) : m_function(function) {}
     ObjectPtr Call(const ObjectList& args) override;
     size_t GetArgCount() const override { return 2; }

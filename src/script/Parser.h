@@ -1,6 +1,6 @@
 #pragma once
 
-#include <boost/function.hpp>
+#include <functional>
 
 #include "script/Expressions.h"
 #include "script/Scopes.h"
@@ -19,8 +19,8 @@ namespace script {
 // torn down by Destroy, which breaks the circle of root closure and the functions made in it.
 class Parser : public util::Pointee, public util::Singleton<Parser> {
   public:
-    using OnError = boost::function<void(const String&)>;
-    using KeyBinderFactory = boost::function<ReflectedPtr()>;
+    using OnError = std::function<void(const String&)>;
+    using KeyBinderFactory = std::function<ReflectedPtr()>;
 
     Parser();
     ~Parser() noexcept(false) override;

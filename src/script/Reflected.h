@@ -27,7 +27,7 @@ class Reflected : public ClassObject, public util::ClassTracker<Reflected> {
     void AddReflected(const ReflectedPtr& child);
     static void AddToRoot(const ReflectedPtr& child);
 
-    // Commands. `callable` is whatever can be called: a function, a lambda, a boost::function; with an
+    // Commands. `callable` is whatever can be called: a function, a lambda, a std::function; with an
     // object in front, one of its methods. Arguments and results are converted by Conversions.h; reading
     // the name of a command without arguments performs it.
     template <class Callable>

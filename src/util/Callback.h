@@ -1,6 +1,6 @@
 #pragma once
 
-#include <boost/function.hpp>
+#include <functional>
 #include <list>
 
 #include "util/ClassTracker.h"
@@ -13,7 +13,7 @@ namespace util {
 // A function that is alive only as long as its owner: nobody unregisters, owners die.
 class Callback : public Pointee {
   public:
-    Callback(const boost::function<void()>& function, const WeakPtr<Pointee>& owner)
+    Callback(const std::function<void()>& function, const WeakPtr<Pointee>& owner)
         : m_function(function), m_owner(owner) {}
 
     bool IsExpired() const { return !m_owner; }
@@ -23,7 +23,7 @@ class Callback : public Pointee {
     void Call() const;
 
   private:
-    boost::function<void()> m_function;
+    std::function<void()> m_function;
     WeakPtr<Pointee> m_owner;
 };
 using CallbackPtr = SharedPtr<Callback>;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <boost/function.hpp>
 #include <exception>
+#include <functional>
 #include <typeinfo>
 
 #include "logging/Log.h"
@@ -26,7 +26,7 @@ class AbstractMentor : public Pointee, public ClassTracker<AbstractMentor> {
 template <class T>
 class Mentor : public AbstractMentor {
   public:
-    using Factory = boost::function<T*()>;
+    using Factory = std::function<T*()>;
 
     explicit Mentor(const Factory& factory) : m_factory(factory) {}
 

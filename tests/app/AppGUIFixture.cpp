@@ -6,8 +6,8 @@
 #include "app/entities/CircleEntity.h"
 #include "app/entities/PlaneEntity.h"
 #include "app/entities/PolyEntity.h"
-#include "gui/Input.h"
-#include "gui/Key.h"
+#include "input/Input.h"
+#include "input/Key.h"
 #include "physics/Polygon.h"
 #include "physics/Simulation.h"
 

@@ -4,11 +4,11 @@
 
 #include <functional>
 
-#include "app/Actions.h"
 #include "app/AppGUI.h"
-#include "app/Undoer.h"
 #include "app/entities/Entity.h"
-#include "gui/InputEvents.h"
+#include "app/history/Actions.h"
+#include "app/history/Undoer.h"
+#include "input/InputEvents.h"
 #include "math/Vector.h"
 #include "physics/Body.h"
 

@@ -11,7 +11,7 @@
 #include "app/tools/MoveTool.h"
 #include "app/tools/PanTool.h"
 #include "app/tools/RotateTool.h"
-#include "gui/Key.h"
+#include "input/Key.h"
 #include "script/Parser.h"
 #include "support/LogCapture.h"
 #include "util/Clock.h"

@@ -2,7 +2,7 @@
 #include "app/App.h"
 #include "app/entities/PolyEntity.h"
 #include "app/tools/BrushTool.h"
-#include "gui/Key.h"
+#include "input/Key.h"
 #include "physics/Body.h"
 #include "physics/Polygon.h"
 #include "support/LogCapture.h"

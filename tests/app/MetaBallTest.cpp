@@ -1,4 +1,4 @@
-#include "app/MetaBall.h"
+#include "app/drawing/MetaBall.h"
 
 #include <gtest/gtest.h>
 

@@ -3,8 +3,8 @@
 #include <cmath>
 
 #include "app/App.h"
-#include "app/Background.h"
-#include "app/WaterPainter.h"
+#include "app/drawing/Background.h"
+#include "app/drawing/WaterPainter.h"
 #include "app/entities/CircleEntity.h"
 #include "physics/Particle.h"
 #include "physics/SPH.h"

@@ -2,10 +2,10 @@
 #include <limits>
 
 #include "World.h"
-#include "app/SceneFiles.h"
-#include "app/SceneLoader.h"
-#include "app/Serializer.h"
 #include "app/entities/Chain.h"
+#include "app/files/SceneFiles.h"
+#include "app/files/SceneLoader.h"
+#include "app/files/Serializer.h"
 #include "physics/Particle.h"
 #include "script/Expressions.h"
 #include "util/Exception.h"

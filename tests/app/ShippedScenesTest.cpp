@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "World.h"
-#include "app/SceneLoader.h"
+#include "app/files/SceneLoader.h"
 #include "physics/Particle.h"
 #include "util/FileSystem.h"
 

@@ -4,9 +4,9 @@
 
 #include "AppGUIFixture.h"
 #include "app/App.h"
-#include "gui/Key.h"
 #include "gui/components/Button.h"
 #include "gui/components/Label.h"
+#include "input/Key.h"
 #include "physics/Simulation.h"
 
 namespace {

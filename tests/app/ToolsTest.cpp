@@ -4,7 +4,7 @@
 #include "app/App.h"
 #include "app/entities/Chain.h"
 #include "app/entities/GeomEntity.h"
-#include "gui/Key.h"
+#include "input/Key.h"
 #include "physics/Body.h"
 #include "physics/Simulation.h"
 

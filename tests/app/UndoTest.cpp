@@ -1,6 +1,6 @@
 #include "World.h"
-#include "app/Actions.h"
 #include "app/entities/Chain.h"
+#include "app/history/Actions.h"
 #include "physics/Particle.h"
 #include "util/Random.h"
 

@@ -8,8 +8,8 @@
 #include <sstream>
 #include <vector>
 
-#include "app/Serializer.h"
 #include "app/entities/Chain.h"
+#include "app/files/Serializer.h"
 #include "physics/Particle.h"
 #include "script/Expressions.h"
 #include "util/Clock.h"

@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "app/App.h"
-#include "app/Undoer.h"
 #include "app/entities/CircleEntity.h"
 #include "app/entities/PlaneEntity.h"
 #include "app/entities/PolyEntity.h"
+#include "app/history/Undoer.h"
 #include "physics/Body.h"
 #include "physics/Simulation.h"
 #include "support/LogCapture.h"

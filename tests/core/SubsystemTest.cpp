@@ -5,7 +5,7 @@
 
 #include "core/ResourceManager.h"
 #include "gui/GUI.h"
-#include "gui/Input.h"
+#include "input/Input.h"
 #include "rendering/Context.h"
 #include "script/Parser.h"
 #include "support/LogCapture.h"

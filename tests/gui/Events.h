@@ -1,7 +1,7 @@
 #pragma once
 
-#include "gui/InputEvents.h"
-#include "gui/Key.h"
+#include "input/InputEvents.h"
+#include "input/Key.h"
 
 namespace test {
 

@@ -5,8 +5,8 @@
 #include <limits>
 
 #include "Fixtures.h"
-#include "gui/Input.h"
 #include "gui/LookAndFeel.h"
+#include "input/Input.h"
 #include "rendering/Context.h"
 #include "rendering/Gl.h"
 #include "rendering/Renderer.h"

@@ -76,13 +76,13 @@ TEST_F(DeliveryTest, NullIsRefused) {
 // Does something in the middle of its own event.
 class ActingListener : public gui::InputListener {
   public:
-    explicit ActingListener(const boost::function<void()>& action) : m_action(action) {}
+    explicit ActingListener(const std::function<void()>& action) : m_action(action) {}
     void OnClick(gui::ClickEvent&) override {
         ++m_clicks;
         m_action();
         ++m_finished;
     }
-    boost::function<void()> m_action;
+    std::function<void()> m_action;
     int m_clicks = 0;
     static inline int m_finished = 0;
 };

@@ -6,8 +6,8 @@
 
 #include <vector>
 
-#include "gui/Input.h"
-#include "gui/Key.h"
+#include "input/Input.h"
+#include "input/Key.h"
 #include "util/Clock.h"
 
 namespace test {

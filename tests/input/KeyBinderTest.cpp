@@ -1,4 +1,4 @@
-#include "script/KeyBinder.h"
+#include "input/KeyBinder.h"
 
 #include "InputFixture.h"
 #include "script/Parser.h"

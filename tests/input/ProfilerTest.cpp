@@ -1,4 +1,4 @@
-#include "util/Profiler.h"
+#include "input/Profiler.h"
 
 #include "InputFixture.h"
 

@@ -1,7 +1,7 @@
-#include "gui/TextInputer.h"
+#include "input/TextInputer.h"
 
 #include "InputFixture.h"
-#include "gui/Clipboard.h"
+#include "input/Clipboard.h"
 
 namespace test {
 namespace {

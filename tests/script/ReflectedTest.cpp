@@ -75,7 +75,7 @@ TEST_F(ReflectedObjects, CommandsOfAllKinds) {
     Reflected::AddToRoot(object);
     int pokes = 0;
     object->AddCmd("poke", [&pokes] { ++pokes; });
-    object->AddCmd("pokes", boost::function<int()>([&pokes] { return pokes; }));
+    object->AddCmd("pokes", std::function<int()>([&pokes] { return pokes; }));
     object->AddCmd1("length", [](const String& text) { return static_cast<int>(text.size()); });
     object->AddCmd1(
         "same", +[](const ObjectPtr& any) { return any; });

@@ -7,8 +7,8 @@
 
 #include "Options.h"
 #include "app/App.h"
-#include "app/SceneLoader.h"
-#include "app/Serializer.h"
+#include "app/files/SceneLoader.h"
+#include "app/files/Serializer.h"
 #include "logging/Logger.h"
 #include "physics/SPH.h"
 #include "physics/Simulation.h"

@@ -1,6 +1,6 @@
 #include "app/entities/CircleEntity.h"
 
-#include "app/DebugViews.h"
+#include "app/drawing/DebugViews.h"
 #include "math/Geometry.h"
 #include "physics/Polygon.h"
 #include "rendering/ShapePainter.h"

@@ -1,8 +1,8 @@
 #include "app/entities/Entity.h"
 
 #include "app/App.h"
-#include "app/EntityReader.h"
 #include "app/entities/Chain.h"
+#include "app/files/EntityReader.h"
 
 namespace app {
 

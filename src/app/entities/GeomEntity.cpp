@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "app/App.h"
-#include "app/EntityReader.h"
+#include "app/files/EntityReader.h"
 #include "physics/Body.h"
 #include "physics/SPH.h"
 #include "physics/Simulation.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "app/DebugViews.h"
+#include "app/drawing/DebugViews.h"
 #include "rendering/ShapePainter.h"
 #include "util/ProfileTree.h"
 

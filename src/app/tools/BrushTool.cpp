@@ -2,15 +2,15 @@
 
 #include <algorithm>
 
-#include "app/Actions.h"
 #include "app/App.h"
-#include "app/Snapshot.h"
-#include "app/Undoer.h"
 #include "app/entities/PlaneEntity.h"
 #include "app/entities/PolyEntity.h"
+#include "app/history/Actions.h"
+#include "app/history/Snapshot.h"
+#include "app/history/Undoer.h"
 #include "app/tools/StrokeAnalysis.h"
-#include "gui/Input.h"
-#include "gui/Key.h"
+#include "input/Input.h"
+#include "input/Key.h"
 #include "logging/Log.h"
 #include "physics/Polygon.h"
 #include "rendering/Renderer.h"

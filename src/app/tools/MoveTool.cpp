@@ -2,8 +2,8 @@
 
 #include "app/App.h"
 #include "app/entities/Entity.h"
-#include "gui/Input.h"
-#include "gui/Key.h"
+#include "input/Input.h"
+#include "input/Key.h"
 
 namespace app {
 

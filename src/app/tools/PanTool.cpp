@@ -2,7 +2,7 @@
 
 #include "app/App.h"
 #include "app/entities/Entity.h"
-#include "gui/Key.h"
+#include "input/Key.h"
 
 namespace app {
 

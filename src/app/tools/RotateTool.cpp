@@ -4,8 +4,8 @@
 
 #include "app/App.h"
 #include "app/entities/Entity.h"
-#include "gui/Input.h"
-#include "gui/Key.h"
+#include "input/Input.h"
+#include "input/Key.h"
 #include "math/Geometry.h"
 #include "rendering/Gl.h"
 #include "rendering/Renderer.h"

@@ -2,12 +2,12 @@
 
 #include <set>
 
-#include "app/Actions.h"
 #include "app/App.h"
-#include "app/Cloning.h"
-#include "app/Snapshot.h"
-#include "app/Undoer.h"
 #include "app/entities/GeomEntity.h"
+#include "app/history/Actions.h"
+#include "app/history/Cloning.h"
+#include "app/history/Snapshot.h"
+#include "app/history/Undoer.h"
 #include "physics/Body.h"
 
 namespace app {

@@ -1,11 +1,11 @@
 #include "app/tools/Tool.h"
 
-#include "app/Actions.h"
 #include "app/App.h"
-#include "app/Snapshot.h"
-#include "app/Undoer.h"
 #include "app/entities/Entity.h"
-#include "gui/Key.h"
+#include "app/history/Actions.h"
+#include "app/history/Snapshot.h"
+#include "app/history/Undoer.h"
+#include "input/Key.h"
 
 namespace app {
 

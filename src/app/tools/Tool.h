@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/Fwd.h"
-#include "gui/InputListener.h"
+#include "input/InputListener.h"
 #include "math/Vector.h"
 #include "physics/Fwd.h"
 

@@ -4,10 +4,10 @@
 
 #include "app/App.h"
 #include "app/AppGUI.h"
-#include "app/SceneLoader.h"
+#include "app/files/SceneLoader.h"
 #include "gui/GUI.h"
-#include "gui/WindowHost.h"
 #include "gui/components/Label.h"
+#include "input/WindowHost.h"
 #include "physics/Simulation.h"
 
 namespace app {

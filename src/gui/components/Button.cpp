@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "gui/Key.h"
 #include "gui/LookAndFeel.h"
+#include "input/Key.h"
 #include "rendering/Renderer.h"
 
 namespace gui {

@@ -1,0 +1,156 @@
+#include "app/drawing/Background.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "app/App.h"
+#include "app/entities/Entity.h"
+#include "physics/Simulation.h"
+#include "rendering/Gl.h"
+#include "rendering/Renderer.h"
+#include "rendering/TextureManager.h"
+#include "util/FileSystem.h"
+#include "util/ProfileTree.h"
+#include "util/Random.h"
+
+namespace app {
+
+using math::Vec2;
+using math::Vec4;
+using rendering::Renderer;
+
+namespace {
+
+constexpr int CLOUD_COUNT = 2500;
+constexpr float MIN_CLOUD_SIZE = 5, MAX_CLOUD_SIZE = 15;         // world units
+constexpr float MIN_CLOUD_SPEED = 0.1f, MAX_CLOUD_SPEED = 0.2f;  // sizes per second: big ones are faster
+// The box covers a large screen at the farthest zoom, seen at the clouds' slower speed.
+constexpr float SCREEN_WIDTH = 2048, SCREEN_HEIGHT = 1280;  // GUI units
+constexpr float ONE_OVER_PARALLAX = 1.4285715f;
+
+const char* const FOLDER = "background/";
+const char* const MASKS[] = {"*.png", "*.tga", "*.bmp", "*.jpg"};
+
+float Wrap(float coordinate, float center, float period) {
+    if (coordinate < center - period / 2) return coordinate + period;
+    if (coordinate > center + period / 2) return coordinate - period;
+    return coordinate;
+}
+
+// From the plane of the clouds to GUI units; the world point in the middle of the view stays there.
+math::TMatrix3<float> GetParallaxMatrix(Vec2 middle) {
+    constexpr float P = Background::PARALLAX;
+    const auto shift = math::TMatrix3<float>::Translation((1 - P) * middle.x, (1 - P) * middle.y);
+    return shift * math::TMatrix3<float>::Scale(P, P) * App::Instance().GetWorldToGUI();
+}
+
+}  // namespace
+
+Background::Background()
+    : Component("Background"),
+      m_opacity(script::DeclareAttrib(*this, "opacity", 0.9f)),
+      m_skyColor(script::DeclareAttrib(*this, "skyColor", Vec4(0.3f, 0.4f, 1, 1))) {
+    FindTextures();
+}
+
+// In order of their names, so that every machine shows the same sky.
+void Background::FindTextures() {
+    const util::FileSystem& files = util::FileSystem::Instance();
+    util::StringList names;
+    for (const char* const mask : MASKS) {
+        const util::StringList found = files.ListFiles(files.GetTexturesDir() + FOLDER, mask);
+        names.insert(names.end(), found.begin(), found.end());
+    }
+    std::sort(names.begin(), names.end());
+    rendering::TextureManager& textures = rendering::TextureManager::Instance();
+    for (const String& name : names) m_skyTextures.push_back(textures.Get(FOLDER + name));
+    if (m_skyTextures.empty()) m_skyTextures.push_back(textures.Get("blank"));
+    m_batches.resize(m_skyTextures.size());
+}
+
+void Background::CreateClouds() {
+    m_wrapHeight = SCREEN_HEIGHT * (1 / App::GetMinZoom()) * ONE_OVER_PARALLAX;
+    m_wrapWidth = SCREEN_WIDTH * (1 / App::GetMinZoom()) * ONE_OVER_PARALLAX;
+    util::Random random;
+    m_clouds.resize(CLOUD_COUNT);
+    for (size_t i = 0; i < m_clouds.size(); ++i) {
+        Cloud& cloud = m_clouds[i];
+        cloud.size = random.GetUniform(MIN_CLOUD_SIZE, MAX_CLOUD_SIZE);
+        cloud.position.x = random.GetUniform(0, m_wrapWidth);
+        cloud.position.y = random.GetUniform(0, m_wrapHeight);
+        cloud.velocity.x = random.GetUniform(MIN_CLOUD_SPEED, MAX_CLOUD_SPEED) * cloud.size;
+        cloud.textureIndex = static_cast<uint32_t>(i % m_skyTextures.size());
+    }
+}
+
+void Background::Update(float dt) {
+    if (!App::Instance().m_drawClouds->Get()) return;
+    if (m_clouds.empty()) CreateClouds();
+    const physics::Simulation& simulation = physics::Simulation::Instance();
+    const float t = simulation.GetRealtimeFraction() * simulation.m_timeFactor->Get() * dt;
+    if (!math::IsFinite(t) || !(t > 0 && t <= 1) || !simulation.m_running->Get()) return;
+    PROFILE_SECTION("Background::Update");
+    for (Cloud& cloud : m_clouds) {
+        cloud.position += cloud.velocity * t;
+        cloud.rotation += cloud.angularVelocity * t;
+    }
+}
+
+void Background::Draw() {
+    PROFILE_SECTION("Background::Draw");
+    const rendering::ScopedMatrix matrix;
+    const rendering::ScopedAttribs attribs;
+    DrawSky();
+    if (!App::Instance().m_drawClouds->Get() || m_clouds.empty()) return;
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    DrawClouds();
+}
+
+void Background::DrawSky() {
+    PROFILE_SECTION("Draw sky color");
+    const rendering::ScopedCapability untextured(GL_TEXTURE_2D, false);
+    Renderer::Instance().SetColor(m_skyColor->Get());
+    Renderer::Instance().DrawQuad({0, 0}, GetSize());
+}
+
+void Background::DrawClouds() {
+    const math::TMatrix3<float> toGUI = GetParallaxMatrix(GetSize() * 0.5f);
+    const math::TMatrix3<float> fromGUI = Inverted(toGUI);
+    WrapClouds(fromGUI(GetSize() * 0.5f));
+    math::BoundingBox2f view;
+    view.Extend(fromGUI({0, 0}));
+    view.Extend(fromGUI(GetSize()));
+    CollectClouds(view);
+    Renderer::Instance().MultMatrix(toGUI);
+    Renderer::Instance().SetColor({1, 1, 1, m_opacity->Get()});
+    glEnable(GL_TEXTURE_2D);
+    for (size_t i = 0; i < m_batches.size(); ++i) {
+        if (m_batches[i].IsEmpty()) continue;
+        const rendering::TexturePtr texture = m_skyTextures[i]->Get();
+        const rendering::ScopedTexture bound(texture);
+        if (texture) m_batches[i].Draw();
+        m_batches[i].Clear();
+    }
+}
+
+void Background::WrapClouds(Vec2 center) {
+    PROFILE_SECTION("Wrapping");
+    for (Cloud& cloud : m_clouds) {
+        cloud.position.x = Wrap(cloud.position.x, center.x, m_wrapWidth);
+        cloud.position.y = Wrap(cloud.position.y, center.y, m_wrapHeight);
+    }
+}
+
+// Those that overlap the view, sorted by texture. They are not turned.
+void Background::CollectClouds(const math::BoundingBox2f& view) {
+    const Vec2 center = view.GetCenter(), halfSize = view.GetSize() * 0.5f;
+    for (const Cloud& cloud : m_clouds) {
+        const float half = cloud.size / 2;
+        if (!(std::fabs(cloud.position.x - center.x) < halfSize.x + half)) continue;
+        if (!(std::fabs(cloud.position.y - center.y) < halfSize.y + half)) continue;
+        m_batches[cloud.textureIndex].AddSprite(cloud.position, {half, 0}, {0, half});
+    }
+}
+
+}  // namespace app

@@ -1,0 +1,46 @@
+#include "app/files/SceneFiles.h"
+
+#include "app/files/Serializer.h"
+#include "script/Expressions.h"
+#include "util/Exception.h"
+#include "util/FileSystem.h"
+
+namespace app {
+
+namespace {
+
+const char* const EXTENSION = ".vxa";
+
+bool EndsWith(const String& text, const String& end) {
+    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+}  // namespace
+
+String CleanSceneName(const String& name) {
+    String clean;
+    for (const char c : name) {
+        const bool leading = clean.empty() && (c == '.' || c == ' ');
+        if (leading || static_cast<unsigned char>(c) < 32 || c == '/' || c == '\\') continue;
+        clean += c;
+    }
+    if (clean.empty() || EndsWith(clean, EXTENSION)) return clean;
+    return clean + EXTENSION;
+}
+
+String GetScenePath(const String& name) {
+    if (name.find_first_of("/\\") != String::npos) return name;
+    return util::FileSystem::Instance().GetScenesDir() + name;
+}
+
+String SaveScene(const String& name) {
+    const String clean = CleanSceneName(name);
+    if (clean.empty()) THROW(BadDataException, "Bad scene name");
+    const util::FileSystem& files = util::FileSystem::Instance();
+    const String text = Serializer::Serialize()->ToCode();
+    files.MakeDir(files.GetScenesDir());
+    files.WriteFileAtomically(files.GetScenesDir() + clean, text);
+    return clean;
+}
+
+}  // namespace app

@@ -1,0 +1,68 @@
+#include "app/files/SceneLoader.h"
+
+#include "app/App.h"
+#include "app/files/SceneFiles.h"
+#include "app/files/Serializer.h"
+#include "app/history/Undoer.h"
+#include "logging/Log.h"
+#include "physics/Simulation.h"
+#include "script/Expressions.h"
+#include "util/Exception.h"
+#include "util/FileSystem.h"
+
+namespace app {
+
+String SceneLoader::s_loadedName;
+
+SceneLoader::SceneLoader(const String& filename, bool import)
+    : Action(import ? "UndoImportScene" : "UndoLoadScene"), m_import(import), m_filename(filename) {}
+
+bool SceneLoader::Load(const String& filename, bool import) {
+    const util::SharedPtr<SceneLoader> loader = new SceneLoader(filename, import);
+    if (!loader->Read()) return false;
+    Undoer::Instance().Do(loader);
+    return true;
+}
+
+bool SceneLoader::LoadAtStart(const String& filename) {
+    if (Load(filename)) return true;
+    const String path = GetScenePath(filename);
+    const util::FileSystem& files = util::FileSystem::Instance();
+    if (files.Exists(path)) files.KeepBadCopy(path);
+    return false;
+}
+
+// Everything that can fail comes before the present scene is touched.
+bool SceneLoader::Read() {
+    const String path = GetScenePath(m_filename);
+    const util::FileSystem& files = util::FileSystem::Instance();
+    if (!files.Exists(path)) {
+        Log(logging::Warning, "Tried to load non-existing file: " + path);
+        return false;
+    }
+    try {
+        m_code = Serializer::Parse(files.ReadFile(path));
+    } catch (const std::exception& e) {
+        LogException(e, WHERE);
+        Log(logging::Warning, "Could not read " + path + ": " + e.what());
+    }
+    return static_cast<bool>(m_code);
+}
+
+void SceneLoader::Do() {
+    m_snapshot = new Snapshot;
+    // A redo reads anew what the file holds by now; when it has gone, the scene stays.
+    if (!m_code && !Read()) return;
+    App& app = App::Instance();
+    if (!m_import) {
+        app.Clear();
+        physics::Simulation::Instance().m_running->SetValue(script::ValueToObject(false));
+    }
+    Serializer::Deserialize(m_code);
+    m_code = nullptr;
+    if (!m_import) s_loadedName = m_filename.substr(m_filename.find_last_of("/\\") + 1);
+    app.ZoomToScene();
+    Log(logging::Info, (m_import ? "Imported scene " : "Loaded scene ") + m_filename);
+}
+
+}  // namespace app

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "app/history/Actions.h"
+#include "script/Fwd.h"
+
+namespace app {
+
+// Loads a scene, or imports one into the present scene, as a step of the history. A load always stops the
+// simulation. Undo brings back the previous scene with the same entities; redo reads the file again.
+class SceneLoader : public Action {
+  public:
+    // Does it. `filename` without a slash or backslash stands for one in Scenes/. False when the file is not
+    // there, or cannot be read or parsed: that is logged, and scene and history stay as they are.
+    static bool Load(const String& filename, bool import = false);
+
+    // For the start of the program, which has other scenes to fall back on: as Load, and a file that is
+    // there but cannot be read is copied to a name with ".bad" before anything overwrites it.
+    static bool LoadAtStart(const String& filename);
+
+    // The file that last took the place of the scene, without its folder; empty before the first.
+    static const String& GetLoadedName() { return s_loadedName; }
+
+    SceneLoader(const String& filename, bool import);
+
+    void Do() override;
+    void Undo() override { m_snapshot->Restore(); }
+
+  private:
+    bool Read();
+
+    bool m_import;  // joins the present scene instead of replacing it
+    String m_filename;
+    script::CodeBlockPtr m_code;  // read and not yet used; null before and after
+    SnapshotPtr m_snapshot;       // of the scene before
+
+    static String s_loadedName;
+};
+
+}  // namespace app

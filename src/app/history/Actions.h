@@ -1,0 +1,82 @@
+#pragma once
+
+#include "app/Fwd.h"
+#include "app/entities/Entity.h"
+#include "app/history/Snapshot.h"
+#include "util/Pointee.h"
+
+namespace app {
+
+// One step of the history. The name is a key of the language files, such as "UndoMove", and is not copied.
+class Action : public util::Pointee {
+  public:
+    explicit Action(const char* name) : m_name(name) {}
+
+    virtual void Do() = 0;
+    virtual void Undo() = 0;
+    virtual void Redo() { Do(); }
+    // Whether doing it leaves the scene alone, so that a gesture under way may go on.
+    virtual bool KeepsScene() const { return false; }
+
+    const char* GetName() const { return m_name; }
+
+  private:
+    const char* m_name;
+};
+
+// Marks a moment. Stepping over it in either direction lands at that moment, in redo too.
+class SnapshotAction : public Action {
+  public:
+    SnapshotAction(const char* name, const SnapshotPtr& snapshot) : Action(name), m_snapshot(snapshot) {}
+
+    void Do() override {}
+    void Undo() override { m_snapshot->Restore(); }
+    void Redo() override { m_snapshot->Restore(); }
+    bool KeepsScene() const override { return true; }
+
+  private:
+    SnapshotPtr m_snapshot;
+};
+
+// A change between two known states.
+class SnapshotRestorer : public Action {
+  public:
+    SnapshotRestorer(const char* name, const SnapshotPtr& before, const SnapshotPtr& after)
+        : Action(name), m_before(before), m_after(after) {}
+
+    void Do() override { m_after->Restore(); }
+    void Undo() override { m_before->Restore(); }
+
+  private:
+    SnapshotPtr m_before;
+    SnapshotPtr m_after;
+};
+
+// Removes entities. Each time it is done it remembers the scene as it was just before.
+class EraseEntities : public Action {
+  public:
+    explicit EraseEntities(const EntitySet& entities) : Action("UndoErase"), m_entities(entities) {}
+
+    void Do() override;
+    void Undo() override { m_snapshot->Restore(); }
+
+  private:
+    SnapshotPtr m_snapshot;
+    EntitySet m_entities;
+};
+
+// The start of the simulation: undo goes back to that moment and stops it. Redo leaves `running` as it is.
+class SimStart : public Action {
+  public:
+    SimStart() : Action("UndoSimStart"), m_snapshot(new Snapshot) {}
+
+    void Do() override {}
+    void Undo() override;
+    void Redo() override { m_snapshot->Restore(); }
+    bool KeepsScene() const override { return true; }
+
+  private:
+    SnapshotPtr m_snapshot;
+};
+
+}  // namespace app

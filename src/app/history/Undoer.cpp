@@ -1,0 +1,82 @@
+#include "app/history/Undoer.h"
+
+#include "app/App.h"
+#include "app/history/Actions.h"
+#include "app/history/Snapshot.h"
+
+namespace app {
+
+namespace {
+
+void DropOldest(std::deque<ActionPtr>& stack, size_t limit) {
+    while (stack.size() > limit) stack.pop_front();
+}
+
+void InterruptGestures() {
+    App::Instance().GetOnInterrupt().CallAll();
+}
+
+}  // namespace
+
+Undoer::Undoer() = default;
+Undoer::~Undoer() noexcept(false) = default;
+
+void Undoer::Do(const ActionPtr& action) {
+    if (!action->KeepsScene()) InterruptGestures();
+    m_redo.clear();
+    action->Do();
+    m_undo.push_back(action);
+    Trim();
+    m_onChange.CallAll();
+}
+
+// The action changes stacks before it runs: should restoring fail, a step back repairs what it left.
+void Undoer::Undo() {
+    if (m_undo.empty()) return;
+    InterruptGestures();
+    const ActionPtr action = m_undo.back();
+    m_undo.pop_back();
+    m_redo.push_back(action);
+    action->Undo();
+    Trim();
+    m_onChange.CallAll();
+}
+
+void Undoer::Redo() {
+    if (m_redo.empty()) return;
+    InterruptGestures();
+    const ActionPtr action = m_redo.back();
+    m_redo.pop_back();
+    m_undo.push_back(action);
+    action->Redo();
+    Trim();
+    m_onChange.CallAll();
+}
+
+void Undoer::AddRestorer(const SnapshotPtr& before, const char* name) {
+    m_redo.clear();
+    m_undo.push_back(new SnapshotRestorer(name, before, new Snapshot));
+    m_onChange.CallAll();
+}
+
+void Undoer::Trim() {
+    const size_t limit = App::Instance().m_maxUndo->Get();
+    DropOldest(m_undo, limit);
+    DropOldest(m_redo, limit);
+}
+
+void Undoer::Clear() {
+    m_undo.clear();
+    m_redo.clear();
+    m_onChange.CallAll();
+}
+
+const char* Undoer::GetUndoName() const {
+    return m_undo.empty() ? nullptr : m_undo.back()->GetName();
+}
+
+const char* Undoer::GetRedoName() const {
+    return m_redo.empty() ? nullptr : m_redo.back()->GetName();
+}
+
+}  // namespace app

@@ -1,0 +1,75 @@
+#include "app/scene/Selection.h"
+
+#include <algorithm>
+
+#include "app/App.h"
+#include "app/entities/Chain.h"
+#include "app/entities/GeomEntity.h"
+#include "input/Input.h"
+#include "physics/Body.h"
+#include "physics/Simulation.h"
+#include "util/Assert.h"
+
+namespace app {
+
+void Selection::Add(const EntityPtr& entity) {
+    CODE_ASSERTION(entity);
+    m_entities.insert(entity);
+}
+
+bool Selection::SelectAt(math::Vec2 point, bool single) {
+    m_entities.clear();
+    const EntityPtr entity = App::Instance().GetEntityAt(point);
+    if (!entity) return false;
+    Add(entity);
+    if (!single) Widen(entity);
+    return true;
+}
+
+bool Selection::ClickAt(math::Vec2 point) {
+    return SelectAt(point, gui::Input::Instance().IsModifierDown(gui::Modifier::Alt));
+}
+
+void Selection::Widen(const EntityPtr& entity) {
+    const App& app = App::Instance();
+    if (entity->GetChain()) {
+        for (const EntityPtr& link : entity->GetChain()->GetNeighbors(entity, true)) {
+            // Undo and erasing leave links behind that only the history still holds.
+            if (app.HasEntity(link)) m_entities.insert(link);
+        }
+    }
+    if (!entity->HasGroup()) return;
+    for (const EntityPtr& other : app.GetEntities()) {
+        if (other->GetGroup() == entity->GetGroup()) m_entities.insert(other);
+    }
+}
+
+physics::BodyList Selection::GetBodies() const {
+    const physics::BodyPtr world = physics::Simulation::Instance().GetWorldBody();
+    physics::BodyList bodies;
+    for (const EntityPtr& entity : m_entities) {
+        entity->UpdateBodyPtr();
+        const auto shape = util::DynamicCast<GeomEntity>(entity);
+        if (!shape || !shape->GetBody() || shape->GetBody() == world) continue;
+        if (std::find(bodies.begin(), bodies.end(), shape->GetBody()) != bodies.end()) continue;
+        bodies.push_back(shape->GetBody());
+    }
+    return bodies;
+}
+
+math::Vec2 Selection::GetCenter(math::Vec2 fallback) const {
+    math::BoundingBox2f box;
+    for (const EntityPtr& entity : m_entities) {
+        const math::BoundingBox2f own = entity->GetBoundingBox();
+        if (own.IsFinite()) box.Extend(own);
+    }
+    return box.IsFinite() ? box.GetCenter() : fallback;
+}
+
+void Selection::MoveToTop() const {
+    EntityList order = App::Instance().GetEntities();
+    std::stable_partition(order.begin(), order.end(), [this](const EntityPtr& e) { return !Has(e); });
+    App::Instance().SetEntityOrder(order);
+}
+
+}  // namespace app

@@ -1,0 +1,106 @@
+#include "input/Input.h"
+#include "input/Key.h"
+#include "util/Clock.h"
+
+// The gesture machine of gui::Input: what makes of a press a click or a drag.
+namespace gui {
+
+namespace {
+
+float GetDistance(math::Vec2 a, math::Vec2 b) {
+    return math::Length(a - b);
+}
+
+}  // namespace
+
+void Input::OnKeyEvent(KeyEvent& event) {
+    m_keyDown[event.m_key] = event.m_pressed;
+    InputDelegator::OnKeyEvent(event);
+    const bool canDrag = event.m_key >= Key::LeftMouse && event.m_key <= Key::RightMouse;
+    if (!event.m_handled && canDrag) AdvanceGesture(event);
+}
+
+void Input::AdvanceGesture(KeyEvent& event) {
+    if (event.m_pressed) {
+        if (m_gesture == Gesture::Idle) OpenGesture(event);
+    } else if (event.m_key == m_pressKey) {
+        if (m_gesture == Gesture::Pressed)
+            DeliverClick(event);
+        else if (m_gesture == Gesture::Dragging)
+            DeliverDragEnd(event);
+    }
+}
+
+void Input::OpenGesture(const KeyEvent& event) {
+    m_pressTime = util::Clock::Now();
+    m_pressPosition = event.m_position;
+    m_pressKey = event.m_key;
+    m_gesture = Gesture::Pressed;
+}
+
+// Each gesture is one press, so that the count of clicks is always 1.
+void Input::DeliverClick(KeyEvent& event) {
+    m_gesture = Gesture::Idle;
+    ClickEvent click;
+    click.m_position = m_pressPosition;
+    click.m_key = m_pressKey;
+    OnClick(click);
+    event.m_handled = click.m_handled;
+}
+
+void Input::DeliverDragEnd(KeyEvent& event) {
+    m_gesture = Gesture::Idle;
+    DragEvent end;
+    end.m_start = m_pressPosition;
+    end.m_position = event.m_position;
+    end.m_key = m_pressKey;
+    OnDragEnd(end);
+    event.m_handled = end.m_handled;
+}
+
+bool Input::StartDrag() {
+    m_gesture = Gesture::Dragging;
+    DragEvent start;
+    start.m_start = start.m_position = m_pressPosition;
+    start.m_key = m_pressKey;
+    OnDragStart(start);
+    return start.m_handled;
+}
+
+bool Input::ContinueDrag(math::Vec2 delta, math::Vec2 position) {
+    DragEvent drag;
+    drag.m_start = m_pressPosition;
+    drag.m_delta = delta;
+    drag.m_position = position;
+    drag.m_key = m_pressKey;
+    OnDrag(drag);
+    return drag.m_handled;
+}
+
+void Input::OnMouseMove(MouseMoveEvent& event) {
+    InputDelegator::OnMouseMove(event);
+    if (event.m_handled) return;
+    if (m_gesture == Gesture::Dragging) {
+        event.m_handled = ContinueDrag(event.m_delta, event.m_position);
+        return;
+    }
+    const bool movedAway = m_gesture == Gesture::Pressed &&
+                           GetDistance(event.m_position, m_pressPosition) > m_settings.m_clickTolerance;
+    if (!movedAway || !IsKeyDown(m_pressKey)) return;
+    const bool startHandled = StartDrag();
+    const bool dragHandled = ContinueDrag(event.m_position - m_pressPosition, event.m_position);
+    event.m_handled = startHandled || dragHandled;
+}
+
+void Input::ApplyHoldRule() {
+    if (m_gesture != Gesture::Pressed) return;
+    if (!(util::Clock::Now() - m_pressTime > m_settings.m_clickTimeTolerance)) return;
+    if (!IsKeyDown(m_pressKey)) {  // a listener took the release
+        m_gesture = Gesture::Idle;
+        return;
+    }
+    StartDrag();
+    if (m_mousePosition != m_pressPosition) ContinueDrag(m_mousePosition - m_pressPosition, m_mousePosition);
+}
+
+}  // namespace gui

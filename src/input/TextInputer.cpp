@@ -1,0 +1,90 @@
+#include "input/TextInputer.h"
+
+#include <algorithm>
+
+#include "input/Clipboard.h"
+#include "input/Input.h"
+#include "input/Key.h"
+
+namespace gui {
+
+TextInputer::TextInputer(const String& name) : InputListener(name) {
+    SetPriority(EDITOR_PRIORITY);
+}
+
+void TextInputer::SetText(const String& text) {
+    m_text = text;
+    m_cursor = m_text.size();
+}
+
+void TextInputer::SetCursor(size_t cursor) {
+    m_cursor = std::min(cursor, m_text.size());
+}
+
+void TextInputer::Insert(const String& text) {
+    if (m_overwrite) m_text.erase(m_cursor, text.size());
+    m_text.insert(m_cursor, text);
+    m_cursor += text.size();
+}
+
+void TextInputer::OnKeyEvent(KeyEvent& event) {
+    InputListener::OnKeyEvent(event);
+    Edit(event);
+}
+
+void TextInputer::Edit(KeyEvent& event) {
+    if (event.m_handled || !event.m_pressed || event.m_key == Key::Escape) return;
+    // The key goes on below as an ordinary one and types its character 13, which does no harm: the
+    // callbacks have taken the text by then.
+    if ((event.m_key == Key::Return || event.m_key == Key::KeypadEnter) && !m_text.empty()) {
+        m_onEnter.CallAll();
+    }
+    event.m_handled = true;
+    if ((event.m_key == 'v' && event.m_ctrl) || (event.m_key == Key::Insert && event.m_shift)) {
+        Insert(GetClipboardText());
+        return;
+    }
+    if (MoveCursor(event.m_key) || Erase(event.m_key)) return;
+    // A letter with ctrl is a shortcut, though it carries its character. With AltGr it types (on some
+    // keyboards AltGr counts as ctrl and alt).
+    const bool isShortcut = event.m_ctrl && !Input::Instance().IsModifierDown(Modifier::RightAlt);
+    if (event.m_character == 0 || isShortcut) {
+        event.m_handled = false;
+    } else {
+        Insert(String(1, event.m_character));
+    }
+}
+
+bool TextInputer::MoveCursor(int key) {
+    switch (key) {
+        case Key::Left:
+            if (m_cursor > 0) --m_cursor;
+            return true;
+        case Key::Right:
+            SetCursor(m_cursor + 1);
+            return true;
+        case Key::Home:
+            m_cursor = 0;
+            return true;
+        case Key::End:
+            m_cursor = m_text.size();
+            return true;
+        case Key::Insert:
+            m_overwrite = !m_overwrite;
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool TextInputer::Erase(int key) {
+    if (key != Key::Backspace && key != Key::Delete) return false;
+    if (key == Key::Backspace) {
+        if (m_cursor == 0) return true;
+        --m_cursor;
+    }
+    if (m_cursor < m_text.size()) m_text.erase(m_cursor, 1);
+    return true;
+}
+
+}  // namespace gui
