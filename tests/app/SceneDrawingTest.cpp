@@ -12,6 +12,7 @@
 #include "rendering/Context.h"
 #include "rendering/Gl.h"
 #include "rendering/Renderer.h"
+#include "support/SourceDir.h"
 #include "support/gl/GlWindow.h"
 #include "util/Clock.h"
 #include "util/FileSystem.h"
@@ -45,7 +46,7 @@ class SceneDrawingTest : public test::GlTest {
         Simulation::Instance();
         util::FileSystem& files = util::FileSystem::Instance();
         m_workDir = files.GetWorkDir();
-        files.SetWorkDir(String(VEXA_SOURCE_DIR) + "/");
+        files.SetWorkDir(test::GetSourceDir() + "/");
         App& app = App::Instance();
         app.SetFillParent(false);
         app.SetSize(SIZE, SIZE);

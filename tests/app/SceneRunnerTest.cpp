@@ -3,6 +3,7 @@
 
 #include <cstdio>
 
+#include "support/SourceDir.h"
 #include "util/FileSystem.h"
 
 // The command line of vexa-scene, as users and scripts meet it. Skipped where the program is not built.
@@ -26,7 +27,7 @@ class SceneRunnerTest : public testing::Test {
         while (const size_t count = fread(buffer, 1, sizeof(buffer), pipe)) output.append(buffer, count);
         return {WEXITSTATUS(pclose(pipe)), output};
     }
-    static String Scene(const String& name) { return VEXA_SOURCE_DIR "/Scenes/" + name + ".vxa"; }
+    static String Scene(const String& name) { return test::GetSourceDir() + "/Scenes/" + name + ".vxa"; }
     static String Scratch(const String& name) { return util::FileSystem::Instance().GetWorkDir() + name; }
 
     static constexpr const char* PROGRAM = "../tools/vexa-scene";

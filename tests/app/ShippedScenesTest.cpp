@@ -5,6 +5,7 @@
 #include "World.h"
 #include "app/files/SceneLoader.h"
 #include "physics/Particle.h"
+#include "support/SourceDir.h"
 #include "util/FileSystem.h"
 
 namespace app {
@@ -20,7 +21,7 @@ class ShippedScenes : public World, public testing::WithParamInterface<const cha
         }
         return lowest;
     }
-    static String GetPath() { return String(VEXA_SOURCE_DIR) + "/Scenes/" + GetParam() + ".vxa"; }
+    static String GetPath() { return test::GetSourceDir() + "/Scenes/" + GetParam() + ".vxa"; }
 };
 
 TEST_P(ShippedScenes, AreReadWithoutComplaintAndOverlapNothing) {

@@ -1,4 +1,5 @@
 #include "core/ResourceManager.h"
+#include "support/SourceDir.h"
 
 #include <gtest/gtest.h>
 
@@ -25,7 +26,7 @@ class ResourceManagerTest : public test::GlTest {
         GlTest::SetUp();
         if (IsSkipped()) return;
         m_workDir = util::FileSystem::Instance().GetWorkDir();
-        util::FileSystem::Instance().SetWorkDir(String(VEXA_SOURCE_DIR) + "/");
+        util::FileSystem::Instance().SetWorkDir(test::GetSourceDir() + "/");
         m_texture = rendering::TextureManager::Instance().Get("water");
         m_shader = rendering::ShaderManager::Instance().Get("water");
     }

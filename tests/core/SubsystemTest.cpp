@@ -1,4 +1,5 @@
 #include "core/Subsystem.h"
+#include "support/SourceDir.h"
 
 #include <SDL/SDL.h>
 #include <gtest/gtest.h>
@@ -26,7 +27,7 @@ class SubsystemTest : public testing::Test {
         } catch (const std::exception&) {
             return;
         }
-        util::FileSystem::Instance().SetWorkDir(String(VEXA_SOURCE_DIR) + "/");
+        util::FileSystem::Instance().SetWorkDir(test::GetSourceDir() + "/");
         script::Reflected::AddToRoot(&core::Subsystem::Instance());
         core::Subsystem::Instance().CreateWindow(MakeParams({320, 200}));
     }

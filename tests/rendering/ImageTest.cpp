@@ -1,4 +1,5 @@
 #include "rendering/Image.h"
+#include "support/SourceDir.h"
 
 #include <gtest/gtest.h>
 
@@ -167,7 +168,7 @@ TEST(ImageFileTest, DamagedFilesNeverEndTheProgram) {
 
 TEST(ImageFileTest, EveryShippedPictureLoads) {
     const util::FileSystem& files = util::FileSystem::Instance();
-    const String root = String(VEXA_SOURCE_DIR) + "/Data/Textures/";
+    const String root = test::GetSourceDir() + "/Data/Textures/";
     int count = 0;
     for (const char* const folder : {"", "background/", "file/", "gui/", "gui/vexa/", "gui/vexa/button/",
                                      "gui/vexa/window/", "popup/", "tools/"}) {

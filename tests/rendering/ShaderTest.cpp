@@ -1,4 +1,5 @@
 #include "rendering/Shader.h"
+#include "support/SourceDir.h"
 
 #include <gtest/gtest.h>
 
@@ -111,7 +112,7 @@ TEST_F(ShaderTest, TheShippedShadersUseEveryUniformThatTheProgramSets) {
     };
     util::FileSystem& files = util::FileSystem::Instance();
     const String scratch = files.GetWorkDir();
-    files.SetWorkDir(String(VEXA_SOURCE_DIR) + "/");
+    files.SetWorkDir(test::GetSourceDir() + "/");
     Context::SetUseShaders(true);
     for (const bool simple : {false, true}) {
         Context::SetUseSimpleShaders(simple);

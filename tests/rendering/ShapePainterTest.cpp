@@ -1,4 +1,5 @@
 #include "rendering/ShapePainter.h"
+#include "support/SourceDir.h"
 
 #include <gtest/gtest.h>
 
@@ -55,7 +56,7 @@ class ShapePainterTest : public test::GlTest {
         if (IsSkipped()) return;
         util::FileSystem& files = util::FileSystem::Instance();
         m_workDir = files.GetWorkDir();
-        files.SetWorkDir(String(VEXA_SOURCE_DIR) + "/");
+        files.SetWorkDir(test::GetSourceDir() + "/");
         UsePixelUnits();
         glEnable(GL_TEXTURE_2D);
         glEnable(GL_BLEND);

@@ -3,6 +3,7 @@
 
 #include "ScriptFixture.h"
 #include "logging/Log.h"
+#include "support/SourceDir.h"
 
 // Runs the language's own tests, tests/script/cases/*.txt. A file is a list of cases in one session:
 //
@@ -63,7 +64,8 @@ TEST_P(Cases, DoWhatTheySay) {
 
 static std::vector<std::filesystem::path> FindCases() {
     std::vector<std::filesystem::path> paths;
-    for (const auto& entry : std::filesystem::directory_iterator(VEXA_SOURCE_DIR "/tests/script/cases")) {
+    for (const auto& entry :
+         std::filesystem::directory_iterator(test::GetSourceDir() + "/tests/script/cases")) {
         paths.push_back(entry.path());
     }
     std::sort(paths.begin(), paths.end());
