@@ -20,9 +20,9 @@
 #include "logging/Log.h"
 #include "script/Parser.h"
 #include "util/Clock.h"
-#include "util/Exception.h"
 #include "util/FileNames.h"
 #include "util/FileSystem.h"
+#include "util/Guarded.h"
 #include "util/ProfileTree.h"
 
 namespace app {
@@ -60,13 +60,7 @@ bool AppGUI::CancelTool() {
 
 template <class Operation>
 void AppGUI::Guard(const Operation& operation) {
-    try {
-        operation();
-    } catch (const std::exception& e) {
-        LogException(e, WHERE);
-        Log(logging::Error, e.what());
-        CancelTool();
-    }
+    if (!util::Guarded(operation, "", logging::Error)) CancelTool();
 }
 
 void AppGUI::OnDragStart(gui::DragEvent& event) {
@@ -234,19 +228,15 @@ void AppGUI::SetGroup(bool assign) {
 // ---- saving
 
 bool AppGUI::SaveSceneAs(const String& name, bool autosave) {
-    try {
+    const auto save = [&] {
         const String saved = app::SaveScene(name);
-        if (autosave) return true;
+        if (autosave) return;
         m_sceneName = saved;
         gui::WindowHost* const host = gui::GUI::Instance().GetWindowHost();
         if (host) host->SetDocumentName(saved);
         Log(logging::Info, "Scene saved to " + saved);
-        return true;
-    } catch (const std::exception& e) {
-        LogException(e, "void app::AppGUI::SaveSceneAs(String, bool)");
-        Log(logging::Error, String("Error: ") + e.what());
-        return false;
-    }
+    };
+    return util::Guarded(save, "Error: ", logging::Error);
 }
 
 bool AppGUI::SaveScene() {
@@ -264,12 +254,7 @@ void AppGUI::Autosave() {
     const double now = util::Clock::Now();
     if (now - m_lastAutosave <= App::Instance().m_autosaveTime->Get()) return;
     m_lastAutosave = now;
-    try {
-        script::Parser::Instance().SaveRootCode(AUTOSAVE_CONFIG_FILE);
-    } catch (const std::exception& e) {
-        LogException(e, WHERE);
-        Log(logging::Error, String("Error: ") + e.what());
-    }
+    script::Parser::Instance().SaveRootCode(AUTOSAVE_CONFIG_FILE);
     SaveSceneAs(AUTOSAVE_SCENE, true);
 }
 

@@ -12,7 +12,7 @@
 #include "input/Key.h"
 #include "logging/Log.h"
 #include "util/Clock.h"
-#include "util/Exception.h"
+#include "util/Guarded.h"
 #include "util/ProfileTree.h"
 
 namespace gui {
@@ -67,23 +67,13 @@ void Input::Pump() {
 }
 
 void Input::HandleEvent(const SDL_Event& event) {
-    try {
-        Translate(event);
-    } catch (const std::exception& e) {
-        LogException(e, WHERE);
-        Log(logging::Error, e.what());
-    }
+    util::Guarded([&] { Translate(event); }, "", logging::Error);
 }
 
 void Input::FinishPump(math::Vec2i mousePixels) {
     m_mousePosition = ToGUI(math::Vec2(mousePixels.x, mousePixels.y));
     m_modifierState = SDL_GetModState();
-    try {
-        ApplyHoldRule();
-    } catch (const std::exception& e) {
-        LogException(e, WHERE);
-        Log(logging::Error, e.what());
-    }
+    util::Guarded([&] { ApplyHoldRule(); }, "", logging::Error);
 }
 
 void Input::Translate(const SDL_Event& event) {

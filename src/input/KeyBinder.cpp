@@ -2,9 +2,9 @@
 
 #include "input/Input.h"
 #include "input/Key.h"
-#include "logging/Log.h"
 #include "script/Exceptions.h"
 #include "script/Expressions.h"
+#include "util/Guarded.h"
 
 namespace script {
 
@@ -54,14 +54,7 @@ void KeyBinder::OnKeyEvent(gui::KeyEvent& event) {
     if (binding == m_bindings.end()) return;
     const AbstractFunctionPtr function = binding->second;  // may bind its own key anew
     event.m_handled = true;
-    try {
-        function->Call({});
-    } catch (const std::exception& e) {
-        LogException(e, WHERE);
-        Log(logging::Error, e.what());
-    } catch (...) {
-        Log(logging::Error, "Fail");
-    }
+    util::Guarded([&] { function->Call({}); }, "", logging::Error);
 }
 
 ExpressionPtr KeyBinder::ToExpression() const {

@@ -7,9 +7,9 @@
 #include "logging/Log.h"
 #include "rendering/Context.h"
 #include "rendering/Gl.h"
-#include "util/Exception.h"
 #include "util/FileSystem.h"
 #include "util/FileWrapper.h"
+#include "util/Guarded.h"
 
 namespace rendering {
 
@@ -173,13 +173,11 @@ void Renderer::DrawColored(const math::Vec2* points, const math::Vec4* colors, s
 // ---- screenshots --------------------------------------------------------------------------------------
 
 void Renderer::Screenshot(String prefix) {
-    try {
+    const auto save = [&] {
         MakeFolderOf(prefix);
         SaveTGA(FindScreenshotPath(prefix));
-    } catch (const std::exception& e) {
-        LogException(e, WHERE);
-        Log(logging::Error, String("Could not save the screenshot: ") + e.what());
-    }
+    };
+    util::Guarded(save, "Could not save the screenshot: ", logging::Error);
 }
 
 // ---- scopes -------------------------------------------------------------------------------------------

@@ -1,22 +1,13 @@
 #include "util/Callback.h"
 
-#include "logging/Log.h"
-#include "util/Exception.h"
+#include "util/Guarded.h"
 
 namespace util {
 
 void Callback::Call() const {
     const LockPtr<Pointee> owner = m_owner.Lock();
     if (!owner) return;
-    try {
-        m_function();
-    } catch (const std::exception& e) {
-        LogException(e, WHERE);
-        Log(logging::Error, String("Exception caught in CallbackSet::CallAll: ") + e.what());
-    } catch (...) {
-        LogUnknownException(WHERE);
-        Log(logging::Error, "Exception caught in CallbackSet::CallAll: unknown");
-    }
+    Guarded(m_function, "Exception caught in CallbackSet::CallAll: ", logging::Error);
 }
 
 void CallbackSet::Add(const CallbackPtr& callback) {

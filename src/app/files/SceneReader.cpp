@@ -17,7 +17,7 @@
 #include "script/Parser.h"
 #include "script/Scopes.h"
 #include "util/Assert.h"
-#include "util/Exception.h"
+#include "util/Guarded.h"
 
 namespace app {
 
@@ -44,15 +44,7 @@ void CheckLength(math::Vec2 v) {
 // Runs one piece of the reading, whose failure costs that piece alone.
 template <class Function>
 void Guarded(const Function& function) {
-    try {
-        function();
-    } catch (const std::exception& e) {
-        LogException(e, WHERE);
-        Log(logging::Warning, String("An error occured while deserializing: ") + e.what());
-    } catch (...) {
-        LogUnknownException(WHERE);
-        Log(logging::Warning, "Fail");
-    }
+    util::Guarded(function, "An error occured while deserializing: ");
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 #include "script/Objects.h"
 #include "script/Parser.h"
 #include "util/Assert.h"
-#include "util/Exception.h"
+#include "util/Guarded.h"
 
 namespace app {
 
@@ -67,26 +67,15 @@ script::CodeBlockPtr Serializer::Serialize() {
 }
 
 script::CodeBlockPtr Serializer::Parse(const String& text) {
-    try {
-        return script::Parser::Instance().Parse(text);
-    } catch (const std::exception& e) {
-        LogException(e, WHERE);
-        Log(logging::Warning, String("An error occured while deserializing: ") + e.what());
-        return nullptr;
-    }
+    script::CodeBlockPtr code;
+    util::Guarded([&] { code = script::Parser::Instance().Parse(text); },
+                  "An error occured while deserializing: ");
+    return code;
 }
 
 void Serializer::Deserialize(const script::CodeBlockPtr& code) {
     if (!code) return;
-    try {
-        SceneReader().Read(*code);
-    } catch (const std::exception& e) {
-        LogException(e, WHERE);
-        Log(logging::Warning, String("An error occured while deserializing: ") + e.what());
-    } catch (...) {
-        LogUnknownException(WHERE);
-        Log(logging::Warning, "Fail");
-    }
+    util::Guarded([&] { SceneReader().Read(*code); }, "An error occured while deserializing: ");
 }
 
 void Serializer::Deserialize(const String& text) {

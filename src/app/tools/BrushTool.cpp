@@ -11,10 +11,9 @@
 #include "app/tools/StrokeAnalysis.h"
 #include "input/Input.h"
 #include "input/Key.h"
-#include "logging/Log.h"
 #include "physics/Polygon.h"
 #include "rendering/Renderer.h"
-#include "util/Exception.h"
+#include "util/Guarded.h"
 
 namespace app {
 
@@ -142,16 +141,14 @@ physics::PolygonPtr BrushTool::IsPolygon(const Vec2List& stroke) {
     if (ExtractLoop(loop) != LoopResult::Loop) return nullptr;
     // A big scribble with a tiny loop at its end means nothing.
     if (PathLength(loop) < PathLength(stroke) / 2) return nullptr;
-    try {
+    physics::PolygonPtr polygon;
+    const auto make = [&] {
         const App& app = App::Instance();
         loop = physics::AssertMaxDist(loop, EdgeLimit(loop, app.m_maxPointDist->Get() * app.GetCmToWorld()));
-        if (loop.size() < 3) return nullptr;
-        return new physics::Polygon(loop);
-    } catch (const std::exception& e) {
-        LogException(e, "physics::PolygonPtr app::BrushTool::IsPolygon()");
-        Log(logging::Error, e.what());
-        return nullptr;
-    }
+        if (loop.size() >= 3) polygon = new physics::Polygon(loop);
+    };
+    util::Guarded(make, "", logging::Error);
+    return polygon;
 }
 
 void BrushTool::CreateEntity(const physics::PolygonPtr& polygon) {
