@@ -156,7 +156,7 @@ void LoadFirstScene(const util::StringList& arguments) {
         // An empty world would take the place of the last scene at the end of this run.
     }
     for (const String& scene : {AUTOSAVE_SCENE, ONEXIT_SCENE, WELCOME_SCENE}) {
-        const String path = GetFiles().GetScenesDir() + scene;
+        const String path = GetFiles().FindScene(scene);
         if (GetFiles().Exists(path) && app::SceneLoader::LoadAtStart(path)) return;
     }
 }

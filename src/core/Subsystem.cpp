@@ -82,7 +82,7 @@ void Subsystem::StartInput() {
 }
 
 void Subsystem::SetIcon() {
-    const String path = util::FileSystem::Instance().GetWorkDir() + "Vexa.bmp";
+    const String path = util::FileSystem::Instance().GetInstallDir() + "Vexa.bmp";
     SDL_RWops* const file = SDL_RWFromFile(path.c_str(), "rb");
     SDL_Surface* const icon = file != nullptr ? SDL_LoadBMP_RW(file, 1) : nullptr;
     if (icon == nullptr) {

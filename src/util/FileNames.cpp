@@ -6,3 +6,4 @@ const String ONEXIT_SCENE = "_ONEXITSAVE.vxa";
 const String CONFIG_FILE = "config.cfg";
 const String AUTOEXEC_FILE = "autoexec.cfg";
 const String AUTOSAVE_CONFIG_FILE = "config.autosave.cfg";
+const String TEMPORARY_ENDING = ".tmp";

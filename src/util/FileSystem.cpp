@@ -1,12 +1,18 @@
 #include "util/FileSystem.h"
 
+#include <fcntl.h>
+#include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <boost/filesystem.hpp>
+#include <cstdlib>
 #include <iostream>
 
 #include "logging/Log.h"
 #include "util/Exception.h"
+#include "util/FileNames.h"
 #include "util/FileWrapper.h"
 #include "util/Version.h"
 
@@ -16,13 +22,72 @@ namespace fs = boost::filesystem;
 
 namespace {
 
-const String EXECUTABLE_NAME = "Vexa";
+const String EXECUTABLE_NAME = "Vexa";  // in the runnable folder
+const String COMMAND_NAME = "vexa";     // installed for all users
+const String SHARED_DATA = "../share/vexa/";
+constexpr int MAX_LINKS = 16;  // a longer row of symbolic links is taken for a circle
 
 // Empty when the system does not tell.
 String GetExecutablePath() {
     char buffer[4096];
     const ssize_t length = readlink("/proc/self/exe", buffer, sizeof(buffer));
     return length > 0 ? String(buffer, static_cast<size_t>(length)) : String();
+}
+
+bool IsFolder(const String& path) {
+    boost::system::error_code error;
+    return fs::is_directory(path, error);
+}
+
+// XDG Base Directory Specification: a relative $XDG_DATA_HOME is ignored.
+String GetUserDataDir() {
+    const char* const data = std::getenv("XDG_DATA_HOME");
+    if (data != nullptr && data[0] == '/') return String(data) + "/vexa/";
+    const char* home = std::getenv("HOME");
+    if (home == nullptr || *home == '\0') {
+        const passwd* const user = getpwuid(getuid());
+        home = user != nullptr ? user->pw_dir : "/tmp";
+    }
+    return String(home) + "/.local/share/vexa/";
+}
+
+// What a new working folder needs. A failure shows again, with its reason, when something is to be written.
+void FillUserDir(const String& work, const String& install) {
+    boost::system::error_code error;
+    fs::create_directories(work + "Scenes", error);
+    fs::create_directories(work + "Screenshots", error);
+    if (!fs::exists(work + AUTOEXEC_FILE, error)) {
+        fs::copy_file(install + AUTOEXEC_FILE, work + AUTOEXEC_FILE, error);
+    }
+}
+
+// What a chain of symbolic links ends at, whether it exists or not.
+String FollowLinks(const String& path) {
+    fs::path target = path;
+    boost::system::error_code error;
+    for (int i = 0; i < MAX_LINKS && fs::is_symlink(fs::symlink_status(target, error)); ++i) {
+        const fs::path next = fs::read_symlink(target, error);
+        target = next.is_absolute() ? next : target.parent_path() / next;
+    }
+    return target.string();
+}
+
+// Before the first byte is written, or a private text would be open to all for a moment.
+void CopyPermissions(const String& from, std::FILE* to) {
+    struct stat status;
+    if (stat(from.c_str(), &status) != 0) return;
+    if (fchmod(fileno(to), status.st_mode & 07777) != 0) {
+        Log(logging::Warning, "Could not keep the permissions of " + from);
+    }
+}
+
+// A rename lasts only when its folder is on the disk. Some file systems refuse; then theirs is the say.
+void SyncFolderOf(const String& path) {
+    const size_t slash = path.rfind('/');
+    const int folder = open(slash == String::npos ? "." : path.substr(0, slash + 1).c_str(), O_RDONLY);
+    if (folder < 0) return;
+    static_cast<void>(fsync(folder));
+    close(folder);
 }
 
 template <class Function>
@@ -49,11 +114,36 @@ StringList ListEntries(const String& directory, bool wantDirectories, const Stri
 }  // namespace
 
 void FileSystem::FindWorkDir() {
-    const String path = GetExecutablePath();
-    const size_t slash = path.rfind('/');
-    const bool isVexa = slash != String::npos && path.substr(slash + 1) == EXECUTABLE_NAME;
-    m_workDir = isVexa ? path.substr(0, slash + 1) : String();
+    SetFoldersFor(GetExecutablePath());
     std::cout << "workdir = " << m_workDir << std::endl;
+}
+
+void FileSystem::SetFoldersFor(const String& executable) {
+    SetWorkDir("");
+    const size_t slash = executable.rfind('/');
+    if (slash == String::npos) return;
+    const String name = executable.substr(slash + 1);
+    const String folder = executable.substr(0, slash + 1);
+    const bool isInstalled = !IsFolder(folder + "Data") && IsFolder(folder + SHARED_DATA + "Data");
+    if (name != EXECUTABLE_NAME && !(name == COMMAND_NAME && isInstalled)) return;
+    m_installDir = isInstalled ? folder + SHARED_DATA : folder;
+    const bool isOwn = !isInstalled && access(folder.c_str(), W_OK) == 0;
+    m_workDir = isOwn ? folder : GetUserDataDir();
+    if (!isOwn) FillUserDir(m_workDir, m_installDir);
+}
+
+String FileSystem::FindScene(const String& name) const {
+    const bool onlyShipped = !Exists(GetScenesDir() + name) && Exists(GetShippedScenesDir() + name);
+    return (onlyShipped ? GetShippedScenesDir() : GetScenesDir()) + name;
+}
+
+StringList FileSystem::ListScenes(const String& mask) const {
+    StringList names = ListFiles(GetScenesDir(), mask);
+    const StringList shipped = ListFiles(GetShippedScenesDir(), mask);
+    names.insert(names.end(), shipped.begin(), shipped.end());
+    std::sort(names.begin(), names.end());
+    names.erase(std::unique(names.begin(), names.end()), names.end());
+    return names;
 }
 
 const char* FileSystem::Version() {
@@ -74,13 +164,16 @@ String FileSystem::ReadFile(const String& path) const {
 }
 
 void FileSystem::WriteFileAtomically(const String& path, const String& text) const {
-    const String temporary = path + ".tmp";
+    const String target = FollowLinks(path);
+    const String temporary = target + TEMPORARY_ENDING;
     try {
         FILEWrapper file(temporary, "wb");
+        CopyPermissions(target, file.Get());
         file.Write(text.data(), text.size());
         file.Sync();
         file.Close();
-        Rename(temporary, path);
+        Rename(temporary, target);
+        SyncFolderOf(target);
     } catch (...) {
         std::remove(temporary.c_str());
         throw;

@@ -9,32 +9,52 @@ namespace util {
 
 using StringList = std::vector<String>;
 
-// Knows the working directory and names the folders of the installation. Paths use forward slashes and are
-// built by concatenation. All failures are std::runtime_error through THROW.
+// Names the folders that the program reads and writes. Two roots: the working folder is the user's, with
+// scenes, settings, autosaves, screenshots and the log; the installation holds what ships and is only read.
+// In the runnable folder that is unpacked somewhere both are the same; a program installed for all users
+// keeps its shipped files in "share/vexa" and the user's in "$XDG_DATA_HOME/vexa".
+//
+// Paths use forward slashes and are built by concatenation. All failures are std::runtime_error through
+// THROW.
 class FileSystem : public Pointee, public Singleton<FileSystem> {
   public:
-    // Takes the executable's folder when the executable is called "Vexa", otherwise leaves the paths
-    // relative to the current directory. Prints the result on standard output. Never throws.
+    // Finds both roots from the executable's path: its own folder while that holds "Data/" and can be
+    // written; otherwise the user's data folder, which is made on first use with a copy of the shipped
+    // autoexec.cfg. An executable of another name leaves all paths relative to the current folder. Prints
+    // "workdir = " and the result on standard output. Never throws.
     void FindWorkDir();
+    // The same for an executable at that path, and without printing.
+    void SetFoldersFor(const String& executable);
 
     // Empty, or ending in "/", so that names can be appended.
     const String& GetWorkDir() const { return m_workDir; }
-    void SetWorkDir(const String& directory) { m_workDir = directory; }
+    const String& GetInstallDir() const { return m_installDir; }
+    // One folder for both.
+    void SetWorkDir(const String& directory) { m_workDir = m_installDir = directory; }
 
-    String GetScenesDir() const { return m_workDir + "Scenes/"; }
-    String GetDataDir() const { return m_workDir + "Data/"; }
+    String GetScenesDir() const { return m_workDir + "Scenes/"; }  // the user's
+    String GetShippedScenesDir() const { return m_installDir + "Scenes/"; }
+    String GetDataDir() const { return m_installDir + "Data/"; }
     String GetShadersDir() const { return GetDataDir() + "Shaders/"; }
     String GetTexturesDir() const { return GetDataDir() + "Textures/"; }
     String GetFontsDir() const { return GetDataDir() + "Fonts/"; }
     String GetLanguageDir() const { return GetDataDir() + "Language/"; }
     String GetScreenshotsDir() const { return m_workDir + "Screenshots/"; }
+
+    // The path of a file of Scenes/ for reading: the user's own, or else the shipped one of that name. Where
+    // there is neither, the user's.
+    String FindScene(const String& name) const;
+    // The names of all that lie in either folder of scenes and match `mask`, each once, sorted.
+    StringList ListScenes(const String& mask) const;
+
     static const char* Version();
 
     // The whole text, with "\r\n" as "\n". A line ends at an embedded NUL.
     String ReadFile(const String& path) const;
 
     // The one routine for files that replace others: writes `path`.tmp, flushes it to the disk and renames
-    // it over the target, so that a crash or a full disk never costs the old contents.
+    // it over the target, so that a crash or a full disk never costs the old contents. A link stays a link
+    // and its target is replaced; permissions stay as they were.
     void WriteFileAtomically(const String& path, const String& text) const;
 
     // Copies `path` to `path`.bad before something overwrites what could not be read, and says so at level
@@ -53,6 +73,7 @@ class FileSystem : public Pointee, public Singleton<FileSystem> {
 
   private:
     String m_workDir;
+    String m_installDir;
 };
 
 // "?" stands for one character, "*" for one or more: a text that ends before the mask does not match, even

@@ -1,8 +1,12 @@
 #include "util/FileSystem.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 
 #include "support/LogCapture.h"
@@ -52,6 +56,74 @@ TEST(FileSystem, ReplacesFilesWholeOrNotAtAll) {
     Files().MakeDir(Files().GetWorkDir() + "folder.vxa/full");
     EXPECT_THROW(Files().WriteFileAtomically(Files().GetWorkDir() + "folder.vxa", "y"), std::runtime_error);
     EXPECT_FALSE(Files().Exists(Files().GetWorkDir() + "folder.vxa.tmp"));
+}
+
+TEST(FileSystem, ReplacingKeepsLinksAndPermissions) {
+    const String folder = Files().GetWorkDir() + "linked/";
+    Files().MakeDir(folder + "deep");
+    Put(folder + "deep/target.vxa", "old");
+    chmod((folder + "deep/target.vxa").c_str(), 0600);
+    ASSERT_EQ(symlink("deep/target.vxa", (folder + "link.vxa").c_str()), 0);
+    ASSERT_EQ(symlink("link.vxa", (folder + "second.vxa").c_str()), 0);
+    ASSERT_EQ(symlink("circle.vxa", (folder + "circle.vxa").c_str()), 0);
+    Files().WriteFileAtomically(folder + "second.vxa", "new");
+    EXPECT_EQ(Files().ReadFile(folder + "deep/target.vxa"), "new");
+    struct stat status;
+    ASSERT_EQ(lstat((folder + "second.vxa").c_str(), &status), 0);
+    EXPECT_TRUE(S_ISLNK(status.st_mode));
+    ASSERT_EQ(lstat((folder + "deep/target.vxa").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0600u);
+    Files().WriteFileAtomically(folder + "circle.vxa", "ends");
+    EXPECT_EQ(Files().ReadFile(folder + "circle.vxa"), "ends");
+}
+
+// The layouts in which the program is found: unpacked somewhere, installed, and under another name.
+class InstallationTest : public testing::Test {
+  protected:
+    InstallationTest() : m_kept(Files().GetWorkDir()), m_root(m_kept + "layout/") {
+        for (const char* folder :
+             {"Unpacked/Data", "usr/bin", "usr/share/vexa/Data", "usr/share/vexa/Scenes"}) {
+            Files().MakeDir(m_root + folder);
+        }
+        Put(m_root + "usr/share/vexa/autoexec.cfg", "// shipped");
+        Put(m_root + "usr/share/vexa/Scenes/a.vxa", "shipped");
+        Put(m_root + "usr/share/vexa/Scenes/b.vxa", "shipped");
+        setenv("XDG_DATA_HOME", (m_root + "home").c_str(), 1);
+    }
+    ~InstallationTest() override {
+        unsetenv("XDG_DATA_HOME");
+        Files().SetWorkDir(m_kept);
+        std::filesystem::remove_all(m_root);
+    }
+    const String m_kept, m_root;
+};
+
+TEST_F(InstallationTest, AnUnpackedFolderHoldsEverything) {
+    Files().SetFoldersFor(m_root + "Unpacked/Vexa");
+    EXPECT_EQ(Files().GetWorkDir(), m_root + "Unpacked/");
+    EXPECT_EQ(Files().GetDataDir(), m_root + "Unpacked/Data/");
+    Files().SetFoldersFor(m_root + "Unpacked/Other");
+    EXPECT_EQ(Files().GetWorkDir() + Files().GetInstallDir(), "");
+}
+
+TEST_F(InstallationTest, AnInstalledProgramKeepsTheUsersFilesInTheHome) {
+    Files().SetFoldersFor(m_root + "usr/bin/vexa");
+    EXPECT_EQ(Files().GetWorkDir(), m_root + "home/vexa/");
+    EXPECT_EQ(Files().ReadFile(Files().GetDataDir() + "../autoexec.cfg"), "// shipped");
+    EXPECT_EQ(Files().ReadFile(Files().GetWorkDir() + "autoexec.cfg"), "// shipped");
+    Put(Files().GetWorkDir() + "autoexec.cfg", "// mine");
+    Files().SetFoldersFor(m_root + "usr/bin/vexa");
+    EXPECT_EQ(Files().ReadFile(Files().GetWorkDir() + "autoexec.cfg"), "// mine");
+}
+
+TEST_F(InstallationTest, TheUsersSceneComesBeforeTheShippedOne) {
+    Files().SetFoldersFor(m_root + "usr/bin/vexa");
+    EXPECT_EQ(Files().ReadFile(Files().FindScene("a.vxa")), "shipped");
+    Put(Files().GetScenesDir() + "a.vxa", "mine");
+    Put(Files().GetScenesDir() + "c.vxa", "mine");
+    EXPECT_EQ(Files().ReadFile(Files().FindScene("a.vxa")), "mine");
+    EXPECT_EQ(Files().FindScene("none.vxa"), Files().GetScenesDir() + "none.vxa");
+    EXPECT_EQ(Files().ListScenes("*.vxa"), (util::StringList{"a.vxa", "b.vxa", "c.vxa"}));
 }
 
 TEST(FileSystem, ListsFilesAndFoldersApart) {

@@ -30,7 +30,7 @@ String CleanSceneName(const String& name) {
 
 String GetScenePath(const String& name) {
     if (name.find_first_of("/\\") != String::npos) return name;
-    return util::FileSystem::Instance().GetScenesDir() + name;
+    return util::FileSystem::Instance().FindScene(name);
 }
 
 String SaveScene(const String& name) {
