@@ -24,6 +24,7 @@
 #include "util/FileSystem.h"
 #include "util/Guarded.h"
 #include "util/ProfileTree.h"
+#include "util/RunSlot.h"
 
 namespace app {
 
@@ -254,8 +255,8 @@ void AppGUI::Autosave() {
     const double now = util::Clock::Now();
     if (now - m_lastAutosave <= App::Instance().m_autosaveTime->Get()) return;
     m_lastAutosave = now;
-    script::Parser::Instance().SaveRootCode(AUTOSAVE_CONFIG_FILE);
-    SaveSceneAs(AUTOSAVE_SCENE, true);
+    script::Parser::Instance().SaveRootCode(util::RunSlot::Instance().GetAutosaveConfig());
+    SaveSceneAs(util::RunSlot::Instance().GetAutosaveScene(), true);
 }
 
 // ---- each frame

@@ -2,6 +2,7 @@
 #include "app/AppGUI.h"
 #include "util/FileNames.h"
 #include "util/FileSystem.h"
+#include "util/RunSlot.h"
 
 // What App does with the interface above it.
 namespace app {
@@ -18,7 +19,7 @@ void App::OnExit() {
     // The autosaved scene goes only when its successor is on the disk.
     if (!m_appGUI->SaveSceneAs(ONEXIT_SCENE, true)) return;
     const util::FileSystem& files = util::FileSystem::Instance();
-    files.Remove(files.GetScenesDir() + AUTOSAVE_SCENE);
+    files.Remove(files.GetScenesDir() + util::RunSlot::Instance().GetAutosaveScene());
 }
 
 }  // namespace app

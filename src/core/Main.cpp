@@ -7,6 +7,7 @@
 #include "app/App.h"
 #include "app/entities/Entity.h"
 #include "app/files/SceneLoader.h"
+#include "core/CommandLine.h"
 #include "core/Platform.h"
 #include "core/ResourceManager.h"
 #include "core/Subsystem.h"
@@ -19,6 +20,7 @@
 #include "util/Exception.h"
 #include "util/FileNames.h"
 #include "util/FileSystem.h"
+#include "util/RunSlot.h"
 
 // The program from its start to its end. The order of the steps is the order in which they depend on each
 // other; in particular the simulation comes before anything that makes a body, and the configuration before
@@ -33,24 +35,30 @@ using AppPtr = util::SharedPtr<app::App>;
 
 const String CREDIT = "the Vexa authors";
 const String SCENE_ENDING = ".vxa";
+constexpr int BAD_USAGE = 2;        // exit status
 constexpr int DESKTOP_MARGIN = 64;  // pixels that a first window leaves free in each direction
 
 util::FileSystem& GetFiles() {
     return util::FileSystem::Instance();
 }
 
-bool EndsWith(const String& text, const String& ending) {
-    return text.size() >= ending.size() &&
-           text.compare(text.size() - ending.size(), ending.size(), ending) == 0;
-}
-
 // ---- start
 
-void AnswerVersionQuery(const util::StringList& arguments) {
-    for (const String& argument : arguments) {
-        if (argument.find("-version") == String::npos && argument.find("/version") == String::npos) continue;
-        std::cout << util::FileSystem::Version() << std::endl;
+// Before anything else exists: these runs end here.
+core::CommandLine ReadCommandLine(const util::StringList& arguments) {
+    try {
+        const core::CommandLine line = core::ParseCommandLine(arguments);
+        if (line.m_version) {
+            std::cout << util::FileSystem::Version() << std::endl;
+        } else if (line.m_help) {
+            std::cout << core::COMMAND_LINE_HELP << std::flush;
+        } else {
+            return line;
+        }
         std::exit(0);
+    } catch (const std::invalid_argument& e) {
+        std::cerr << "vexa: " << e.what() << "; vexa --help lists the options" << std::endl;
+        std::exit(BAD_USAGE);
     }
 }
 
@@ -102,6 +110,10 @@ void RenameOldScenes() {
 
 // ---- configuration
 
+util::RunSlot& GetSlot() {
+    return util::RunSlot::Instance();
+}
+
 bool Exists(const String& configuration) {
     return GetFiles().Exists(GetFiles().GetWorkDir() + configuration);
 }
@@ -114,9 +126,10 @@ bool LoadConfiguration(const String& name) {
 }
 
 bool RecoverConfiguration() {
-    if (!Exists(AUTOSAVE_CONFIG_FILE)) return false;
-    Log(logging::Info, "Recovering " + AUTOSAVE_CONFIG_FILE + " from previous crash");
-    return LoadConfiguration(AUTOSAVE_CONFIG_FILE);
+    const String name = GetSlot().GetAutosaveConfig();
+    if (!Exists(name)) return false;
+    Log(logging::Info, "Recovering " + name + " from previous crash");
+    return LoadConfiguration(name);
 }
 
 void FitWindowToDesktop() {
@@ -141,21 +154,21 @@ void LoadConfigurations() {
 
 // ---- scene
 
-// A path with blanks that was passed unquoted arrives in pieces.
-String JoinArguments(const util::StringList& arguments) {
-    String path;
-    for (const String& argument : arguments) path += (path.empty() ? "" : " ") + argument;
-    return path;
+// A scene that a crash left gives way to one that was asked for, yet is not lost: the next autosave would
+// overwrite it.
+bool LoadAskedScene(const String& path) {
+    if (path.empty()) return false;
+    const String autosave = GetSlot().GetAutosaveScene();
+    if (GetFiles().Exists(GetFiles().GetScenesDir() + autosave)) util::RunSlot::KeepAsRecovered(autosave);
+    Log(logging::Info, "Loading argument " + path);
+    return app::SceneLoader::LoadAtStart(path);
 }
 
-void LoadFirstScene(const util::StringList& arguments) {
-    if (!arguments.empty() && EndsWith(arguments.back(), SCENE_ENDING)) {
-        const String path = JoinArguments(arguments);
-        Log(logging::Info, "Loading argument " + path);
-        if (app::SceneLoader::LoadAtStart(path)) return;
-        // An empty world would take the place of the last scene at the end of this run.
-    }
-    for (const String& scene : {AUTOSAVE_SCENE, ONEXIT_SCENE, WELCOME_SCENE}) {
+void LoadFirstScene(const String& asked) {
+    GetSlot().KeepOrphans();
+    if (LoadAskedScene(asked)) return;
+    // An empty world would take the place of the last scene at the end of this run.
+    for (const String& scene : {GetSlot().GetAutosaveScene(), ONEXIT_SCENE, WELCOME_SCENE}) {
         const String path = GetFiles().FindScene(scene);
         if (GetFiles().Exists(path) && app::SceneLoader::LoadAtStart(path)) return;
     }
@@ -167,7 +180,7 @@ void Save(app::App& application) {
     Log(logging::Trace, "Subsystem::Run returned, saving config...");
     application.OnExit();
     if (!script::Parser::Instance().SaveRootCode(CONFIG_FILE)) return;
-    GetFiles().Remove(GetFiles().GetWorkDir() + AUTOSAVE_CONFIG_FILE);
+    GetFiles().Remove(GetFiles().GetWorkDir() + GetSlot().GetAutosaveConfig());
 }
 
 // No static destructor runs, and the services that are left are simply abandoned.
@@ -181,16 +194,19 @@ void Save(app::App& application) {
 }
 
 [[noreturn]] void RunProgram(const util::StringList& arguments) {
-    AnswerVersionQuery(arguments);
+    const core::CommandLine line = ReadCommandLine(arguments);
     MakeSubsystem();
+    GetSlot().Take();
+    GetSlot().SweepTemporaries();
     MakeServices();
     const AppPtr application = MakeApp();
     RenameOldScenes();
     Log(logging::Trace, "Application created");
     LoadConfigurations();
+    for (const String& setting : line.m_settings) script::Parser::Instance().Execute(setting);
     core::Subsystem::Instance().RecreateWindow();
     application->CreateGUI();
-    LoadFirstScene(arguments);
+    LoadFirstScene(line.m_scene);
     Log(logging::Info, "Running program...");
     core::Subsystem::Instance().Run();
     Save(*application);

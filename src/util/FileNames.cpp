@@ -7,3 +7,4 @@ const String CONFIG_FILE = "config.cfg";
 const String AUTOEXEC_FILE = "autoexec.cfg";
 const String AUTOSAVE_CONFIG_FILE = "config.autosave.cfg";
 const String TEMPORARY_ENDING = ".tmp";
+const String LOCK_FILE = ".vexa.lock";

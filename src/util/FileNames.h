@@ -13,6 +13,7 @@ extern const String ONEXIT_SCENE;    // the scene of the last clean exit
 extern const String CONFIG_FILE;           // settings, written at a clean exit
 extern const String AUTOEXEC_FILE;         // the user's own start-up script; never written
 extern const String AUTOSAVE_CONFIG_FILE;  // settings saved while running; its presence means a crash
+extern const String LOCK_FILE;             // held by the program that autosaves under these names
 
 // While a file is being replaced; what a killed run left behind is swept at the next start.
 extern const String TEMPORARY_ENDING;
