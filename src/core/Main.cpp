@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "app/App.h"
+#include "app/Language.h"
 #include "app/entities/Entity.h"
 #include "app/files/SceneLoader.h"
 #include "core/CommandLine.h"
@@ -142,7 +143,15 @@ void FitWindowToDesktop() {
     core::Subsystem::Instance().SetParams(params);
 }
 
+// The interface speaks the user's language from the first minute on; "autoexec.cfg" has the last word.
+void FollowUserLocale() {
+    const String language = app::Language::FindForLocale(app::Language::GetUserLocale());
+    if (language.empty()) return;
+    app::App::Instance().m_language->SetValue(script::ValueToObject(language));
+}
+
 void LoadConfigurations() {
+    if (!Exists(AUTOSAVE_CONFIG_FILE) && !Exists(CONFIG_FILE)) FollowUserLocale();
     script::Parser::Instance().LoadConfig(AUTOEXEC_FILE);
     if (RecoverConfiguration()) return;
     if (Exists(CONFIG_FILE)) {

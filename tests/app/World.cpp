@@ -12,7 +12,9 @@
 #include "app/files/Serializer.h"
 #include "physics/Particle.h"
 #include "script/Expressions.h"
+#include "support/SourceDir.h"
 #include "util/Clock.h"
+#include "util/FileSystem.h"
 
 namespace app {
 
@@ -60,9 +62,21 @@ String TakeNumbers(const String& text, std::vector<double>& numbers) {
     return rest;
 }
 
+// The words of the interface, beside the scratch folder's other data: a test may add to them.
+void CopyLanguages() {
+    const util::FileSystem& files = util::FileSystem::Instance();
+    if (files.Exists(files.GetLanguageDir())) return;
+    files.MakeDir(files.GetLanguageDir());
+    const String shipped = test::GetSourceDir() + "/Data/Language/";
+    for (const String& name : files.ListFiles(shipped, "*")) {
+        files.WriteFileAtomically(files.GetLanguageDir() + name, files.ReadFile(shipped + name));
+    }
+}
+
 }  // namespace
 
 void World::SetUp() {
+    CopyLanguages();
     util::Clock::SetSource(&Now);
     g_now = 100;
     GetSim();
