@@ -23,57 +23,36 @@ static uint64_t CellKey(int32_t column, int32_t row) {
 
 void NeighborGrid::Build(const util::VectorPOD<math::Vec2>& points, math::real radius, math::real cellSize) {
     SortPoints(points, 1 / cellSize);
-    ListCells();
     FindPairs(radius);
 }
 
 void NeighborGrid::SortPoints(const util::VectorPOD<math::Vec2>& points, math::real cellsPerMetre) {
-    m_items.clear();
-    m_items.reserve(points.size());
-    uint64_t varyingBits = 0;
-    for (uint32_t i = 0; i < points.size(); ++i) {
-        const math::Vec2 p = points[i];
-        const uint64_t key = CellKey(CellIndex(p.x, cellsPerMetre), CellIndex(p.y, cellsPerMetre));
-        m_items.push_back({key, i});
-        varyingBits |= key ^ m_items.front().key;
+    m_keys.Clear(points.size());
+    for (const math::Vec2 p : points) {
+        m_keys.Add(CellKey(CellIndex(p.x, cellsPerMetre), CellIndex(p.y, cellsPerMetre)));
     }
-    SortItems(varyingBits);
+    const util::VectorPOD<Keys::Item>& items = m_keys.Sort();
     m_order.resize(points.size());
     m_points.resize(points.size());
-    for (size_t i = 0; i < m_items.size(); ++i) {
-        m_order[i] = m_items[i].index;
-        m_points[i] = points[m_items[i].index];
+    for (size_t i = 0; i < items.size(); ++i) {
+        m_order[i] = items[i].index;
+        m_points[i] = points[items[i].index];
     }
+    ListCells(items);
 }
 
-// A radix sort over the digits in which the keys differ at all: two for a pool of some metres.
-void NeighborGrid::SortItems(uint64_t varyingBits) {
-    m_spare.resize(m_items.size());
-    for (int shift = 0; shift < 64; shift += DIGIT_BITS) {
-        if ((varyingBits >> shift) % VALUES != 0) SortByDigit(shift);
-    }
-}
-
-void NeighborGrid::SortByDigit(int shift) {
-    uint32_t places[VALUES] = {};
-    for (const Item& item : m_items) ++places[(item.key >> shift) % VALUES];
-    uint32_t begin = 0;
-    for (uint32_t& place : places) {
-        const uint32_t count = place;
-        place = begin;
-        begin += count;
-    }
-    for (const Item& item : m_items) m_spare[places[(item.key >> shift) % VALUES]++] = item;
-    m_items.swap(m_spare);
-}
-
-void NeighborGrid::ListCells() {
+void NeighborGrid::ListCells(const util::VectorPOD<Keys::Item>& items) {
     m_cells.clear();
-    for (uint32_t i = 0; i < m_items.size(); ++i) {
-        if (m_cells.empty() || m_cells.back().key != m_items[i].key)
-            m_cells.push_back({m_items[i].key, i, i});
+    for (uint32_t i = 0; i < items.size(); ++i) {
+        if (m_cells.empty() || m_cells.back().key != items[i].key) m_cells.push_back({items[i].key, i, i});
         m_cells.back().end = i + 1;
     }
+}
+
+uint32_t NeighborGrid::GetFullestCell() const {
+    uint32_t most = 0;
+    for (const Cell& cell : m_cells) most = std::max(most, cell.end - cell.begin);
+    return most;
 }
 
 // Each pair of cells is visited once, from the one that comes first in the order: a point is paired with

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "math/Vector.h"
+#include "physics/RadixSort.h"
 #include "util/VectorPOD.h"
 
 namespace physics {
@@ -27,6 +28,10 @@ class NeighborGrid {
     const util::VectorPOD<uint32_t>& GetOrder() const { return m_order; }
     const util::VectorPOD<math::Vec2>& GetSortedPoints() const { return m_points; }
 
+    // How full the cells are that hold any points.
+    size_t GetCellCount() const { return m_cells.size(); }
+    uint32_t GetFullestCell() const;  // points in it
+
     // The pairs, as parallel arrays: places i and j, point j less point i and its squared length.
     size_t GetPairCount() const { return m_pairCount; }
     const uint32_t* GetFirst() const { return m_first.data(); }
@@ -35,29 +40,20 @@ class NeighborGrid {
     const math::real* GetDistSq() const { return m_distSq.data(); }
 
   private:
-    static constexpr int DIGIT_BITS = 8;
-    static constexpr uint32_t VALUES = 1u << DIGIT_BITS;
-
-    struct Item {
-        uint64_t key;  // column in the upper half, row in the lower
-        uint32_t index;
-    };
+    using Keys = RadixSort<uint64_t>;
     struct Cell {
-        uint64_t key;
+        uint64_t key;  // column in the upper half, row in the lower
         uint32_t begin;
         uint32_t end;
     };
 
     void SortPoints(const util::VectorPOD<math::Vec2>& points, math::real cellsPerMetre);
-    void SortItems(uint64_t varyingBits);
-    void SortByDigit(int shift);
-    void ListCells();
+    void ListCells(const util::VectorPOD<Keys::Item>& items);
     void FindPairs(math::real radius);
     void PairWith(uint32_t i, uint32_t begin, uint32_t end, math::real radiusSq);
     void ReservePairs(size_t more);
 
-    util::VectorPOD<Item> m_items;
-    util::VectorPOD<Item> m_spare;
+    Keys m_keys;
     util::VectorPOD<Cell> m_cells;
     util::VectorPOD<uint32_t> m_order;
     util::VectorPOD<math::Vec2> m_points;

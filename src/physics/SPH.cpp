@@ -28,11 +28,6 @@
 
 namespace physics {
 
-math::real SPH::s_h = 0;
-math::real SPH::s_poly6Norm = 0;
-math::real SPH::s_spikyNorm = 0;
-math::real SPH::s_particleMass = 0;
-
 SPH::SPH()
     : Reflected("SPH"),
       m_radius(script::DeclareAttrib(*this, "radius", 0.05f)),
@@ -57,12 +52,12 @@ void SPH::Update(const ParticleList& particles, math::real dt) {
         for (const ParticlePtr& particle : particles) particle.Get()->m_neighbors = {};
         return;
     }
-    SetConstants();
+    const Kernel kernel = MakeKernel();
     SetMaterials(particles);
-    FindNeighbors(particles);
-    CalcSPHForces();
+    FindNeighbors(particles, kernel);
+    CalcSPHForces(kernel);
     Evaporate(particles, dt);
-    Jitter(particles);
+    Jitter(particles, kernel.particleMass);
     CalcStatistics();
     m_sorted.clear();
     ShowStatistics();
@@ -74,14 +69,16 @@ bool SPH::IsUsable() const {
     return m_radius->Get() > 0 && m_influence->Get() > 0 && m_density->Get() > 0;
 }
 
-void SPH::SetConstants() {
+SPH::Kernel SPH::MakeKernel() const {
     constexpr math::real PI_64 = 201.06194f;
     const math::real h = m_radius->Get() * m_influence->Get();
     const math::real h3 = h * h * h;
-    s_h = h;
-    s_poly6Norm = 1 / (PI_64 * (h3 * h3 * h3));
-    s_spikyNorm = 1 / (math::PI * (h3 * h3));
-    s_particleMass = m_density->Get() * (m_radius->Get() * m_radius->Get() * math::PI);
+    Kernel kernel;
+    kernel.h = h;
+    kernel.poly6Norm = 1 / (PI_64 * (h3 * h3 * h3));
+    kernel.spikyNorm = 1 / (math::PI * (h3 * h3));
+    kernel.particleMass = m_density->Get() * (m_radius->Get() * m_radius->Get() * math::PI);
+    return kernel;
 }
 
 // Changed settings reach all water at once.
@@ -98,21 +95,21 @@ void SPH::SetMaterials(const ParticleList& particles) const {
 
 // ---- neighbours ----------------------------------------------------------------------------------------
 
-void SPH::FindNeighbors(const ParticleList& particles) {
+void SPH::FindNeighbors(const ParticleList& particles, const Kernel& kernel) {
     PROFILE_SECTION("FindNeighbors");
     m_points.clear();
     m_points.reserve(particles.size());
     for (const ParticlePtr& particle : particles) m_points.push_back(particle.Get()->m_pos);
     // Cells wider than the kernel find the same neighbours at a higher price. Narrower ones lose some, which
     // is allowed.
-    const math::real cellSize = s_h * std::min(m_bucketSize->Get(), 1.0f);
+    const math::real cellSize = kernel.h * std::min(m_bucketSize->Get(), 1.0f);
     {
         PROFILE_SECTION("Hashing particles");
-        m_grid.Build(m_points, s_h, cellSize);
+        m_grid.Build(m_points, kernel.h, cellSize);
         SortStates(particles);
     }
     PROFILE_SECTION("Building neighbor lists");
-    CalcKernels();
+    CalcKernels(kernel);
     StoreNeighbors();
 }
 
@@ -126,15 +123,15 @@ void SPH::SortStates(const ParticleList& particles) {
     }
 }
 
-void SPH::CalcKernels() {
+void SPH::CalcKernels(const Kernel& kernel) {
     const size_t pairs = m_grid.GetPairCount();
     m_dist.resize(pairs);
     m_weights.resize(pairs);
     const math::real* const distSq = m_grid.GetDistSq();
     math::real* const dist = m_dist.data();
     math::real* const weights = m_weights.data();
-    const math::real hSq = s_h * s_h;
-    const math::real norm = 315 * s_poly6Norm * s_particleMass;
+    const math::real hSq = kernel.h * kernel.h;
+    const math::real norm = 315 * kernel.poly6Norm * kernel.particleMass;
     for (size_t p = 0; p < pairs; ++p) {
         const math::real q = hSq - distSq[p];
         dist[p] = std::sqrt(distSq[p]);
@@ -182,21 +179,21 @@ void SPH::StoreNeighbors() {
 
 // ---- forces --------------------------------------------------------------------------------------------
 
-void SPH::CalcSPHForces() {
+void SPH::CalcSPHForces(const Kernel& kernel) {
     PROFILE_SECTION("CalcSPHForces");
-    CalcDensities();
+    CalcDensities(kernel);
     const bool surface = m_surfaceTension->Get() != 0;
     if (m_specialPressure->Get()) {
-        surface ? SumPairs<true, true>() : SumPairs<true, false>();
+        surface ? SumPairs<true, true>(kernel) : SumPairs<true, false>(kernel);
     } else {
-        surface ? SumPairs<false, true>() : SumPairs<false, false>();
+        surface ? SumPairs<false, true>(kernel) : SumPairs<false, false>(kernel);
     }
-    StoreResults();
+    StoreResults(kernel.particleMass);
 }
 
-void SPH::CalcDensities() {
-    const math::real hSq = s_h * s_h;
-    const math::real self = 315 * s_poly6Norm * (hSq * hSq * hSq) * s_particleMass;
+void SPH::CalcDensities(const Kernel& kernel) {
+    const math::real hSq = kernel.h * kernel.h;
+    const math::real self = 315 * kernel.poly6Norm * (hSq * hSq * hSq) * kernel.particleMass;
     for (State& state : m_states) state.density = self;
     const size_t pairs = m_grid.GetPairCount();
     const uint32_t* const first = m_grid.GetFirst();
@@ -213,15 +210,15 @@ void SPH::CalcDensities() {
 }
 
 template <bool SPECIAL, bool SURFACE>
-void SPH::SumPairs() {
+void SPH::SumPairs(const Kernel& kernel) {
     m_sums.clear();
     m_sums.resize(m_states.size());
     const size_t pairs = m_grid.GetPairCount();
     const uint32_t* const first = m_grid.GetFirst();
     const uint32_t* const second = m_grid.GetSecond();
     const math::Vec2* const deltas = m_grid.GetDelta();
-    const math::real norm = 45 * s_spikyNorm;
-    const math::real h = s_h;
+    const math::real norm = 45 * kernel.spikyNorm;
+    const math::real h = kernel.h;
     for (size_t p = 0; p < pairs;) {
         const uint32_t i = first[p];
         const State a = m_states[i];
@@ -251,8 +248,7 @@ void SPH::SumPairs() {
     }
 }
 
-void SPH::StoreResults() {
-    const math::real m = s_particleMass;
+void SPH::StoreResults(math::real m) {
     const math::real pressure = -m * m_pressMultiplier->Get();
     const math::real viscosity = m_viscMultiplier->Get() * m_viscosity->Get() * m;
     const math::real surface = m_surfaceTension->Get() * m;
@@ -279,7 +275,7 @@ void SPH::Evaporate(const ParticleList& particles, math::real dt) {
     }
 }
 
-void SPH::Jitter(const ParticleList& particles) const {
+void SPH::Jitter(const ParticleList& particles, math::real particleMass) const {
     PROFILE_SECTION("Jitter");
     const math::real jitter = m_jitter->Get();
     if (jitter == 0) return;
@@ -288,7 +284,7 @@ void SPH::Jitter(const ParticleList& particles) const {
         if (particle.Get()->IsImmovable()) continue;
         const math::real x = util::DrawNormal(random);
         const math::real y = util::DrawNormal(random);
-        particle.Get()->m_force += s_particleMass * jitter * math::Vec2(x, y);
+        particle.Get()->m_force += particleMass * jitter * math::Vec2(x, y);
     }
 }
 
@@ -312,27 +308,19 @@ void SPH::CalcStatistics() {
 void SPH::ShowStatistics() {
     if (m_hasStatistics) return;
     m_hasStatistics = true;
-    m_cellMap = CellMap(m_points.size());
     AddCmd("AVG_neighCount", this, &SPH::GetAverageNeighborCount);
     AddCmd("AVG_pressure", this, &SPH::GetAveragePressure);
     AddCmd("AVG_density", this, &SPH::GetAverageDensity);
     AddCmd("hashInfo", this, &SPH::GetHashInfo);
 }
 
-// How the cells of the last pass fill a hash table with room for the particles of the first.
-String SPH::GetHashInfo() {
-    const math::real cellsPerMetre = 1 / (m_bucketSize->Get() * s_h);
-    m_cellMap.clear();
-    for (const math::Vec2 p : m_points) {
-        ++m_cellMap[math::Vec2i(CellIndex(p.x, cellsPerMetre), CellIndex(p.y, cellsPerMetre))];
-    }
-    size_t largest = 0;
-    for (const CellMap::Bucket& bucket : m_cellMap.GetBuckets()) largest = std::max(largest, bucket.size());
+// How the drops of the last pass fill the cells of the grid.
+String SPH::GetHashInfo() const {
+    const size_t cells = m_grid.GetCellCount();
     std::ostringstream text;
-    text << "Number of elements:  " << m_cellMap.size() << "\n"
-         << "Average bucket size: "
-         << static_cast<float>(m_cellMap.size()) / static_cast<float>(m_cellMap.GetBucketCount()) << "\n"
-         << "Maximum bucket size: " << largest << "\n";
+    text << "Number of elements:  " << cells << "\n"
+         << "Average bucket size: " << static_cast<float>(m_points.size()) / static_cast<float>(cells) << "\n"
+         << "Maximum bucket size: " << m_grid.GetFullestCell() << "\n";
     return text.str();
 }
 

@@ -8,17 +8,10 @@
 #include "physics/Particle.h"
 #include "script/Attributes.h"
 #include "script/Reflected.h"
-#include "util/HashMap.h"
 #include "util/Singleton.h"
 #include "util/VectorPOD.h"
 
 namespace physics {
-
-struct SpaceHasher {
-    uint32_t operator()(math::Vec2i cell) const {
-        return static_cast<uint32_t>(cell.x) * 2376512323u + static_cast<uint32_t>(cell.y) * 3625334849u;
-    }
-};
 
 // Water as smoothed-particle hydrodynamics: the settings, and the pass that adds the fluid forces to the
 // particles. Holds no particles between passes; Simulation owns them and calls Update once per active step,
@@ -38,7 +31,7 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
     float GetAverageNeighborCount() const { return m_averageNeighborCount; }
     float GetAveragePressure() const { return m_averagePressure; }
     float GetAverageDensity() const { return m_averageDensity; }
-    String GetHashInfo();
+    String GetHashInfo() const;
 
     const script::AttribPtr<float> m_radius;          // m, of a particle
     const script::AttribPtr<float> m_influence;       // kernel radius in particle radii
@@ -55,13 +48,14 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
     const script::AttribPtr<float> m_jitter;      // deviation of the random acceleration, m/s^2
     const script::AttribPtr<float> m_bucketSize;  // cell size of the grid in kernel radii
 
-    // Constants of the pass.
-    static math::real s_h;             // m, kernel radius
-    static math::real s_poly6Norm;     // 1 / (64 pi h^9)
-    static math::real s_spikyNorm;     // 1 / (pi h^6)
-    static math::real s_particleMass;  // kg
-
   private:
+    // Constants of a pass.
+    struct Kernel {
+        math::real h;             // m, kernel radius
+        math::real poly6Norm;     // 1 / (64 pi h^9)
+        math::real spikyNorm;     // 1 / (pi h^6)
+        math::real particleMass;  // kg
+    };
     // What the sums need of a particle, in the order of the grid.
     struct State {
         math::Vec2 vel;
@@ -76,20 +70,20 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
     };
 
     bool IsUsable() const;
-    void SetConstants();
+    Kernel MakeKernel() const;
     void SetMaterials(const ParticleList& particles) const;
-    void FindNeighbors(const ParticleList& particles);
+    void FindNeighbors(const ParticleList& particles, const Kernel& kernel);
     void SortStates(const ParticleList& particles);
     void CountNeighbors();
     void LayOutNeighbors();
     void StoreNeighbors();
-    void CalcSPHForces();
-    void CalcKernels();
-    void CalcDensities();
+    void CalcSPHForces(const Kernel& kernel);
+    void CalcKernels(const Kernel& kernel);
+    void CalcDensities(const Kernel& kernel);
     template <bool SPECIAL, bool SURFACE>
-    void SumPairs();
-    void StoreResults();
-    void Jitter(const ParticleList& particles) const;
+    void SumPairs(const Kernel& kernel);
+    void StoreResults(math::real particleMass);
+    void Jitter(const ParticleList& particles, math::real particleMass) const;
     static void Evaporate(const ParticleList& particles, math::real dt);
     void CalcStatistics();
     void ShowStatistics();
@@ -109,10 +103,6 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
     float m_averageNeighborCount = 0;
     float m_averagePressure = 0;
     float m_averageDensity = 0;
-
-    // Only to answer hashInfo: how the cells would fill a hash table.
-    using CellMap = util::HashMap<math::Vec2i, uint32_t, SpaceHasher>;
-    CellMap m_cellMap;
 };
 
 }  // namespace physics

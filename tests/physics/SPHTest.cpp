@@ -241,6 +241,7 @@ TEST_F(SPHTest, UselessSettingsSkipThePass) {
 
 TEST_F(SPHTest, JitterPushesWithTheMassOfAParticle) {
     AddCloud(2000, 1000, 3);
+    const float mass = sim.GetParticles().front()->m_mass;
     sph.m_jitter->Set(10);
     Pass();
     double sum = 0;
@@ -248,7 +249,7 @@ TEST_F(SPHTest, JitterPushesWithTheMassOfAParticle) {
         sum += math::LengthSquared(particle->m_force) / 2;
     }
     const double deviation = std::sqrt(sum / 2000);
-    EXPECT_NEAR(deviation / (10 * physics::SPH::s_particleMass), 1, 0.05);
+    EXPECT_NEAR(deviation / (10 * mass), 1, 0.05);
 }
 
 // A pool neither leaks through planes nor blows up at the default step; it settles at half of it.
@@ -277,15 +278,13 @@ TEST_F(SPHTest, PoolIsContained) {
     }
 }
 
-TEST_F(SPHTest, HashInfoHasThreeLines) {
+TEST_F(SPHTest, HashInfoTellsHowTheGridIsFilled) {
     AddParticle({0.01f, 0});
     AddParticle({-0.01f, 0});  // the same cell: cells are cut towards zero
     AddParticle({1, 0});
     Pass();
     const String info = sph.GetHashInfo();
-    EXPECT_EQ(info.rfind("Number of elements:  2\nAverage bucket size: ", 0), 0u) << info;
-    EXPECT_NE(info.find("\nMaximum bucket size: "), String::npos);
-    EXPECT_EQ(std::count(info.begin(), info.end(), '\n'), 3);
+    EXPECT_EQ(info, "Number of elements:  2\nAverage bucket size: 1.5\nMaximum bucket size: 2\n");
 }
 
 }  // namespace test

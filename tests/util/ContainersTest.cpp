@@ -1,10 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <map>
-
 #include "util/Array2D.h"
 #include "util/Exception.h"
-#include "util/HashMap.h"
 #include "util/Random.h"
 #include "util/VectorPOD.h"
 
@@ -32,36 +29,6 @@ TEST(Array2D, IndexesRowByRowWithinItsRange) {
     EXPECT_EQ(array(0, 1), 7);
     EXPECT_THROW(array(3, 0), BadCoderException);
     EXPECT_THROW(array(0, 2), BadCoderException);
-}
-
-TEST(HashMap, BucketCountsFollowTheGrowthRule) {
-    util::HashMap<String, int, util::StringHasher> map;
-    const std::map<uint32_t, size_t> countAfterInsertions = {{1, 3}, {3, 3}, {4, 7}, {8, 17}, {18, 37}};
-    for (uint32_t i = 1; i <= 18; ++i) {
-        map[std::to_string(i)] = static_cast<int>(i);
-        const auto expected = countAfterInsertions.find(i);
-        if (expected == countAfterInsertions.end()) continue;
-        EXPECT_EQ(map.GetBucketCount(), expected->second) << i;
-    }
-    EXPECT_EQ(map.size(), 18u);
-    map.clear();
-    EXPECT_EQ(map.GetBucketCount(), 37u);
-}
-
-TEST(HashMap, AgreesWithAnOrderedMapOverRandomKeys) {
-    util::HashMap<String, int, util::StringHasher> map(100);
-    std::map<String, int> reference;
-    util::Random random;
-    for (int i = 0; i < 2000; ++i) {
-        const String key = std::to_string(random.GetUniformInt(0, 500));
-        map[key] = reference[key] = i;
-    }
-    std::map<String, int> walked;
-    for (const auto& entry : map) walked.insert(entry);
-    EXPECT_EQ(walked, reference);
-    EXPECT_EQ(map.Find("500"), nullptr);
-    util::HashMap<String, int, util::StringHasher> other;
-    EXPECT_THROW((void)(map.begin() == other.begin()), BadDataException);
 }
 
 // The published test value of MT19937: the 10000th output of a generator seeded with 5489 is 4123659995.
