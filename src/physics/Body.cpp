@@ -6,6 +6,7 @@
 #include "logging/Log.h"
 #include "math/Geometry.h"
 #include "physics/Geom.h"
+#include "physics/PointMotion.h"
 #include "util/Assert.h"
 #include "util/LockPtr.h"
 
@@ -104,7 +105,14 @@ void Body::SetGeoms(const GeomSet& newGeoms) {
     // the body alive.
     const GeomSet geoms = newGeoms;
     const util::LockPtr<Body> lock(this);
+    const bool wasPlaced = !m_parts.empty();
+    const Vec2 oldPos = m_pos;
     DetachGeoms();
+    BuildFrom(geoms);
+    if (wasPlaced && !m_parts.empty()) m_vel = VelocityAt(m_vel, m_angVel, m_pos - oldPos);
+}
+
+void Body::BuildFrom(const GeomSet& geoms) {
     if (geoms.empty()) {
         BecomeUnitMass();
         return;
@@ -117,6 +125,84 @@ void Body::SetGeoms(const GeomSet& newGeoms) {
     PlaceFrame();
     for (const GeomPtr& geom : accepted) AttachGeom(geom);
     FinishInertia();
+}
+
+BodyPtr Body::Split(const GeomSet& leaving) {
+    const Vec2 oldPos = m_pos, oldVel = m_vel;
+    GeomSet staying;
+    for (const GeomPtr& geom : m_geoms) {
+        if (!leaving.count(geom)) staying.insert(geom);
+    }
+    SetGeoms(staying);
+    const BodyPtr part = new Body;
+    part->SetGeoms(leaving);
+    part->m_vel = VelocityAt(oldVel, m_angVel, part->m_pos - oldPos);
+    part->m_angVel = m_angVel;
+    return part;
+}
+
+// P = m0 v0 + m1 v1,  L = sum of I w + m (x - c) x v about the common centre c
+//   v = P / m,  w = L / I
+void Body::Absorb(Body& other) {
+    const Body* const bodies[] = {this, &other};
+    struct Motion {
+        real mass, inertia, angVel;
+        Vec2 pos, vel;
+    } before[2];
+    for (int i = 0; i < 2; ++i) {
+        const Body& body = *bodies[i];
+        before[i] = {body.m_mass, body.m_inertia, body.m_angVel, body.m_pos, body.m_vel};
+    }
+    const GeomSet geoms = other.m_geoms;
+    other.SetGeoms(GeomSet());
+    AddGeoms(geoms);
+    m_vel = Vec2();
+    m_angVel = 0;
+    if (m_massInv == 0) return;
+    for (const Motion& part : before) {
+        m_vel += part.mass * part.vel * m_massInv;
+        m_angVel +=
+            (part.inertia * part.angVel + part.mass * math::Cross(part.pos - m_pos, part.vel)) * m_inertiaInv;
+    }
+}
+
+Body::State Body::GetState() const {
+    State state{m_parts,  {},       m_transform, m_pos,     m_vel,     m_force,      m_angle,
+                m_angVel, m_torque, m_mass,      m_massInv, m_inertia, m_inertiaInv, m_area};
+    state.places.reserve(m_parts.size());
+    for (const BodyPart& part : m_parts) state.places.push_back(part.geom->GetPlace());
+    return state;
+}
+
+void Body::SetState(const State& state) {
+    const util::LockPtr<Body> lock(this);
+    DetachGeoms();
+    m_parts = state.parts;
+    m_transform = state.transform;
+    m_invTransform = m_transform.Inverse();
+    m_pos = state.pos;
+    m_vel = state.vel;
+    m_force = state.force;
+    m_angle = state.angle;
+    m_angVel = state.angVel;
+    m_torque = state.torque;
+    m_mass = state.mass;
+    m_massInv = state.massInv;
+    m_inertia = state.inertia;
+    m_inertiaInv = state.inertiaInv;
+    m_area = state.area;
+    for (size_t i = 0; i < m_parts.size(); ++i) {
+        const GeomPtr& geom = m_parts[i].geom;
+        geom->SetPlace(state.places[i]);
+        geom->SetBody(this);
+        m_geoms.insert(geom);
+    }
+}
+
+void Body::Settle() {
+    for (const BodyPart& part : m_parts)
+        part.geom->SetAngleAndPos(part.geom->GetAngle(), part.geom->GetPos());
+    RefreshGeoms();
 }
 
 void Body::DetachGeoms() {

@@ -6,6 +6,7 @@
 #include "math/RigidTransform.h"
 #include "math/Vector.h"
 #include "physics/Fwd.h"
+#include "physics/Geom.h"
 #include "util/Pointee.h"
 #include "util/VectorPOD.h"
 
@@ -86,6 +87,9 @@ struct BodyPart {
 // follow from their areas and densities. From then on the body's place moves the geoms, through
 // UpdateGeoms. A change of a geom's density or shape is taken in by RefreshGeoms (Geom::UpdateBody).
 //
+// However the shape of a body changes, each piece of matter goes on as it moved: with v, w and the centre x
+// of before, a piece whose centre of mass is x' moves with v + w x (x' - x) and turns with w.
+//
 // Body and geoms own each other. SetGeoms with an empty set breaks that cycle; Simulation::RemoveBody
 // does so. A body without geoms is a harmless unit mass that IsBad reports.
 class Body : public AbstractBody {
@@ -97,14 +101,36 @@ class Body : public AbstractBody {
     ~Body() noexcept(false) override;
 
     // Makes the set the whole shape. A geom without positive mass, area and inertia or with a non-finite
-    // place is left out with a warning; velocities stay.
+    // place is left out with a warning. The motion is that of the same rigid motion at the new centre.
     void SetGeoms(const GeomSet& geoms);
     void SetGeom(const GeomPtr& geom);
     void AddGeoms(const GeomSet& geoms);
     void AddGeom(const GeomPtr& geom);
     void RefreshGeoms();
 
+    // The geoms leave for a new body, which goes on as they moved; so does what stays. The new body is
+    // outside the simulation.
+    BodyPtr Split(const GeomSet& leaving);
+    // Takes all geoms of the other body over, which keeps none. Momentum and angular momentum stay, unless
+    // one of the two is immovable: then the result rests.
+    void Absorb(Body& other);
+
+    // Frame, parts with the places of their geoms, mass and motion, to the bit.
+    struct State {
+        std::vector<BodyPart> parts;
+        std::vector<GeomPlace> places;  // of the parts' geoms
+        math::RigidTransform transform;
+        math::Vec2 pos, vel, force;
+        math::real angle, angVel, torque;
+        math::real mass, massInv, inertia, inertiaInv, area;
+    };
+    State GetState() const;
+    void SetState(const State& state);
+
     void UpdateGeoms() override;
+    // Derives the frame anew from the places of the geoms, as a file would give them: after it a saved and
+    // loaded body is the same to the bit. To be called when a hand lets go of the body.
+    void Settle();
     bool IsBad() const override;
 
     const GeomSet& GetGeoms() const { return m_geoms; }
@@ -116,6 +142,7 @@ class Body : public AbstractBody {
 
   private:
     void DetachGeoms();
+    void BuildFrom(const GeomSet& geoms);
     void BecomeUnitMass();
     GeomSet SumUpMass(const GeomSet& geoms);
     void PlaceFrame();

@@ -67,7 +67,8 @@ Geom::Geom(const Geom& other)
       m_kind(other.m_kind),
       m_invTransform(other.m_invTransform),
       m_transform(other.m_transform),
-      m_pos(other.m_pos) {}
+      m_pos(other.m_pos),
+      m_givenAngle(other.m_givenAngle) {}
 
 Geom::~Geom() noexcept(false) = default;
 
@@ -75,6 +76,26 @@ void Geom::SetTransform(const RigidTransform& transform) {
     m_transform = transform;
     m_invTransform = transform.Inverse();
     m_pos = transform.GetTranslation();
+}
+
+static RigidTransform TransformOf(double angle, Vec2 pos) {
+    return {static_cast<real>(std::cos(angle)), static_cast<real>(std::sin(angle)), pos.x, pos.y};
+}
+
+void Geom::SetAngleAndPos(double angle, Vec2 pos) {
+    m_givenAngle = angle;
+    SetTransform(TransformOf(angle, pos));
+}
+
+double Geom::GetAngle() const {
+    const RigidTransform given = TransformOf(m_givenAngle, m_pos);
+    if (given.cos == m_transform.cos && given.sin == m_transform.sin) return m_givenAngle;
+    return std::atan2(static_cast<double>(m_transform.sin), static_cast<double>(m_transform.cos));
+}
+
+void Geom::SetPlace(const GeomPlace& place) {
+    m_givenAngle = place.angle;
+    SetTransform(place.transform);
 }
 
 void Geom::SetBody(AbstractBody* body) {

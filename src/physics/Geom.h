@@ -13,6 +13,12 @@
 
 namespace physics {
 
+// Where a geom stands, to the bit.
+struct GeomPlace {
+    math::RigidTransform transform;
+    double angle;  // rad, as last given
+};
+
 // A shape that collides. It has a place in the world with or without a body; a body that adopts it moves it
 // from then on.
 //
@@ -50,6 +56,13 @@ class Geom : public util::Pointee {
     const math::RigidTransform& GetInvTransform() const { return m_invTransform; }  // world to geom-local
     math::Vec2 GetPos() const { return m_pos; }                                     // of the geom's origin
 
+    // By the angle instead of its cosine and sine, which do not tell it exactly: the geom remembers the
+    // angle, so that what is written to a file is what was read.
+    void SetAngleAndPos(double angle, math::Vec2 pos);
+    double GetAngle() const;  // rad; the very angle last given, unless the geom has turned since
+    GeomPlace GetPlace() const { return {m_transform, m_givenAngle}; }
+    void SetPlace(const GeomPlace& place);
+
     // Defaults of these three: Simulation's attributes at the moment of construction.
     math::real m_density;      // kg/m^2, above 0
     math::real m_friction;     // 0 and above
@@ -73,7 +86,8 @@ class Geom : public util::Pointee {
     AbstractBodyPtr m_body;  // its m_parts own this geom in turn: a cycle that Body::SetGeoms breaks
     math::RigidTransform m_invTransform;
     math::RigidTransform m_transform;
-    math::Vec2 m_pos;  // the translation of m_transform
+    math::Vec2 m_pos;         // the translation of m_transform
+    double m_givenAngle = 0;  // rad; out of date as soon as m_transform turns
 
     static uint32_t s_nextID;  // starts at 0 and never goes back: the world geom is 0
 };

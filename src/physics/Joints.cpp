@@ -57,20 +57,6 @@ math::Vec2 SpringJoint::GetWorldAnchor(int end) const {
     return m_geoms[end]->GetTransform()(m_anchors[end]);
 }
 
-math::real SpringJoint::EffectiveMass(const Body& b0, const Body& b1, math::Vec2 n) const {
-    const math::real c0 = math::Cross(m_anchors[0], n);
-    const math::real c1 = math::Cross(m_anchors[1], n);
-    return 1 /
-           (b0.GetMassInv() + b1.GetMassInv() + b0.GetInertiaInv() * c0 * c0 + b1.GetInertiaInv() * c1 * c1);
-}
-
-// Adds the force f at the point p.
-static void AddForce(Body& body, math::Vec2 f, math::Vec2 p) {
-    if (body.IsImmovable()) return;
-    body.m_force += f;
-    body.m_torque += math::Cross(p - body.m_pos, f);
-}
-
 void SpringJoint::ApplyForce() {
     BodyPtr body0;
     BodyPtr body1;
@@ -78,7 +64,8 @@ void SpringJoint::ApplyForce() {
     if (!body0 || !body1) return;
     const math::Vec2 a = GetWorldAnchor(0);
     const math::Vec2 b = GetWorldAnchor(1);
-    const math::real e = EffectiveMass(*body0, *body1, math::Normalized(b - a));
+    const math::real e =
+        1 / InverseEffectiveMass(*body0, *body1, m_anchors[0], m_anchors[1], math::Normalized(b - a));
     const math::real k = Simulation::Instance().m_springForce->Get() * e * m_strength;
     const math::real cd = 2 * std::sqrt(k * e);
 
@@ -92,8 +79,8 @@ void SpringJoint::ApplyForce() {
     const math::Vec2 u = VelocityAt(body1->m_vel, body1->m_angVel, b - body1->m_pos) -
                          VelocityAt(body0->m_vel, body0->m_angVel, a - body0->m_pos);
     const math::Vec2 f = dir * (math::Dot(u, dir) * cd * m_damping + (length - m_length) * k);
-    AddForce(*body0, f, a);
-    AddForce(*body1, -f, b);
+    if (!body0->IsImmovable()) AddForceAt(*body0, f, a);
+    if (!body1->IsImmovable()) AddForceAt(*body1, -f, b);
 }
 
 }  // namespace physics

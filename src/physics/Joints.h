@@ -56,9 +56,6 @@ class SpringJoint : public Joint {
     math::Vec2 GetWorldAnchor(int end) const;
 
   private:
-    // kg, of the pull along the unit vector n.
-    math::real EffectiveMass(const Body& b0, const Body& b1, math::Vec2 n) const;
-
     math::Vec2 m_anchors[2];    // m, in each geom's local frame
     math::real m_length = 0;    // m, at rest
     math::real m_strength = 0;  // multiplies Simulation's springForce

@@ -37,6 +37,13 @@ inline math::Vec2 AccelerationAt(const B& body, math::Vec2 r) {
             body.GetMassInv() * body.m_force.y + angAcc * r.x};
 }
 
+// Adds the force f at the point p of the world.
+template <class B>
+inline void AddForceAt(B& body, math::Vec2 f, math::Vec2 p) {
+    body.m_force += f;
+    body.m_torque += math::Cross(p - body.m_pos, f);
+}
+
 // 1 / the effective mass of a row that acts along the unit vector n at the arms r0, r1.
 template <class B>
 inline math::real InverseEffectiveMass(const B& b0, const B& b1, math::Vec2 r0, math::Vec2 r1, math::Vec2 n) {

@@ -82,41 +82,72 @@ Polygon::~Polygon() noexcept(false) = default;
 //   I/m = sum cross_i (v_i.v_i + v_i.v_(i+1) + v_(i+1).v_(i+1)) / (12 A), about the centroid
 // The sums for A and C run in double and relative to the first vertex: far from the world's origin the
 // products of float coordinates would leave no digits for the shape itself.
-//
-// Makes the vertices counter-clockwise and relative to the centroid, which it returns. Without area there is
-// none, and the first vertex takes its place.
-Vec2 Polygon::CalcAttribs() {
-    using Vec2d = math::TVector2<double>;
-    const size_t n = m_vertices.size();
-    const Vec2 first = m_vertices[0];
-    const auto relative = [&](size_t i) {
-        const Vec2 v = m_vertices[i % n];
-        return Vec2d(double(v.x) - first.x, double(v.y) - first.y);
-    };
-    double area = 0;
+namespace {
+
+using Vec2d = math::TVector2<double>;
+
+Vec2d ToDouble(Vec2 v) {
+    return {double(v.x), double(v.y)};
+}
+
+struct AreaSum {
+    double area = 0;  // above 0 for a counter-clockwise outline
+    Vec2d centroid;   // the first vertex where there is no area
+};
+
+AreaSum SumArea(const Vec2List& vertices) {
+    const Vec2d first = ToDouble(vertices[0]);
+    AreaSum sum;
     Vec2d moment;
-    for (size_t i = 0; i < n; ++i) {
-        const Vec2d a = relative(i), b = relative(i + 1);
-        area += math::Cross(a, b) / 2;
+    for (size_t i = 0; i < vertices.size(); ++i) {
+        const Vec2d a = ToDouble(vertices[i]) - first;
+        const Vec2d b = ToDouble(vertices[(i + 1) % vertices.size()]) - first;
+        sum.area += math::Cross(a, b) / 2;
         moment += (a + b) * math::Cross(a, b);
     }
-    const Vec2d center = area != 0 ? moment / (6 * area) : Vec2d();
-    for (size_t i = 0; i < n; ++i) {
-        const Vec2d local = relative(i) - center;
-        m_vertices[i] = Vec2(static_cast<real>(local.x), static_cast<real>(local.y));
-    }
-    if (area < 0) std::reverse(m_vertices.begin(), m_vertices.end());
-    m_area = static_cast<real>(std::fabs(area));
+    sum.centroid = sum.area != 0 ? first + moment / (6 * sum.area) : first;
+    return sum;
+}
 
+double SumInertia(const Vec2List& vertices) {
     double inertia = 0;
-    for (size_t i = 0; i < n; ++i) {
-        const Vec2 u = m_vertices[i], v = m_vertices[(i + 1) % n];
-        const Vec2d a(u.x, u.y), b(v.x, v.y);
+    for (size_t i = 0; i < vertices.size(); ++i) {
+        const Vec2d a = ToDouble(vertices[i]), b = ToDouble(vertices[(i + 1) % vertices.size()]);
         inertia += math::Cross(a, b) * (math::Dot(a, a) + math::Dot(a, b) + math::Dot(b, b));
     }
-    m_inertiaSansMass = area != 0 ? static_cast<real>(inertia / (12 * std::fabs(area))) : 0;
+    return inertia;
+}
+
+// Whether the outline has its centroid at the origin but for rounding.
+bool IsCentered(const Vec2List& vertices, const Vec2d& centroid) {
+    constexpr double TOLERANCE = 1e-6;  // of the extent
+    math::BoundingBox2f box;
+    for (const Vec2 v : vertices) box.Extend(v);
+    const Vec2 extent = box.GetSize();
+    return std::sqrt(math::LengthSquared(centroid)) <= TOLERANCE * std::max(extent.x, extent.y);
+}
+
+}  // namespace
+
+// Makes the vertices counter-clockwise and relative to the centroid, which it returns. An outline that is
+// centred stays as it is: a shape that goes through a file keeps its bits. For the same reason area and
+// inertia are those of the vertices as they are kept.
+Vec2 Polygon::CalcAttribs() {
+    const AreaSum given = SumArea(m_vertices);
+    Vec2 centroid;
+    if (!IsCentered(m_vertices, given.centroid)) {
+        centroid = Vec2(static_cast<real>(given.centroid.x), static_cast<real>(given.centroid.y));
+        for (Vec2& v : m_vertices) {
+            const Vec2d local = ToDouble(v) - given.centroid;
+            v = Vec2(static_cast<real>(local.x), static_cast<real>(local.y));
+        }
+    }
+    if (given.area < 0) std::reverse(m_vertices.begin(), m_vertices.end());
+    const double area = SumArea(m_vertices).area;
+    m_area = static_cast<real>(area);
+    m_inertiaSansMass = area > 0 ? static_cast<real>(SumInertia(m_vertices) / (12 * area)) : 0;
     DATA_CHECK(m_inertiaSansMass > 0);
-    return {static_cast<real>(first.x + center.x), static_cast<real>(first.y + center.y)};
+    return centroid;
 }
 
 void Polygon::BuildLines() {

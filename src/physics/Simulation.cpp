@@ -84,7 +84,6 @@ BodyPtr Simulation::GetWorldBody() const {
 void Simulation::AddBody(const BodyPtr& body) {
     CODE_ASSERTION(body);
     if (HasBody(body)) return;
-    body->UpdateGeoms();
     m_bodies.push_back(body);
     body->m_inWorld = true;
 }

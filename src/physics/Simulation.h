@@ -39,7 +39,9 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     const WorldGeomPtr& GetWorldGeom() const;
     BodyPtr GetWorldBody() const;
 
-    void AddBody(const BodyPtr& body);     // ignored when present
+    // Ignored when present. The geoms stay where they stand: to go through the frame would move them by
+    // rounding.
+    void AddBody(const BodyPtr& body);
     void RemoveBody(const BodyPtr& body);  // takes its geoms away; ignored for the world body
     bool HasBody(const BodyPtr& body) const;
     void AddJoint(const JointPtr& joint);  // ignored when present

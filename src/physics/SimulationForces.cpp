@@ -8,6 +8,7 @@
 #include "physics/Geom.h"
 #include "physics/Joints.h"
 #include "physics/Particle.h"
+#include "physics/PointMotion.h"
 #include "physics/SPH.h"
 #include "physics/Simulation.h"
 #include "util/ProfileTree.h"
@@ -56,12 +57,6 @@ static AirSurface MeasureSurface(const Body& body, math::Vec2 n) {
         surface.areaPos += geom.GetArea() * geom.GetPos();
     }
     return surface;
-}
-
-// Adds the force f at the point p.
-static void AddForceAt(AbstractBody& body, math::Vec2 f, math::Vec2 p) {
-    body.m_force += f;
-    body.m_torque += math::Cross(p - body.m_pos, f);
 }
 
 // Slows the spin, but never turns it round within a step of length h.

@@ -228,6 +228,133 @@ TEST(Body, BadBeyondTheLimitsOnly) {
     EXPECT_FALSE(body->IsBad()) << "strict comparisons let a NaN pass";
 }
 
+// ---- motion of parts
+
+struct Momentum {
+    double mass = 0, x = 0, y = 0, turn = 0;
+
+    void Add(const Body& body) {
+        mass += body.m_mass;
+        x += double(body.m_mass) * body.m_vel.x;
+        y += double(body.m_mass) * body.m_vel.y;
+        turn += double(body.m_inertia) * body.m_angVel +
+                double(body.m_mass) * math::Cross(body.m_pos, body.m_vel);
+    }
+    void ExpectNear(const Momentum& other) const {
+        EXPECT_NEAR(mass, other.mass, 1e-4 * mass);
+        EXPECT_NEAR(x, other.x, 1e-4 * mass);
+        EXPECT_NEAR(y, other.y, 1e-4 * mass);
+        EXPECT_NEAR(turn, other.turn, 1e-3 * mass);
+    }
+};
+
+static BodyPtr SpinningPair(const GeomPtr& left, const GeomPtr& right) {
+    const BodyPtr pair = new Body;
+    pair->SetGeoms({left, right});
+    pair->m_vel = {1, 2};
+    pair->m_angVel = 3;
+    return pair;
+}
+
+TEST(Body, HalfOfASpinningPairFliesOn) {
+    const GeomPtr left = CircleAt({-1, 0}, 0.5f), right = CircleAt({1, 0}, 0.5f);
+    const BodyPtr pair = SpinningPair(left, right);
+    pair->SetGeoms({right});
+    EXPECT_FLOAT_EQ(pair->m_vel.x, 1);
+    EXPECT_FLOAT_EQ(pair->m_vel.y, 5);
+    EXPECT_EQ(pair->m_angVel, 3);
+}
+
+TEST(Body, SplitPartsKeepTheirMotionTogether) {
+    const GeomPtr left = CircleAt({-1, 0}, 0.5f), right = CircleAt({1, 2}, 0.8f);
+    const BodyPtr pair = SpinningPair(left, right);
+    Momentum before, after;
+    before.Add(*pair);
+    const BodyPtr part = pair->Split({right});
+    EXPECT_EQ(pair->GetGeoms(), GeomSet{left});
+    EXPECT_EQ(part->GetGeoms(), GeomSet{right});
+    after.Add(*pair);
+    after.Add(*part);
+    after.ExpectNear(before);
+    EXPECT_EQ(part->m_angVel, 3);
+}
+
+TEST(Body, AbsorbingKeepsMomentum) {
+    const BodyPtr a = test::MakeBody(CircleAt({0, 0}, 1)), b = test::MakeBody(CircleAt({3, 1}, 0.5f));
+    a->m_vel = {2, 0};
+    b->m_vel = {-1, 4};
+    b->m_angVel = -6;
+    Momentum before, after;
+    before.Add(*a);
+    before.Add(*b);
+    a->Absorb(*b);
+    after.Add(*a);
+    after.ExpectNear(before);
+    EXPECT_TRUE(b->GetGeoms().empty());
+    EXPECT_EQ(a->GetGeoms().size(), 2u);
+}
+
+TEST(Body, WhatImmovableOnesAbsorbRests) {
+    const BodyPtr ground = test::MakeBody(new Plane(Vec2(0, 1), 0));
+    const BodyPtr stone = test::MakeBody(CircleAt({0, 1}, 1));
+    stone->m_vel = {2, 0};
+    ground->Absorb(*stone);
+    EXPECT_EQ(ground->m_vel, Vec2());
+    EXPECT_TRUE(ground->IsImmovable());
+}
+
+static void ExpectSameBits(const GeomPlace& a, const GeomPlace& b) {
+    EXPECT_EQ(a.transform.cos, b.transform.cos);
+    EXPECT_EQ(a.transform.sin, b.transform.sin);
+    EXPECT_EQ(a.transform.x, b.transform.x);
+    EXPECT_EQ(a.transform.y, b.transform.y);
+    EXPECT_EQ(a.angle, b.angle);
+}
+
+TEST(Body, StateComesBackToTheBit) {
+    const GeomPtr left = CircleAt({-1.1f, 0.3f}, 0.5f), right = CircleAt({1.7f, 2.9f}, 0.8f);
+    const BodyPtr pair = SpinningPair(left, right);
+    pair->m_angle = 0.7f;
+    pair->m_pos += Vec2(0.1f, 0.7f);
+    pair->UpdateGeoms();
+    const Body::State state = pair->GetState();
+    pair->SetGeoms(GeomSet());
+    right->SetTransform({});
+    pair->m_vel = Vec2();
+    pair->m_angVel = 0;
+    pair->SetState(state);
+    const Body::State again = pair->GetState();
+    ExpectSameBits(again.places[0], state.places[0]);
+    ExpectSameBits(again.places[1], state.places[1]);
+    EXPECT_EQ(again.pos, state.pos);
+    EXPECT_EQ(again.angle, 0.7f);
+    EXPECT_EQ(again.vel, Vec2(1, 2));
+    EXPECT_EQ(again.angVel, 3);
+    EXPECT_EQ(again.mass, state.mass);
+    EXPECT_EQ(again.inertiaInv, state.inertiaInv);
+    EXPECT_EQ(right->GetBodyPtr(), pair.Get());
+    EXPECT_EQ(pair->GetGeoms().size(), 2u);
+}
+
+// A body whose frame has turned, and one made from the places of its geoms, are the same after Settle.
+TEST(Body, SettledIsAsMadeFromThePlaces) {
+    const GeomPtr left = CircleAt({-1.1f, 0.3f}, 0.5f), right = CircleAt({1.7f, 2.9f}, 0.8f);
+    const BodyPtr pair = SpinningPair(left, right);
+    pair->m_angle = 0.7f;
+    pair->UpdateGeoms();
+    pair->Settle();
+    const GeomPtr left2 = CircleAt({}, 0.5f), right2 = CircleAt({}, 0.8f);
+    left2->SetAngleAndPos(left->GetAngle(), left->GetPos());
+    right2->SetAngleAndPos(right->GetAngle(), right->GetPos());
+    const BodyPtr copy = new Body;
+    copy->SetGeoms({left2, right2});
+    ExpectSameBits(copy->GetState().places[1], pair->GetState().places[1]);
+    EXPECT_EQ(copy->m_pos, pair->m_pos);
+    EXPECT_EQ(copy->m_angle, pair->m_angle);
+    EXPECT_EQ(copy->m_inertia, pair->m_inertia);
+    EXPECT_NEAR(left->GetAngle(), 0.7, 1e-6);
+}
+
 TEST(GeomSet, OrderedByCreation) {
     std::vector<GeomPtr> made;
     for (int i = 0; i < 20; ++i) made.push_back(CircleAt({0, 0}, 1));

@@ -85,6 +85,16 @@ TEST(Geom, CopyKeepsShapePlaceAndSurfaceOnly) {
     body->SetGeoms(GeomSet());
 }
 
+TEST(Geom, RemembersTheAngleThatItWasGiven) {
+    const physics::CirclePtr circle = new Circle(1);
+    for (const double angle : {0.0, 0.1, -2.123456789012345, 3.0, 7.5}) {
+        circle->SetAngleAndPos(angle, {1, 2});
+        EXPECT_EQ(circle->GetAngle(), angle);
+    }
+    circle->SetTransform(RigidTransform(0.25f, Vec2(1, 2)));
+    EXPECT_NEAR(circle->GetAngle(), 0.25, 1e-6);
+}
+
 TEST(Geom, InverseTransformUndoesTheTransform) {
     const CirclePtr circle = new Circle(1);
     circle->SetTransform(RigidTransform(0.7f, Vec2(3, -2)));

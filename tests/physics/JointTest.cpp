@@ -63,6 +63,19 @@ TEST_F(JointTest, ForceIsEqualAndOppositeAndZeroAtRest) {
     EXPECT_EQ(b->m_force, Vec2());
 }
 
+// At rest k stretch = m g, and k = springForce e strength with e = m for a ball that hangs by its centre.
+TEST_F(JointTest, StretchUnderAWeightDoesNotDependOnMass) {
+    sim.m_gravitySwitch->Set(true);
+    for (const float radius : {0.05f, 0.5f, 5.0f}) {
+        sim.Clear();
+        const BodyPtr ball = AddCircle({0, -2}, radius);
+        AddSpring(sim.GetWorldBody(), ball, {0, 0}, {0, 0}, 2, 0.05f, 1);
+        Run(5);
+        const float stretch = 9.8f / (1000 * 0.05f);
+        EXPECT_NEAR(-2 - ball->m_pos.y, stretch, 0.01f * stretch) << "radius " << radius;
+    }
+}
+
 TEST_F(JointTest, CriticalDampingDoesNotOvershoot) {
     const BodyPtr ball = AddCircle({0, 0}, 0.3f);
     AddSpring(sim.GetWorldBody(), ball, {-3, 0}, {0, 0}, 2, 0.05f, 1);

@@ -70,6 +70,21 @@ TEST(Polygon, StoredCounterClockwiseAboutItsCentroid) {
     }
 }
 
+// Whatever the outline and its sense, the shape made from the kept vertices is the same to the bit.
+TEST(Polygon, CentredVerticesMakeTheSameShape) {
+    test::Random random(5);
+    for (int round = 0; round < 200; ++round) {
+        Vec2List outline = test::MakeStar(random, 5 + round % 40, 1.5f, {12.3f, -400});
+        if (round % 2) std::reverse(outline.begin(), outline.end());
+        const PolygonPtr first = new Polygon(outline), again = new Polygon(first->GetVertices());
+        const Vec2List &a = first->GetVertices(), &b = again->GetVertices();
+        ASSERT_TRUE(std::equal(a.begin(), a.end(), b.begin(), b.end())) << round;
+        EXPECT_EQ(again->GetPos(), Vec2());
+        EXPECT_EQ(again->GetArea(), first->GetArea());
+        EXPECT_EQ(again->GetInertiaSansMass(), first->GetInertiaSansMass());
+    }
+}
+
 TEST(Polygon, DropsRepeatedAndClosingVertices) {
     const PolygonPtr square = new Polygon({{0, 0}, {1, 0}, {1, 0}, {1, 1}, {0, 1}, {0, 0}, {0, 0}});
     EXPECT_EQ(square->GetVertices().size(), 4u);

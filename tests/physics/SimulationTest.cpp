@@ -55,6 +55,21 @@ TEST_F(SimulationTest, WorldBodyIsTheFirstOfAll) {
     EXPECT_EQ(sim.GetWorldBody()->GetGeoms().size(), 1u);
 }
 
+// A frame at (7.3, 0.1) plus the way from there to the geom is not the geom's place in floats.
+TEST_F(SimulationTest, JoiningTheWorldMovesNoGeom) {
+    const physics::GeomPtr left = new physics::Circle(0.3f, Vec2(0.1f, 0.1f));
+    const physics::GeomPtr right = new physics::Circle(0.7f, Vec2(12.7f, 0.1f));
+    left->SetAngleAndPos(1.234567, left->GetPos());
+    const physics::GeomPlace before = left->GetPlace();
+    const physics::BodyPtr body = new physics::Body;
+    body->SetGeoms({left, right});
+    sim.AddBody(body);
+    EXPECT_EQ(left->GetPlace().transform.cos, before.transform.cos);
+    EXPECT_EQ(left->GetPos(), Vec2(0.1f, 0.1f));
+    EXPECT_EQ(right->GetPos(), Vec2(12.7f, 0.1f));
+    EXPECT_EQ(left->GetAngle(), 1.234567);
+}
+
 TEST_F(SimulationTest, StepsFollowTheTimeDebt) {
     ClearAir();
     int steps[6];
