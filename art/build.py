@@ -33,8 +33,13 @@ FONT = "Data/Fonts/fixedsys"
 
 # Drawings that become something else than a PNG of the same name below Data/Textures.
 ICON = "app/vexa.svg"
-SKINS = {"gui/vexa/window.svg": ((6, 14), (26, 34)), "gui/vexa/button.svg": ((4, 12), (4, 12))}  # cuts in x, in y
+SKINS = {"gui/vexa/window.svg": ((6, 14), (26, 34)), "gui/vexa/button.svg": ((4, 12), (4, 12))}  # cuts in x, in y, units
 TGA_FOLDER = "gui/vexa/"
+
+# What the interface draws at a size of its own has so many texels per unit (ICON_DENSITY in Texture.cpp), so that it
+# is crisp at every scale of the interface. Pictures of the world are scaled anyway.
+DENSITY = 4
+INTERFACE = ("file/", "gui/", "popup/", "tools/")
 
 # Versions of the rasteriser smooth edges a little differently; a changed drawing differs by far more.
 TOLERANCE = 1.0  # mean difference per channel, of 255
@@ -50,13 +55,14 @@ def drawings():
 
 def build_drawing(name, target):
     """One SVG into its picture, or its nine tiles."""
-    picture = pictures.render(os.path.join(DRAWINGS, name))
+    picture = pictures.render(os.path.join(DRAWINGS, name), DENSITY if name.startswith(INTERFACE) else 1)
     textures = os.path.join(target, TEXTURES)
     stem = name[: -len(".svg")]
     if name == ICON:
         pictures.save(picture, os.path.join(target, "Vexa.bmp"))
     elif name in SKINS:
-        for tile, part in pictures.cut(picture, *SKINS[name]).items():
+        cuts = [[DENSITY * place for place in axis] for axis in SKINS[name]]
+        for tile, part in pictures.cut(picture, *cuts).items():
             pictures.save(part, os.path.join(textures, stem, tile + ".tga"))
     else:
         pictures.save(picture, os.path.join(textures, stem + (".tga" if name.startswith(TGA_FOLDER) else ".png")))
@@ -66,7 +72,7 @@ def build_formulas(target):
     """The pictures that have no drawing."""
     textures = os.path.join(target, TEXTURES)
     made = {
-        "blank": Image.new("RGBA", (16, 16), (255, 255, 255, 0)),
+        "blank": Image.new("RGBA", (64, 64), (255, 255, 255, 0)),
         "water": discs.drop(),
         "circleborder": discs.border(),
         "circleborder_no_border": discs.plain(),

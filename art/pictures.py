@@ -11,9 +11,9 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 PALETTE = os.path.join(HERE, "palette.css")
 
 
-def render(svg):
-    """An SVG at its own size with the colours of the palette, as RGBA."""
-    command = ["rsvg-convert", "--stylesheet", PALETTE, "--format", "png", svg]
+def render(svg, zoom=1):
+    """An SVG at its own size, or so many times as large, with the colours of the palette, as RGBA."""
+    command = ["rsvg-convert", "--stylesheet", PALETTE, "--zoom", str(zoom), "--format", "png", svg]
     png = subprocess.run(command, check=True, stdout=subprocess.PIPE).stdout
     return spread_colour(Image.open(io.BytesIO(png)).convert("RGBA"))
 

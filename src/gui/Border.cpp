@@ -25,15 +25,15 @@ constexpr const char* TILE_FILES[NUM_TILES] = {"l.tga",  "r.tga",  "t.tga",  "b.
 // Column from the left and row from the top, 0 to 2.
 constexpr math::Vec2i TILE_PLACES[NUM_TILES] = {{0, 1}, {2, 1}, {1, 0}, {1, 2}, {0, 0},
                                                 {2, 0}, {0, 2}, {2, 2}, {1, 1}};
-constexpr int GUTTER = 1;  // pixels round each tile
+constexpr int GUTTER = 4;  // texels round each tile: one that is left in the mipmap of the scale of one
 
 }  // namespace
 
 struct Border::Tiles : public util::Pointee {
     std::array<rendering::TextureMentorPtr, NUM_TILES> m_images;
     rendering::TextureMentorPtr m_sheet;
-    std::array<int, 3> m_columns{};  // widths, pixels
-    std::array<int, 3> m_rows{};     // heights, pixels, from the top
+    std::array<int, 3> m_columns{};  // widths, texels
+    std::array<int, 3> m_rows{};     // heights, texels, from the top
 
     explicit Tiles(const String& directory);
     math::Vec2i GetSize(Tile tile) const;  // zero for a picture that could not be loaded
@@ -116,7 +116,7 @@ rendering::Texture* Border::Tiles::MakeSheet() const {
 void Border::Tiles::AddQuad(rendering::VertexBatch& batch, int column, int row, Vec2 min, Vec2 max) const {
     if (!(max.x > min.x && max.y > min.y)) return;
     const math::Vec2i origin = GetOrigin(column, row), size = GetSheetSize();
-    const Vec2 unit(1.0f / size.x, 1.0f / size.y);  // one pixel
+    const Vec2 unit(1.0f / size.x, 1.0f / size.y);  // one texel
     const float left = origin.x * unit.x, bottom = origin.y * unit.y;
     batch.AddQuad(min, max, {left, bottom + m_rows[row] * unit.y},
                   {left + m_columns[column] * unit.x, bottom});
@@ -131,10 +131,11 @@ Border::Border(String skin) {
     if (skin.empty() || skin.back() != '/') skin += '/';
     m_tiles = new Tiles("gui/vexa/" + skin);
     if (!m_tiles->Fit()) THROW(BadDataException, "Bad sizes on border");
-    m_left = static_cast<float>(m_tiles->m_columns[0]);
-    m_right = static_cast<float>(m_tiles->m_columns[2]);
-    m_top = static_cast<float>(m_tiles->m_rows[0]);
-    m_bottom = static_cast<float>(m_tiles->m_rows[2]);
+    const float unit = 1.0f / rendering::Texture::ImageType::Tile().density;  // GUI units per texel
+    m_left = m_tiles->m_columns[0] * unit;
+    m_right = m_tiles->m_columns[2] * unit;
+    m_top = m_tiles->m_rows[0] * unit;
+    m_bottom = m_tiles->m_rows[2] * unit;
 }
 
 void Border::Draw(float width, float height) const {

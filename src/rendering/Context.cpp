@@ -82,6 +82,10 @@ bool HasBorderClamp() {
     return Context::Exists() && GLEW_ARB_texture_border_clamp;
 }
 
+bool HasFreeTextureSizes() {
+    return Context::Exists() && GLEW_ARB_texture_non_power_of_two && GLEW_VERSION_1_4;
+}
+
 bool HasShaderPrograms() {
     return Context::Exists() && GLEW_ARB_vertex_program && GLEW_ARB_fragment_program;
 }

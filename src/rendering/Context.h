@@ -62,6 +62,7 @@ class Context {
 // Without a context none of these is there.
 bool HasMultiTexturing();
 bool HasBorderClamp();
-bool HasShaderPrograms();  // ARB vertex and fragment programs
+bool HasFreeTextureSizes();  // other ones than powers of two, with mipmaps that GL makes
+bool HasShaderPrograms();    // ARB vertex and fragment programs
 
 }  // namespace rendering

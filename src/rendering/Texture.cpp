@@ -17,7 +17,7 @@ namespace {
 
 auto AsTuple(const Texture::ImageType& t) {
     return std::tie(t.internalFormat, t.mipmaps, t.clampS, t.clampT, t.linearMin, t.linearMag, t.linearMip,
-                    t.whiteBorder);
+                    t.whiteBorder, t.density);
 }
 
 int BytesPerPixel(int internalFormat) {
@@ -49,6 +49,8 @@ int BytesPerPixel(int internalFormat) {
     }
 }
 
+constexpr uint32_t ICON_DENSITY = 4;  // as art/build.py renders them
+
 bool IsDepthFormat(int internalFormat) {
     return internalFormat == GL_DEPTH_COMPONENT || internalFormat == GL_DEPTH_COMPONENT16 ||
            internalFormat == GL_DEPTH_COMPONENT24 || internalFormat == GL_DEPTH_COMPONENT32;
@@ -79,6 +81,10 @@ GLint MinFilter(const Texture::ImageType& type) {
     return type.linearMin ? GL_LINEAR_MIPMAP_NEAREST : GL_NEAREST_MIPMAP_NEAREST;
 }
 
+bool IsPowerOfTwo(uint32_t n) {
+    return (n & (n - 1)) == 0;
+}
+
 GLint WrapMode(uint32_t clamp) {
     if (!clamp) return GL_REPEAT;
     return HasBorderClamp() ? GL_CLAMP_TO_BORDER : GL_CLAMP_TO_EDGE;
@@ -93,10 +99,10 @@ bool operator<(const Texture::ImageType& a, const Texture::ImageType& b) {
 // ---- ways of sampling ---------------------------------------------------------------------------------
 
 Texture::ImageType Texture::ImageType::Icon() {
-    return {GL_RGBA, 0, 1, 1, 1, 1, 0};
+    return {GL_RGBA, 1, 1, 1, 1, 1, 1, 0, ICON_DENSITY};
 }
 Texture::ImageType Texture::ImageType::Tile() {
-    return {GL_RGBA, 0, 0, 0, 1, 1, 0};
+    return {GL_RGBA, 1, 0, 0, 1, 1, 1, 0, ICON_DENSITY};
 }
 Texture::ImageType Texture::ImageType::Sprite() {
     return {GL_RGBA, 1, 1, 1, 1, 1, 1};
@@ -131,10 +137,13 @@ void Texture::Upload() {
     m_generation = Context::GetGeneration();
     const ScopedBinding binding(m_id);
     const GLsizei width = static_cast<GLsizei>(m_width), height = static_cast<GLsizei>(m_height);
-    if (m_type.mipmaps) {
+    // GLU would stretch a picture of another size to powers of two, and so blur it.
+    const bool stretches = !IsPowerOfTwo(m_width) || !IsPowerOfTwo(m_height);
+    if (m_type.mipmaps && !(stretches && HasFreeTextureSizes())) {
         gluBuild2DMipmaps(GL_TEXTURE_2D, m_type.internalFormat, width, height, m_image->GetPixelFormat(),
                           m_image->GetPixelType(), m_image->GetPixels());
     } else {
+        glTexParameteri(GL_TEXTURE_2D, GL_GENERATE_MIPMAP, m_type.mipmaps ? GL_TRUE : GL_FALSE);
         glTexImage2D(GL_TEXTURE_2D, 0, m_type.internalFormat, width, height, 0, m_image->GetPixelFormat(),
                      m_image->GetPixelType(), m_image->GetPixels());
     }
@@ -173,6 +182,11 @@ void Texture::Unbind(int unit) const {
     }
     glBindTexture(GL_TEXTURE_2D, 0);
     if (unit > 0) SelectUnit(0);
+}
+
+math::Vec2 Texture::GetUnits() const {
+    return math::Vec2(static_cast<float>(m_width), static_cast<float>(m_height)) /
+           static_cast<float>(m_type.density);
 }
 
 unsigned int Texture::MemoryUsage() const {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "math/Vector.h"
 #include "rendering/GraphicsResource.h"
 #include "rendering/Image.h"
 #include "util/Mentor.h"
@@ -25,10 +26,14 @@ class Texture : public GraphicsResource {
         // Without, the border that clamped axes show is transparent black; with it, opaque white: a distance
         // texture means "far outside" by that.
         uint32_t whiteBorder = 0;
+        // Texels per GUI unit, for pictures that are drawn at a size of their own.
+        uint32_t density = 1;
 
-        // The ways in which the program samples its pictures, all GL_RGBA.
-        static ImageType Icon();     // icons, cursor, checkboxes: one to one, no mipmaps, clamped
-        static ImageType Tile();     // skins: repeated, no mipmaps
+        // The ways in which the program samples its pictures, all GL_RGBA. Icons and skins have several
+        // texels per GUI unit, so that they are crisp at every scale of the interface; with mipmaps they are
+        // at the scale of one as well.
+        static ImageType Icon();     // icons, cursor, checkboxes: clamped
+        static ImageType Tile();     // skins: repeated
         static ImageType Sprite();   // scaled pictures (joints, clouds, water): mipmaps, clamped, smooth
         static ImageType Profile();  // the two border pictures, which a shader reads a rim profile from
         // GL_ALPHA: a font sheet, and the distance texture of a polygon.
@@ -57,6 +62,7 @@ class Texture : public GraphicsResource {
 
     uint32_t GetWidth() const { return m_width; }
     uint32_t GetHeight() const { return m_height; }
+    math::Vec2 GetUnits() const;  // its size in GUI units
     const ImageType& GetType() const { return m_type; }
     const AbstractImagePtr& GetImage() const { return m_image; }
     unsigned int GetId() const { return m_id; }  // GL name, 0 when none

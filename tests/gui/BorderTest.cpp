@@ -32,7 +32,8 @@ TEST(Border, RefusesTilesThatDoNotFit) {
     for (const auto& c : cases) {
         const String skin = "bad" + std::to_string(number++);
         test::WriteSkin(skin, 6, 26);
-        test::WritePicture(test::TexturePath("gui/vexa/" + skin + "/" + c.tile + ".tga"), c.width, c.height);
+        test::WritePicture(test::TexturePath("gui/vexa/" + skin + "/" + c.tile + ".tga"),
+                           c.width * test::DENSITY, c.height * test::DENSITY);
         try {
             const Border border(skin);
             ADD_FAILURE() << c.tile;

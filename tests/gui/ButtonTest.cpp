@@ -97,7 +97,7 @@ TEST(Label, IsAsLargeAsItsText) {
 
 TEST(Icon, IsAsLargeAsItsPicture) {
     const gui::IconPtr icon = new gui::Icon("gui/mouse");
-    EXPECT_EQ(icon->GetSize(), Vec2(16, 32));
+    EXPECT_EQ(icon->GetSize(), Vec2(16, 32) / test::DENSITY);
     const gui::IconPtr missing = new gui::Icon("gui/no such picture");
     EXPECT_EQ(missing->GetSize(), Vec2(0, 0));
 }

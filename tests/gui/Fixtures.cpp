@@ -74,9 +74,10 @@ void WritePicture(const String& path, int width, int height, unsigned char alpha
     WriteBytes(path, bytes);
 }
 
-void WriteSkin(const String& name, int side, int top) {
+void WriteSkin(const String& name, int sideUnits, int topUnits) {
     const String base = TexturePath("gui/vexa/" + name + "/");
-    constexpr int LENGTH = 8;
+    constexpr int LENGTH = 8 * DENSITY;
+    const int side = sideUnits * DENSITY, top = topUnits * DENSITY;
     for (const char* const edge : {"l.tga", "r.tga"}) WritePicture(base + edge, side, LENGTH);
     for (const char* const corner : {"lt.tga", "rt.tga"}) WritePicture(base + corner, side, top);
     for (const char* const corner : {"lb.tga", "rb.tga"}) WritePicture(base + corner, side, side);

@@ -12,12 +12,13 @@ namespace test {
 constexpr int CELL = 16;
 constexpr int GLYPH_ROW = 2;
 constexpr unsigned char WIDTH = 8, NARROW = 4, WIDE = 12;
+constexpr int DENSITY = 4;  // texels of a picture per GUI unit
 
 String FontPath(const String& file);     // in the scratch folder
 String TexturePath(const String& file);  // likewise
 void WriteBytes(const String& path, const String& bytes);
 void WritePicture(const String& path, int width, int height, unsigned char alpha = 255);  // grey, 32 bit TGA
-void WriteSkin(const String& name, int side, int top);
+void WriteSkin(const String& name, int sideUnits, int topUnits);
 
 gui::TextFormat Format();
 

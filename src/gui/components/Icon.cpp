@@ -8,7 +8,8 @@ namespace gui {
 Icon::Icon(const String& image, const String& name) : Component(name) {
     SetImage(image);
     if (const rendering::TexturePtr texture = m_image->Get()) {
-        SetSize(static_cast<float>(texture->GetWidth()), static_cast<float>(texture->GetHeight()));
+        const math::Vec2 size = texture->GetUnits();
+        SetSize(size.x, size.y);
     }
 }
 

@@ -5,7 +5,7 @@
 
 namespace gui {
 
-// A picture over the whole content box; at first as large as the picture's pixels.
+// A picture over the whole content box; at first of the picture's own size.
 class Icon : public Component {
   public:
     explicit Icon(const String& image, const String& name = "Icon");  // as the texture manager knows it
