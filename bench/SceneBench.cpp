@@ -48,29 +48,31 @@ static void FillScene() {
 
 static void BenchSave(benchmark::State& state) {
     FillScene();
-    for (auto _ : state) benchmark::DoNotOptimize(app::Serializer::Serialize()->ToCode().size());
+    for (auto _ : state)
+        benchmark::DoNotOptimize(
+            app::Serializer::Serialize(app::App::Instance().GetScene())->ToCode().size());
 }
 
 static void BenchLoad(benchmark::State& state) {
     FillScene();
-    const String text = app::Serializer::Serialize()->ToCode();
+    const String text = app::Serializer::Serialize(app::App::Instance().GetScene())->ToCode();
     for (auto _ : state) {
         app::App::Instance().Clear();
-        app::Serializer::Deserialize(text);
+        app::Serializer::Deserialize(app::App::Instance().GetScene(), text);
     }
 }
 
 static void BenchSnapshot(benchmark::State& state) {
     FillScene();
     for (auto _ : state) {
-        const app::SnapshotPtr snapshot = new app::Snapshot;
+        const app::SnapshotPtr snapshot = new app::Snapshot(app::App::Instance().GetScene());
         benchmark::DoNotOptimize(snapshot.Get());
     }
 }
 
 static void BenchUndo(benchmark::State& state) {
     FillScene();
-    const app::SnapshotPtr snapshot = new app::Snapshot;
+    const app::SnapshotPtr snapshot = new app::Snapshot(app::App::Instance().GetScene());
     for (auto _ : state) snapshot->Restore();
 }
 

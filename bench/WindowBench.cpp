@@ -140,9 +140,11 @@ static void FillWithSky() {
 
 static void FillWithWelcome() {
     ClearWorld(150);
-    if (!app::SceneLoader::LoadAtStart("welcome.vxa")) throw std::runtime_error("no welcome scene");
     app::App& app = app::App::Instance();
-    app.SetWorldToGUI(app.GetTargetWorldToGUI(), false);
+    if (!app::SceneLoader::LoadAtStart(app.GetScene(), app.GetView(), "welcome.vxa")) {
+        throw std::runtime_error("no welcome scene");
+    }
+    app.SetWorldToGUI(app.GetView().GetTargetWorldToGUI(), false);
 }
 
 // ---- frames --------------------------------------------------------------------------------------------

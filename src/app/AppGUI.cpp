@@ -28,19 +28,22 @@
 
 namespace app {
 
-AppGUI::AppGUI(const AppGUI* previous)
+AppGUI::AppGUI(App& app, const AppGUI* previous)
     : Component("Interface"),
-      m_moveTool(new MoveTool),
-      m_rotateTool(new RotateTool),
-      m_panTool(new PanTool),
-      m_brushTool(new BrushTool),
+      m_app(app),
+      m_scene(app.GetScene()),
+      m_view(app.GetView()),
+      m_moveTool(new MoveTool(app.GetWorkbench())),
+      m_rotateTool(new RotateTool(app.GetWorkbench())),
+      m_panTool(new PanTool(app.GetWorkbench())),
+      m_brushTool(new BrushTool(app.GetWorkbench())),
       m_lastAutosave(previous ? previous->m_lastAutosave : util::Clock::Now()),
-      m_statsWindow(previous ? previous->m_statsWindow : new StatsWindow) {
-    if (previous) m_sceneName = previous->m_sceneName;
+      m_statsWindow(previous ? previous->m_statsWindow : new StatsWindow(app.GetScene(), app)) {
     SetFillParent(true);
     TakeOverWindows(previous);
-    App::Instance().GetOnInterrupt().Add(
-        new util::Callback([this] { CancelTool(); }, util::WeakPtr<util::Pointee>(this)));
+    const util::WeakPtr<util::Pointee> self(this);
+    Undoer::Instance().GetOnInterrupt().Add(new util::Callback([this] { CancelTool(); }, self));
+    m_scene.GetOnNameChange().Add(new util::Callback([this] { ShowSceneName(); }, self));
 }
 
 // A window that the user has torn off or closed stays so.
@@ -75,8 +78,7 @@ void AppGUI::OnDragStart(gui::DragEvent& event) {
 }
 
 ToolPtr AppGUI::ChooseOverride(const gui::DragEvent& event) const {
-    const App& app = App::Instance();
-    const bool onEntity = static_cast<bool>(app.GetEntityAt(app.GUIToWorld(event.m_position)));
+    const bool onEntity = static_cast<bool>(m_scene.GetEntityAt(m_view.GUIToWorld(event.m_position)));
     switch (event.m_key) {
         case gui::Key::LeftMouse:
             return onEntity ? ToolPtr(m_moveTool) : ToolPtr(m_brushTool);
@@ -111,14 +113,13 @@ void AppGUI::OnClick(gui::ClickEvent& event) {
 }
 
 void AppGUI::HandleClick(gui::ClickEvent& event) {
-    App& app = App::Instance();
-    Selection& selection = app.GetSelection();
-    const math::Vec2 world = app.GUIToWorld(event.m_position);
+    Selection& selection = m_scene.GetSelection();
+    const math::Vec2 world = m_view.GUIToWorld(event.m_position);
     const bool left = event.m_key == gui::Key::LeftMouse;
     const bool wantsMenu = event.m_key == gui::Key::RightMouse || (left && event.m_clicks == 2) ||
-                           (left && app.GetGUISettings().m_leftClickMenus->Get());
+                           (left && m_app.GetGUISettings().m_leftClickMenus->Get());
     if (wantsMenu) {
-        const EntityPtr entity = app.GetEntityAt(world);
+        const EntityPtr entity = m_scene.GetEntityAt(world);
         if (!entity || !selection.Has(entity)) selection.ClickAt(world);
         event.m_handled = true;
     } else if (left && event.m_clicks == 1) {
@@ -162,11 +163,11 @@ bool AppGUI::HandleWheel(const gui::KeyEvent& event) {
         m_steppedHistory = true;
         return true;
     }
-    App& app = App::Instance();
-    const float scale = app.GetTargetWorldToGUI().m[0][0];
-    const float bound = up ? App::GetMaxZoom() : App::GetMinZoom();
+    const float scale = m_view.GetTargetWorldToGUI().m[0][0];
+    const float bound = up ? View::GetMaxZoom() : View::GetMinZoom();
     if (up ? scale >= bound : scale <= bound) return true;
-    app.ZoomAbout(event.m_position, std::exp2(app.GetGUISettings().m_zoomFactor->Get() * (up ? 1 : -1)));
+    const float exponent = m_app.GetGUISettings().m_zoomFactor->Get() * (up ? 1 : -1);
+    m_view.ZoomAbout(event.m_position, std::exp2(exponent));
     return true;
 }
 
@@ -205,23 +206,22 @@ void AppGUI::StepHistory(bool redo) {
 
 void AppGUI::EraseSelection() {
     CancelTool();
-    const EntitySet selected = App::Instance().GetSelection().Get();
-    if (!selected.empty()) Undoer::Instance().Do(new EraseEntities(selected));
+    const EntitySet selected = m_scene.GetSelection().Get();
+    if (!selected.empty()) Undoer::Instance().Do(new EraseEntities(m_scene, selected));
 }
 
 void AppGUI::SelectAll() {
     CancelTool();
-    App& app = App::Instance();
-    app.GetSelection().Set(EntitySet(app.GetEntities().begin(), app.GetEntities().end()));
+    const EntityList& entities = m_scene.GetEntities();
+    m_scene.GetSelection().Set(EntitySet(entities.begin(), entities.end()));
 }
 
 void AppGUI::SetGroup(bool assign) {
     CancelTool();
-    App& app = App::Instance();
-    const EntitySet selected = app.GetSelection().Get();
+    const EntitySet selected = m_scene.GetSelection().Get();
     if (selected.empty()) return;
-    const SnapshotPtr before = new Snapshot;
-    const script::Int group = assign ? app.GetFreeGroup() : Entity::NO_GROUP;
+    const SnapshotPtr before = new Snapshot(m_scene);
+    const script::Int group = assign ? m_scene.GetFreeGroup() : Entity::NO_GROUP;
     for (const EntityPtr& entity : selected) entity->SetGroup(group);
     Undoer::Instance().AddRestorer(before, assign ? "UndoGroupAssignment" : "UndoGroupRemoval");
 }
@@ -230,30 +230,45 @@ void AppGUI::SetGroup(bool assign) {
 
 bool AppGUI::SaveSceneAs(const String& name, bool autosave) {
     const auto save = [&] {
-        const String saved = app::SaveScene(name);
-        if (autosave) return;
-        m_sceneName = saved;
-        gui::WindowHost* const host = gui::GUI::Instance().GetWindowHost();
-        if (host) host->SetDocumentName(saved);
-        Log(logging::Info, "Scene saved to " + saved);
+        const String saved = app::SaveScene(m_scene, name);
+        if (!autosave) NoteSaved(saved);
     };
     return util::Guarded(save, "Error: ", logging::Error);
 }
 
 bool AppGUI::SaveScene() {
-    if (!m_sceneName.empty()) return SaveSceneAs(m_sceneName, false);
-    // Never over a scene that the user has not named himself.
+    if (m_scene.GetName().empty()) return SaveSceneAs(FindFreeName(), false);
+    const auto save = [&] {
+        WriteScene(m_scene, m_scene.GetName());
+        NoteSaved(m_scene.GetName());
+    };
+    return util::Guarded(save, "Error: ", logging::Error);
+}
+
+// Never over a scene that the user has not named himself.
+String AppGUI::FindFreeName() {
     int number = 1;
     String name;
     do {
         name = boost::str(boost::format("scene-%1%.vxa") % number++);
     } while (util::FileSystem::Instance().Exists(GetScenePath(name)));
-    return SaveSceneAs(name, false);
+    return name;
+}
+
+void AppGUI::NoteSaved(const String& name) {
+    m_scene.SetName(name);
+    Log(logging::Info, "Scene saved to " + name);
+}
+
+void AppGUI::ShowSceneName() {
+    gui::WindowHost* const host = gui::GUI::Instance().GetWindowHost();
+    const String& name = m_scene.GetName();
+    if (host) host->SetDocumentName(name.substr(name.find_last_of("/\\") + 1));
 }
 
 void AppGUI::Autosave() {
     const double now = util::Clock::Now();
-    if (now - m_lastAutosave <= App::Instance().m_autosaveTime->Get()) return;
+    if (now - m_lastAutosave <= m_app.m_autosaveTime->Get()) return;
     m_lastAutosave = now;
     script::Parser::Instance().SaveRootCode(util::RunSlot::Instance().GetAutosaveConfig());
     SaveSceneAs(util::RunSlot::Instance().GetAutosaveScene(), true);

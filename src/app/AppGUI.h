@@ -24,7 +24,7 @@ class StatsWindow;
 class AppGUI : public gui::Component {
   public:
     // `previous` is the interface that this one replaces, or null: its autosave clock goes on.
-    explicit AppGUI(const AppGUI* previous);
+    AppGUI(App& app, const AppGUI* previous);
 
     // The tool that the user's gesture goes to.
     Tool& GetTool() const;
@@ -33,11 +33,8 @@ class AppGUI : public gui::Component {
     // Saves the scene to Scenes/. An autosave is silent and does not change the scene's name. A failure is
     // told to the user, and the answer is false.
     bool SaveSceneAs(const String& name, bool autosave);
-    // The present name, or a free one of the form "scene-1.vxa" while there is none.
+    // Under the scene's name, or a free one of the form "scene-1.vxa" while it has none.
     bool SaveScene();
-    // The name by which the user last saved; empty before, and for a scene that has no name of its own.
-    const String& GetSceneName() const { return m_sceneName; }
-    void SetSceneName(const String& name) { m_sceneName = name; }
 
     void Update(float dt) override;
     void Draw() override;
@@ -59,17 +56,22 @@ class AppGUI : public gui::Component {
     void EraseSelection();
     void SelectAll();
     void SetGroup(bool assign);
+    static String FindFreeName();
+    void NoteSaved(const String& name);
+    void ShowSceneName();  // in the title of the window
     void Autosave();
     void TakeOverWindows(const AppGUI* previous);
 
+    App& m_app;
+    Scene& m_scene;
+    View& m_view;
     const util::SharedPtr<MoveTool> m_moveTool;
     const util::SharedPtr<RotateTool> m_rotateTool;
     const util::SharedPtr<PanTool> m_panTool;
     const util::SharedPtr<BrushTool> m_brushTool;
-    ToolPtr m_overrideTool;         // from a drag's start to its end; null otherwise
-    double m_lastAutosave;          // seconds, of util::Clock
-    bool m_steppedHistory = false;  // by the wheel, in this frame
-    String m_sceneName;
+    ToolPtr m_overrideTool;                            // from a drag's start to its end; null otherwise
+    double m_lastAutosave;                             // seconds, of util::Clock
+    bool m_steppedHistory = false;                     // by the wheel, in this frame
     const util::SharedPtr<StatsWindow> m_statsWindow;  // a child, until it is torn off or closed
 };
 

@@ -27,10 +27,13 @@ class FiniteGeomEntity;
 class GeomEntity;
 class PlaneEntity;
 class PolyEntity;
+class Scene;
+class SceneRenderer;
 class Selection;
 class Snapshot;
 class Tool;
 class Undoer;
+class View;
 
 using ActionPtr = util::SharedPtr<Action>;
 using AppGUIPtr = util::SharedPtr<AppGUI>;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "app/App.h"
 #include "logging/Log.h"
 #include "script/Conversions.h"
 #include "script/Exceptions.h"
@@ -41,8 +40,6 @@ String ReadHelp(const String& name) {
 Language::Language() {
     Load(ENGLISH);
     m_english = m_current;
-    const String& wanted = App::Instance().m_language->Get();
-    if (wanted != ENGLISH) Load(wanted);
 }
 
 // ---- loading -----------------------------------------------------------------------------------------
@@ -116,7 +113,7 @@ String Language::GetAboutText() const {
 }
 
 String Language::GetHelpText() const {
-    for (const String& name : {App::Instance().m_language->Get(), ENGLISH}) {
+    for (const String& name : {m_name, ENGLISH}) {
         const String text = ReadHelp(name);
         if (!text.empty()) return text;
     }

@@ -14,8 +14,8 @@ namespace app {
 //
 // A language is two files in Data/Language/, in ISO 8859-1 as the font is: NAME.cfg with a line
 // `Key = "Text";` for each key, and NAME_help.txt. English is always loaded as well: it stands in for what
-// another language lacks, and is what the others are checked against. The service is made by its first use,
-// which has to come after the configuration: the attribute `App.language` tells what to load.
+// another language lacks, and is what the others are checked against. It starts with that; `App` loads
+// what its attribute `language` asks for before it builds the interface.
 //
 // Labels look their text up once, when they are made; so a change of the language needs Load and a rebuilt
 // interface.

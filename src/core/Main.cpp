@@ -163,23 +163,27 @@ void LoadConfigurations() {
 
 // ---- scene
 
+bool LoadAtStart(app::App& application, const String& path) {
+    return app::SceneLoader::LoadAtStart(application.GetScene(), application.GetView(), path);
+}
+
 // A scene that a crash left gives way to one that was asked for, yet is not lost: the next autosave would
 // overwrite it.
-bool LoadAskedScene(const String& path) {
+bool LoadAskedScene(app::App& application, const String& path) {
     if (path.empty()) return false;
     const String autosave = GetSlot().GetAutosaveScene();
     if (GetFiles().Exists(GetFiles().GetScenesDir() + autosave)) util::RunSlot::KeepAsRecovered(autosave);
     Log(logging::Info, "Loading argument " + path);
-    return app::SceneLoader::LoadAtStart(path);
+    return LoadAtStart(application, path);
 }
 
-void LoadFirstScene(const String& asked) {
+void LoadFirstScene(app::App& application, const String& asked) {
     GetSlot().KeepOrphans();
-    if (LoadAskedScene(asked)) return;
+    if (LoadAskedScene(application, asked)) return;
     // An empty world would take the place of the last scene at the end of this run.
     for (const String& scene : {GetSlot().GetAutosaveScene(), ONEXIT_SCENE, WELCOME_SCENE}) {
         const String path = GetFiles().FindScene(scene);
-        if (GetFiles().Exists(path) && app::SceneLoader::LoadAtStart(path)) return;
+        if (GetFiles().Exists(path) && LoadAtStart(application, path)) return;
     }
 }
 
@@ -215,7 +219,7 @@ void Save(app::App& application) {
     for (const String& setting : line.m_settings) script::Parser::Instance().Execute(setting);
     core::Subsystem::Instance().RecreateWindow();
     application->CreateGUI();
-    LoadFirstScene(line.m_scene);
+    LoadFirstScene(*application, line.m_scene);
     Log(logging::Info, "Running program...");
     core::Subsystem::Instance().Run();
     Save(*application);

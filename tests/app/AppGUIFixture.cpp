@@ -62,6 +62,12 @@ app::App& AppGUIFixture::App() {
 app::AppGUI& AppGUIFixture::GUI() {
     return *App().GetAppGUI();
 }
+app::Scene& AppGUIFixture::Scene() {
+    return App().GetScene();
+}
+app::View& AppGUIFixture::View() {
+    return App().GetView();
+}
 const app::EntityList& AppGUIFixture::Entities() {
     return App().GetEntities();
 }

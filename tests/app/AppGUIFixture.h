@@ -24,6 +24,8 @@ class AppGUIFixture : public testing::Test {
 
     static app::App& App();
     static app::AppGUI& GUI();
+    static app::Scene& Scene();
+    static app::View& View();
     static const app::EntityList& Entities();
     static size_t UndoCount();
     // Of the last action; "" for an empty history.

@@ -134,15 +134,15 @@ TEST_F(AppGUITest, WheelZoomsAboutTheMouseWithinBounds) {
     EXPECT_TRUE(Key(Key::ScrollUp, false, mouse));
     EXPECT_TRUE(Key(Key::ScrollUp, false, mouse));
     // The second notch starts from where the first one is going.
-    EXPECT_NEAR(App().GetTargetWorldToGUI().m[0][0], 100 * std::exp2(0.4), 1e-2);
-    EXPECT_NEAR(App().GetTargetWorldToGUI()(mouse).x, screen.x, 1e-2);
-    EXPECT_NEAR(App().GetTargetWorldToGUI()(mouse).y, screen.y, 1e-2);
+    EXPECT_NEAR(View().GetTargetWorldToGUI().m[0][0], 100 * std::exp2(0.4), 1e-2);
+    EXPECT_NEAR(View().GetTargetWorldToGUI()(mouse).x, screen.x, 1e-2);
+    EXPECT_NEAR(View().GetTargetWorldToGUI()(mouse).y, screen.y, 1e-2);
     EXPECT_TRUE(Key(Key::ScrollDown, false, mouse));
-    EXPECT_NEAR(App().GetTargetWorldToGUI().m[0][0], 100 * std::exp2(0.2), 1e-2);
+    EXPECT_NEAR(View().GetTargetWorldToGUI().m[0][0], 100 * std::exp2(0.2), 1e-2);
     for (int i = 0; i < 200; ++i) Key(Key::ScrollUp, false, mouse);
-    EXPECT_NEAR(App().GetTargetWorldToGUI().m[0][0], App::GetMaxZoom(), 1);
+    EXPECT_NEAR(View().GetTargetWorldToGUI().m[0][0], App::GetMaxZoom(), 1);
     for (int i = 0; i < 400; ++i) Key(Key::ScrollDown, false, mouse);
-    EXPECT_NEAR(App().GetTargetWorldToGUI().m[0][0], App::GetMinZoom(), 1e-3);
+    EXPECT_NEAR(View().GetTargetWorldToGUI().m[0][0], App::GetMinZoom(), 1e-3);
 }
 
 TEST_F(AppGUITest, CtrlWheelStepsTheHistoryOncePerFrame) {
@@ -204,7 +204,7 @@ class AppGUISaveTest : public AppGUITest {
         util::FileSystem::Instance().SetWorkDir(m_folder.string() + "/");
         util::Clock::SetSource([] { return s_now; });
         StartAutosaveClock();
-        GUI().SetSceneName("");
+        Scene().SetName("");
     }
     ~AppGUISaveTest() override {
         util::Clock::SetSource(nullptr);
@@ -233,10 +233,10 @@ TEST_F(AppGUISaveTest, SavesUnderACleanName) {
     EXPECT_TRUE(GUI().SaveSceneAs("my scene", false));
     EXPECT_NE(Read("Scenes/my scene.vxa").find("circle"), String::npos);
     EXPECT_EQ(log.Count("Scene saved to my scene.vxa"), 1);
-    EXPECT_EQ(GUI().GetSceneName(), "my scene.vxa");
+    EXPECT_EQ(Scene().GetName(), "my scene.vxa");
 
     EXPECT_TRUE(GUI().SaveSceneAs(AUTOSAVE_SCENE, true));
-    EXPECT_EQ(GUI().GetSceneName(), "my scene.vxa") << "an autosave renamed the scene";
+    EXPECT_EQ(Scene().GetName(), "my scene.vxa") << "an autosave renamed the scene";
     EXPECT_EQ(log.Count("Scene saved"), 1);
 }
 
@@ -259,7 +259,7 @@ TEST_F(AppGUISaveTest, FailureToSaveIsTold) {
     util::FileSystem::Instance().SetWorkDir("/proc/");
     EXPECT_FALSE(GUI().SaveSceneAs("x", false));
     EXPECT_EQ(log.Count("Error: "), 2);
-    EXPECT_EQ(GUI().GetSceneName(), "");
+    EXPECT_EQ(Scene().GetName(), "");
 }
 
 TEST_F(AppGUISaveTest, AutosavesInTime) {
@@ -274,7 +274,7 @@ TEST_F(AppGUISaveTest, AutosavesInTime) {
     GUI().Update(0.01f);
     EXPECT_NE(Read("Scenes/" + AUTOSAVE_SCENE).find("circle"), String::npos);
     EXPECT_NE(Read(AUTOSAVE_CONFIG_FILE).find("autosaved = 1"), String::npos);
-    EXPECT_EQ(GUI().GetSceneName(), "");
+    EXPECT_EQ(Scene().GetName(), "");
 
     // The clock starts anew, and goes on in an interface that is built anew.
     fs::remove(m_folder / "Scenes" / AUTOSAVE_SCENE);

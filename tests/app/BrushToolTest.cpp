@@ -50,12 +50,12 @@ TEST_F(BrushTest, EdgesAreNoLongerThanAskedOnTheScreen) {
 // Settings that would split an outline without end must not hang the program.
 TEST_F(BrushTest, OutlandishEdgeLengthsAreBounded) {
     for (const float length : {0.0f, -1.0f, 1e-30f, NAN}) {
-        App().m_maxPointDist->Set(length);
+        App().GetToolSettings().m_maxPointDist->Set(length);
         Drag({{0, 0}, {2, 0}, {2, 2}, {0, 2}, {0, 0.1f}}, Key::LeftMouse);
         ASSERT_EQ(Entities().size(), 1u) << length;
         Undoer::Instance().Undo();
     }
-    App().m_maxPointDist->Set(0.5f);
+    App().GetToolSettings().m_maxPointDist->Set(0.5f);
 }
 
 TEST_F(BrushTest, StrokeHasTheSameGrainAtAnyZoom) {

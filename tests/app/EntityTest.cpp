@@ -112,7 +112,7 @@ TEST_F(EntityTest, ClonesShareNothingThatMoves) {
 
 TEST_F(EntityTest, NewColoursAreBrightButNotGlaring) {
     for (int i = 0; i < 50; ++i) {
-        const math::Vec3 color = GetApp().GetNextColor();
+        const math::Vec3 color = GetScene().GetNextColor();
         const float high = std::max({color.x, color.y, color.z}), low = std::min({color.x, color.y, color.z});
         EXPECT_GE((high + low) / 2, 0.449f);
         EXPECT_LE((high + low) / 2, 0.701f);
@@ -122,18 +122,16 @@ TEST_F(EntityTest, NewColoursAreBrightButNotGlaring) {
 TEST_F(EntityTest, WaterFillsAShapeEvenly) {
     const float r = physics::SPH::Instance().m_radius->Get();
     const auto tiny = AddCircle({3, 4}, r * 0.4f);
-    ASSERT_EQ(tiny->GetWaterPoints().size(), 1u);
-    EXPECT_EQ(tiny->GetWaterPoints()[0], Vec2(3, 4));
+    ASSERT_EQ(tiny->GetWaterPoints(10000).size(), 1u);
+    EXPECT_EQ(tiny->GetWaterPoints(10000)[0], Vec2(3, 4));
 
     const auto disc = AddCircle({0, 0}, 20 * r);
-    const auto points = disc->GetWaterPoints();
+    const auto points = disc->GetWaterPoints(10000);
     // Its share of a grid of 20 by 20 over the square around it.
     EXPECT_NEAR(static_cast<double>(points.size()), 400 * math::PI / 4, 20);
     for (const Vec2 p : points) EXPECT_LE(math::Length(p), 19 * r + 1e-4f);
 
-    GetApp().m_maxSPHSpawn->Set(50);
-    EXPECT_LE(disc->GetWaterPoints().size(), 60u);
-    GetApp().m_maxSPHSpawn->Set(GetApp().m_maxSPHSpawn->GetDefault());
+    EXPECT_LE(disc->GetWaterPoints(50).size(), 60u);
 }
 
 TEST_F(EntityTest, CircConverterIsATriangleWave) {

@@ -106,10 +106,9 @@ TEST_F(LanguageTest, AFileThatCannotBeReadLeavesTheFormerLanguage) {
 TEST_F(LanguageTest, AMissingHelpTextIsEnglish) {
     test::LogCapture log(logging::Warning);
     const String english = Get().GetHelpText();
-    GetApp().m_language->Set("Nowhere");
+    Use("Erase = \"x\"");
     EXPECT_EQ(Get().GetHelpText(), english);
     EXPECT_TRUE(log.Contains("Missing help file: "));
-    GetApp().m_language->Set("English");
 }
 
 }  // namespace

@@ -53,7 +53,7 @@ class SceneDrawingTest : public test::GlTest {
         math::TMatrix3<float> view = math::TMatrix3<float>::Scale(ZOOM, -ZOOM);
         view.m[0][2] = view.m[1][2] = SIZE / 2;
         app.SetWorldToGUI(view, false);
-        app.m_drawClouds->Set(false);
+        app.GetDrawSettings().m_drawClouds->Set(false);
         app.Update(0);
         physics::SPH::Instance().m_radius->Set(DROP_RADIUS);
     }
@@ -63,10 +63,10 @@ class SceneDrawingTest : public test::GlTest {
         App& app = App::Instance();
         app.Clear();
         Simulation::Instance().Clear();
-        app.m_simpleWater->Set(false);
+        app.GetDrawSettings().m_simpleWater->Set(false);
         physics::SPH::Instance().m_radius->Set(0.05f);
-        app.m_fadeColor->Set({0, 0, 0});
-        app.m_drawClouds->Set(true);
+        app.GetDrawSettings().m_fadeColor->Set({0, 0, 0});
+        app.GetDrawSettings().m_drawClouds->Set(true);
         Context::SetUseShaders(false);
         Context::SetHasAlpha(true);
         util::AbstractMentor::ForEach([](util::AbstractMentor& mentor) { mentor.Unload(); });
@@ -147,7 +147,7 @@ TEST_F(SceneDrawingTest, WaterIsWhereTheDropsAreOnEveryPath) {
     AddBlockOfWater();
     for (const int path : {0, 1, 2, 3}) {
         UseShaders(path == 1);
-        App::Instance().m_simpleWater->Set(path == 2);
+        App::Instance().GetDrawSettings().m_simpleWater->Set(path == 2);
         Context::SetHasAlpha(path != 3);  // as simple
         const ImageRGBA32Ptr frame = Draw();
         const RGBA32 inside = (*frame)(64, 64);
@@ -206,8 +206,8 @@ TEST_F(SceneDrawingTest, FadingBringsTheLastFrameBackAndTakesNoMemoryUntilUsed) 
     Draw();
     const unsigned int usage = rendering::GraphicsResource::GetTotalMemoryUsage();
     App& app = App::Instance();
-    app.m_fadeColor->Set({1, 1, 1});
-    app.m_fadeScale->Set({1, 1});
+    app.GetDrawSettings().m_fadeColor->Set({1, 1, 1});
+    app.GetDrawSettings().m_fadeScale->Set({1, 1});
     Draw();
     EXPECT_EQ(rendering::GraphicsResource::GetTotalMemoryUsage(), usage + 2048 * 2048 * 4);
     app.Clear();
@@ -227,10 +227,11 @@ TEST_F(SceneDrawingTest, FadingBringsTheLastFrameBackAndTakesNoMemoryUntilUsed) 
 // ------------------------------------------------------------------------------------------------
 
 TEST_F(SceneDrawingTest, CloudsMoveWithTheSimulationAndStopWithIt) {
-    const util::SharedPtr<app::Background> sky = new app::Background;
+    const util::SharedPtr<app::Background> sky =
+        new app::Background(App::Instance().GetView(), App::Instance().GetDrawSettings().m_drawClouds);
     sky->Update(0.1f);
     EXPECT_TRUE(sky->GetClouds().empty());  // switched off
-    App::Instance().m_drawClouds->Set(true);
+    App::Instance().GetDrawSettings().m_drawClouds->Set(true);
     Simulation& simulation = Simulation::Instance();
     simulation.m_running->Set(false);
     sky->Update(0.1f);
@@ -248,8 +249,9 @@ TEST_F(SceneDrawingTest, CloudsMoveWithTheSimulationAndStopWithIt) {
 }
 
 TEST_F(SceneDrawingTest, CloudsFillTheirBoxAndBigOnesAreFaster) {
-    const util::SharedPtr<app::Background> sky = new app::Background;
-    App::Instance().m_drawClouds->Set(true);
+    const util::SharedPtr<app::Background> sky =
+        new app::Background(App::Instance().GetView(), App::Instance().GetDrawSettings().m_drawClouds);
+    App::Instance().GetDrawSettings().m_drawClouds->Set(true);
     sky->Update(0);
     for (const app::Background::Cloud& cloud : sky->GetClouds()) {
         EXPECT_TRUE(cloud.size >= 5 && cloud.size <= 15);
@@ -260,7 +262,7 @@ TEST_F(SceneDrawingTest, CloudsFillTheirBoxAndBigOnesAreFaster) {
     }
     // Drawing brings all of them round the view.
     App& app = App::Instance();
-    app.m_drawClouds->Set(true);
+    app.GetDrawSettings().m_drawClouds->Set(true);
     sky->SetSize(SIZE, SIZE);
     sky->Draw();
     const float half = 1950.5f / 2;

@@ -62,7 +62,7 @@ TEST_F(SceneFileTest, WhatIsSavedLoadsAndSavesAlike) {
     b->m_density->Set(7.25f);
     b->m_collideSet->Set(5);
     fixed->SetGroup(2);
-    GetApp().Track(b);
+    GetScene().Track(b);
     const ChainPtr chain = new Chain(4);
     chain->AddEntity(0, b);
     chain->AddEntity(1, box);
@@ -71,7 +71,7 @@ TEST_F(SceneFileTest, WhatIsSavedLoadsAndSavesAlike) {
     Load(Save());
     ExpectSameText(SaveNumbered(), saved);
     ASSERT_EQ(GetApp().GetEntities().size(), 6u);
-    EXPECT_EQ(GetApp().GetTrackedEntity(), GetApp().GetEntities()[1]);
+    EXPECT_EQ(GetScene().GetTrackedEntity(), GetApp().GetEntities()[1]);
     const auto reloaded = util::DynamicCast<GeomEntity>(GetApp().GetEntities()[4]);
     EXPECT_EQ(reloaded->GetGeom()->GetBody(), GetSim().GetWorldBody());
 
@@ -161,7 +161,7 @@ TEST_F(SceneFileTest, GroupsOfMinusOneAndUntrackedEntitiesAreAccepted) {
     test::LogCapture log;
     Load("version = 1; " + Circle("group = -1; tracked = false;"));
     EXPECT_FALSE(Only()->HasGroup());
-    EXPECT_FALSE(GetApp().GetTrackedEntity());
+    EXPECT_FALSE(GetScene().GetTrackedEntity());
     EXPECT_FALSE(log.Contains("Couldn't find attribute"));
 }
 
@@ -279,22 +279,22 @@ TEST_F(SceneFileTest, NamesAreCleaned) {
         {" / ", ""},
     };
     for (const auto& [name, clean] : table) EXPECT_EQ(CleanSceneName(name), clean) << name;
-    EXPECT_THROW(SaveScene("///"), BadDataException);
+    EXPECT_THROW(SaveScene(GetScene(), "///"), BadDataException);
 }
 
 TEST_F(SceneFileTest, SavedScenesAreLoadedByNameAndPath) {
     AddCircle({1, 2});
-    EXPECT_EQ(SaveScene("mine"), "mine.vxa");
+    EXPECT_EQ(SaveScene(GetScene(), "mine"), "mine.vxa");
     GetApp().Clear();
     GetSim().m_running->Set(true);
     test::LogCapture log;
-    EXPECT_TRUE(SceneLoader::Load("mine.vxa"));
+    EXPECT_TRUE(SceneLoader::Load(GetScene(), GetView(), "mine.vxa"));
     EXPECT_TRUE(log.Contains("Loaded scene mine.vxa"));
     EXPECT_EQ(GetApp().GetEntities().size(), 1u);
     EXPECT_FALSE(GetSim().m_running->Get());
 
     const String path = util::FileSystem::Instance().GetScenesDir() + "mine.vxa";
-    EXPECT_TRUE(SceneLoader::Load(path, true));
+    EXPECT_TRUE(SceneLoader::Load(GetScene(), GetView(), path, true));
     EXPECT_TRUE(log.Contains("Imported scene " + path));
     EXPECT_EQ(GetApp().GetEntities().size(), 2u);
     EXPECT_STREQ(GetUndoer().GetUndoName(), "UndoImportScene");
@@ -304,8 +304,8 @@ TEST_F(SceneFileTest, UndoOfALoadBringsBackTheSameObjects) {
     WriteScene("other.vxa", "version = 1; " + Circle(""));
     const auto triangle = AddTriangle({0, 0});
     const String before = Describe();
-    ASSERT_TRUE(SceneLoader::Load("other.vxa"));
-    EXPECT_FALSE(GetApp().HasEntity(triangle));
+    ASSERT_TRUE(SceneLoader::Load(GetScene(), GetView(), "other.vxa"));
+    EXPECT_FALSE(GetScene().HasEntity(triangle));
     GetUndoer().Undo();
     EXPECT_EQ(Describe(), before);
 
@@ -315,7 +315,7 @@ TEST_F(SceneFileTest, UndoOfALoadBringsBackTheSameObjects) {
     GetUndoer().Undo();
     util::FileSystem::Instance().Remove(util::FileSystem::Instance().GetScenesDir() + "other.vxa");
     GetUndoer().Redo();
-    EXPECT_TRUE(GetApp().HasEntity(triangle)) << "the file has gone, the scene stays";
+    EXPECT_TRUE(GetScene().HasEntity(triangle)) << "the file has gone, the scene stays";
 }
 
 TEST_F(SceneFileTest, WhatCannotBeReadChangesNothing) {
@@ -324,12 +324,12 @@ TEST_F(SceneFileTest, WhatCannotBeReadChangesNothing) {
     GetSim().m_running->Set(true);
     GetUndoer().Clear();
     test::LogCapture log;
-    EXPECT_FALSE(SceneLoader::Load("missing.vxa"));
+    EXPECT_FALSE(SceneLoader::Load(GetScene(), GetView(), "missing.vxa"));
     EXPECT_TRUE(log.Contains("-- Warning: Tried to load non-existing file: " +
                              util::FileSystem::Instance().GetScenesDir() + "missing.vxa"));
     for (const char* const text : {"x = \"open", "{ type = [", "a + b * c"}) {
         WriteScene("broken.vxa", text);
-        EXPECT_FALSE(SceneLoader::Load("broken.vxa")) << text;
+        EXPECT_FALSE(SceneLoader::Load(GetScene(), GetView(), "broken.vxa")) << text;
     }
     EXPECT_EQ(Describe(), before);
     EXPECT_TRUE(GetSim().m_running->Get());
@@ -340,10 +340,10 @@ TEST_F(SceneFileTest, AStartSceneThatCannotBeReadIsKept) {
     const util::FileSystem& files = util::FileSystem::Instance();
     WriteScene("start.vxa", "x = \"open");
     test::LogCapture log;
-    EXPECT_FALSE(SceneLoader::LoadAtStart("start.vxa"));
+    EXPECT_FALSE(SceneLoader::LoadAtStart(GetScene(), GetView(), "start.vxa"));
     EXPECT_EQ(files.ReadFile(files.GetScenesDir() + "start.vxa.bad"), "x = \"open");
     EXPECT_TRUE(log.Contains("start.vxa.bad"));
-    EXPECT_FALSE(SceneLoader::LoadAtStart("nowhere.vxa"));
+    EXPECT_FALSE(SceneLoader::LoadAtStart(GetScene(), GetView(), "nowhere.vxa"));
     EXPECT_FALSE(files.Exists(files.GetScenesDir() + "nowhere.vxa.bad"));
 }
 

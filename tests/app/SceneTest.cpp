@@ -25,30 +25,30 @@ TEST_F(SceneTest, ABodyWithoutEntityIsRemoved) {
 TEST_F(SceneTest, DeadEntitiesLeaveInOrderAlsoWhileTimeStands) {
     const auto a = AddCircle({0, 0}), b = AddCircle({3, 0}), c = AddCircle({6, 0});
     GetApp().GetSelection().Add(b);
-    GetApp().Track(b);
+    GetScene().Track(b);
     GetSim().RemoveBody(b->GetBody());
     GetApp().Update(0);
     EXPECT_EQ(GetApp().GetEntities(), (EntityList{a, c}));
     EXPECT_TRUE(GetApp().GetSelection().IsEmpty());
-    EXPECT_FALSE(GetApp().GetTrackedEntity());
+    EXPECT_FALSE(GetScene().GetTrackedEntity());
 }
 
 TEST_F(SceneTest, WhatFallsOutOfTheWorldLeavesTheScene) {
     AddCircle({0, 0});
     const auto far = AddCircle({200000, 0});
     GetApp().Update(0.01f);
-    EXPECT_FALSE(GetApp().HasEntity(far));
+    EXPECT_FALSE(GetScene().HasEntity(far));
     EXPECT_EQ(GetApp().GetEntities().size(), 1u);
 }
 
 TEST_F(SceneTest, TheTopmostIsTheLastAndTheWorldComesLast) {
     const auto low = AddCircle({0, 0}, 1), high = AddCircle({0.5f, 0}, 1);
-    EXPECT_EQ(GetApp().GetEntityAt({0.2f, 0}), high);
-    EXPECT_EQ(GetApp().GetEntityAt({-0.9f, 0}), low);
-    EXPECT_FALSE(GetApp().GetEntityAt({9, 9}));
-    EXPECT_EQ(GetApp().GetGeomsAt({0.2f, 0}),
+    EXPECT_EQ(GetScene().GetEntityAt({0.2f, 0}), high);
+    EXPECT_EQ(GetScene().GetEntityAt({-0.9f, 0}), low);
+    EXPECT_FALSE(GetScene().GetEntityAt({9, 9}));
+    EXPECT_EQ(GetScene().GetGeomsAt({0.2f, 0}),
               (GeomList{high->GetGeom(), low->GetGeom(), GetSim().GetWorldGeom()}));
-    EXPECT_EQ(GetApp().GetGeomsAt({9, 9}), (GeomList{GetSim().GetWorldGeom()}));
+    EXPECT_EQ(GetScene().GetGeomsAt({9, 9}), (GeomList{GetSim().GetWorldGeom()}));
 }
 
 TEST_F(SceneTest, RemovingOneShapeOfABodyKeepsTheOther) {
@@ -86,12 +86,12 @@ TEST_F(SceneTest, HeldBodiesStandStill) {
     const auto circle = AddCircle({0, 5});
     circle->GetBody()->m_vel = {1, 2};
     const physics::BodyList bodies{circle->GetBody()};
-    GetApp().HoldBodies(bodies);
+    GetScene().HoldBodies(bodies);
     EXPECT_EQ(circle->GetBody()->m_vel, Vec2());
     GetSim().m_running->Set(true);
     RunFor(10);
     EXPECT_EQ(circle->GetBody()->m_pos, Vec2(0, 5));
-    GetApp().ReleaseBodies(bodies);
+    GetScene().ReleaseBodies(bodies);
     RunFor(10);
     EXPECT_LT(circle->GetBody()->m_pos.y, 5);
 }
@@ -111,7 +111,7 @@ TEST_F(SceneTest, AClickTakesTheGroupWithIt) {
     EXPECT_EQ(selection.Get(), (EntitySet{b}));
     EXPECT_FALSE(selection.SelectAt({3, 3}, false));
     EXPECT_TRUE(selection.IsEmpty());
-    EXPECT_EQ(GetApp().GetFreeGroup(), 5);
+    EXPECT_EQ(GetScene().GetFreeGroup(), 5);
 }
 
 TEST_F(SceneTest, AnInnerLinkTakesItsChainWithItAnEndOnlyItself) {
@@ -139,7 +139,7 @@ TEST_F(SceneTest, AChainKeepsPlacesAndForgetsTheDead) {
     EXPECT_EQ(chain->GetEntities(), (EntityList{second}));
     chain->DropEmptyPlaces();
     EXPECT_EQ(chain->IndexOf(*second), 0u);
-    EXPECT_EQ(GetApp().GetFreeChain(), 8);
+    EXPECT_EQ(GetScene().GetFreeChain(), 8);
 }
 
 TEST_F(SceneTest, BodiesCentreAndOrderOfTheSelection) {

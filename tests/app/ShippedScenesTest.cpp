@@ -28,7 +28,7 @@ TEST_P(ShippedScenes, AreReadWithoutComplaintAndOverlapNothing) {
     test::LogCapture log(logging::Warning | logging::CodeError | logging::DataError);
     const String text = util::FileSystem::Instance().ReadFile(GetPath());
     EXPECT_EQ(text.compare(0, 3, "// "), 0) << "tells what to look at";
-    ASSERT_TRUE(SceneLoader::Load(GetPath()));
+    ASSERT_TRUE(SceneLoader::Load(GetScene(), GetView(), GetPath()));
     EXPECT_TRUE(log.GetLines().empty()) << testing::PrintToString(log.GetLines());
     GetSim().Step(false);
     for (const physics::ContactPtr& contact : GetSim().GetContacts()) {
@@ -39,7 +39,7 @@ TEST_P(ShippedScenes, AreReadWithoutComplaintAndOverlapNothing) {
 }
 
 TEST_P(ShippedScenes, LoseNothingInTenSeconds) {
-    ASSERT_TRUE(SceneLoader::Load(GetPath()));
+    ASSERT_TRUE(SceneLoader::Load(GetScene(), GetView(), GetPath()));
     const size_t count = GetApp().GetEntities().size();
     const float lowest = FindLowest() - 10;  // what has lost its ground falls much further
     GetSim().m_running->Set(true);

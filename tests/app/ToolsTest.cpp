@@ -199,8 +199,8 @@ TEST_F(ToolsTest, FixedShapesStay) {
     EXPECT_TRUE(Press({0, -4}, Key::LeftMouse));
     DragTo({0, -2});
     Release();
-    EXPECT_EQ(App().GetEntityAt({0, -3.1f}), plane);
-    EXPECT_FALSE(App().GetEntityAt({0, -2.9f}));
+    EXPECT_EQ(Scene().GetEntityAt({0, -3.1f}), plane);
+    EXPECT_FALSE(Scene().GetEntityAt({0, -2.9f}));
 }
 
 TEST_F(ToolsTest, RotateTurnsAboutTheCentreOfTheSelection) {
@@ -295,12 +295,12 @@ TEST_F(ToolsTest, PanCarriesTheView) {
     event.m_delta = {-120, 45};
     event.m_position = start + event.m_delta;
     GUI().OnDrag(event);
-    const Vec2 target = App().GetTargetWorldToGUI()(grabbed);
+    const Vec2 target = View().GetTargetWorldToGUI()(grabbed);
     EXPECT_NEAR(target.x, start.x - 120, 1e-2);
     EXPECT_NEAR(target.y, start.y + 45, 1e-2);
     GUI().OnDragEnd(event);
     GUI().OnDrag(event);
-    EXPECT_NEAR(App().GetTargetWorldToGUI()(grabbed).x, start.x - 120, 1e-2) << "after the release";
+    EXPECT_NEAR(View().GetTargetWorldToGUI()(grabbed).x, start.x - 120, 1e-2) << "after the release";
     EXPECT_EQ(UndoCount(), 0u);
 }
 

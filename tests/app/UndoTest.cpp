@@ -48,7 +48,7 @@ TEST_F(UndoTest, ANewActionForgetsWhatWasUndone) {
     Do("b");
     EXPECT_EQ(GetUndoer().GetRedoCount(), 0u);
     GetUndoer().Undo();
-    GetUndoer().AddRestorer(new Snapshot, "c");
+    GetUndoer().AddRestorer(new Snapshot(GetScene()), "c");
     EXPECT_EQ(GetUndoer().GetRedoCount(), 0u);
 }
 
@@ -70,7 +70,7 @@ TEST_F(UndoTest, TheOldestAreDropped) {
     for (int i = 0; i < 11; ++i) Do("x");
     EXPECT_EQ(GetUndoer().GetUndoCount(), 10u);
 
-    GetUndoer().AddRestorer(new Snapshot, "y");
+    GetUndoer().AddRestorer(new Snapshot(GetScene()), "y");
     EXPECT_EQ(GetUndoer().GetUndoCount(), 11u) << "trimmed by the next update only";
     GetApp().Update(0);
     EXPECT_EQ(GetUndoer().GetUndoCount(), 10u);
@@ -83,7 +83,7 @@ TEST_F(UndoTest, TheOldestAreDropped) {
 TEST_F(UndoTest, StepsInterruptGesturesThoughNotTheStartOfTheWorld) {
     int interrupts = 0;
     const util::SharedPtr<util::Pointee> owner = new Probe("owner");
-    GetApp().GetOnInterrupt().Add(new util::Callback([&interrupts] { ++interrupts; }, owner));
+    GetUndoer().GetOnInterrupt().Add(new util::Callback([&interrupts] { ++interrupts; }, owner));
     Do("a");
     GetUndoer().Undo();
     GetUndoer().Redo();
@@ -100,7 +100,7 @@ TEST_F(UndoTest, ErasedEntitiesComeBackAsTheSameObjects) {
     body->m_angVel = 3;
     GetApp().GetSelection().Add(b);
     const String before = Describe();
-    GetUndoer().Do(new EraseEntities({b}));
+    GetUndoer().Do(new EraseEntities(GetScene(), {b}));
     EXPECT_EQ(GetApp().GetEntities(), (EntityList{a}));
     EXPECT_FALSE(GetSim().HasBody(body));
 
@@ -113,7 +113,7 @@ TEST_F(UndoTest, ErasedEntitiesComeBackAsTheSameObjects) {
 
 TEST_F(UndoTest, RedoOfErasingRemembersTheSceneOfThatMoment) {
     const auto a = AddCircle({0, 0}), b = AddCircle({3, 0});
-    GetUndoer().Do(new EraseEntities({b}));
+    GetUndoer().Do(new EraseEntities(GetScene(), {b}));
     GetUndoer().Undo();
     a->Transform(math::RigidTransform(0, {0, 7}));
     GetUndoer().Redo();
@@ -151,20 +151,20 @@ TEST_F(UndoTest, UndoOfTheStartStopsTheWorldWhereItStood) {
 
 TEST_F(UndoTest, GroupsTrackingChainsAndWaterComeBackAndGo) {
     const auto a = AddCircle({0, 0}), b = AddCircle({3, 0});
-    const SnapshotPtr plain = new Snapshot;
+    const SnapshotPtr plain = new Snapshot(GetScene());
     const ChainPtr chain = new Chain(0);
     chain->AddEntity(0, a);
     a->SetGroup(2);
-    GetApp().Track(b);
+    GetScene().Track(b);
     GetSim().AddParticle(new physics::Particle({1, 1}, {2, 0}));
-    const SnapshotPtr rich = new Snapshot;
+    const SnapshotPtr rich = new Snapshot(GetScene());
     const String richText = Describe();
 
     plain->Restore();
     EXPECT_FALSE(a->HasGroup());
     EXPECT_FALSE(a->GetChain());
     EXPECT_FALSE(b->IsTracked());
-    EXPECT_FALSE(GetApp().GetTrackedEntity());
+    EXPECT_FALSE(GetScene().GetTrackedEntity());
     EXPECT_TRUE(GetSim().GetParticles().empty());
 
     rich->Restore();
@@ -182,7 +182,7 @@ TEST_F(UndoTest, BodiesOfSeveralShapesAndFixedOnesComeBackWhole) {
     RunFor(30);
     const String before = Describe();
     const physics::BodyPtr body = a->GetBody();
-    const SnapshotPtr snapshot = new Snapshot;
+    const SnapshotPtr snapshot = new Snapshot(GetScene());
     GetApp().RemoveEntity(a);
     GetApp().RemoveEntity(plane);
     snapshot->Restore();
@@ -204,10 +204,10 @@ class RandomEdits : public UndoTest, public testing::WithParamInterface<int> {
     void EditOnce() {
         const int kind = m_random.GetUniformInt(0, 8);
         if (kind == 0 && GetApp().GetEntities().size() > 2) {
-            GetUndoer().Do(new EraseEntities({Pick()}));
+            GetUndoer().Do(new EraseEntities(GetScene(), {Pick()}));
             return;
         }
-        const SnapshotPtr before = new Snapshot;
+        const SnapshotPtr before = new Snapshot(GetScene());
         switch (kind) {
             case 1:
                 AddCircle(Place());
@@ -228,7 +228,7 @@ class RandomEdits : public UndoTest, public testing::WithParamInterface<int> {
                 Pick()->FindLocal("friction")->SetValue(script::ValueToObject(0.5));
                 break;
             case 7:
-                GetApp().Track(Pick());
+                GetScene().Track(Pick());
                 break;
             default:
                 GetApp().GetSelection().Add(Pick());
@@ -247,7 +247,7 @@ TEST_P(RandomEdits, UndoAllThenRedoAll) {
     AddTriangle({2, 0});
     AddPlane({0, 1}, 30);
     // A first round trip through a snapshot settles what adopting shapes rounds.
-    const SnapshotPtr start = new Snapshot;
+    const SnapshotPtr start = new Snapshot(GetScene());
     start->Restore();
     const String first = Describe();
     for (int i = 0; i < 25; ++i) EditOnce();

@@ -34,12 +34,12 @@ TEST_F(ViewTest, TheWorldStandsUprightAndBothMappingsAreInverse) {
 TEST_F(ViewTest, AnUnsetViewBecomesTheDefaultOne) {
     GetApp().SetWorldToGUI(math::TMatrix3<float>(), false);
     GetApp().Update(0);
-    EXPECT_EQ(GetApp().GetZoom(), App::GetDefaultZoom());
-    EXPECT_EQ(GetApp().GetWorldToGUI().m[1][1], -App::GetDefaultZoom());
+    EXPECT_EQ(GetView().GetZoom(), App::GetDefaultZoom());
+    EXPECT_EQ(GetView().GetWorldToGUI().m[1][1], -App::GetDefaultZoom());
 }
 
 TEST_F(ViewTest, BadMatricesAreRefused) {
-    const auto before = GetApp().GetTargetWorldToGUI();
+    const auto before = GetView().GetTargetWorldToGUI();
     const float nan = std::numeric_limits<float>::quiet_NaN();
     const float inf = std::numeric_limits<float>::infinity();
     for (const float bad : {0.0f, nan, inf, -inf}) {
@@ -48,61 +48,61 @@ TEST_F(ViewTest, BadMatricesAreRefused) {
         matrix.m[0][0] = bad;
         GetApp().SetWorldToGUI(matrix);
         EXPECT_TRUE(log.Contains("-- Warning: Bad arg to SetWorldToGUI"));
-        EXPECT_TRUE(GetApp().GetTargetWorldToGUI() == before);
+        EXPECT_TRUE(GetView().GetTargetWorldToGUI() == before);
     }
 }
 
 TEST_F(ViewTest, GlidesToItsTargetWithinATenthOfASecond) {
     GetApp().SetZoom(300);
-    EXPECT_EQ(GetApp().GetZoom(), 150);
+    EXPECT_EQ(GetView().GetZoom(), 150);
     AdvanceClock(0.05);
     GetApp().Update(0);
-    EXPECT_GT(GetApp().GetZoom(), 200);
-    EXPECT_LT(GetApp().GetZoom(), 300);
+    EXPECT_GT(GetView().GetZoom(), 200);
+    EXPECT_LT(GetView().GetZoom(), 300);
     AdvanceClock(0.051);
     GetApp().Update(0);
-    EXPECT_EQ(GetApp().GetZoom(), 300);
+    EXPECT_EQ(GetView().GetZoom(), 300);
 }
 
 TEST_F(ViewTest, ZoomKeepsThePointItIsAbout) {
     GetApp().Pan(37, -12);
     Settle();
-    const Vec2 middle = GetApp().GUIToWorld(GetApp().GetMiddle());
+    const Vec2 middle = GetApp().GUIToWorld(GetView().GetMiddle());
     GetApp().SetZoom(77);
     Settle();
-    EXPECT_EQ(GetApp().GetZoom(), 77);
-    ExpectNear(GetApp().GUIToWorld(GetApp().GetMiddle()), middle);
+    EXPECT_EQ(GetView().GetZoom(), 77);
+    ExpectNear(GetApp().GUIToWorld(GetView().GetMiddle()), middle);
 
     const Vec2 mouse(650, 130);
     const Vec2 under = GetApp().GUIToWorld(mouse);
-    GetApp().ZoomAbout(mouse, 2);
+    GetView().ZoomAbout(mouse, 2);
     Settle();
-    EXPECT_EQ(GetApp().GetZoom(), 154);
+    EXPECT_EQ(GetView().GetZoom(), 154);
     ExpectNear(GetApp().GUIToWorld(mouse), under);
 }
 
 TEST_F(ViewTest, NotchesInQuickSuccessionAddUp) {
-    GetApp().ZoomAbout({400, 300}, 2);
+    GetView().ZoomAbout({400, 300}, 2);
     AdvanceClock(0.02);
     GetApp().Update(0);
-    GetApp().ZoomAbout({400, 300}, 2);
+    GetView().ZoomAbout({400, 300}, 2);
     Settle();
-    EXPECT_NEAR(GetApp().GetZoom(), 600, 0.01);
+    EXPECT_NEAR(GetView().GetZoom(), 600, 0.01);
 }
 
 TEST_F(ViewTest, ZoomIsKeptInBounds) {
     GetApp().SetZoom(0.5f);
     Settle();
     Settle();
-    EXPECT_EQ(GetApp().GetZoom(), App::GetMinZoom());
+    EXPECT_EQ(GetView().GetZoom(), App::GetMinZoom());
     GetApp().SetZoom(9000);
     Settle();
     Settle();
-    EXPECT_EQ(GetApp().GetZoom(), App::GetMaxZoom());
+    EXPECT_EQ(GetView().GetZoom(), App::GetMaxZoom());
 }
 
 TEST_F(ViewTest, ArrowsPanWhileTimePasses) {
-    const Vec2 before = GetApp().GetTargetWorldToGUI()(Vec2());
+    const Vec2 before = GetView().GetTargetWorldToGUI()(Vec2());
     gui::KeyEvent press;
     press.m_key = gui::Key::Right;
     press.m_pressed = true;
@@ -111,9 +111,9 @@ TEST_F(ViewTest, ArrowsPanWhileTimePasses) {
     ASSERT_TRUE(GetApp().IsKeyDownHere(gui::Key::Right));
 
     GetApp().Update(0);
-    ExpectNear(GetApp().GetTargetWorldToGUI()(Vec2()), before);
+    ExpectNear(GetView().GetTargetWorldToGUI()(Vec2()), before);
     GetApp().Update(0.1f);
-    ExpectNear(GetApp().GetTargetWorldToGUI()(Vec2()), before - Vec2(40, 0));
+    ExpectNear(GetView().GetTargetWorldToGUI()(Vec2()), before - Vec2(40, 0));
 
     press.m_pressed = false;
     gui::Input::Instance().OnKeyEvent(press);
@@ -126,8 +126,8 @@ TEST_F(ViewTest, ZoomToSceneFitsWhatHasAnExtent) {
     AddPlane({0, 1}, 0);
     GetApp().ZoomToScene();
     Settle();
-    ExpectNear(GetApp().GUIToWorld(GetApp().GetMiddle()), {20, 5});
-    EXPECT_NEAR(GetApp().GetZoom(), 800 / (24 * 1.1), 0.01);
+    ExpectNear(GetApp().GUIToWorld(GetView().GetMiddle()), {20, 5});
+    EXPECT_NEAR(GetView().GetZoom(), 800 / (24 * 1.1), 0.01);
 }
 
 TEST_F(ViewTest, ASceneWithoutExtentIsSeenInTheDefaultView) {
@@ -136,37 +136,37 @@ TEST_F(ViewTest, ASceneWithoutExtentIsSeenInTheDefaultView) {
         GetApp().SetZoom(20);
         GetApp().ZoomToScene();
         Settle();
-        EXPECT_EQ(GetApp().GetZoom(), App::GetDefaultZoom());
+        EXPECT_EQ(GetView().GetZoom(), App::GetDefaultZoom());
     }
 }
 
 TEST_F(ViewTest, CentimetresFollowZoomAndResolution) {
     GetApp().m_DPI->Set(254);
     // 100 pixels to the centimetre, 150 pixels to the metre.
-    EXPECT_NEAR(GetApp().GetCmToWorld(), 100.0 / 150, 1e-5);
+    EXPECT_NEAR(GetView().GetCmToWorld(), 100.0 / 150, 1e-5);
     GetApp().m_DPI->Set(GetApp().m_DPI->GetDefault());
 }
 
 TEST_F(ViewTest, FollowsTheTrackedEntity) {
     const auto circle = AddCircle({3, 4});
-    GetApp().Track(circle);
+    GetScene().Track(circle);
     GetApp().SetZoom(40);
     GetApp().Update(0.01f);
-    ExpectNear(GetApp().GUIToWorld(GetApp().GetMiddle()), {3, 4});
-    EXPECT_EQ(GetApp().GetZoom(), 40);
+    ExpectNear(GetApp().GUIToWorld(GetView().GetMiddle()), {3, 4});
+    EXPECT_EQ(GetView().GetZoom(), 40);
 
     const auto second = AddCircle({-5, 0});
-    GetApp().Track(second);
+    GetScene().Track(second);
     EXPECT_FALSE(circle->IsTracked());
     GetApp().Update(0.01f);
-    ExpectNear(GetApp().GUIToWorld(GetApp().GetMiddle()), {-5, 0});
+    ExpectNear(GetApp().GUIToWorld(GetView().GetMiddle()), {-5, 0});
 }
 
 TEST_F(ViewTest, AnEntityWithoutExtentIsNotFollowed) {
     const auto plane = AddPlane({0, 1}, 0);
-    GetApp().Track(plane);
+    GetScene().Track(plane);
     GetApp().Update(0.01f);
-    EXPECT_FALSE(GetApp().GetTrackedEntity());
+    EXPECT_FALSE(GetScene().GetTrackedEntity());
     EXPECT_FALSE(plane->IsTracked());
 }
 

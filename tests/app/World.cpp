@@ -84,7 +84,7 @@ void World::SetUp() {
     GetSim().m_running->SetValue(script::ValueToObject(false));
     GetApp().Clear();
     GetUndoer().Clear();
-    GetApp().SetDefaultView(false);
+    GetView().SetDefaultView(false);
 }
 
 void World::TearDown() {
@@ -142,7 +142,7 @@ void World::AdvanceClock(double seconds) {
 }
 
 String World::Save() {
-    return Serializer::Serialize()->ToCode();
+    return Serializer::Serialize(GetScene())->ToCode();
 }
 
 String World::SaveNumbered() {
@@ -151,7 +151,7 @@ String World::SaveNumbered() {
 
 void World::Load(const String& text) {
     GetApp().Clear();
-    Serializer::Deserialize(text);
+    Serializer::Deserialize(GetScene(), text);
 }
 
 String World::Describe() {
@@ -160,7 +160,7 @@ String World::Describe() {
         out << entity.Get() << (GetApp().GetSelection().Has(entity) ? " selected" : "") << " chain "
             << entity->GetChain().Get() << "\n";
     }
-    out << "tracked " << GetApp().GetTrackedEntity().Get() << "\n" << Save() << "\n";
+    out << "tracked " << GetScene().GetTrackedEntity().Get() << "\n" << Save() << "\n";
     for (const physics::BodyPtr& body : GetSim().GetBodies()) {
         out << body->GetID() << ": " << body->m_vel.x << " " << body->m_vel.y << " " << body->m_angVel
             << "\n";

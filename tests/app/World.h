@@ -20,6 +20,8 @@ class World : public testing::Test {
     void TearDown() override;
 
     static App& GetApp() { return App::Instance(); }
+    static Scene& GetScene() { return GetApp().GetScene(); }
+    static View& GetView() { return GetApp().GetView(); }
     static physics::Simulation& GetSim() { return physics::Simulation::Instance(); }
     static Undoer& GetUndoer() { return Undoer::Instance(); }
 

@@ -48,7 +48,8 @@ void MakeSteps(long steps) {
 
 int Run(const Options& options) {
     BringUp();
-    if (!app::SceneLoader::Load(AsPath(options.m_scene))) {
+    app::App& application = app::App::Instance();
+    if (!app::SceneLoader::Load(application.GetScene(), application.GetView(), AsPath(options.m_scene))) {
         std::fprintf(stderr, "vexa-scene: could not load %s\n", options.m_scene.c_str());
         return FAILED;
     }
@@ -60,8 +61,8 @@ int Run(const Options& options) {
         std::printf("%s\n", parser.ExecuteToString(expression).c_str());
     }
     if (!options.m_out.empty()) {
-        util::FileSystem::Instance().WriteFileAtomically(options.m_out,
-                                                         app::Serializer::Serialize()->ToCode());
+        util::FileSystem::Instance().WriteFileAtomically(
+            options.m_out, app::Serializer::Serialize(application.GetScene())->ToCode());
     }
     return OK;
 }

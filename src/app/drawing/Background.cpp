@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "app/App.h"
-#include "app/entities/Entity.h"
+#include "app/scene/View.h"
 #include "physics/Simulation.h"
 #include "rendering/Gl.h"
 #include "rendering/Renderer.h"
@@ -38,18 +37,21 @@ float Wrap(float coordinate, float center, float period) {
 }
 
 // From the plane of the clouds to GUI units; the world point in the middle of the view stays there.
-math::TMatrix3<float> GetParallaxMatrix(Vec2 middle) {
+math::TMatrix3<float> GetParallaxMatrix(const View& view) {
     constexpr float P = Background::PARALLAX;
+    const Vec2 middle = view.GetMiddle();
     const auto shift = math::TMatrix3<float>::Translation((1 - P) * middle.x, (1 - P) * middle.y);
-    return shift * math::TMatrix3<float>::Scale(P, P) * App::Instance().GetWorldToGUI();
+    return shift * math::TMatrix3<float>::Scale(P, P) * view.GetWorldToGUI();
 }
 
 }  // namespace
 
-Background::Background()
+Background::Background(const View& view, const script::AttribPtr<bool>& drawClouds)
     : Component("Background"),
       m_opacity(script::DeclareAttrib(*this, "opacity", 0.9f)),
-      m_skyColor(script::DeclareAttrib(*this, "skyColor", Vec4(0.3f, 0.4f, 1, 1))) {
+      m_skyColor(script::DeclareAttrib(*this, "skyColor", Vec4(0.3f, 0.4f, 1, 1))),
+      m_view(view),
+      m_drawClouds(drawClouds) {
     FindTextures();
 }
 
@@ -69,8 +71,8 @@ void Background::FindTextures() {
 }
 
 void Background::CreateClouds() {
-    m_wrapHeight = SCREEN_HEIGHT * (1 / App::GetMinZoom()) * ONE_OVER_PARALLAX;
-    m_wrapWidth = SCREEN_WIDTH * (1 / App::GetMinZoom()) * ONE_OVER_PARALLAX;
+    m_wrapHeight = SCREEN_HEIGHT * (1 / View::GetMinZoom()) * ONE_OVER_PARALLAX;
+    m_wrapWidth = SCREEN_WIDTH * (1 / View::GetMinZoom()) * ONE_OVER_PARALLAX;
     util::Random random;
     m_clouds.resize(CLOUD_COUNT);
     for (size_t i = 0; i < m_clouds.size(); ++i) {
@@ -84,16 +86,13 @@ void Background::CreateClouds() {
 }
 
 void Background::Update(float dt) {
-    if (!App::Instance().m_drawClouds->Get()) return;
+    if (!m_drawClouds->Get()) return;
     if (m_clouds.empty()) CreateClouds();
     const physics::Simulation& simulation = physics::Simulation::Instance();
     const float t = simulation.GetRealtimeFraction() * simulation.m_timeFactor->Get() * dt;
     if (!math::IsFinite(t) || !(t > 0 && t <= 1) || !simulation.m_running->Get()) return;
     PROFILE_SECTION("Background::Update");
-    for (Cloud& cloud : m_clouds) {
-        cloud.position += cloud.velocity * t;
-        cloud.rotation += cloud.angularVelocity * t;
-    }
+    for (Cloud& cloud : m_clouds) cloud.position += cloud.velocity * t;
 }
 
 void Background::Draw() {
@@ -101,7 +100,7 @@ void Background::Draw() {
     const rendering::ScopedMatrix matrix;
     const rendering::ScopedAttribs attribs;
     DrawSky();
-    if (!App::Instance().m_drawClouds->Get() || m_clouds.empty()) return;
+    if (!m_drawClouds->Get() || m_clouds.empty()) return;
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     DrawClouds();
@@ -115,7 +114,7 @@ void Background::DrawSky() {
 }
 
 void Background::DrawClouds() {
-    const math::TMatrix3<float> toGUI = GetParallaxMatrix(GetSize() * 0.5f);
+    const math::TMatrix3<float> toGUI = GetParallaxMatrix(m_view);
     const math::TMatrix3<float> fromGUI = Inverted(toGUI);
     WrapClouds(fromGUI(GetSize() * 0.5f));
     math::BoundingBox2f view;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "app/Fwd.h"
 #include "gui/Component.h"
 #include "math/BoundingBox.h"
 #include "rendering/Texture.h"
@@ -16,10 +17,10 @@ namespace app {
 // a box about the view.
 //
 // It is a component for the sake of its size and its place in scripts ("App.Background"), not a child of
-// anything: App updates it and draws it under the scene.
+// anything: the renderer of the scene updates it and draws it first.
 class Background : public gui::Component {
   public:
-    Background();
+    Background(const View& view, const script::AttribPtr<bool>& drawClouds);
 
     void Update(float dt) override;  // real seconds
     void Draw() override;            // in GUI coordinates
@@ -28,11 +29,7 @@ class Background : public gui::Component {
         float size;           // side of the square, world units
         math::Vec2 position;  // centre, world units
         math::Vec2 velocity;  // world units per simulated second
-        float rotation = 0;   // never drawn
-        float angularVelocity = 0;
         uint32_t textureIndex;
-        bool flag = false;  // free
-        math::Vec4 color{1, 1, 1, 1};
     };
     const std::vector<Cloud>& GetClouds() const { return m_clouds; }
 
@@ -43,6 +40,8 @@ class Background : public gui::Component {
     const script::AttribPtr<math::Vec4> m_skyColor;
 
   private:
+    const View& m_view;
+    const script::AttribPtr<bool> m_drawClouds;  // of App
     void FindTextures();
     void CreateClouds();
     void WrapClouds(math::Vec2 center);

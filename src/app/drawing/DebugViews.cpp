@@ -2,11 +2,10 @@
 
 #include <cmath>
 
-#include "app/App.h"
-#include "app/entities/Entity.h"
 #include "physics/Body.h"
 #include "physics/Particle.h"
 #include "physics/Polygon.h"
+#include "physics/Simulation.h"
 #include "rendering/Renderer.h"
 #include "rendering/ShapePainter.h"
 
@@ -84,28 +83,25 @@ void DrawParticleCenters(const physics::ParticleList& particles) {
 
 void DrawContacts(float normalLength) {
     Vec2List segments, points;
-    for (const ContactMark& contact : App::Instance().GetContactPoints()) {
-        segments.push_back(contact.m_point);
-        segments.push_back(contact.m_point + contact.m_normal * normalLength);
-        points.push_back(contact.m_point);
+    for (const physics::ContactPtr& contact : physics::Simulation::Instance().GetContacts()) {
+        segments.push_back(contact->m_point);
+        segments.push_back(contact->m_point + contact->m_normal * normalLength);
+        points.push_back(contact->m_point);
     }
     DrawSegmentsIn(RED, segments);
     DrawPointsIn(RED, points);
 }
 
-void DrawDebugLayers(const physics::Geom& geom) {
-    const App& app = App::Instance();
-    if (!app.m_drawOBBs->Get() && !app.m_drawBCs->Get()) return;
+void DrawDebugLayers(const physics::Geom& geom, const DrawSettings& settings) {
+    const auto* const polygon = dynamic_cast<const physics::Polygon*>(&geom);
+    const bool drawMapOBB = polygon != nullptr && settings.m_drawMapOBBs->Get();
+    const bool drawVertices = polygon != nullptr && settings.m_drawVertices->Get();
+    if (!settings.m_drawOBBs->Get() && !settings.m_drawBCs->Get() && !drawMapOBB && !drawVertices) return;
     rendering::ShapePainter::Instance().Flush();
-    if (app.m_drawOBBs->Get()) DrawBox(geom.GetOBB(), {});
-    if (app.m_drawBCs->Get()) DrawBoundingCircle(geom.GetBoundingCircle());
-}
-
-void DrawDebugLayers(const physics::Polygon& polygon) {
-    const App& app = App::Instance();
-    DrawDebugLayers(static_cast<const physics::Geom&>(polygon));
-    if (app.m_drawMapOBBs->Get()) DrawBox(polygon.GetMapOBB(), polygon.GetTransform());
-    if (app.m_drawVertices->Get()) DrawPointsIn(RED, polygon.GetWorldVertices());
+    if (settings.m_drawOBBs->Get()) DrawBox(geom.GetOBB(), {});
+    if (settings.m_drawBCs->Get()) DrawBoundingCircle(geom.GetBoundingCircle());
+    if (drawMapOBB) DrawBox(polygon->GetMapOBB(), polygon->GetTransform());
+    if (drawVertices) DrawPointsIn(RED, polygon->GetWorldVertices());
 }
 
 }  // namespace app

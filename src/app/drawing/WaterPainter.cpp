@@ -3,9 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "app/App.h"
 #include "app/drawing/MetaBall.h"
-#include "app/entities/Entity.h"
 #include "physics/Particle.h"
 #include "rendering/Context.h"
 #include "rendering/Gl.h"
@@ -29,11 +27,6 @@ constexpr float SPRITE_SIDE = 8;               // particle radii
 void ClearToBlack() {
     glClearColor(0, 0, 0, 0);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-}
-
-Texture* MakeMetaBallTexture() {
-    const float factor = App::Instance().m_waterFanceyFactor->Get();
-    return TextureFromImage(MakeMetaBallImage(factor), Texture::ImageType::Sprite());
 }
 
 // A maximum below 1 makes the bounds change places.
@@ -61,8 +54,10 @@ void DrawFrameQuad(Vec2 size, float guiScale) {
                                   {0, texCoord.y}, {texCoord.x, 0});
 }
 
-WaterPainter::WaterPainter()
-    : m_metaBallTexture(TextureManager::Make(&MakeMetaBallTexture)),
+WaterPainter::WaterPainter(const script::AttribPtr<float>& fanceyFactor)
+    : m_metaBallTexture(TextureManager::Make([fanceyFactor] {
+          return TextureFromImage(MakeMetaBallImage(fanceyFactor->Get()), Texture::ImageType::Sprite());
+      })),
       m_waterTexture(TextureManager::Instance().Get("water")),
       m_waterShader(rendering::ShaderManager::Instance().Get("water")),
       m_cutoff(new rendering::Uniform(m_waterShader, "Cutoff")),

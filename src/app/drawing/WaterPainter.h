@@ -7,6 +7,7 @@
 #include "rendering/Shader.h"
 #include "rendering/Texture.h"
 #include "rendering/VertexBatch.h"
+#include "script/Attributes.h"
 #include "util/Pointee.h"
 
 namespace app {
@@ -30,7 +31,7 @@ struct WaterView {
 // no frame buffer object is needed; water beyond 2048 pixels is lost.
 class WaterPainter : public util::Pointee {
   public:
-    WaterPainter();
+    explicit WaterPainter(const script::AttribPtr<float>& fanceyFactor);
 
     // Adds up the field in the frame buffer, keeps it and leaves the buffer black.
     void DrawField(const physics::ParticleList& particles, const WaterView& view);

@@ -1,6 +1,5 @@
 #include "app/entities/CircleEntity.h"
 
-#include "app/drawing/DebugViews.h"
 #include "math/Geometry.h"
 #include "physics/Polygon.h"
 #include "rendering/ShapePainter.h"
@@ -15,7 +14,6 @@ void CircleEntity::Draw() {
     PROFILE_SECTION("Circle::Draw");
     rendering::ShapePainter::Instance().DrawCircle(m_circle->GetTransform(), m_circle->m_radius,
                                                    GetDrawColor());
-    DrawDebugLayers(*m_circle);
 }
 
 bool CircleEntity::CrossesLines(const physics::LineList& lines) const {

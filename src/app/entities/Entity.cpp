@@ -1,15 +1,13 @@
 #include "app/entities/Entity.h"
 
-#include "app/App.h"
 #include "app/entities/Chain.h"
-#include "app/files/EntityReader.h"
+#include "app/entities/EntityReader.h"
 
 namespace app {
 
 uint32_t Entity::s_nextSerial = 0;
 
-Entity::Entity(const String& name)
-    : Reflected(name), m_color(App::Instance().GetNextColor()), m_serial(s_nextSerial++) {}
+Entity::Entity(const String& name) : Reflected(name), m_serial(s_nextSerial++) {}
 
 Entity::~Entity() noexcept(false) = default;
 
@@ -33,7 +31,7 @@ void Entity::SerializeAttributes(EntitySerializer& out) const {
 
 void Entity::Deserialize(const EntitySerializer& in) {
     DeserializeAttributes(in);
-    ReadKey(in, "color", m_color);
+    if (ReadKey(in, "color", m_color)) m_hasColor = true;
     // These two are written only when they hold, so their absence is no fault.
     if (HasKey(in, "group")) {
         script::Int group = NO_GROUP;
@@ -57,6 +55,11 @@ void Entity::ResetForRestore() {
     SetGroup(NO_GROUP);
 }
 
+void Entity::SetColor(math::Vec3 color) {
+    m_color = color;
+    m_hasColor = true;
+}
+
 void Entity::SetGroup(script::Int group) {
     m_hasGroup = group != NO_GROUP;
     m_group = group;
@@ -71,6 +74,7 @@ void Entity::CopyValuesFrom(const Entity& original) {
     original.SerializeAttributes(attributes);
     DeserializeAttributes(attributes);
     m_color = original.m_color;
+    m_hasColor = original.m_hasColor;
     SetGroup(original.GetGroup());
 }
 

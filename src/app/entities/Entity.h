@@ -15,10 +15,10 @@ namespace app {
 // What the user sees and edits: a scriptable object that owns a piece of the physics world and draws it.
 // Where a rigid body consists of several geoms, each geom keeps an entity of its own; the body is none.
 //
-// Life: made outside the world, it comes into the scene by App::AddEntity and into the physics by
-// AddToSimulation. Once a frame App updates it and retires it as soon as it is not alive any more, which is
-// how things that fell out of the world leave the scene. Undo keeps retired entities and brings the same
-// objects back, so an entity must be able to return: whatever an edit can change has to be in its
+// Life: made outside the world, it comes into the scene by Scene::AddEntity and into the physics by
+// AddToSimulation. Once a frame the scene updates it and retires it as soon as it is not alive any more,
+// which is how things that fell out of the world leave the scene. Undo keeps retired entities and brings the
+// same objects back, so an entity must be able to return: whatever an edit can change has to be in its
 // Serialize, or be reset by ResetForRestore.
 class Entity : public script::Reflected {
   public:
@@ -66,8 +66,10 @@ class Entity : public script::Reflected {
 
     uint32_t GetID() const { return m_serial; }  // creation number
 
+    // White and none of its own until it is given one, at the latest by the scene that it enters.
     const math::Vec3& GetColor() const { return m_color; }
-    void SetColor(math::Vec3 color) { m_color = color; }
+    void SetColor(math::Vec3 color);
+    bool HasColor() const { return m_hasColor; }
     const math::Vec3& GetTint() const { return m_tint; }
     void SetTint(math::Vec3 tint) { m_tint = tint; }
     math::Vec3 GetDrawColor() const { return m_color * m_tint; }
@@ -79,9 +81,13 @@ class Entity : public script::Reflected {
     script::Int GetGroup() const { return m_hasGroup ? m_group : NO_GROUP; }
     void SetGroup(script::Int group);  // NO_GROUP leaves the group
 
-    // Whether the view follows the entity; App::Track sets it, for there is only one.
+    // Whether the view follows the entity; Scene::Track sets it, for there is only one.
     bool IsTracked() const { return m_tracked; }
     void SetTracked(bool tracked) { m_tracked = tracked; }
+
+    // The scene that it entered last; null before the first.
+    Scene* GetScene() const { return m_scene; }
+    void SetScene(Scene* scene) { m_scene = scene; }
 
     const ChainPtr& GetChain() const { return m_chain; }
     void SetChain(const ChainPtr& chain);
@@ -95,12 +101,14 @@ class Entity : public script::Reflected {
     void DeserializeAttributes(const EntitySerializer& in);
 
     ChainPtr m_chain;
-    math::Vec3 m_color;          // red, green, blue in 0 to 1; a new entity gets App's next colour
+    math::Vec3 m_color{1, 1, 1};  // red, green, blue in 0 to 1
+    bool m_hasColor = false;
     math::Vec3 m_tint{1, 1, 1};  // factor on m_color at drawing, set anew for each frame
     bool m_moving = false;       // between BeginMove and EndMove
     bool m_hasGroup = false;
     script::Int m_group = NO_GROUP;
     bool m_tracked = false;
+    Scene* m_scene = nullptr;
     uint32_t m_serial;
 
     static uint32_t s_nextSerial;

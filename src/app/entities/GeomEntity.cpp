@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "app/App.h"
-#include "app/files/EntityReader.h"
+#include "app/entities/EntityReader.h"
 #include "physics/Body.h"
 #include "physics/SPH.h"
 #include "physics/Simulation.h"
@@ -117,16 +116,15 @@ void FiniteGeomEntity::SetDensity(float density) {
 
 // A hexagonal grid over the bounding circle, as dense as the drops lie in water at rest; drops too near the
 // outline are pushed in until they lie inside with their whole radius.
-std::vector<math::Vec2> FiniteGeomEntity::GetWaterPoints() const {
+std::vector<math::Vec2> FiniteGeomEntity::GetWaterPoints(int most) const {
     const Geom& geom = *GetGeom();
     const math::real r = physics::SPH::Instance().m_radius->Get();
     const math::Vec3 circle = geom.GetBoundingCircle();
     const math::real R = circle.z;
     const math::Vec2 c(circle.x, circle.y);
 
-    const int most = std::max(App::Instance().m_maxSPHSpawn->Get(), 1);
     const double wanted = std::floor(geom.GetArea() / (math::PI * r * r) + 0.5);
-    const double n = std::clamp(wanted, 1.0, static_cast<double>(most));
+    const double n = std::clamp(wanted, 1.0, static_cast<double>(std::max(most, 1)));
     // A sliver fills next to nothing of its circle; without an upper bound its grid would never end.
     constexpr double MAX_GRID = 4096;
     const double fill = math::PI * double(R) * R / geom.GetArea();

@@ -48,8 +48,9 @@ class FiniteGeomEntity : public GeomEntity {
   public:
     FiniteGeomEntity(const String& name, const physics::GeomPtr& geom);
 
-    // The places of the drops that fill the shape when it turns into water; at least one.
-    virtual std::vector<math::Vec2> GetWaterPoints() const;
+    // The places of the drops that fill the shape when it turns into water; at least one, about `most` at
+    // most.
+    virtual std::vector<math::Vec2> GetWaterPoints(int most) const;
 
     // kg/m^2. Values that are not above 0 or not finite are ignored: they would cost the geom its body.
     const script::TAttribPtr<float> m_density;

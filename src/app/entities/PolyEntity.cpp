@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "app/drawing/DebugViews.h"
 #include "rendering/ShapePainter.h"
 #include "util/ProfileTree.h"
 
@@ -30,7 +29,6 @@ void PolyEntity::Draw() {
     PROFILE_SECTION("Poly::Draw");
     rendering::ShapePainter::Instance().DrawPolygon(m_polygon->GetTransform(), m_polygon->GetMapOBB(),
                                                     GetDistTexture()->Get(), m_distScale, GetDrawColor());
-    DrawDebugLayers(*m_polygon);
 }
 
 bool PolyEntity::CrossesLines(const physics::LineList& lines) const {

@@ -3,7 +3,9 @@
 #include "app/files/Serializer.h"
 #include "script/Expressions.h"
 #include "util/Exception.h"
+#include "util/FileNames.h"
 #include "util/FileSystem.h"
+#include "util/RunSlot.h"
 
 namespace app {
 
@@ -33,13 +35,26 @@ String GetScenePath(const String& name) {
     return util::FileSystem::Instance().FindScene(name);
 }
 
-String SaveScene(const String& name) {
+String GetSceneName(const String& path) {
+    const util::FileSystem& files = util::FileSystem::Instance();
+    const String name = path.substr(path.find_last_of("/\\") + 1);
+    const String autosave = util::RunSlot::Instance().GetAutosaveScene();
+    if (name == autosave || name == ONEXIT_SCENE || name == WELCOME_SCENE) return String();
+    return files.FindScene(name) == path ? name : path;
+}
+
+void WriteScene(const Scene& scene, const String& name) {
+    const util::FileSystem& files = util::FileSystem::Instance();
+    const bool isPath = name.find_first_of("/\\") != String::npos;
+    const String text = Serializer::Serialize(scene)->ToCode();
+    files.MakeDir(files.GetScenesDir());
+    files.WriteFileAtomically(isPath ? name : files.GetScenesDir() + name, text);
+}
+
+String SaveScene(const Scene& scene, const String& name) {
     const String clean = CleanSceneName(name);
     if (clean.empty()) THROW(BadDataException, "Bad scene name");
-    const util::FileSystem& files = util::FileSystem::Instance();
-    const String text = Serializer::Serialize()->ToCode();
-    files.MakeDir(files.GetScenesDir());
-    files.WriteFileAtomically(files.GetScenesDir() + clean, text);
+    WriteScene(scene, clean);
     return clean;
 }
 

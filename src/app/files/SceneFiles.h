@@ -1,6 +1,6 @@
 #pragma once
 
-#include "util/String.h"
+#include "app/Fwd.h"
 
 namespace app {
 
@@ -8,12 +8,20 @@ namespace app {
 // dots and blanks, with the extension ".vxa" once. Empty when nothing is left of it.
 String CleanSceneName(const String& name);
 
-// The path that a scene's name stands for: one without a slash or backslash lies in Scenes/.
+// The path to read a scene from by its name: one without a slash or backslash is looked for in Scenes/.
 String GetScenePath(const String& name);
 
-// Writes the present scene to Scenes/ under the cleaned name, so that a failure keeps the old file. Gives
-// that name. Throws std::exception when it cannot be written, BadDataException ("Bad scene name") for a name
-// of which nothing is left.
-String SaveScene(const String& name);
+// The name of the scene that a file holds, from which GetScenePath leads back to it: without the folder if
+// that is Scenes/, else the path. Empty for the files that the program keeps for itself and for the welcome
+// scene: the user has not given them their names, and saving has to find a new one.
+String GetSceneName(const String& path);
+
+// Writes the scene to where its name says, Scenes/ for one without a slash, so that a failure keeps the old
+// file. Throws std::exception when it cannot be written.
+void WriteScene(const Scene& scene, const String& name);
+
+// Writes the scene to Scenes/ under the cleaned name and gives that. Throws as WriteScene does, and
+// BadDataException ("Bad scene name") for a name of which nothing is left.
+String SaveScene(const Scene& scene, const String& name);
 
 }  // namespace app

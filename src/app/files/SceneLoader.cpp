@@ -1,9 +1,10 @@
 #include "app/files/SceneLoader.h"
 
-#include "app/App.h"
 #include "app/files/SceneFiles.h"
 #include "app/files/Serializer.h"
 #include "app/history/Undoer.h"
+#include "app/scene/Scene.h"
+#include "app/scene/View.h"
 #include "logging/Log.h"
 #include "physics/Simulation.h"
 #include "script/Expressions.h"
@@ -12,20 +13,22 @@
 
 namespace app {
 
-String SceneLoader::s_loadedName;
+SceneLoader::SceneLoader(Scene& scene, View& view, const String& filename, bool import)
+    : Action(import ? "UndoImportScene" : "UndoLoadScene"),
+      m_scene(scene),
+      m_view(view),
+      m_import(import),
+      m_filename(filename) {}
 
-SceneLoader::SceneLoader(const String& filename, bool import)
-    : Action(import ? "UndoImportScene" : "UndoLoadScene"), m_import(import), m_filename(filename) {}
-
-bool SceneLoader::Load(const String& filename, bool import) {
-    const util::SharedPtr<SceneLoader> loader = new SceneLoader(filename, import);
+bool SceneLoader::Load(Scene& scene, View& view, const String& filename, bool import) {
+    const util::SharedPtr<SceneLoader> loader = new SceneLoader(scene, view, filename, import);
     if (!loader->Read()) return false;
     Undoer::Instance().Do(loader);
     return true;
 }
 
-bool SceneLoader::LoadAtStart(const String& filename) {
-    if (Load(filename)) return true;
+bool SceneLoader::LoadAtStart(Scene& scene, View& view, const String& filename) {
+    if (Load(scene, view, filename)) return true;
     const String path = GetScenePath(filename);
     const util::FileSystem& files = util::FileSystem::Instance();
     if (files.Exists(path)) files.KeepBadCopy(path);
@@ -49,19 +52,24 @@ bool SceneLoader::Read() {
     return static_cast<bool>(m_code);
 }
 
+void SceneLoader::Undo() {
+    m_snapshot->Restore();
+    m_scene.SetName(m_nameBefore);
+}
+
 void SceneLoader::Do() {
-    m_snapshot = new Snapshot;
+    m_nameBefore = m_scene.GetName();
+    m_snapshot = new Snapshot(m_scene);
     // A redo reads anew what the file holds by now; when it has gone, the scene stays.
     if (!m_code && !Read()) return;
-    App& app = App::Instance();
     if (!m_import) {
-        app.Clear();
+        m_scene.Clear();
         physics::Simulation::Instance().m_running->SetValue(script::ValueToObject(false));
     }
-    Serializer::Deserialize(m_code);
+    Serializer::Deserialize(m_scene, m_code);
     m_code = nullptr;
-    if (!m_import) s_loadedName = m_filename.substr(m_filename.find_last_of("/\\") + 1);
-    app.ZoomToScene();
+    if (!m_import) m_scene.SetName(GetSceneName(GetScenePath(m_filename)));
+    m_view.ZoomToScene(m_scene);
     Log(logging::Info, (m_import ? "Imported scene " : "Loaded scene ") + m_filename);
 }
 

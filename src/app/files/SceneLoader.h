@@ -11,29 +11,27 @@ class SceneLoader : public Action {
   public:
     // Does it. `filename` without a slash or backslash stands for one in Scenes/. False when the file is not
     // there, or cannot be read or parsed: that is logged, and scene and history stay as they are.
-    static bool Load(const String& filename, bool import = false);
+    static bool Load(Scene& scene, View& view, const String& filename, bool import = false);
 
     // For the start of the program, which has other scenes to fall back on: as Load, and a file that is
     // there but cannot be read is copied to a name with ".bad" before anything overwrites it.
-    static bool LoadAtStart(const String& filename);
+    static bool LoadAtStart(Scene& scene, View& view, const String& filename);
 
-    // The file that last took the place of the scene, without its folder; empty before the first.
-    static const String& GetLoadedName() { return s_loadedName; }
-
-    SceneLoader(const String& filename, bool import);
+    SceneLoader(Scene& scene, View& view, const String& filename, bool import);
 
     void Do() override;
-    void Undo() override { m_snapshot->Restore(); }
+    void Undo() override;
 
   private:
     bool Read();
 
+    Scene& m_scene;
+    View& m_view;
     bool m_import;  // joins the present scene instead of replacing it
     String m_filename;
     script::CodeBlockPtr m_code;  // read and not yet used; null before and after
     SnapshotPtr m_snapshot;       // of the scene before
-
-    static String s_loadedName;
+    String m_nameBefore;
 };
 
 }  // namespace app

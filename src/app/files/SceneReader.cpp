@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <cmath>
 
-#include "app/App.h"
 #include "app/entities/Chain.h"
 #include "app/entities/CircleEntity.h"
+#include "app/entities/EntityReader.h"
 #include "app/entities/PlaneEntity.h"
 #include "app/entities/PolyEntity.h"
-#include "app/files/EntityReader.h"
+#include "app/scene/Scene.h"
 #include "physics/Body.h"
 #include "physics/Particle.h"
 #include "physics/Simulation.h"
@@ -49,8 +49,9 @@ void Guarded(const Function& function) {
 
 }  // namespace
 
-SceneReader::SceneReader()
-    : m_closure(new script::Closure("Deserialize_closure", script::Parser::Instance().GetRootClosure())) {}
+SceneReader::SceneReader(Scene& scene)
+    : m_scene(scene),
+      m_closure(new script::Closure("Deserialize_closure", script::Parser::Instance().GetRootClosure())) {}
 
 SceneReader::~SceneReader() = default;
 
@@ -246,17 +247,17 @@ void SceneReader::LinkChain(const EntityPtr& entity, const EntitySerializer& val
 ChainPtr SceneReader::FindChain(unsigned int number) {
     ChainPtr& chain = m_chains[number];
     if (chain) return chain;
-    int free = App::Instance().GetFreeChain();
+    int free = m_scene.GetFreeChain();
     for (const auto& [_, other] : m_chains) {
         if (other) free = std::max(free, other->GetID() + 1);
     }
-    chain = new Chain(App::Instance().HasChain(static_cast<int>(number)) ? free : static_cast<int>(number));
+    chain = new Chain(m_scene.HasChain(static_cast<int>(number)) ? free : static_cast<int>(number));
     return chain;
 }
 
 void SceneReader::EnterScene() {
     for (const EntityPtr& entity : m_entities) {
-        Guarded([&] { App::Instance().AddEntity(entity); });
+        Guarded([&] { m_scene.AddEntity(entity); });
     }
 }
 

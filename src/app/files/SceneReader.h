@@ -18,7 +18,7 @@ namespace app {
 // enter the scene. Whatever fails costs the entity or statement that it stands in.
 class SceneReader {
   public:
-    SceneReader();
+    explicit SceneReader(Scene& scene);
     ~SceneReader();
 
     void Read(const script::CodeBlock& code);
@@ -55,6 +55,7 @@ class SceneReader {
 
     float GetScale() const;
 
+    Scene& m_scene;
     script::Session m_session;     // bounds what all functions of the file together may take
     script::ClosurePtr m_closure;  // in which the file's statements are evaluated
     script::Int m_version = 0;     // 0 until the file says otherwise

@@ -1,8 +1,8 @@
 #include "app/files/Serializer.h"
 
-#include "app/App.h"
 #include "app/entities/Entity.h"
 #include "app/files/SceneReader.h"
+#include "app/scene/Scene.h"
 #include "logging/Log.h"
 #include "physics/Particle.h"
 #include "physics/Simulation.h"
@@ -52,10 +52,10 @@ void AddWater(script::CodeBlock& code) {
 
 }  // namespace
 
-script::CodeBlockPtr Serializer::Serialize() {
+script::CodeBlockPtr Serializer::Serialize(const Scene& scene) {
     const script::CodeBlockPtr code = new script::CodeBlock;
     AddAssignment(*code, "version", script::ValueToObject(FORMAT_VERSION));
-    for (const EntityPtr& entity : App::Instance().GetEntities()) {
+    for (const EntityPtr& entity : scene.GetEntities()) {
         // Something that is about to be retired may refer to what has gone already.
         if (!entity->IsInSimulation()) continue;
         EntitySerializer values;
@@ -73,13 +73,13 @@ script::CodeBlockPtr Serializer::Parse(const String& text) {
     return code;
 }
 
-void Serializer::Deserialize(const script::CodeBlockPtr& code) {
+void Serializer::Deserialize(Scene& scene, const script::CodeBlockPtr& code) {
     if (!code) return;
-    util::Guarded([&] { SceneReader().Read(*code); }, "An error occured while deserializing: ");
+    util::Guarded([&] { SceneReader(scene).Read(*code); }, "An error occured while deserializing: ");
 }
 
-void Serializer::Deserialize(const String& text) {
-    Deserialize(Parse(text));
+void Serializer::Deserialize(Scene& scene, const String& text) {
+    Deserialize(scene, Parse(text));
 }
 
 }  // namespace app

@@ -14,16 +14,16 @@ namespace app {
 // today's.
 class Serializer {
   public:
-    // The present scene. Entities that are about to be retired are left out.
-    static script::CodeBlockPtr Serialize();
+    // Entities that are about to be retired are left out.
+    static script::CodeBlockPtr Serialize(const Scene& scene);
 
     // The statements of a scene's text. Null, and the reason told to the user, for a text that is not of
     // the language. Raises nothing.
     static script::CodeBlockPtr Parse(const String& text);
 
-    // Adds the entities of a scene to the present one. Raises nothing: what fails is logged and left out.
-    static void Deserialize(const script::CodeBlockPtr& code);
-    static void Deserialize(const String& text);
+    // Adds the entities of a file to the scene. Raises nothing: what fails is logged and left out.
+    static void Deserialize(Scene& scene, const script::CodeBlockPtr& code);
+    static void Deserialize(Scene& scene, const String& text);
 };
 
 }  // namespace app

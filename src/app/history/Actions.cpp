@@ -1,14 +1,13 @@
 #include "app/history/Actions.h"
 
-#include "app/App.h"
+#include "app/scene/Scene.h"
 #include "physics/Simulation.h"
 
 namespace app {
 
 void EraseEntities::Do() {
-    m_snapshot = new Snapshot;
-    App& app = App::Instance();
-    for (const EntityPtr& entity : m_entities) app.RemoveEntity(entity);
+    m_snapshot = new Snapshot(m_scene);
+    for (const EntityPtr& entity : m_entities) m_scene.RemoveEntity(entity);
 }
 
 void SimStart::Undo() {

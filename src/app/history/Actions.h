@@ -55,12 +55,14 @@ class SnapshotRestorer : public Action {
 // Removes entities. Each time it is done it remembers the scene as it was just before.
 class EraseEntities : public Action {
   public:
-    explicit EraseEntities(const EntitySet& entities) : Action("UndoErase"), m_entities(entities) {}
+    EraseEntities(Scene& scene, const EntitySet& entities)
+        : Action("UndoErase"), m_scene(scene), m_entities(entities) {}
 
     void Do() override;
     void Undo() override { m_snapshot->Restore(); }
 
   private:
+    Scene& m_scene;
     SnapshotPtr m_snapshot;
     EntitySet m_entities;
 };
@@ -68,7 +70,7 @@ class EraseEntities : public Action {
 // The start of the simulation: undo goes back to that moment and stops it. Redo leaves `running` as it is.
 class SimStart : public Action {
   public:
-    SimStart() : Action("UndoSimStart"), m_snapshot(new Snapshot) {}
+    explicit SimStart(Scene& scene) : Action("UndoSimStart"), m_snapshot(new Snapshot(scene)) {}
 
     void Do() override {}
     void Undo() override;

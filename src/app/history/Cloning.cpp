@@ -2,9 +2,9 @@
 
 #include <map>
 
-#include "app/App.h"
 #include "app/entities/Chain.h"
 #include "app/entities/GeomEntity.h"
+#include "app/scene/Scene.h"
 #include "physics/Body.h"
 #include "physics/Simulation.h"
 
@@ -15,6 +15,8 @@ namespace {
 // Which copy stands for which original.
 class Cloner {
   public:
+    explicit Cloner(Scene& scene) : m_scene(scene) {}
+
     void Clone(const EntityPtr& original);
     void Finish();
     const EntityList& GetClones() const { return m_clones; }
@@ -24,6 +26,7 @@ class Cloner {
     void CopyChain(const EntityPtr& original, const EntityPtr& clone);
     void NoteBody(const EntityPtr& original, const EntityPtr& clone);
 
+    Scene& m_scene;
     EntityList m_clones;
     std::map<script::Int, script::Int> m_groups;
     std::map<Chain*, ChainPtr> m_chains;
@@ -41,7 +44,7 @@ void Cloner::Clone(const EntityPtr& original) {
 
 void Cloner::CopyGroup(const Entity& original, Entity& clone) {
     if (!original.HasGroup()) return;
-    const script::Int firstFree = App::Instance().GetFreeGroup();
+    const script::Int firstFree = m_scene.GetFreeGroup();
     const auto next = firstFree + static_cast<script::Int>(m_groups.size());
     clone.SetGroup(m_groups.emplace(original.GetGroup(), next).first->second);
 }
@@ -50,7 +53,7 @@ void Cloner::CopyChain(const EntityPtr& original, const EntityPtr& clone) {
     const ChainPtr& chain = original->GetChain();
     if (!chain) return;
     ChainPtr& copy = m_chains[chain.Get()];
-    if (!copy) copy = new Chain(App::Instance().GetFreeChain() + static_cast<int>(m_chains.size()) - 1);
+    if (!copy) copy = new Chain(m_scene.GetFreeChain() + static_cast<int>(m_chains.size()) - 1);
     copy->AddEntity(copy->GetEntities().size(), clone);
 }
 
@@ -73,22 +76,22 @@ void Cloner::Finish() {
             copy->SetGeoms(geoms);
         }
     }
-    for (const EntityPtr& clone : m_clones) App::Instance().AddEntity(clone);
+    for (const EntityPtr& clone : m_clones) m_scene.AddEntity(clone);
 }
 
 }  // namespace
 
-EntityList SceneOrder(const EntitySet& entities) {
+EntityList SceneOrder(const Scene& scene, const EntitySet& entities) {
     EntityList ordered;
-    for (const EntityPtr& entity : App::Instance().GetEntities()) {
+    for (const EntityPtr& entity : scene.GetEntities()) {
         if (entities.count(entity)) ordered.push_back(entity);
     }
     return ordered;
 }
 
-EntitySet CloneIntoScene(const EntitySet& originals) {
-    Cloner cloner;
-    for (const EntityPtr& original : SceneOrder(originals)) cloner.Clone(original);
+EntitySet CloneIntoScene(Scene& scene, const EntitySet& originals) {
+    Cloner cloner(scene);
+    for (const EntityPtr& original : SceneOrder(scene, originals)) cloner.Clone(original);
     cloner.Finish();
     return EntitySet(cloner.GetClones().begin(), cloner.GetClones().end());
 }

@@ -5,11 +5,11 @@
 namespace app {
 
 // The entities in the order of the scene list; those outside the scene are left out.
-EntityList SceneOrder(const EntitySet& entities);
+EntityList SceneOrder(const Scene& scene, const EntitySet& entities);
 
 // Copies entities of the scene into it, on top, in the order of their originals, and gives the copies.
 // Shapes of one body share a copy of it, with its velocities; a copy of a shape that is fixed to the world
 // is fixed as well. Copies of a group's or chain's members form a new one.
-EntitySet CloneIntoScene(const EntitySet& originals);
+EntitySet CloneIntoScene(Scene& scene, const EntitySet& originals);
 
 }  // namespace app

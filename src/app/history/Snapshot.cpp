@@ -1,25 +1,25 @@
 #include "app/history/Snapshot.h"
 
-#include "app/App.h"
 #include "app/entities/Chain.h"
 #include "app/entities/Entity.h"
+#include "app/scene/Scene.h"
 #include "physics/Body.h"
 #include "physics/Particle.h"
 #include "physics/Simulation.h"
 
 namespace app {
 
-Snapshot::Snapshot() {
+Snapshot::Snapshot(Scene& scene) : m_scene(scene) {
     TakeEntities();
     TakeBodies();
     TakeParticles();
-    m_selection = App::Instance().GetSelection().Get();
+    m_selection = m_scene.GetSelection().Get();
 }
 
 Snapshot::~Snapshot() noexcept(false) = default;
 
 void Snapshot::TakeEntities() {
-    const EntityList& entities = App::Instance().GetEntities();
+    const EntityList& entities = m_scene.GetEntities();
     m_entities.reserve(entities.size());
     for (const EntityPtr& entity : entities) {
         m_entities.push_back({entity, entity->GetChain(), {}});
@@ -44,14 +44,14 @@ void Snapshot::TakeParticles() {
 // Values are set twice. Places must stand before the bodies adopt the shapes; what works through a body or
 // through a tie between shapes needs those.
 void Snapshot::Restore() const {
-    App::Instance().Clear();
+    m_scene.Clear();
     ResetEntities();
     RestoreValues();
     RestoreBodies();
     RestoreValues();
     RestoreScene();
     RestoreParticles();
-    App::Instance().GetSelection().Set(m_selection);
+    m_scene.GetSelection().Set(m_selection);
 }
 
 void Snapshot::ResetEntities() const {
@@ -72,10 +72,9 @@ void Snapshot::RestoreBodies() const {
 }
 
 void Snapshot::RestoreScene() const {
-    App& app = App::Instance();
     for (const EntityRecord& record : m_entities) {
         record.m_entity->SetChain(record.m_chain);
-        app.AddEntity(record.m_entity);
+        m_scene.AddEntity(record.m_entity);
     }
 }
 

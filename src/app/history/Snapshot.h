@@ -16,9 +16,10 @@ namespace app {
 // outlines.
 class Snapshot : public util::Pointee {
   public:
-    Snapshot();  // of the present scene
+    explicit Snapshot(Scene& scene);
     ~Snapshot() noexcept(false) override;
 
+    Scene& GetScene() const { return m_scene; }
     // Replaces the scene, its bodies and its water by the saved ones, velocities and selection included.
     void Restore() const;
 
@@ -50,6 +51,7 @@ class Snapshot : public util::Pointee {
     void RestoreScene() const;
     void RestoreParticles() const;
 
+    Scene& m_scene;
     std::vector<EntityRecord> m_entities;  // in scene order
     std::vector<BodyRecord> m_bodies;      // the world body among them, or planes would get their own
     std::vector<ParticleRecord> m_particles;

@@ -1,6 +1,5 @@
 #include "app/history/Undoer.h"
 
-#include "app/App.h"
 #include "app/history/Actions.h"
 #include "app/history/Snapshot.h"
 
@@ -12,17 +11,13 @@ void DropOldest(std::deque<ActionPtr>& stack, size_t limit) {
     while (stack.size() > limit) stack.pop_front();
 }
 
-void InterruptGestures() {
-    App::Instance().GetOnInterrupt().CallAll();
-}
-
 }  // namespace
 
 Undoer::Undoer() = default;
 Undoer::~Undoer() noexcept(false) = default;
 
 void Undoer::Do(const ActionPtr& action) {
-    if (!action->KeepsScene()) InterruptGestures();
+    if (!action->KeepsScene()) m_onInterrupt.CallAll();
     m_redo.clear();
     action->Do();
     m_undo.push_back(action);
@@ -33,7 +28,7 @@ void Undoer::Do(const ActionPtr& action) {
 // The action changes stacks before it runs: should restoring fail, a step back repairs what it left.
 void Undoer::Undo() {
     if (m_undo.empty()) return;
-    InterruptGestures();
+    m_onInterrupt.CallAll();
     const ActionPtr action = m_undo.back();
     m_undo.pop_back();
     m_redo.push_back(action);
@@ -44,7 +39,7 @@ void Undoer::Undo() {
 
 void Undoer::Redo() {
     if (m_redo.empty()) return;
-    InterruptGestures();
+    m_onInterrupt.CallAll();
     const ActionPtr action = m_redo.back();
     m_redo.pop_back();
     m_undo.push_back(action);
@@ -55,14 +50,18 @@ void Undoer::Redo() {
 
 void Undoer::AddRestorer(const SnapshotPtr& before, const char* name) {
     m_redo.clear();
-    m_undo.push_back(new SnapshotRestorer(name, before, new Snapshot));
+    m_undo.push_back(new SnapshotRestorer(name, before, new Snapshot(before->GetScene())));
     m_onChange.CallAll();
 }
 
 void Undoer::Trim() {
-    const size_t limit = App::Instance().m_maxUndo->Get();
-    DropOldest(m_undo, limit);
-    DropOldest(m_redo, limit);
+    DropOldest(m_undo, m_limit);
+    DropOldest(m_redo, m_limit);
+}
+
+void Undoer::SetLimit(size_t limit) {
+    m_limit = limit;
+    Trim();
 }
 
 void Undoer::Clear() {

@@ -12,10 +12,12 @@ namespace app {
 // App's `maxUndo` bounds either stack. The stacks live as long as the program: loading a scene is a step
 // like any other.
 //
-// Each step first interrupts whatever gesture is under way (App::GetOnInterrupt). An action that fails has
+// Each step first interrupts whatever gesture is under way (GetOnInterrupt). An action that fails has
 // already changed stacks, so one more step the other way repairs the scene.
 class Undoer : public util::Pointee, public util::Singleton<Undoer> {
   public:
+    static constexpr size_t DEFAULT_LIMIT = 10;
+
     Undoer();
     ~Undoer() noexcept(false) override;
 
@@ -28,6 +30,7 @@ class Undoer : public util::Pointee, public util::Singleton<Undoer> {
     // App's next update does.
     void AddRestorer(const SnapshotPtr& before, const char* name);
 
+    void SetLimit(size_t limit);  // of steps in either stack
     void Trim();
     void Clear();
 
@@ -37,12 +40,17 @@ class Undoer : public util::Pointee, public util::Singleton<Undoer> {
     size_t GetUndoCount() const { return m_undo.size(); }
     size_t GetRedoCount() const { return m_redo.size(); }
 
+    // Fired before a step of the history or a load replaces the scene: whoever has a gesture under way
+    // drops it, for its entities and bodies are about to go.
+    util::CallbackSet& GetOnInterrupt() { return m_onInterrupt; }
     // For the buttons that show those names.
     util::CallbackSet& GetOnChange() { return m_onChange; }
 
   private:
     std::deque<ActionPtr> m_undo;  // the last action at the back
     std::deque<ActionPtr> m_redo;
+    size_t m_limit = DEFAULT_LIMIT;
+    util::CallbackSet m_onInterrupt;
     util::CallbackSet m_onChange;
 };
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "app/App.h"
 #include "app/entities/Chain.h"
 #include "app/entities/GeomEntity.h"
+#include "app/scene/Scene.h"
 #include "input/Input.h"
 #include "physics/Body.h"
 #include "physics/Simulation.h"
@@ -19,7 +19,7 @@ void Selection::Add(const EntityPtr& entity) {
 
 bool Selection::SelectAt(math::Vec2 point, bool single) {
     m_entities.clear();
-    const EntityPtr entity = App::Instance().GetEntityAt(point);
+    const EntityPtr entity = m_scene.GetEntityAt(point);
     if (!entity) return false;
     Add(entity);
     if (!single) Widen(entity);
@@ -31,15 +31,14 @@ bool Selection::ClickAt(math::Vec2 point) {
 }
 
 void Selection::Widen(const EntityPtr& entity) {
-    const App& app = App::Instance();
     if (entity->GetChain()) {
         for (const EntityPtr& link : entity->GetChain()->GetNeighbors(entity, true)) {
             // Undo and erasing leave links behind that only the history still holds.
-            if (app.HasEntity(link)) m_entities.insert(link);
+            if (m_scene.HasEntity(link)) m_entities.insert(link);
         }
     }
     if (!entity->HasGroup()) return;
-    for (const EntityPtr& other : app.GetEntities()) {
+    for (const EntityPtr& other : m_scene.GetEntities()) {
         if (other->GetGroup() == entity->GetGroup()) m_entities.insert(other);
     }
 }
@@ -67,9 +66,9 @@ math::Vec2 Selection::GetCenter(math::Vec2 fallback) const {
 }
 
 void Selection::MoveToTop() const {
-    EntityList order = App::Instance().GetEntities();
+    EntityList order = m_scene.GetEntities();
     std::stable_partition(order.begin(), order.end(), [this](const EntityPtr& e) { return !Has(e); });
-    App::Instance().SetEntityOrder(order);
+    m_scene.SetEntityOrder(order);
 }
 
 }  // namespace app

@@ -6,10 +6,14 @@
 
 namespace app {
 
-// The selected entities. They are drawn with App's selectColor and a pulse. App takes out the ones that
-// leave the scene.
+class Scene;
+
+// The selected entities of a scene, which takes out the ones that leave it. They are drawn with App's
+// selectColor and a pulse.
 class Selection {
   public:
+    explicit Selection(Scene& scene) : m_scene(scene) {}
+
     void Add(const EntityPtr& entity);  // null is a failed assertion
     void Remove(const EntityPtr& entity) { m_entities.erase(entity); }
     void Clear() { m_entities.clear(); }
@@ -37,6 +41,7 @@ class Selection {
   private:
     void Widen(const EntityPtr& entity);
 
+    Scene& m_scene;
     EntitySet m_entities;
 };
 

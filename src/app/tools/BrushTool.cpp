@@ -2,12 +2,13 @@
 
 #include <algorithm>
 
-#include "app/App.h"
 #include "app/entities/PlaneEntity.h"
 #include "app/entities/PolyEntity.h"
 #include "app/history/Actions.h"
 #include "app/history/Snapshot.h"
 #include "app/history/Undoer.h"
+#include "app/scene/Scene.h"
+#include "app/scene/View.h"
 #include "app/tools/StrokeAnalysis.h"
 #include "input/Input.h"
 #include "input/Key.h"
@@ -54,7 +55,7 @@ EntitySet Doom(const EntitySet& crossed, const EntitySet& selected) {
 
 void BrushTool::OnDragStart(gui::DragEvent& event) {
     if (event.m_handled || event.m_key != gui::Key::LeftMouse) return;
-    const Vec2 world = App::Instance().GUIToWorld(event.m_position);
+    const Vec2 world = m_view.GUIToWorld(event.m_position);
     if (!MayDrawAt(world)) return;
     m_drawing = true;
     event.m_handled = true;
@@ -67,19 +68,19 @@ void BrushTool::OnDrag(gui::DragEvent& event) {
     event.m_handled = true;
     // Draw shows a straight line to the mouse meanwhile.
     if (gui::Input::Instance().IsModifierDown(gui::Modifier::Shift)) return;
-    AppendPoint(App::Instance().GUIToWorld(event.m_position));
+    AppendPoint(m_view.GUIToWorld(event.m_position));
 }
 
 void BrushTool::OnKeyEvent(gui::KeyEvent& event) {
     Tool::OnKeyEvent(event);
     const bool shift = event.m_key == gui::Key::LeftShift || event.m_key == gui::Key::RightShift;
-    if (m_drawing && shift && !event.m_pressed) AppendPoint(App::Instance().GUIToWorld(event.m_position));
+    if (m_drawing && shift && !event.m_pressed) AppendPoint(m_view.GUIToWorld(event.m_position));
 }
 
 void BrushTool::OnDragEnd(gui::DragEvent& event) {
     if (event.m_handled || event.m_key != gui::Key::LeftMouse || !m_drawing) return;
     event.m_handled = true;
-    AppendPoint(App::Instance().GUIToWorld(event.m_position));
+    AppendPoint(m_view.GUIToWorld(event.m_position));
     // Idle before the analysis: what it does through the undoer cancels the active tool first.
     m_drawing = false;
     Vec2List stroke;
@@ -88,8 +89,7 @@ void BrushTool::OnDragEnd(gui::DragEvent& event) {
 }
 
 void BrushTool::AppendPoint(Vec2 world) {
-    const App& app = App::Instance();
-    const real minDistance = app.m_minPointDist->Get() * app.GetCmToWorld();
+    const real minDistance = m_settings.m_minPointDist->Get() * m_view.GetCmToWorld();
     const Vec2 last = m_points.back();
     if (world != last && minDistance <= math::Length(world - last)) m_points.push_back(world);
 }
@@ -100,7 +100,7 @@ void BrushTool::Draw() {
     const math::Vec4 kept = renderer.GetColor();
     renderer.SetColor(STROKE_COLOR);
     Vec2List strip = m_points;
-    const Vec2 mouse = App::Instance().GetMousePos();
+    const Vec2 mouse = m_view.GetMousePos();
     if (mouse != strip.back()) strip.push_back(mouse);
     renderer.DrawLines(strip, false);
     renderer.SetColor(kept);
@@ -126,16 +126,15 @@ void BrushTool::Analyse(const Vec2List& stroke) {
 void BrushTool::EraseAlong(const Vec2List& stroke) {
     physics::LineList lines;
     for (size_t i = 1; i < stroke.size(); ++i) lines.push_back({stroke[i - 1], stroke[i]});
-    const App& app = App::Instance();
     EntitySet crossed;
-    for (const EntityPtr& entity : app.GetEntities()) {
+    for (const EntityPtr& entity : m_scene.GetEntities()) {
         if (entity->CrossesLines(lines)) crossed.insert(entity);
     }
-    const EntitySet doomed = Doom(crossed, app.GetSelection().Get());
-    if (!doomed.empty()) Undoer::Instance().Do(new EraseEntities(doomed));
+    const EntitySet doomed = Doom(crossed, m_scene.GetSelection().Get());
+    if (!doomed.empty()) Undoer::Instance().Do(new EraseEntities(m_scene, doomed));
 }
 
-physics::PolygonPtr BrushTool::IsPolygon(const Vec2List& stroke) {
+physics::PolygonPtr BrushTool::IsPolygon(const Vec2List& stroke) const {
     if (stroke.size() < 3) return nullptr;
     Vec2List loop = stroke;
     if (ExtractLoop(loop) != LoopResult::Loop) return nullptr;
@@ -143,8 +142,8 @@ physics::PolygonPtr BrushTool::IsPolygon(const Vec2List& stroke) {
     if (PathLength(loop) < PathLength(stroke) / 2) return nullptr;
     physics::PolygonPtr polygon;
     const auto make = [&] {
-        const App& app = App::Instance();
-        loop = physics::AssertMaxDist(loop, EdgeLimit(loop, app.m_maxPointDist->Get() * app.GetCmToWorld()));
+        const real wanted = m_settings.m_maxPointDist->Get() * m_view.GetCmToWorld();
+        loop = physics::AssertMaxDist(loop, EdgeLimit(loop, wanted));
         if (loop.size() >= 3) polygon = new physics::Polygon(loop);
     };
     util::Guarded(make, "", logging::Error);
@@ -152,7 +151,7 @@ physics::PolygonPtr BrushTool::IsPolygon(const Vec2List& stroke) {
 }
 
 void BrushTool::CreateEntity(const physics::PolygonPtr& polygon) {
-    const SnapshotPtr before = new Snapshot;
+    const SnapshotPtr before = new Snapshot(m_scene);
     AddToScene(new PolyEntity(polygon), before, "UndoPolygon");
 }
 

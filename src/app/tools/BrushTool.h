@@ -16,6 +16,8 @@ namespace app {
 // With shift down the stroke gets a straight edge to the place where shift comes up.
 class BrushTool : public Tool {
   public:
+    using Tool::Tool;
+
     void OnDragStart(gui::DragEvent& event) override;
     void OnDrag(gui::DragEvent& event) override;
     void OnDragEnd(gui::DragEvent& event) override;
@@ -30,11 +32,11 @@ class BrushTool : public Tool {
     // Ignored within minPointDist of the last point.
     void AppendPoint(math::Vec2 world);
 
-    static void Analyse(const math::Vec2List& stroke);
-    static void EraseAlong(const math::Vec2List& stroke);
+    void Analyse(const math::Vec2List& stroke);
+    void EraseAlong(const math::Vec2List& stroke);
     // The polygon that the stroke means, or null.
-    static physics::PolygonPtr IsPolygon(const math::Vec2List& stroke);
-    static void CreateEntity(const physics::PolygonPtr& polygon);
+    physics::PolygonPtr IsPolygon(const math::Vec2List& stroke) const;
+    void CreateEntity(const physics::PolygonPtr& polygon);
 
     math::Vec2List m_points;  // world coordinates, in drawing order; no two equal ones in a row
     bool m_drawing = false;

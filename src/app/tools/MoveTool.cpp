@@ -1,7 +1,6 @@
 #include "app/tools/MoveTool.h"
 
-#include "app/App.h"
-#include "app/entities/Entity.h"
+#include "app/scene/View.h"
 #include "input/Input.h"
 #include "input/Key.h"
 
@@ -9,7 +8,7 @@ namespace app {
 
 void MoveTool::OnDragStart(gui::DragEvent& event) {
     if (event.m_handled || event.m_key != gui::Key::LeftMouse) return;
-    if (!m_drag.Take(App::Instance().GUIToWorld(event.m_position))) return;
+    if (!m_drag.Take(m_view.GUIToWorld(event.m_position))) return;
     event.m_handled = true;
     m_cloning = gui::Input::Instance().IsModifierDown(gui::Modifier::Ctrl);
     if (m_cloning) m_drag.Clone();
@@ -19,9 +18,8 @@ void MoveTool::OnDragStart(gui::DragEvent& event) {
 void MoveTool::OnDrag(gui::DragEvent& event) {
     if (!m_drag.IsHolding()) return;
     event.m_handled = true;
-    const App& app = App::Instance();
     const math::Vec2 delta =
-        app.GUIToWorld(event.m_position) - app.GUIToWorld(event.m_position - event.m_delta);
+        m_view.GUIToWorld(event.m_position) - m_view.GUIToWorld(event.m_position - event.m_delta);
     m_drag.Transform(math::RigidTransform(0, delta));
 }
 

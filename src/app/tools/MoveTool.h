@@ -8,6 +8,8 @@ namespace app {
 // A left drag on an entity carries the selection along; with ctrl down at the press a copy of it.
 class MoveTool : public Tool {
   public:
+    explicit MoveTool(const Workbench& bench) : Tool(bench), m_drag(bench.m_scene) {}
+
     void OnDragStart(gui::DragEvent& event) override;
     void OnDrag(gui::DragEvent& event) override;
     void OnDragEnd(gui::DragEvent& event) override;

@@ -1,15 +1,15 @@
 #include "app/tools/PanTool.h"
 
-#include "app/App.h"
 #include "app/entities/Entity.h"
+#include "app/scene/Scene.h"
+#include "app/scene/View.h"
 #include "input/Key.h"
 
 namespace app {
 
 void PanTool::OnDragStart(gui::DragEvent& event) {
     if (event.m_handled) return;
-    const App& app = App::Instance();
-    if (app.GetEntityAt(app.GUIToWorld(event.m_position))) return;
+    if (m_scene.GetEntityAt(m_view.GUIToWorld(event.m_position))) return;
     m_grabbed = true;
     event.m_handled = true;
 }
@@ -17,7 +17,7 @@ void PanTool::OnDragStart(gui::DragEvent& event) {
 void PanTool::OnDrag(gui::DragEvent& event) {
     if (!m_grabbed) return;
     event.m_handled = true;
-    App::Instance().Pan(event.m_delta.x, event.m_delta.y, false);
+    m_view.Pan(event.m_delta.x, event.m_delta.y, false);
 }
 
 // A drag with any other button keeps the view grabbed: only the right button lets go.

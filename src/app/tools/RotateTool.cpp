@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "app/App.h"
-#include "app/entities/Entity.h"
+#include "app/scene/Scene.h"
+#include "app/scene/View.h"
 #include "input/Input.h"
 #include "input/Key.h"
 #include "math/Geometry.h"
@@ -43,23 +43,26 @@ math::RigidTransform RotationAbout(Vec2 pivot, real angle) {
 
 }  // namespace
 
-RotateTool::RotateTool() : m_pivotTexture(rendering::TextureManager::Instance().Get("rotate_origo.png")) {}
+RotateTool::RotateTool(const Workbench& bench)
+    : Tool(bench),
+      m_drag(bench.m_scene),
+      m_pivotTexture(rendering::TextureManager::Instance().Get("rotate_origo.png")) {}
 
 void RotateTool::OnDragStart(gui::DragEvent& event) {
     if (event.m_handled || event.m_key != gui::Key::RightMouse) return;
-    const Vec2 world = App::Instance().GUIToWorld(event.m_position);
+    const Vec2 world = m_view.GUIToWorld(event.m_position);
     if (!m_drag.Take(world)) return;
     event.m_handled = true;
-    m_pivot = App::Instance().GetSelection().GetCenter(world);
+    m_pivot = m_scene.GetSelection().GetCenter(world);
     m_accumulated = m_applied = 0;
 }
 
 void RotateTool::OnDrag(gui::DragEvent& event) {
     if (!m_drag.IsTaken() || event.m_key != gui::Key::RightMouse) return;
     event.m_handled = true;
-    const Vec2 mouse = App::Instance().GUIToWorld(event.m_position);
+    const Vec2 mouse = m_view.GUIToWorld(event.m_position);
     if (!m_drag.IsHolding()) {
-        if (math::Length(mouse - m_pivot) <= DEAD_RADIUS * App::Instance().GetCmToWorld()) return;
+        if (math::Length(mouse - m_pivot) <= DEAD_RADIUS * m_view.GetCmToWorld()) return;
         Start(mouse);
     }
     Turn(mouse);
@@ -126,7 +129,7 @@ void RotateTool::DrawPivot() {
     const rendering::ScopedTexture texture(m_pivotTexture->Get());
     rendering::Renderer& renderer = rendering::Renderer::Instance();
     renderer.SetColor({1, 1, 1, 1});
-    const real half = PIVOT_PICTURE * App::Instance().GetCmToWorld();
+    const real half = PIVOT_PICTURE * m_view.GetCmToWorld();
     renderer.DrawQuad(m_pivot - Vec2(half, half), m_pivot + Vec2(half, half));
 }
 

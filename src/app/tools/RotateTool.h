@@ -9,7 +9,7 @@ namespace app {
 // A right drag on an entity turns the selection about its centre, with shift in steps of 15 degrees.
 class RotateTool : public Tool {
   public:
-    RotateTool();
+    explicit RotateTool(const Workbench& bench);
 
     void OnDragStart(gui::DragEvent& event) override;
     void OnDrag(gui::DragEvent& event) override;

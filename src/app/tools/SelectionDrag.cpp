@@ -2,17 +2,16 @@
 
 #include <set>
 
-#include "app/App.h"
 #include "app/entities/GeomEntity.h"
-#include "app/history/Actions.h"
 #include "app/history/Cloning.h"
 #include "app/history/Snapshot.h"
 #include "app/history/Undoer.h"
+#include "app/scene/Scene.h"
 #include "physics/Body.h"
 
 namespace app {
 
-SelectionDrag::SelectionDrag() = default;
+SelectionDrag::SelectionDrag(Scene& scene) : m_scene(scene) {}
 SelectionDrag::~SelectionDrag() = default;
 
 bool SelectionDrag::IsTaken() const {
@@ -20,25 +19,23 @@ bool SelectionDrag::IsTaken() const {
 }
 
 bool SelectionDrag::Take(math::Vec2 world) {
-    App& app = App::Instance();
-    const EntityPtr entity = app.GetEntityAt(world);
+    const EntityPtr entity = m_scene.GetEntityAt(world);
     if (!entity) return false;
-    Selection& selection = app.GetSelection();
+    Selection& selection = m_scene.GetSelection();
     if (!selection.Has(entity)) selection.ClickAt(world);
     selection.MoveToTop();
-    m_before = new Snapshot;
+    m_before = new Snapshot(m_scene);
     return true;
 }
 
 void SelectionDrag::Clone() {
-    App::Instance().GetSelection().Set(CloneIntoScene(App::Instance().GetSelection().Get()));
+    m_scene.GetSelection().Set(CloneIntoScene(m_scene, m_scene.GetSelection().Get()));
 }
 
 void SelectionDrag::Hold() {
-    App& app = App::Instance();
-    m_entities = SceneOrder(app.GetSelection().Get());
-    m_bodies = app.GetSelection().GetBodies();
-    app.HoldBodies(m_bodies);
+    m_entities = SceneOrder(m_scene, m_scene.GetSelection().Get());
+    m_bodies = m_scene.GetSelection().GetBodies();
+    m_scene.HoldBodies(m_bodies);
     m_holding = true;
     for (const EntityPtr& entity : m_entities) entity->BeginMove();
 }
@@ -80,7 +77,7 @@ void SelectionDrag::Release() {
     entities.swap(m_entities);
     physics::BodyList bodies;
     bodies.swap(m_bodies);
-    App::Instance().ReleaseBodies(bodies);
+    m_scene.ReleaseBodies(bodies);
     for (const EntityPtr& entity : entities) entity->EndMove();
 }
 

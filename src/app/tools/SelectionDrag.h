@@ -10,7 +10,7 @@ namespace app {
 // transforming it, letting go, and the way back.
 class SelectionDrag {
   public:
-    SelectionDrag();
+    explicit SelectionDrag(Scene& scene);
     ~SelectionDrag();
 
     // Takes the entity under the point with all that is selected; one that is not selected is selected
@@ -32,6 +32,7 @@ class SelectionDrag {
   private:
     void Release();
 
+    Scene& m_scene;
     SnapshotPtr m_before;        // of the moment of taking; null while idle
     EntityList m_entities;       // held, in scene order
     physics::BodyList m_bodies;  // of m_entities, each once

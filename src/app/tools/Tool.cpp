@@ -1,10 +1,9 @@
 #include "app/tools/Tool.h"
 
-#include "app/App.h"
 #include "app/entities/Entity.h"
-#include "app/history/Actions.h"
 #include "app/history/Snapshot.h"
 #include "app/history/Undoer.h"
+#include "app/scene/Scene.h"
 #include "input/Key.h"
 
 namespace app {
@@ -15,25 +14,22 @@ void Tool::OnKeyEvent(gui::KeyEvent& event) {
     event.m_handled = Cancel();
 }
 
-bool Tool::MayDrawAt(math::Vec2 world) {
-    const App& app = App::Instance();
-    return app.GetGUISettings().m_drawInside->Get() || !app.GetEntityAt(world);
+bool Tool::MayDrawAt(math::Vec2 world) const {
+    return m_settings.m_drawInside->Get() || !m_scene.GetEntityAt(world);
 }
 
 void Tool::AddToScene(const EntityPtr& entity, const SnapshotPtr& before, const char* undoName) {
-    App& app = App::Instance();
-    app.AddEntity(entity);
+    m_scene.AddEntity(entity);
     Undoer::Instance().AddRestorer(before, undoName);
 }
 
 bool Tool::SelectInside(const physics::Polygon& lasso) {
-    App& app = App::Instance();
     EntitySet inside;
-    for (const EntityPtr& entity : app.GetEntities()) {
+    for (const EntityPtr& entity : m_scene.GetEntities()) {
         if (entity->IsInsidePolygon(lasso)) inside.insert(entity);
     }
     if (inside.empty()) return false;
-    app.GetSelection().Set(inside);
+    m_scene.GetSelection().Set(inside);
     return true;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Fwd.h"
+#include "app/tools/ToolSettings.h"
 #include "input/InputListener.h"
 #include "math/Vector.h"
 #include "physics/Fwd.h"
@@ -16,6 +17,9 @@ namespace app {
 // gesture, with the snapshot of its start.
 class Tool : public gui::InputListener {
   public:
+    explicit Tool(const Workbench& bench)
+        : m_scene(bench.m_scene), m_view(bench.m_view), m_settings(bench.m_settings) {}
+
     // Once a frame while the tool is the active one.
     virtual void Update() {}
     // The preview, in world coordinates, over the scene.
@@ -28,13 +32,17 @@ class Tool : public gui::InputListener {
   protected:
     // Whether a shape may be drawn from this world point on: on empty ground, or anywhere if the user
     // wants to draw inside shapes.
-    static bool MayDrawAt(math::Vec2 world);
+    bool MayDrawAt(math::Vec2 world) const;
 
     // Ends the making of a shape: it joins the scene and the change goes to the undoer. `before` was taken
     // at the gesture's start, `undoName` is a language key.
-    static void AddToScene(const EntityPtr& entity, const SnapshotPtr& before, const char* undoName);
+    void AddToScene(const EntityPtr& entity, const SnapshotPtr& before, const char* undoName);
     // Makes all entities that lie inside the lasso the selection. Whether there are any.
-    static bool SelectInside(const physics::Polygon& lasso);
+    bool SelectInside(const physics::Polygon& lasso);
+
+    Scene& m_scene;
+    View& m_view;
+    const ToolSettings& m_settings;
 };
 
 }  // namespace app

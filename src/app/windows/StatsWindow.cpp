@@ -2,9 +2,7 @@
 
 #include <boost/format.hpp>
 
-#include "app/App.h"
-#include "app/AppGUI.h"
-#include "app/files/SceneLoader.h"
+#include "app/scene/Scene.h"
 #include "gui/GUI.h"
 #include "gui/components/Label.h"
 #include "input/WindowHost.h"
@@ -25,10 +23,13 @@ String GetFrameRate() {
 
 }  // namespace
 
-StatsWindow::StatsWindow()
-    : Window("Statistics", new gui::ListLayout(gui::ListLayout::Vertical)), m_text(new gui::Label) {
+StatsWindow::StatsWindow(const Scene& scene, gui::Component& desktop)
+    : Window("Statistics", new gui::ListLayout(gui::ListLayout::Vertical)),
+      m_scene(scene),
+      m_desktop(desktop),
+      m_text(new gui::Label) {
     SetReflectedName("Statistics");
-    SetTearOffTarget(&App::Instance());
+    SetTearOffTarget(&m_desktop);
     AddCloseButton();
     AddChild(m_text);
 }
@@ -36,14 +37,13 @@ StatsWindow::StatsWindow()
 StatsWindow::~StatsWindow() noexcept(false) = default;
 
 void StatsWindow::Update(float dt) {
-    FollowSceneName();
     ShowText();
     if (IsDocked()) Dock();
     Window::Update(dt);
 }
 
 bool StatsWindow::IsDocked() const {
-    return GetParent() != nullptr && GetParent() != &App::Instance() && !IsDragged();
+    return GetParent() != nullptr && GetParent() != &m_desktop && !IsDragged();
 }
 
 // Follows its parent's size without wobbling.
@@ -56,20 +56,11 @@ void StatsWindow::Dock() {
 
 void StatsWindow::ShowText() {
     String text = GetFrameRate() + physics::Simulation::Instance().GetStats();
-    if (!m_sceneName.empty()) text += "Scene: " + m_sceneName + "\n";
+    if (!m_scene.GetName().empty()) text += "Scene: " + m_scene.GetName() + "\n";
     if (!text.empty()) text.pop_back();
     if (text == m_text->GetText()) return;
     m_text->SetText(text);
     if (m_text->GetSize().x < WIDTH) m_text->SetSize(WIDTH, m_text->GetSize().y);
-}
-
-void StatsWindow::FollowSceneName() {
-    const AppGUIPtr& interface = App::Instance().GetAppGUI();
-    const String& loaded = SceneLoader::GetLoadedName();
-    if (loaded != m_loadedName) m_sceneName = m_loadedName = loaded;
-    if (interface && interface->GetSceneName() != m_savedName) {
-        m_sceneName = m_savedName = interface->GetSceneName();
-    }
 }
 
 }  // namespace app

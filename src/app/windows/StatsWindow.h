@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/Fwd.h"
 #include "gui/Fwd.h"
 #include "gui/Window.h"
 
@@ -9,7 +10,8 @@ namespace app {
 // corner of its parent until the user drags it off, and then a child of the world view.
 class StatsWindow : public gui::Window {
   public:
-    StatsWindow();
+    // Torn off it becomes a child of the desktop.
+    StatsWindow(const Scene& scene, gui::Component& desktop);
     ~StatsWindow() noexcept(false) override;
 
     void Update(float dt) override;
@@ -18,12 +20,10 @@ class StatsWindow : public gui::Window {
     bool IsDocked() const;
     void Dock();
     void ShowText();
-    void FollowSceneName();
 
+    const Scene& m_scene;
+    gui::Component& m_desktop;
     gui::LabelPtr m_text;
-    String m_sceneName;   // of the file that was loaded or saved last; empty for none
-    String m_loadedName;  // the last of each that has been seen
-    String m_savedName;
 };
 
 }  // namespace app

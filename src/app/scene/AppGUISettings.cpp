@@ -1,4 +1,4 @@
-#include "app/AppGUISettings.h"
+#include "app/scene/AppGUISettings.h"
 
 namespace app {
 

@@ -1,12 +1,13 @@
+#include "app/drawing/SceneRenderer.h"
+
 #include <cmath>
 
-#include "app/App.h"
-#include "app/AppGUI.h"
 #include "app/drawing/Background.h"
 #include "app/drawing/DebugViews.h"
 #include "app/drawing/WaterPainter.h"
-#include "app/entities/CircleEntity.h"
-#include "app/tools/Tool.h"
+#include "app/entities/GeomEntity.h"
+#include "app/scene/Scene.h"
+#include "app/scene/View.h"
 #include "input/Input.h"
 #include "physics/SPH.h"
 #include "physics/Simulation.h"
@@ -16,9 +17,6 @@
 #include "rendering/ShapePainter.h"
 #include "util/Clock.h"
 #include "util/ProfileTree.h"
-
-// The frame of the world view. The order of the passes is the design: the frame buffer is scratch paper for
-// the water's field before the picture proper begins.
 
 namespace app {
 
@@ -54,16 +52,20 @@ const physics::ParticleList& GetParticles() {
 
 }  // namespace
 
-void App::MakeDrawingResources() {
-    if (m_background) return;
-    m_waterPainter = new WaterPainter;
-    m_background = new Background;
-    AddReflected(m_background);
+SceneRenderer::SceneRenderer(const Scene& scene, const View& view, script::Reflected& owner)
+    : m_scene(scene),
+      m_view(view),
+      m_settings(owner),
+      m_background(new Background(view, m_settings.m_drawClouds)),
+      m_waterPainter(new WaterPainter(m_settings.m_waterFanceyFactor)) {}
+
+SceneRenderer::~SceneRenderer() = default;
+
+void SceneRenderer::Update(float dt) {
+    m_background->Update(dt);
 }
 
-void App::DrawComp() {
-    PROFILE_SECTION("App::DrawComp");
-    MakeDrawingResources();
+void SceneRenderer::Draw(const std::function<void()>& drawOver) {
     if (HasWaterField()) m_waterPainter->DrawField(GetParticles(), GetWaterView());
 
     const rendering::ScopedAttribs attribs;
@@ -76,44 +78,43 @@ void App::DrawComp() {
         DrawFade();
         BlendByAlpha();
     }
-    m_background->SetSize(GetSize().x, GetSize().y);
+    m_background->SetSize(m_view.GetSize().x, m_view.GetSize().y);
     m_background->Draw();
     if (!GetParticles().empty()) DrawWater();
 
-    glLineWidth(m_lineWidth->Get());
-    glPointSize(m_pointSize->Get());
+    glLineWidth(m_settings.m_lineWidth->Get());
+    glPointSize(m_settings.m_pointSize->Get());
     BlendByAlpha();
-    Renderer::Instance().MultMatrix(m_worldToGUI);
+    Renderer::Instance().MultMatrix(m_view.GetWorldToGUI());
     DrawEntities();
     DrawDebugViews();
-    if (m_appGUI) m_appGUI->GetTool().Draw();
+    drawOver();
     rendering::ShapePainter::Instance().Flush();
     CaptureFade();
 }
 
-// ---- water
-// -------------------------------------------------------------------------------------------------
+// ---- water ----------------------------------------------------------------------------------------------
 
 // Without alpha bits in the frame buffer every pixel would pass the cut.
-bool App::HasWaterField() const {
-    return !GetParticles().empty() && !m_simpleWater->Get() && rendering::Context::HasAlpha();
+bool SceneRenderer::HasWaterField() const {
+    return !GetParticles().empty() && !m_settings.m_simpleWater->Get() && rendering::Context::HasAlpha();
 }
 
-WaterView App::GetWaterView() const {
+WaterView SceneRenderer::GetWaterView() const {
     WaterView view;
-    view.worldToGUI = m_worldToGUI;
-    view.box = GetViewBox();
-    view.size = GetSize();
+    view.worldToGUI = m_view.GetWorldToGUI();
+    view.box = m_view.GetViewBox();
+    view.size = m_view.GetSize();
     view.guiScale = GetGUIScale();
     view.radius = physics::SPH::Instance().m_radius->Get();
-    view.elongation = m_waterElongation->Get();
-    view.maxElongation = m_waterMaxElongation->Get();
-    view.cutoff = m_metaCutoff->Get();
-    view.color = m_waterColor->Get();
+    view.elongation = m_settings.m_waterElongation->Get();
+    view.maxElongation = m_settings.m_waterMaxElongation->Get();
+    view.cutoff = m_settings.m_metaCutoff->Get();
+    view.color = m_settings.m_waterColor->Get();
     return view;
 }
 
-void App::DrawWater() {
+void SceneRenderer::DrawWater() {
     PROFILE_SECTION("Water");
     if (HasWaterField()) {
         m_waterPainter->DrawSurface(GetWaterView());
@@ -124,42 +125,46 @@ void App::DrawWater() {
 
 // ---- the scene -------------------------------------------------------------------------------------------
 
-void App::DrawEntities() {
+void SceneRenderer::DrawEntities() {
     PROFILE_SECTION("Entities");
     rendering::ShapeView view;
-    view.box = GetViewBox();
-    view.pixelSize = GetWorldPerGUI() / GetGUIScale();
-    view.borderWidth = m_borderWidth->Get() * GetCmToWorld();
-    view.borders = m_borders->Get();
+    view.box = m_view.GetViewBox();
+    view.pixelSize = m_view.GetWorldPerGUI() / GetGUIScale();
+    view.borderWidth = m_settings.m_borderWidth->Get() * m_view.GetCmToWorld();
+    view.borders = m_settings.m_borders->Get();
     rendering::ShapePainter& painter = rendering::ShapePainter::Instance();
     painter.SetView(view);
 
     const float pulse = GetPulse();
-    const Vec3 selected = m_selectColor->Get();
-    for (const EntityPtr& entity : m_entities) {
-        if (!entity->GetBoundingBox().Overlaps(view.box)) continue;
-        const bool isSelected = m_selection.Has(entity);
-        const float tint = isSelected ? pulse : 1;
-        entity->SetTint({tint, tint, tint});
-        Renderer::Instance().SetColor(isSelected ? Vec4(selected.x, selected.y, selected.z, 1) : WHITE);
-        // Waiting circles lie below whatever comes next.
-        if (dynamic_cast<const CircleEntity*>(entity.Get()) == nullptr) painter.Flush();
-        entity->Draw();
+    for (const EntityPtr& entity : m_scene.GetEntities()) {
+        if (entity->GetBoundingBox().Overlaps(view.box)) DrawEntity(*entity, pulse);
     }
     painter.Flush();
     Renderer::Instance().SetColor(WHITE);
 }
 
-void App::DrawDebugViews() {
-    if (m_drawBodyCenters->Get()) DrawBodyCenters(physics::Simulation::Instance().GetBodies());
-    if (m_drawParticleCenters->Get()) DrawParticleCenters(GetParticles());
-    if (m_drawCollisions->Get()) DrawContacts(CONTACT_NORMAL * GetWorldPerGUI());
+void SceneRenderer::DrawEntity(Entity& entity, float pulse) {
+    const bool isSelected = m_scene.GetSelection().Has(&entity);
+    const float tint = isSelected ? pulse : 1;
+    const Vec3 selected = m_settings.m_selectColor->Get();
+    entity.SetTint({tint, tint, tint});
+    Renderer::Instance().SetColor(isSelected ? Vec4(selected.x, selected.y, selected.z, 1) : WHITE);
+    entity.Draw();
+    if (const auto* const shape = dynamic_cast<const FiniteGeomEntity*>(&entity)) {
+        DrawDebugLayers(*shape->GetGeom(), m_settings);
+    }
+}
+
+void SceneRenderer::DrawDebugViews() {
+    if (m_settings.m_drawBodyCenters->Get()) DrawBodyCenters(physics::Simulation::Instance().GetBodies());
+    if (m_settings.m_drawParticleCenters->Get()) DrawParticleCenters(GetParticles());
+    if (m_settings.m_drawCollisions->Get()) DrawContacts(CONTACT_NORMAL * m_view.GetWorldPerGUI());
 }
 
 // ---- the fading trail of former frames -------------------------------------------------------------------
 
-void App::DrawFade() {
-    const Vec3 color = m_fadeColor->Get();
+void SceneRenderer::DrawFade() {
+    const Vec3 color = m_settings.m_fadeColor->Get();
     if (color == Vec3(0, 0, 0)) return;
     // Before the first capture the texture is blank, which adds nothing.
     if (!m_fadeTexture || m_fadeGeneration != rendering::Context::GetGeneration()) return;
@@ -167,19 +172,20 @@ void App::DrawFade() {
     glBlendFunc(GL_ONE, GL_ONE);
     const rendering::ScopedMatrix matrix;
     const rendering::ScopedTexture frame(m_fadeTexture->Get());
-    const Vec2 shift = m_fadeTranslate->Get(), scale = m_fadeScale->Get(), middle = GetMiddle();
+    const Vec2 shift = m_settings.m_fadeTranslate->Get(), scale = m_settings.m_fadeScale->Get(),
+               middle = m_view.GetMiddle();
     glTranslatef(shift.x, shift.y, 0);
     glTranslatef(middle.x, middle.y, 0);
-    glRotatef(m_fadeRotate->Get(), 0, 0, 1);
+    glRotatef(m_settings.m_fadeRotate->Get(), 0, 0, 1);
     glScalef(scale.x, scale.y, 1);
     glTranslatef(-middle.x, -middle.y, 0);
     Renderer::Instance().SetColor({color.x, color.y, color.z, 1});
-    DrawFrameQuad(GetSize(), GetGUIScale());
+    DrawFrameQuad(m_view.GetSize(), GetGUIScale());
     Renderer::Instance().SetColor(WHITE);
 }
 
-void App::CaptureFade() {
-    if (m_fadeColor->Get() == Vec3(0, 0, 0)) return;
+void SceneRenderer::CaptureFade() {
+    if (m_settings.m_fadeColor->Get() == Vec3(0, 0, 0)) return;
     if (!m_fadeTexture) m_fadeTexture = MakeFrameTexture();
     const rendering::TexturePtr texture = m_fadeTexture->Get();
     if (!texture) return;

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "app/Fwd.h"
+#include "app/drawing/DrawSettings.h"
+#include "rendering/Texture.h"
+#include "util/SharedPtr.h"
+
+namespace app {
+
+class WaterPainter;
+struct WaterView;
+
+// Draws a scene as a view shows it. The order of the passes is the design: the frame buffer is scratch paper
+// for the water's field before the picture proper begins.
+//
+// Making it touches no GL; drawing does, and makes what it needs.
+class SceneRenderer {
+  public:
+    // The settings are declared as attributes of `owner`.
+    SceneRenderer(const Scene& scene, const View& view, script::Reflected& owner);
+    ~SceneRenderer();
+
+    void Update(float dt);  // seconds
+    // In GUI coordinates. `drawOver` draws in world coordinates, over the scene.
+    void Draw(const std::function<void()>& drawOver);
+
+    const DrawSettings& GetSettings() const { return m_settings; }
+    const BackgroundPtr& GetBackground() const { return m_background; }
+
+  private:
+    WaterView GetWaterView() const;
+    bool HasWaterField() const;
+    void DrawFade();
+    void CaptureFade();
+    void DrawWater();
+    void DrawEntities();
+    void DrawEntity(Entity& entity, float pulse);
+    void DrawDebugViews();
+
+    const Scene& m_scene;
+    const View& m_view;
+    const DrawSettings m_settings;
+    const BackgroundPtr m_background;
+    const util::SharedPtr<WaterPainter> m_waterPainter;
+    rendering::TextureMentorPtr m_fadeTexture;  // the last frame; null until fading is first asked for
+    uint32_t m_fadeGeneration = 0;              // of the context that m_fadeTexture has a frame of
+};
+
+}  // namespace app

@@ -1,0 +1,204 @@
+#include "app/scene/Scene.h"
+
+#include <algorithm>
+
+#include "app/entities/Chain.h"
+#include "app/entities/GeomEntity.h"
+#include "math/Color.h"
+#include "physics/Body.h"
+#include "physics/Simulation.h"
+#include "util/Assert.h"
+#include "util/Exception.h"
+
+namespace app {
+
+Scene::Scene() : m_selection(*this) {}
+Scene::~Scene() = default;
+
+// ---- each frame
+
+void Scene::Update(float dt) {
+    UpdateEntities(dt);
+    FlushBodies();
+}
+
+// An entity may die, or have others added and removed, while it is updated.
+void Scene::UpdateEntities(float dt) {
+    EntitySet dead;
+    for (size_t i = 0; i < m_entities.size(); ++i) {
+        const EntityPtr entity = m_entities[i];
+        if (entity->IsAlive()) {
+            entity->Update(dt);
+        } else {
+            dead.insert(entity);
+        }
+    }
+    if (!dead.empty()) RetireDead(dead);
+}
+
+void Scene::RetireDead(const EntitySet& dead) {
+    m_entities.erase(std::remove_if(m_entities.begin(), m_entities.end(),
+                                    [&dead](const EntityPtr& entity) { return dead.count(entity) != 0; }),
+                     m_entities.end());
+    for (const EntityPtr& entity : dead) Forget(entity);
+}
+
+void Scene::Forget(const EntityPtr& entity) {
+    m_selection.Remove(entity);
+    if (entity == m_trackedEntity) m_trackedEntity = nullptr;
+    entity->RemoveFromSimulation();
+}
+
+void Scene::FlushBodies() {
+    try {
+        physics::Simulation& simulation = physics::Simulation::Instance();
+        std::vector<const physics::Body*> needed;
+        for (const EntityPtr& entity : m_entities) {
+            entity->UpdateBodyPtr();
+            const auto* const shape = dynamic_cast<const GeomEntity*>(entity.Get());
+            if (shape != nullptr) needed.push_back(shape->GetBody().Get());
+        }
+        std::sort(needed.begin(), needed.end());
+        physics::BodyList unneeded;
+        for (const physics::BodyPtr& body : simulation.GetBodies()) {
+            if (!std::binary_search(needed.begin(), needed.end(), body.Get())) unneeded.push_back(body);
+        }
+        for (const physics::BodyPtr& body : unneeded) {
+            if (IsPlaceholder(*body)) continue;
+            simulation.RemoveBody(body);
+        }
+    }
+    PASS_ON_EXCEPTIONS
+}
+
+// A body of nothing but a world geom is what tools pull at: it needs no entity. The world body without
+// fixed shapes is one too, and otherwise the simulation refuses to remove it.
+bool Scene::IsPlaceholder(const physics::Body& body) {
+    if (body.GetGeoms().size() != 1) return false;
+    return dynamic_cast<const physics::WorldGeom*>(body.GetGeoms().begin()->Get()) != nullptr;
+}
+
+// ---- entities
+
+void Scene::AddEntity(const EntityPtr& entity) {
+    CODE_ASSERTION(entity);
+    if (!entity->HasColor()) entity->SetColor(GetNextColor());
+    entity->SetScene(this);
+    m_entities.push_back(entity);
+    entity->AddToSimulation();
+    if (entity->IsTracked()) Track(entity);
+}
+
+void Scene::RemoveEntity(const EntityPtr& entity) {
+    const auto found = std::find(m_entities.begin(), m_entities.end(), entity);
+    if (found != m_entities.end()) m_entities.erase(found);
+    Forget(entity);
+}
+
+// The bodies go first: taking shapes out of a body one by one would compute it anew each time.
+void Scene::Clear() {
+    physics::Simulation::Instance().Clear();
+    EntityList entities;
+    entities.swap(m_entities);
+    m_selection.Clear();
+    m_trackedEntity = nullptr;
+    for (const EntityPtr& entity : entities) entity->RemoveFromSimulation();
+}
+
+void Scene::SetEntityOrder(const EntityList& entities) {
+    CODE_ASSERTION(entities.size() == m_entities.size());
+    m_entities = entities;
+}
+
+bool Scene::HasEntity(const EntityPtr& entity) const {
+    return std::find(m_entities.begin(), m_entities.end(), entity) != m_entities.end();
+}
+
+EntityPtr Scene::GetEntityAt(math::Vec2 world) const {
+    const auto found = std::find_if(m_entities.rbegin(), m_entities.rend(), [world](const EntityPtr& entity) {
+        return entity->IsPointInside(world);
+    });
+    return found == m_entities.rend() ? nullptr : *found;
+}
+
+EntityList Scene::GetEntitiesAt(math::Vec2 world) const {
+    EntityList found;
+    std::copy_if(m_entities.rbegin(), m_entities.rend(), std::back_inserter(found),
+                 [world](const EntityPtr& entity) { return entity->IsPointInside(world); });
+    return found;
+}
+
+GeomList Scene::GetGeomsAt(math::Vec2 world) const {
+    GeomList geoms;
+    for (const EntityPtr& entity : GetEntitiesAt(world)) {
+        if (const auto shape = util::DynamicCast<GeomEntity>(entity)) geoms.push_back(shape->GetGeom());
+    }
+    geoms.push_back(physics::Simulation::Instance().GetWorldGeom());
+    return geoms;
+}
+
+math::BoundingBox2f Scene::GetExtent() const {
+    math::BoundingBox2f extent;
+    for (const EntityPtr& entity : m_entities) {
+        const math::BoundingBox2f box = entity->GetBoundingBox();
+        if (box.IsFinite()) extent.Extend(box);
+    }
+    return extent;
+}
+
+// ---- what belongs together
+
+void Scene::Track(const EntityPtr& entity) {
+    if (m_trackedEntity && m_trackedEntity != entity) m_trackedEntity->SetTracked(false);
+    m_trackedEntity = entity;
+    if (entity) entity->SetTracked(true);
+}
+
+bool Scene::HasChain(int id) const {
+    return std::any_of(m_entities.begin(), m_entities.end(), [id](const EntityPtr& entity) {
+        return entity->GetChain() && entity->GetChain()->GetID() == id;
+    });
+}
+
+int Scene::GetFreeGroup() const {
+    int free = 0;
+    for (const EntityPtr& entity : m_entities) {
+        if (entity->HasGroup()) free = std::max(free, entity->GetGroup() + 1);
+    }
+    return free;
+}
+
+int Scene::GetFreeChain() const {
+    int free = 0;
+    for (const EntityPtr& entity : m_entities) {
+        if (entity->GetChain()) free = std::max(free, entity->GetChain()->GetID() + 1);
+    }
+    return free;
+}
+
+// ---- bodies
+
+void Scene::HoldBodies(const physics::BodyList& bodies) {
+    for (const physics::BodyPtr& body : bodies) body->SetHeld(true);
+}
+
+void Scene::ReleaseBodies(const physics::BodyList& bodies) {
+    for (const physics::BodyPtr& body : bodies) body->SetHeld(false);
+}
+
+math::Vec3 Scene::GetNextColor() {
+    const float hue = m_random.GetUniform(0, 360);
+    const float saturation = m_random.GetUniform(0.5f, 0.9f);
+    const float lightness = m_random.GetUniform(0.45f, 0.7f);
+    return math::HSLtoRGB({hue, saturation, lightness});
+}
+
+// ---- the file
+
+void Scene::SetName(const String& name) {
+    if (name == m_name) return;
+    m_name = name;
+    m_onNameChange.CallAll();
+}
+
+}  // namespace app

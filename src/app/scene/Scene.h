@@ -1,0 +1,91 @@
+#pragma once
+
+#include "app/Fwd.h"
+#include "app/scene/Selection.h"
+#include "math/BoundingBox.h"
+#include "util/Callback.h"
+#include "util/Random.h"
+
+namespace app {
+
+// What stands in the world: the entities in drawing order, which of them are selected, which one is
+// followed, and the name of the file that they are.
+//
+// Entities are added and removed between updates, or from inside one by dying: RemoveEntity is for callers
+// outside the pass over the entities. Entities, tools, history and files get the scene handed to them; it
+// knows none of those, nor the view on it.
+class Scene {
+  public:
+    Scene();
+    ~Scene();
+    Scene(const Scene&) = delete;
+    Scene& operator=(const Scene&) = delete;
+
+    // One frame: updates the entities, retires those that are not alive any more and frees bodies that no
+    // entity needs.
+    void Update(float dt);
+
+    // ---- entities
+
+    const EntityList& GetEntities() const { return m_entities; }
+    // On top, and into the simulation. An entity without a colour gets the next one.
+    void AddEntity(const EntityPtr& entity);
+    void RemoveEntity(const EntityPtr& entity);  // at once; out of the simulation as well
+    void Clear();                                // all entities, the selection, the tracking
+    // A new order of the same entities; for moving some to the front or back.
+    void SetEntityOrder(const EntityList& entities);
+
+    bool HasEntity(const EntityPtr& entity) const;
+    EntityPtr GetEntityAt(math::Vec2 world) const;     // the topmost, or null
+    EntityList GetEntitiesAt(math::Vec2 world) const;  // topmost first
+    GeomList GetGeomsAt(math::Vec2 world) const;       // topmost first; the world geom comes last
+    // Round all entities with finite extents; not finite when there are none. Water does not count.
+    math::BoundingBox2f GetExtent() const;
+
+    // ---- what belongs together
+
+    Selection& GetSelection() { return m_selection; }
+    const Selection& GetSelection() const { return m_selection; }
+
+    bool HasChain(int id) const;
+    // One past the greatest group or chain number in the scene.
+    int GetFreeGroup() const;
+    int GetFreeChain() const;
+
+    // The one entity that the view follows; null for none. Sets and clears the entities' own flags.
+    void Track(const EntityPtr& entity);
+    const EntityPtr& GetTrackedEntity() const { return m_trackedEntity; }
+
+    // ---- bodies
+
+    // Takes bodies out of the simulation's hands for a drag, and gives them back.
+    void HoldBodies(const physics::BodyList& bodies);
+    void ReleaseBodies(const physics::BodyList& bodies);
+    // Removes bodies whose last shape has gone.
+    void FlushBodies();
+
+    math::Vec3 GetNextColor();  // for a new entity
+    util::Random& GetRandom() { return m_random; }
+
+    // ---- the file
+
+    // The name in Scenes/ of the file that was loaded or saved last; empty for none.
+    const String& GetName() const { return m_name; }
+    void SetName(const String& name);
+    util::CallbackSet& GetOnNameChange() { return m_onNameChange; }
+
+  private:
+    void UpdateEntities(float dt);
+    void RetireDead(const EntitySet& dead);
+    void Forget(const EntityPtr& entity);
+    static bool IsPlaceholder(const physics::Body& body);
+
+    EntityList m_entities;
+    Selection m_selection;
+    EntityPtr m_trackedEntity;
+    util::Random m_random;
+    String m_name;
+    util::CallbackSet m_onNameChange;
+};
+
+}  // namespace app
