@@ -39,18 +39,19 @@ String ReadHelp(const String& name) {
 
 Language::Language() {
     Load(ENGLISH);
-    m_english = m_current;
 }
 
 // ---- loading -----------------------------------------------------------------------------------------
 
 void Language::Load(const String& name) {
+    if (m_english.empty() && name != ENGLISH) Load(ENGLISH);
     Log(logging::Info, "Loading language " + name + "...");
     try {
         const String text = util::FileSystem::Instance().ReadFile(GetFolder() + name + ENDING);
         m_current.clear();
         ReadTexts(text, name, m_current);
         m_name = name;
+        if (name == ENGLISH) m_english = m_current;
         CompareWithEnglish(name);
     } catch (const std::exception& e) {
         LogException(e, WHERE);
