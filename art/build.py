@@ -1,5 +1,6 @@
 #!/usr/bin/python3
-"""Renders every picture and font of the program from its source: Data/Textures, Data/Fonts and Vexa.bmp.
+"""Renders every picture and font of the program from its source: Data/Textures, Data/Fonts, Vexa.bmp and the icons of
+packaging/.
 
     art/build.py            writes the results into the tree; they are committed, so that a build needs no art tools
     art/build.py --check    renders into a temporary folder and compares; 1 if the committed files differ
@@ -30,9 +31,12 @@ ROOT = os.path.dirname(pictures.HERE)
 DRAWINGS = os.path.join(pictures.HERE, "svg")
 TEXTURES = "Data/Textures"
 FONT = "Data/Fonts/fixedsys"
+ICONS = "packaging/icons"
 
 # Drawings that become something else than a PNG of the same name below Data/Textures.
 ICON = "app/vexa.svg"
+ICON_SIZES = (16, 24, 32, 48, 64, 128, 256)  # pixels, of the desktop's icon theme
+ICON_UNITS = 32  # size of the drawing
 SKINS = {"gui/vexa/window.svg": ((6, 14), (26, 34)), "gui/vexa/button.svg": ((4, 12), (4, 12))}  # cuts in x, in y, units
 TGA_FOLDER = "gui/vexa/"
 
@@ -68,6 +72,15 @@ def build_drawing(name, target):
         pictures.save(picture, os.path.join(textures, stem + (".tga" if name.startswith(TGA_FOLDER) else ".png")))
 
 
+def build_icons(target):
+    """The program's icon as desktops want it: in sizes, and as a drawing that stands alone."""
+    drawing = os.path.join(DRAWINGS, ICON)
+    for size in ICON_SIZES:
+        pictures.save(pictures.render(drawing, size / ICON_UNITS), os.path.join(target, ICONS, "vexa-%d.png" % size))
+    with open(os.path.join(target, ICONS, "vexa.svg"), "w", encoding="utf-8") as file:
+        file.write(pictures.with_palette(drawing))
+
+
 def build_formulas(target):
     """The pictures that have no drawing."""
     textures = os.path.join(target, TEXTURES)
@@ -97,6 +110,7 @@ def build(target):
     """Everything, below the folder target."""
     for name in drawings():
         build_drawing(name, target)
+    build_icons(target)
     build_formulas(target)
     build_font(target)
 
@@ -104,7 +118,7 @@ def build(target):
 def results(root):
     """Relative paths of all files that this program answers for and that exist below root."""
     found = {"Vexa.bmp"} if os.path.exists(os.path.join(root, "Vexa.bmp")) else set()
-    for part in (TEXTURES, "Data/Fonts"):
+    for part in (TEXTURES, "Data/Fonts", ICONS):
         for folder, _, files in os.walk(os.path.join(root, part)):
             found |= {os.path.relpath(os.path.join(folder, f), root) for f in files}
     return found
@@ -130,6 +144,8 @@ def fault_of(name, fresh, committed):
     a, b = os.path.join(fresh, name), os.path.join(committed, name)
     if name.endswith((".raw", ".dat")):
         return font_fault(read(a), read(b), 0.0 if name.endswith(".dat") else TOLERANCE)
+    if name.endswith(".svg"):
+        return None if read(a) == read(b) else "has another text"
     try:
         mean = pictures.difference(a, b)
     except (OSError, SyntaxError) as error:  # what the image library throws for a damaged file

@@ -11,6 +11,14 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 PALETTE = os.path.join(HERE, "palette.css")
 
 
+def with_palette(svg):
+    """The text of a drawing that needs no other file: the palette stands inside."""
+    with open(svg, encoding="utf-8") as drawing, open(PALETTE, encoding="utf-8") as palette:
+        lines = [line for line in drawing if not line.startswith("<?xml-stylesheet")]
+        start = next(i for i, line in enumerate(lines) if line.startswith("<svg"))
+        return "".join(lines[: start + 1] + ["  <style>\n", palette.read(), "  </style>\n"] + lines[start + 1 :])
+
+
 def render(svg, zoom=1):
     """An SVG at its own size, or so many times as large, with the colours of the palette, as RGBA."""
     command = ["rsvg-convert", "--stylesheet", PALETTE, "--zoom", str(zoom), "--format", "png", svg]

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that are missing, and nothing else.
 #   tools/setup.sh run    what building and running the program needs
+#   tools/setup.sh package  that, and what building the Debian package needs
 #   tools/setup.sh all    that, and what tests, checks and benchmarks need (the default)
 set -euo pipefail
 
@@ -8,10 +9,14 @@ RUN_PACKAGES=(g++ cmake ninja-build ccache pkg-config libsdl1.2-compat-dev libsd
     libgl-dev libglu1-mesa-dev libgl1-mesa-dri libboost-dev libboost-filesystem-dev libgtest-dev
     xvfb xauth xdotool imagemagick)
 TEST_PACKAGES=(libbenchmark-dev libbox2d-dev libchipmunk-dev clang-format python3 python3-pil librsvg2-bin
-    fonts-dejavu-core fonts-open-sans)
+    fonts-dejavu-core fonts-open-sans desktop-file-utils appstream libxml2-utils man-db)
+PACKAGE_PACKAGES=(dpkg-dev debhelper fakeroot lintian xz-utils)
 
 packages=("${RUN_PACKAGES[@]}")
-if [ "${1:-all}" = all ]; then packages+=("${TEST_PACKAGES[@]}"); fi
+case "${1:-all}" in
+    all) packages+=("${TEST_PACKAGES[@]}") ;;
+    package) packages+=("${PACKAGE_PACKAGES[@]}") ;;
+esac
 
 is_installed() {
     dpkg-query -W -f '${Status}\n' "$1" 2>/dev/null | grep -q '^install ok installed'
