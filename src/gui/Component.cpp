@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "gui/Focus.h"
 #include "gui/LookAndFeel.h"
 #include "input/Input.h"
 #include "rendering/Gl.h"
@@ -70,10 +71,13 @@ void Component::Update(float dt) {
 // ---- place -------------------------------------------------------------------------------------------
 
 TMatrix3<float> Component::GetInverseTransform() const {
-    const Vec2 origin = m_pos + GetContentOffset();
-    const TMatrix3<float> own = TMatrix3<float>::Translation(-origin.x, -origin.y);
     const Component* const parent = GetParent();
-    return parent ? own * parent->GetInverseTransform() : own;
+    return parent ? GetFromParent() * parent->GetInverseTransform() : GetFromParent();
+}
+
+TMatrix3<float> Component::GetFromParent() const {
+    const Vec2 origin = m_pos + GetContentOffset();
+    return TMatrix3<float>::Translation(-origin.x, -origin.y);
 }
 
 void Component::SetPos(float x, float y) {
@@ -134,8 +138,39 @@ bool Component::IsInContentBox(Vec2 gui) const {
     return BoundingBox2f({0, 0}, m_size).Contains(ToContent(gui));
 }
 
+Component* Component::FindAt(Vec2 place) {
+    const Vec2 own = GetFromParent()(place);
+    for (size_t i = m_children.size(); i-- > 0;) {
+        if (Component* const found = m_children[i]->FindAt(own)) return found;
+    }
+    return TakesMouse() && GetOuterBox().Contains(own) ? this : nullptr;
+}
+
+bool Component::IsHit(Vec2 gui) const {
+    if (!IsInOuterBox(gui)) return false;
+    const Component* const top = GetTreeRoot().FindAt(gui);
+    return top != nullptr && top->IsInside(*this);
+}
+
 bool Component::IsMouseInside() const {
-    return IsInOuterBox(Input::Instance().GetMousePosition());
+    return IsHit(Input::Instance().GetMousePosition());
+}
+
+bool Component::IsInside(const Component& other) const {
+    for (const Component* c = this; c != nullptr; c = c->GetParent()) {
+        if (c == &other) return true;
+    }
+    return false;
+}
+
+Component& Component::GetTreeRoot() const {
+    const Component* root = this;
+    while (const Component* const parent = root->GetParent()) root = parent;
+    return const_cast<Component&>(*root);
+}
+
+bool Component::HasFocus() const {
+    return Focus::Get() == this;
 }
 
 void Component::SetBorder(const Border& border) {

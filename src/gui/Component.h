@@ -21,9 +21,12 @@ namespace gui {
 //
 // A child is a child in three lists at once: drawn, reflected in the script object, and listening. It is
 // owned by its parent and never keeps it alive. Children are drawn first to last and hear events last to
-// first, so the one on top is asked first. There is no central hit test: each listener tests for itself and
-// sets m_handled. What wants an event overrides the operation, calls the base first (children go first) and
-// then looks at m_handled.
+// first, so the one on top is asked first. What wants an event overrides the operation, calls the base first
+// (children go first), looks at m_handled, asks IsHit whether the event's place is its own, and sets
+// m_handled.
+//
+// What is covered: at each place the topmost component that takes the mouse (TakesMouse) covers all others
+// but those that it is part of. IsHit is the one test of this for presses, clicks, drags and hovering.
 //
 // Works without a window: components are made and laid out before there is a GL context, and only drawing
 // needs one. A component dies with its last counted pointer; it never lives on the stack or by value.
@@ -37,8 +40,9 @@ class Component : public InputDelegator {
     virtual void DrawComp();        // the component's own painting, in content coordinates; here the border
     virtual void Update(float dt);  // seconds; here the children, from the last to the first
 
-    // From GUI to content coordinates.
-    virtual math::TMatrix3<float> GetInverseTransform() const;
+    math::TMatrix3<float> GetInverseTransform() const;  // from GUI to content coordinates
+    // From the parent's content coordinates.
+    virtual math::TMatrix3<float> GetFromParent() const;
 
     virtual void SetPos(float x, float y);
     virtual void SetSize(float w, float h);
@@ -68,7 +72,33 @@ class Component : public InputDelegator {
     math::Vec2 ToGUI(math::Vec2 content) const { return Inverted(GetInverseTransform())(content); }
     bool IsInOuterBox(math::Vec2 gui) const { return GetOuterBox().Contains(ToContent(gui)); }
     bool IsInContentBox(math::Vec2 gui) const;
-    bool IsMouseInside() const;  // in the outer box, by the mouse's present place
+
+    // A window: one of several that lie over each other.
+    virtual bool IsTopLevel() const { return false; }
+    // Whether it stands in the way of what lies below it. Plain components, texts and pictures do not.
+    virtual bool TakesMouse() const { return false; }
+    // The topmost component that takes the mouse there, this or one inside it; null for none. `place` is in
+    // the parent's content coordinates.
+    virtual Component* FindAt(math::Vec2 place);
+    bool IsHit(math::Vec2 gui) const;  // in the outer box and not covered; for components that take the mouse
+    bool IsMouseInside() const;        // IsHit, by the mouse's present place
+    bool IsInside(const Component& other) const;  // is `other` or hangs somewhere below it
+    Component& GetTreeRoot() const;
+
+    // The keyboard's focus (gui::Focus): what can have it is reached by tab.
+    virtual bool CanFocus() const { return false; }
+    virtual void OnFocus(bool) {}  // it has come, or gone
+    bool HasFocus() const;
+
+    // What scripts, tests and assistive tools see. The key is that of the control's text in the language
+    // files, the same in all languages; empty without one.
+    virtual const char* GetKind() const { return "Component"; }
+    virtual String GetShownText() const { return String(); }
+    virtual script::ObjectPtr GetState() const { return nullptr; }
+    const String& GetKey() const { return m_key; }
+    void SetKey(const String& key) { m_key = key; }
+    const String& GetToolTip() const { return m_toolTip; }  // shown when the mouse rests on it
+    void SetToolTip(const String& text) { m_toolTip = text; }
 
     const Border& GetBorder() const { return m_border; }
     void SetBorder(const Border& border);
@@ -103,6 +133,8 @@ class Component : public InputDelegator {
     LayoutPtr m_layout;       // may be null
     bool m_excludedFromLayout = false;
     math::Vec4 m_color{1, 1, 1, 1};
+    String m_key;
+    String m_toolTip;
 };
 
 }  // namespace gui

@@ -6,7 +6,8 @@ namespace gui {
 
 // Asked before the children, unlike everything else: what is dragged may carry them.
 void Draggable::OnDragStart(DragEvent& event) {
-    if (!event.m_handled && event.m_key == Key::LeftMouse && IsInContentBox(event.m_start)) {
+    const bool isFree = !event.m_handled && event.m_key == Key::LeftMouse;
+    if (isFree && IsInContentBox(event.m_start) && IsHit(event.m_start)) {
         m_dragging = true;
         event.m_handled = true;
     }

@@ -14,6 +14,8 @@ class Draggable : public Component {
     void OnDragStart(DragEvent& event) override;
     void OnDragEnd(DragEvent& event) override;
 
+    bool TakesMouse() const override { return true; }
+
     bool IsDragged() const { return m_dragging; }
 
   private:

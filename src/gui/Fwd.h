@@ -19,6 +19,13 @@ class Font;
 class LookAndFeel;
 class GUI;
 class AbstractButton;
+class AbstractRadioButton;
+class RadioGroup;
+class Checkbox;
+class Slider;
+class LabeledSlider;
+class TextField;
+class ScrollArea;
 class Button;
 class Label;
 class Icon;
@@ -35,5 +42,12 @@ using AbstractButtonPtr = util::SharedPtr<AbstractButton>;
 using ButtonPtr = util::SharedPtr<Button>;
 using LabelPtr = util::SharedPtr<Label>;
 using IconPtr = util::SharedPtr<Icon>;
+using RadioGroupPtr = util::SharedPtr<RadioGroup>;
+using AbstractRadioButtonPtr = util::SharedPtr<AbstractRadioButton>;
+using CheckboxPtr = util::SharedPtr<Checkbox>;
+using SliderPtr = util::SharedPtr<Slider>;
+using LabeledSliderPtr = util::SharedPtr<LabeledSlider>;
+using TextFieldPtr = util::SharedPtr<TextField>;
+using ScrollAreaPtr = util::SharedPtr<ScrollArea>;
 
 }  // namespace gui

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "gui/LookAndFeel.h"
+#include "gui/Root.h"
 #include "gui/TextFormat.h"
 #include "input/Input.h"
 #include "logging/Logger.h"
@@ -53,7 +54,7 @@ GUI::GUI()
       m_scale(script::DeclareAttrib(*this, "scale", 1.0f)),
       m_opaqueness(script::DeclareAttrib(*this, "opaqueness", 0.9f)) {
     InstallLogSink();
-    m_root = new Component("Root");
+    m_root = new Root;
     Input::Instance().AddListener(m_root);
     const util::CallbackPtr push = new util::Callback([this] { PushSettings(); }, this);
     m_clickTolerance->AddOnChange(push);

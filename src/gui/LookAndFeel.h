@@ -27,6 +27,7 @@ class LookAndFeel : public util::Pointee {
     virtual const Border& GetPanelBorder() const { return m_panelBorder; }
     virtual const Border& GetMenuBorder() const { return m_buttonBorder; }
     virtual const Border& GetToolTipBorder() const { return m_buttonBorder; }
+    virtual const Border& GetTextFieldBorder() const { return m_buttonBorder; }
 
   private:
     FontMentorPtr m_font;

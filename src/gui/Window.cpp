@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "gui/Focus.h"
 #include "gui/LookAndFeel.h"
 #include "gui/components/Button.h"
 #include "input/Key.h"
@@ -16,6 +17,7 @@ constexpr Vec2 TITLE_PLACE(4, 6);
 constexpr float CLOSE_BUTTON_MARGIN = 3;  // to the upper and the right edge
 constexpr float TITLE_ROOM = 12;          // beside the title
 constexpr float CLOSE_BUTTON_ROOM = 8;    // beside the button
+constexpr float LEAST_VIEW = 64;          // a smaller parent has not been given its size yet
 
 }  // namespace
 
@@ -79,21 +81,36 @@ bool Window::IsOnTitleBar(Vec2 gui) const {
 }
 
 void Window::Raise() {
-    if (Component* const parent = GetParent()) parent->AddChild(this);
+    Component* const parent = GetParent();
+    if (parent == nullptr || parent->GetLayout()) return;
+    if (parent->GetChildren().back().Get() != this) parent->AddChild(this);
 }
 
 void Window::OnKeyEvent(KeyEvent& event) {
     WobbleComponent::OnKeyEvent(event);
-    if (event.m_key != Key::LeftMouse) return;  // any other key would drag with the mouse over the title
-    if (!event.m_pressed) {
-        if (!m_dragging) return;
+    if (event.m_pressed) {
+        if (HandlePress(event)) event.m_handled = true;
+    } else if (event.m_key == Key::LeftMouse && m_dragging) {
         m_dragging = false;
         event.m_handled = true;
-    } else if (!event.m_handled && IsOnTitleBar(event.m_position)) {
-        m_dragging = true;
-        event.m_handled = true;
-        Raise();
     }
+}
+
+bool Window::HandlePress(const KeyEvent& event) {
+    if (event.m_key == Key::Escape && !event.m_handled && m_closesAtEscape) {
+        const Component* const focused = Focus::Get();
+        if (focused == nullptr || !focused->IsInside(*this)) return false;
+        Close();
+        return true;
+    }
+    if (event.m_key != Key::LeftMouse || !IsHit(event.m_position)) return false;
+    const bool isOnTitleBar = !event.m_handled && IsOnTitleBar(event.m_position);
+    if (isOnTitleBar) {
+        m_dragging = true;
+        m_dragPos = GetPos();
+    }
+    Raise();
+    return isOnTitleBar;
 }
 
 void Window::OnMouseMove(MouseMoveEvent& event) {
@@ -102,9 +119,27 @@ void Window::OnMouseMove(MouseMoveEvent& event) {
     event.m_handled = true;
     const util::LockPtr<Component> target = m_tearOffTarget.Lock();
     if (target && target.Get() != GetParent()) TearOff(*target);
-    const Vec2 pos = GetPos() + event.m_delta;
+    m_dragPos += event.m_delta;
+    const Vec2 pos = GetNearestInView(m_dragPos);
     SetPos(pos.x, pos.y);
     m_movedCallbacks.CallAll();
+}
+
+// The whole title bar where there is room for it, else its left end.
+Vec2 Window::GetNearestInView(Vec2 pos) const {
+    const Component* const parent = GetParent();
+    if (parent == nullptr || parent->GetLayout() || parent->GetSize().x < LEAST_VIEW) return pos;
+    const Vec2 room = parent->GetSize() - Vec2(GetOuterSize().x, GetContentOffset().y);
+    return {std::clamp(pos.x, 0.0f, std::max(room.x, 0.0f)), std::clamp(pos.y, 0.0f, std::max(room.y, 0.0f))};
+}
+
+// Called when the parent's size changes, too.
+void Window::FitToParent() {
+    WobbleComponent::FitToParent();
+    const Vec2 pos = GetNearestInView(GetPos());
+    if (pos == GetPos() || !math::IsFinite(GetPos())) return;
+    SetPos(pos.x, pos.y);
+    StopWobble();
 }
 
 // The outer corner stays where it is on screen, and the change of coordinates must not set the spring going.
@@ -115,18 +150,19 @@ void Window::TearOff(Component& target) {
     SetWobbleEnabled(false);
     target.AddChild(this);
     SetPos(corner.x, corner.y);
+    m_dragPos = corner;
     StopWobble();
     SetWobbleEnabled(wobbleEnabled);
 }
 
 void Window::OnDragStart(DragEvent& event) {
     WobbleComponent::OnDragStart(event);
-    if (IsInOuterBox(event.m_start)) event.m_handled = true;
+    if (IsHit(event.m_start)) event.m_handled = true;
 }
 
 void Window::OnClick(ClickEvent& event) {
     WobbleComponent::OnClick(event);
-    if (IsInOuterBox(event.m_position)) event.m_handled = true;
+    if (IsHit(event.m_position)) event.m_handled = true;
 }
 
 }  // namespace gui

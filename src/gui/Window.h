@@ -4,8 +4,9 @@
 
 namespace gui {
 
-// A framed component with a title bar, by which the user drags it. Raised by a press on the title. No click
-// and no drag falls through it to what lies below; the wheel does.
+// A framed component with a title bar, by which the user drags it. Raised by a press anywhere in it. No
+// press, click or drag falls through it to what lies below; the wheel does. Its title bar stays in its
+// parent's view, whatever moves it and whatever becomes of the parent's size.
 //
 // With a tear-off target the first drag takes it out of its parent: the window becomes a child of the
 // target, at the same place on screen.
@@ -17,11 +18,16 @@ class Window : public WobbleComponent {
 
     void SetSize(float w, float h) override;  // at least as wide as the title bar needs
     void OnGeometryChanged() override;
+    void FitToParent() override;
     void DrawComp() override;
     void OnKeyEvent(KeyEvent& event) override;
     void OnMouseMove(MouseMoveEvent& event) override;
     void OnDragStart(DragEvent& event) override;
     void OnClick(ClickEvent& event) override;
+    bool TakesMouse() const override { return true; }
+    bool IsTopLevel() const override { return true; }
+    const char* GetKind() const override { return "Window"; }
+    String GetShownText() const override { return m_title; }
 
     const String& GetTitle() const { return m_title; }
     void SetTitle(const String& title);
@@ -29,6 +35,9 @@ class Window : public WobbleComponent {
     // A press on it removes the window from its parent. Once only.
     void AddCloseButton();
     const ButtonPtr& GetCloseButton() const { return m_closeButton; }  // may be null
+
+    // Escape closes the window while something in it has the focus; for dialogs.
+    void SetClosesAtEscape(bool closes) { m_closesAtEscape = closes; }
 
     // Takes the window from its parent; it dies unless somebody else holds it.
     void Close();
@@ -43,6 +52,8 @@ class Window : public WobbleComponent {
 
   private:
     float GetMinWidth() const;
+    math::Vec2 GetNearestInView(math::Vec2 pos) const;
+    bool HandlePress(const KeyEvent& event);
     bool IsOnTitleBar(math::Vec2 gui) const;
     void TearOff(Component& target);
     void Raise();
@@ -50,6 +61,8 @@ class Window : public WobbleComponent {
     String m_title;
     FormattedText m_titleText;
     bool m_dragging = false;
+    math::Vec2 m_dragPos;  // where the mouse would have it; beyond the view it stays behind
+    bool m_closesAtEscape = false;
     ButtonPtr m_closeButton;  // a child too; may be null
     util::CallbackSet m_movedCallbacks;
     util::CallbackSet m_closedCallbacks;

@@ -41,8 +41,8 @@ TMatrix3<float> WobbleComponent::GetPictureTransform() const {
            TMatrix3<float>::Translation(offset.x, offset.y);
 }
 
-TMatrix3<float> WobbleComponent::GetInverseTransform() const {
-    const TMatrix3<float> still = Component::GetInverseTransform();
+TMatrix3<float> WobbleComponent::GetFromParent() const {
+    const TMatrix3<float> still = Component::GetFromParent();
     return m_wobbleEnabled ? Inverted(GetPictureTransform()) * still : still;
 }
 

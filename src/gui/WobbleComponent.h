@@ -13,7 +13,7 @@ class WobbleComponent : public Component {
     void Draw() override;
     void Update(float dt) override;
     void SetPos(float x, float y) override;
-    math::TMatrix3<float> GetInverseTransform() const override;
+    math::TMatrix3<float> GetFromParent() const override;
 
     bool IsWobbleEnabled() const { return m_wobbleEnabled; }
     void SetWobbleEnabled(bool enabled) { m_wobbleEnabled = enabled; }

@@ -21,7 +21,8 @@ struct KeyEvent {
     int m_key = 0;         // key code
     char m_character = 0;  // the byte that it types, ISO 8859-1; 0 if none
     bool m_pressed = false;
-    bool m_alt = false;  // also true while AltGr types a character
+    bool m_repeated = false;  // the key has been down before this press: the keyboard repeats it
+    bool m_alt = false;       // also true while AltGr types a character
     bool m_ctrl = false;
     bool m_shift = false;
     math::Vec2 m_position;  // of the mouse

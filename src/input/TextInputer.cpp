@@ -34,8 +34,6 @@ void TextInputer::OnKeyEvent(KeyEvent& event) {
 
 void TextInputer::Edit(KeyEvent& event) {
     if (event.m_handled || !event.m_pressed || event.m_key == Key::Escape) return;
-    // The key goes on below as an ordinary one and types its character 13, which does no harm: the
-    // callbacks have taken the text by then.
     if ((event.m_key == Key::Return || event.m_key == Key::KeypadEnter) && !m_text.empty()) {
         m_onEnter.CallAll();
     }
@@ -50,7 +48,7 @@ void TextInputer::Edit(KeyEvent& event) {
     const bool isShortcut = event.m_ctrl && !Input::Instance().IsModifierDown(Modifier::RightAlt);
     if (event.m_character == 0 || isShortcut) {
         event.m_handled = false;
-    } else {
+    } else if (static_cast<unsigned char>(event.m_character) >= ' ') {
         Insert(String(1, event.m_character));
     }
 }

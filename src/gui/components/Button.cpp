@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "gui/Focus.h"
 #include "gui/LookAndFeel.h"
 #include "input/Key.h"
 #include "rendering/Renderer.h"
@@ -11,33 +12,47 @@ namespace {
 
 constexpr math::Vec4 HOVER_COLOR(1.3f, 1.3f, 1.3f, 1.2f);
 constexpr math::Vec4 PRESSED_COLOR(0.5f, 0.5f, 0.5f, 1);
+constexpr math::Vec4 DISABLED_COLOR(0.4f, 0.4f, 0.4f, 1);
 
 }  // namespace
 
 void AbstractButton::OnKeyEvent(KeyEvent& event) {
     Component::OnKeyEvent(event);
-    const bool isLeftRelease = event.m_key == Key::LeftMouse && !event.m_pressed;
+    const bool firesByKey = HandleShortcut(event) || HandleFocusKey(event);
     if (event.m_handled) {
-        if (isLeftRelease) m_pressed = false;
-        return;
-    }
-    const bool hasModifier = event.m_shift || event.m_ctrl || event.m_alt;
-    if (!event.m_pressed && !hasModifier && m_shortcutKeys.count(event.m_key) != 0) {
+        if (event.m_key == Key::LeftMouse && !event.m_pressed) m_pressed = false;
+    } else if (firesByKey) {
         event.m_handled = true;
         OnPressed();
-        return;
+    } else if (event.m_key == Key::LeftMouse) {
+        HandleLeftButton(event);
     }
-    if (event.m_key == Key::LeftMouse) HandleLeftButton(event);
+}
+
+// The press alone arms: "s" typed into a field, or ctrl+s with ctrl let go first, releases a key that was
+// not pressed for this button.
+bool AbstractButton::HandleShortcut(const KeyEvent& event) {
+    if (m_shortcutKeys.count(event.m_key) == 0 || event.m_repeated) return false;
+    const bool isPlain = !event.m_handled && !event.m_shift && !event.m_ctrl && !event.m_alt;
+    const bool wasArmed = m_armedKey == event.m_key;
+    m_armedKey = event.m_pressed && isPlain ? event.m_key : 0;
+    return !event.m_pressed && wasArmed && isPlain && m_enabled;
+}
+
+bool AbstractButton::HandleFocusKey(const KeyEvent& event) {
+    const bool isPressKey =
+        event.m_key == Key::Return || event.m_key == Key::KeypadEnter || event.m_key == Key::Space;
+    return isPressKey && event.m_pressed && !event.m_repeated && !event.m_handled && m_enabled && HasFocus();
 }
 
 void AbstractButton::HandleLeftButton(KeyEvent& event) {
-    const bool isInside = IsInOuterBox(event.m_position);
+    const bool isInside = IsHit(event.m_position);
     const bool wasPressed = m_pressed;
-    m_pressed = event.m_pressed && isInside && !m_fireOnPress;
+    m_pressed = event.m_pressed && isInside && m_enabled && !m_fireOnPress;
     if (!isInside) return;
     if (event.m_pressed) {
         event.m_handled = true;
-        if (m_fireOnPress) OnPressed();
+        if (m_fireOnPress && m_enabled) OnPressed();
     } else if (wasPressed) {
         event.m_handled = true;
         OnPressed();
@@ -48,11 +63,19 @@ void AbstractButton::OnPressed() {
     m_onPress.CallAll();
 }
 
+void AbstractButton::SetEnabled(bool enabled) {
+    m_enabled = enabled;
+    if (!enabled) m_pressed = false;
+}
+
 void AbstractButton::MultStateColor() const {
-    if (!IsMouseInside()) return;
     rendering::Renderer& renderer = rendering::Renderer::Instance();
-    renderer.MultColor(HOVER_COLOR);
-    if (m_pressed) renderer.MultColor(PRESSED_COLOR);
+    if (!m_enabled) {
+        renderer.MultColor(DISABLED_COLOR);
+    } else if (IsMouseInside()) {
+        renderer.MultColor(HOVER_COLOR);
+        if (m_pressed) renderer.MultColor(PRESSED_COLOR);
+    }
 }
 
 Button::Button(const String& text, const String& name) : AbstractButton(name) {
@@ -76,13 +99,14 @@ void Button::DrawComp() {
     MultStateColor();
     AbstractButton::DrawComp();
     DrawLabel();
+    Focus::DrawRing(*this);
 }
 
 // On whole units, where glyphs are crisp.
 void Button::DrawLabel() const {
     const math::Vec2 size = GetSize();
-    DrawText(GetTextFormat(), std::floor((size.x - m_text.m_width) / 2),
-             std::floor((size.y - m_text.m_height) / 2), m_text);
+    const float x = m_leftAligned ? TEXT_MARGIN : std::floor((size.x - m_text.m_width) / 2);
+    DrawText(GetTextFormat(), x, std::floor((size.y - m_text.m_height) / 2), m_text);
 }
 
 }  // namespace gui

@@ -6,13 +6,17 @@
 
 namespace gui {
 
-// Press logic without a picture. Fires at the release of the left button, if press and release lie inside,
-// or at the release of a shortcut key without modifiers.
+// Press logic without a picture. Fires at the release of the left button, if press and release lie inside;
+// at the release of a shortcut key whose press it saw, both without modifiers and taken by nobody else; with
+// the focus at return and space.
 class AbstractButton : public Component {
   public:
     explicit AbstractButton(const String& name = "AbstractButton") : Component(name) {}
 
     void OnKeyEvent(KeyEvent& event) override;
+    bool TakesMouse() const override { return true; }
+    bool CanFocus() const override { return m_enabled; }
+    const char* GetKind() const override { return "Button"; }
 
     virtual void OnPressed();  // fires the press callbacks, which may end the button's life
 
@@ -20,16 +24,24 @@ class AbstractButton : public Component {
     void SetFireOnPress(bool fireOnPress) { m_fireOnPress = fireOnPress; }
     util::CallbackSet& GetOnPress() { return m_onPress; }
     void AddShortcutKey(int key) { m_shortcutKeys.insert(key); }
+    const std::set<int>& GetShortcutKeys() const { return m_shortcutKeys; }
+    bool IsEnabled() const { return m_enabled; }
+    void SetEnabled(bool enabled);  // a button that is not is drawn dark and fires nothing
 
   protected:
-    // Lightens the renderer's colour under the mouse and darkens it while pressed. For DrawComp.
+    // Lightens the renderer's colour under the mouse and darkens it while pressed or not enabled. For
+    // DrawComp.
     void MultStateColor() const;
 
   private:
+    bool HandleShortcut(const KeyEvent& event);
+    bool HandleFocusKey(const KeyEvent& event);
     void HandleLeftButton(KeyEvent& event);
 
     bool m_pressed = false;
     bool m_fireOnPress = false;  // at the press already
+    bool m_enabled = true;
+    int m_armedKey = 0;  // the shortcut key that is down; 0 for none
     util::CallbackSet m_onPress;
     std::set<int> m_shortcutKeys;  // key codes
 };
@@ -41,15 +53,18 @@ class Button : public AbstractButton {
 
     void DrawComp() override;
     void SetTextFormat(const TextFormat& format) override;
+    String GetShownText() const override { return GetText(); }
 
     const String& GetText() const { return m_text.m_text; }
-    void SetText(const String& text);  // takes the size of the text with its margins
+    void SetText(const String& text);                         // takes the size of the text with its margins
+    void SetLeftAligned(bool left) { m_leftAligned = left; }  // for lists; else the text is centred
 
   protected:
-    void DrawLabel() const;  // in the middle of the content box
+    void DrawLabel() const;
 
   private:
     FormattedText m_text;
+    bool m_leftAligned = false;
 };
 
 }  // namespace gui

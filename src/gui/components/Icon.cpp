@@ -1,16 +1,14 @@
 #include "gui/components/Icon.h"
 
-#include "rendering/Renderer.h"
+#include "gui/components/Images.h"
 #include "rendering/TextureManager.h"
 
 namespace gui {
 
 Icon::Icon(const String& image, const String& name) : Component(name) {
     SetImage(image);
-    if (const rendering::TexturePtr texture = m_image->Get()) {
-        const math::Vec2 size = texture->GetUnits();
-        SetSize(size.x, size.y);
-    }
+    const math::Vec2 size = GetImageSize(m_image);
+    SetSize(size.x, size.y);
 }
 
 void Icon::SetImage(const String& image) {
@@ -19,10 +17,7 @@ void Icon::SetImage(const String& image) {
 
 void Icon::DrawComp() {
     Component::DrawComp();
-    const rendering::TexturePtr texture = m_image->Get();
-    if (!texture) return;
-    const rendering::ScopedTexture bound(texture);
-    rendering::Renderer::Instance().DrawQuad({0, 0}, GetSize(), {0, 1}, {1, 0});
+    DrawImage(m_image, {0, 0}, GetSize());
 }
 
 }  // namespace gui

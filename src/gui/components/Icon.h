@@ -12,6 +12,8 @@ class Icon : public Component {
 
     void DrawComp() override;
 
+    const char* GetKind() const override { return "Icon"; }
+
     void SetImage(const String& image);  // keeps the size
 
   private:

@@ -11,7 +11,8 @@ Label::Label(const String& text, const String& name) : Component(name) {
 // One line makes a row; more lines keep its margins.
 void Label::SetText(const String& text) {
     m_text = FormatText(GetTextFormat(), text);
-    SetSize(m_text.m_width + 2 * TEXT_MARGIN, m_text.m_height + ROW_HEIGHT - GetTextFormat().m_lineHeight);
+    const float width = m_fixedWidth > 0 ? m_fixedWidth : m_text.m_width + 2 * TEXT_MARGIN;
+    SetSize(width, m_text.m_height + ROW_HEIGHT - GetTextFormat().m_lineHeight);
 }
 
 void Label::SetTextFormat(const TextFormat& format) {
@@ -23,6 +24,11 @@ void Label::SetMaxWidth(float maxWidth) {
     TextFormat format = GetTextFormat();
     format.m_maxWidth = maxWidth;
     SetTextFormat(format);
+}
+
+void Label::SetFixedWidth(float width) {
+    m_fixedWidth = width;
+    SetText(GetText());
 }
 
 void Label::DrawComp() {

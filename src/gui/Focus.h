@@ -1,0 +1,25 @@
+#pragma once
+
+#include "gui/Fwd.h"
+#include "input/InputEvents.h"
+
+namespace gui {
+
+// The one component that the keyboard belongs to; none most of the time. Tab and shift+tab move it over all
+// components that can have it (Component::CanFocus), front windows first; escape leaves it, and so does a
+// press of the mouse anywhere else.
+class Focus {
+  public:
+    static Component* Get();                        // null for none
+    static void Set(const ComponentWeakPtr& next);  // null takes it away
+    // To the next or previous one in the tree under `root`; to the first or last while nobody has it.
+    static void Move(Component& root, bool backward);
+
+    // The keys told above, for what nobody took. Called by the root of the tree.
+    static void HandleKey(Component& root, KeyEvent& event);
+
+    // Round the focused component's content box; for its DrawComp, as the last thing.
+    static void DrawRing(const Component& component);
+};
+
+}  // namespace gui

@@ -1,0 +1,59 @@
+#include "gui/ToolTip.h"
+
+#include <algorithm>
+
+#include "gui/LookAndFeel.h"
+#include "input/Input.h"
+#include "util/Clock.h"
+
+namespace gui {
+namespace {
+
+constexpr int TOOL_TIP_PRIORITY = 100;
+constexpr double DELAY = 0.5;                 // seconds
+constexpr math::Vec2 MOUSE_DISTANCE(14, 20);  // GUI units, beyond the cursor's picture
+constexpr float MAX_WIDTH = 320;              // GUI units
+
+}  // namespace
+
+ToolTip::ToolTip() : Label(String(), "ToolTip") {
+    SetPriority(TOOL_TIP_PRIORITY);
+    SetBorder(LookAndFeel::Get().GetToolTipBorder());
+    SetMaxWidth(MAX_WIDTH);
+}
+
+// The nearest component around the mouse's place that has a text to show.
+const Component* ToolTip::FindTarget() const {
+    const Component* c = GetTreeRoot().FindAt(Input::Instance().GetMousePosition());
+    while (c != nullptr && c->GetToolTip().empty()) c = c->GetParent();
+    return c;
+}
+
+void ToolTip::Update(float dt) {
+    Label::Update(dt);
+    const Component* const target = FindTarget();
+    const double now = util::Clock::Now();
+    if (target != m_target.Get() || Input::Instance().IsMouseButtonDown()) {
+        m_target = const_cast<Component*>(target);
+        m_since = now;
+    }
+    const bool isDue = target != nullptr && now - m_since >= DELAY;
+    if (isDue && !m_visible) Show(target->GetToolTip());
+    m_visible = isDue;
+}
+
+// Right below the mouse, or left above it where there is no room.
+void ToolTip::Show(const String& text) {
+    SetText(text);
+    const math::Vec2 mouse = Input::Instance().GetMousePosition(), size = GetOuterSize();
+    const math::Vec2 room = GetParent()->GetSize() - size;
+    math::Vec2 place = mouse + MOUSE_DISTANCE;
+    if (place.y > room.y) place.y = mouse.y - size.y;
+    SetPos(std::clamp(place.x, 0.0f, std::max(room.x, 0.0f)), std::max(place.y, 0.0f));
+}
+
+void ToolTip::Draw() {
+    if (m_visible) Label::Draw();
+}
+
+}  // namespace gui

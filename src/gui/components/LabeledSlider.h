@@ -1,0 +1,34 @@
+#pragma once
+
+#include "gui/components/Label.h"
+#include "gui/components/Slider.h"
+
+namespace gui {
+
+// A name, a slider and its value in a row of fixed widths, so that a changing value moves nothing.
+class LabeledSlider : public Component {
+  public:
+    // The value has `decimals` behind the point and `unit`, as " rpm", behind it.
+    LabeledSlider(const String& text, const SliderPtr& slider, int decimals, const String& unit = String(),
+                  const String& name = "LabeledSlider");
+
+    void Update(float dt) override;
+    String GetShownText() const override { return m_label->GetText(); }
+
+    const SliderPtr& GetSlider() const { return m_slider; }
+    const String& GetValueText() const { return m_valueLabel->GetText(); }
+
+    // The ends that stand for more than a number as "-inf" and "+inf", no one value as "-".
+    String FormatValue(double value) const;
+
+  private:
+    void ShowValue();
+
+    const SliderPtr m_slider;
+    const int m_decimals;
+    const String m_unit;
+    LabelPtr m_label;
+    LabelPtr m_valueLabel;
+};
+
+}  // namespace gui

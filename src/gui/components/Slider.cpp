@@ -1,0 +1,217 @@
+#include "gui/components/Slider.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "gui/Focus.h"
+#include "gui/LookAndFeel.h"
+#include "gui/components/Images.h"
+#include "input/Key.h"
+#include "rendering/Gl.h"
+#include "rendering/Renderer.h"
+#include "script/Conversions.h"
+#include "util/Assert.h"
+
+// With the track from x = M to x = w - M, M being the margin, and the fraction t of the track
+//
+//   t = (v - min) / (max - min),  or (log v - log min) / (log max - log min)
+//   x = t (w - M) + (1 - t) M
+namespace gui {
+namespace {
+
+using math::Vec2;
+using math::Vec4;
+
+constexpr float MARGIN = 5;           // GUI units at both ends of the track
+constexpr float KNOB_HALF_WIDTH = 3;  // GUI units
+constexpr float KNOB_HALF_HEIGHT = 7;
+constexpr float BAR_HEIGHT = 2;
+constexpr float DEFAULT_WIDTH = 120;
+constexpr double KEY_STEP = 0.02;        // of the track
+constexpr double FINE_KEY_STEP = 0.002;  // with shift
+const Vec4 HOVER_COLOR(1.2f, 1.2f, 1.2f, 1);
+
+bool IsSame(double a, double b) {
+    return a == b || (std::isnan(a) && std::isnan(b));
+}
+
+}  // namespace
+
+Slider::Slider(double min, double max, const String& name) : Component(name), m_min(min), m_max(max) {
+    CODE_ASSERTION(min < max);
+    SetSize(DEFAULT_WIDTH, ROW_HEIGHT);
+}
+
+// ---- the value ---------------------------------------------------------------------------------------
+
+void Slider::SetValue(double value) {
+    if (IsSame(value, GetValue())) return;
+    m_value = value;
+    FireChange();
+}
+
+void Slider::SetDefault(double value) {
+    m_defaultValue = value;
+    m_hasDefault = true;
+}
+
+void Slider::FireChange() {
+    m_onChange.CallAll();
+}
+
+void Slider::FireDragStart() {
+    m_onDragStart.CallAll();
+}
+
+void Slider::FireDragEnd() {
+    m_onDragEnd.CallAll();
+}
+
+void Slider::SetLogarithmic(bool logarithmic) {
+    if (logarithmic) CODE_ASSERTION(m_min > 0);
+    m_logarithmic = logarithmic;
+}
+
+void Slider::SetMinClamp(double value) {
+    m_minClamps = true;
+    m_minClampValue = value;
+}
+
+void Slider::SetMaxClamp(double value) {
+    m_maxClamps = true;
+    m_maxClampValue = value;
+}
+
+void Slider::SetTrackColors(const Vec4& start, const Vec4& end) {
+    m_trackStart = start;
+    m_trackEnd = end;
+}
+
+void Slider::SetKnobColor(const Vec4& color) {
+    m_useFixedKnobColor = true;
+    m_knobColor = color;
+}
+
+double Slider::GetFraction(double value) const {
+    if (std::isnan(value)) return value;
+    const double v = std::clamp(value, m_min, m_max);
+    if (!m_logarithmic) return (v - m_min) / (m_max - m_min);
+    return std::log10(v / m_min) / std::log10(m_max / m_min);
+}
+
+double Slider::GetValueOf(double fraction) const {
+    if (fraction <= 0) return m_minClamps ? m_minClampValue : m_min;
+    if (fraction >= 1) return m_maxClamps ? m_maxClampValue : m_max;
+    if (!m_logarithmic) return m_min + fraction * (m_max - m_min);
+    return std::pow(10, std::log10(m_min) + fraction * (std::log10(m_max) - std::log10(m_min)));
+}
+
+float Slider::GetKnobX(double value) const {
+    const double t = GetFraction(value);
+    return static_cast<float>(t * (GetSize().x - MARGIN) + (1 - t) * MARGIN);
+}
+
+double Slider::GetValueAt(float x) const {
+    return GetValueOf((x - MARGIN) / (GetSize().x - 2 * MARGIN));
+}
+
+script::ObjectPtr Slider::GetState() const {
+    const double value = GetValue();
+    if (std::isnan(value)) return script::ValueToObject("unknown");
+    return script::ValueToObject(value);
+}
+
+// ---- input -------------------------------------------------------------------------------------------
+
+void Slider::OnKeyEvent(KeyEvent& event) {
+    Component::OnKeyEvent(event);
+    if (event.m_key == Key::LeftMouse && !event.m_pressed && m_dragging) {
+        m_dragging = false;
+        FireDragEnd();
+        event.m_handled = true;
+    } else if (event.m_pressed && !event.m_handled) {
+        event.m_handled = HandlePress(event) || HandleFocusKey(event);
+    }
+}
+
+bool Slider::HandlePress(const KeyEvent& event) {
+    if (event.m_key != Key::LeftMouse && event.m_key != Key::MiddleMouse) return false;
+    if (!IsHit(event.m_position)) return false;
+    if (event.m_key == Key::LeftMouse) {
+        m_dragging = true;
+        FireDragStart();
+        SetValue(GetValueAt(ToContent(event.m_position).x));
+    } else if (m_hasDefault) {
+        ChangeAsUser(m_defaultValue);
+    }
+    return true;
+}
+
+// A value that there is not, of several things that differ, starts at the near end.
+bool Slider::HandleFocusKey(const KeyEvent& event) {
+    if (!HasFocus() || (event.m_key != Key::Left && event.m_key != Key::Right)) return false;
+    const double t = GetFraction(GetValue()), step = event.m_shift ? FINE_KEY_STEP : KEY_STEP;
+    ChangeAsUser(GetValueOf((std::isnan(t) ? 0 : t) + (event.m_key == Key::Left ? -step : step)));
+    return true;
+}
+
+void Slider::ChangeAsUser(double value) {
+    if (IsSame(value, GetValue())) return;
+    FireDragStart();
+    SetValue(value);
+    FireDragEnd();
+}
+
+void Slider::OnMouseMove(MouseMoveEvent& event) {
+    Component::OnMouseMove(event);
+    if (event.m_handled || !m_dragging) return;
+    SetValue(GetValueAt(ToContent(event.m_position).x));
+    event.m_handled = true;
+}
+
+// ---- drawing -----------------------------------------------------------------------------------------
+
+void Slider::DrawComp() {
+    if (m_dragging || IsMouseInside()) rendering::Renderer::Instance().MultColor(HOVER_COLOR);
+    Component::DrawComp();
+    DrawTrack();
+    DrawKnob();
+    Focus::DrawRing(*this);
+}
+
+void Slider::DrawTrack() const {
+    rendering::Renderer& renderer = rendering::Renderer::Instance();
+    const Vec4 present = renderer.GetColor();
+    const Vec4 start = present * m_trackStart, end = present * m_trackEnd;
+    const Vec4 colors[4] = {start, end, end, start};
+    const float left = MARGIN, right = GetSize().x - MARGIN;
+    for (const float part : {0.25f, 0.75f}) {
+        const float top = std::floor(GetSize().y * part - BAR_HEIGHT / 2), bottom = top + BAR_HEIGHT;
+        const Vec2 corners[4] = {{left, top}, {right, top}, {right, bottom}, {left, bottom}};
+        renderer.DrawColored(corners, colors, 4);
+    }
+}
+
+Vec4 Slider::GetKnobColor() const {
+    return m_useFixedKnobColor ? m_knobColor : (m_trackStart + m_trackEnd) * 0.5f;
+}
+
+void Slider::DrawKnob() const {
+    const double value = GetValue();
+    if (std::isnan(value)) return;
+    const Vec2 middle(std::round(GetKnobX(value)), std::round(GetSize().y / 2));
+    if (m_knob) {
+        const Vec2 half = GetImageSize(m_knob) * 0.5f;
+        DrawImage(m_knob, middle - half, middle + half);
+        return;
+    }
+    rendering::Renderer& renderer = rendering::Renderer::Instance();
+    const Vec4 kept = renderer.GetColor();
+    renderer.MultColor(GetKnobColor());
+    const rendering::ScopedCapability untextured(GL_TEXTURE_2D, false);
+    const Vec2 half(KNOB_HALF_WIDTH, KNOB_HALF_HEIGHT);
+    renderer.DrawQuad(middle - half, middle + half);
+    renderer.SetColor(kept);
+}
+
+}  // namespace gui

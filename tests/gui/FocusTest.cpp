@@ -1,0 +1,209 @@
+#include "gui/Focus.h"
+
+#include <gtest/gtest.h>
+
+#include "Events.h"
+#include "gui/Root.h"
+#include "gui/Window.h"
+#include "gui/components/Button.h"
+#include "gui/components/ScrollArea.h"
+#include "gui/components/TextField.h"
+
+namespace {
+
+using gui::Button;
+using gui::ButtonPtr;
+using gui::Component;
+using gui::ComponentPtr;
+using gui::Focus;
+using gui::Key;
+using gui::TextFieldPtr;
+using gui::WindowPtr;
+using math::Vec2;
+
+class TreeTest : public testing::Test {
+  protected:
+    TreeTest() : m_root(new gui::Root), m_view(new Component("view")) {
+        m_root->SetSize(800, 600);
+        m_view->SetSize(800, 600);
+        m_root->AddChild(m_view);
+    }
+    ~TreeTest() override { Focus::Set(nullptr); }
+
+    WindowPtr AddWindow(Vec2 pos, Vec2 size, const String& title = "m") {
+        const WindowPtr window = new gui::Window(title);
+        m_view->AddChild(window);
+        window->SetPos(pos.x, pos.y);
+        window->SetSize(size.x, size.y);
+        return window;
+    }
+    bool Send(gui::KeyEvent event) {
+        m_root->OnKeyEvent(event);
+        return event.m_handled;
+    }
+    bool Press(int key, char character = 0, bool shift = false) {
+        gui::KeyEvent event = test::Press(key, {-1, -1});
+        event.m_character = character;
+        event.m_shift = shift;
+        return Send(event);
+    }
+    void ClickAt(Vec2 place) {
+        Send(test::Press(Key::LeftMouse, place));
+        Send(test::Release(Key::LeftMouse, place));
+        gui::ClickEvent click;
+        click.m_position = place;
+        click.m_key = Key::LeftMouse;
+        m_root->OnClick(click);
+    }
+
+    const ComponentPtr m_root, m_view;
+};
+
+// ---- focus -------------------------------------------------------------------------------------------
+
+TEST_F(TreeTest, TabMovesTheFocusThroughTheFrontWindowFirst) {
+    const WindowPtr back = AddWindow({0, 0}, {100, 100}), front = AddWindow({300, 0}, {100, 100});
+    const ButtonPtr a = new Button("a"), b = new Button("b"), c = new Button("c");
+    const ButtonPtr off = new Button("off");
+    off->SetEnabled(false);
+    back->AddChild(c);
+    front->AddChild(a);
+    front->AddChild(off);
+    front->AddChild(b);
+    EXPECT_EQ(Focus::Get(), nullptr);
+    for (const Component* expected : {a.Get(), b.Get(), c.Get(), a.Get()}) {
+        EXPECT_TRUE(Press(Key::Tab, '\t'));
+        EXPECT_EQ(Focus::Get(), expected);
+    }
+    Press(Key::Tab, '\t', true);
+    EXPECT_EQ(Focus::Get(), c.Get());
+    EXPECT_TRUE(Press(Key::Escape));
+    EXPECT_EQ(Focus::Get(), nullptr);
+    EXPECT_FALSE(Press(Key::Escape));
+}
+
+TEST_F(TreeTest, ReturnAndSpacePressTheFocusedButton) {
+    const WindowPtr window = AddWindow({0, 0}, {100, 100});
+    const ButtonPtr button = new Button("a");
+    window->AddChild(button);
+    int fired = 0;
+    button->GetOnPress().Add(new util::Callback([&fired] { ++fired; }, button));
+    EXPECT_FALSE(Press(Key::Space, ' '));
+    Focus::Set(button);
+    EXPECT_TRUE(Press(Key::Space, ' '));
+    EXPECT_TRUE(Press(Key::Return, '\r'));
+    EXPECT_EQ(fired, 2);
+    ClickAt({700, 500});
+    EXPECT_EQ(Focus::Get(), nullptr);
+    EXPECT_FALSE(Press(Key::Space, ' '));
+}
+
+TEST_F(TreeTest, AFieldTypesWhileItHasTheFocus) {
+    const WindowPtr window = AddWindow({0, 0}, {300, 100});
+    const TextFieldPtr field = new gui::TextField("mm"), other = new gui::TextField;
+    window->AddChild(field);
+    window->AddChild(other);
+    other->SetPos(0, 50);
+    EXPECT_FALSE(Press('x', 'x'));
+
+    ClickAt(field->ToGUI({4 + 10, 5}));
+    EXPECT_TRUE(field->HasFocus());
+    EXPECT_TRUE(Press('x', 'x'));
+    EXPECT_EQ(field->GetText(), "mxm") << "typed where the click was";
+    EXPECT_TRUE(Press(Key::Tab, '\t'));
+    EXPECT_TRUE(other->HasFocus());
+    EXPECT_TRUE(Press('y', 'y'));
+    EXPECT_EQ(other->GetText(), "y");
+    EXPECT_EQ(field->GetText(), "mxm");
+    int lost = 0;
+    other->GetOnLostFocus().Add(new util::Callback([&lost] { ++lost; }, other));
+    ClickAt({700, 500});
+    EXPECT_EQ(lost, 1);
+    EXPECT_FALSE(Press('y', 'y'));
+}
+
+TEST_F(TreeTest, EscapeClosesADialogThatHasTheFocus) {
+    const WindowPtr dialog = AddWindow({0, 0}, {300, 100});
+    const TextFieldPtr field = new gui::TextField;
+    dialog->AddChild(field);
+    dialog->SetClosesAtEscape(true);
+    EXPECT_FALSE(Press(Key::Escape));
+    Focus::Set(field);
+    EXPECT_TRUE(Press(Key::Escape));
+    EXPECT_EQ(dialog->GetParent(), nullptr);
+    EXPECT_TRUE(Press('x', 'x') == false && field->GetText().empty());
+}
+
+// ---- covering ----------------------------------------------------------------------------------------
+
+TEST_F(TreeTest, WhatLiesUnderAWindowIsOutOfReach) {
+    const WindowPtr lower = AddWindow({100, 100}, {200, 200});
+    const ButtonPtr button = new Button("mm");
+    lower->AddChild(button);
+    const Vec2 place = button->ToGUI({5, 5});
+    EXPECT_TRUE(button->IsHit(place));
+    EXPECT_TRUE(lower->IsHit(place));
+
+    const WindowPtr upper = AddWindow({100, 100}, {200, 200});
+    EXPECT_FALSE(button->IsHit(place));
+    EXPECT_FALSE(lower->IsHit(place));
+    EXPECT_TRUE(upper->IsHit(place));
+    EXPECT_FALSE(Send(test::Press(Key::LeftMouse, place)));
+    EXPECT_FALSE(button->IsPressed());
+
+    m_view->RemoveChild(upper);
+    Send(test::Press(Key::LeftMouse, place));
+    EXPECT_TRUE(button->IsPressed());
+}
+
+TEST_F(TreeTest, TheUpperWindowIsDraggedAndRaised) {
+    const WindowPtr lower = AddWindow({100, 100}, {200, 200}), upper = AddWindow({50, 60}, {300, 300});
+    EXPECT_FALSE(Send(test::Press(Key::LeftMouse, {150, 110})))
+        << "the lower title lies under the upper content";
+    EXPECT_FALSE(lower->IsDragged());
+    EXPECT_EQ(m_view->GetChildren().back(), upper);
+    Send(test::Press(Key::LeftMouse, {320, 460}));
+    upper->SetPos(400, 300);
+    Send(test::Press(Key::LeftMouse, {150, 200}));
+    EXPECT_EQ(m_view->GetChildren().back(), lower) << "a press anywhere in a window raises it";
+}
+
+TEST_F(TreeTest, TitleBarsStayInView) {
+    const WindowPtr window = AddWindow({700, 100}, {200, 100});
+    Send(test::Press(Key::LeftMouse, window->ToGUI({10, -10})));
+    gui::MouseMoveEvent away = test::Move({}, {-5000, 5000});
+    m_root->OnMouseMove(away);
+    EXPECT_EQ(window->GetPos(), Vec2(0, 600 - 26));
+    gui::MouseMoveEvent back = test::Move({}, {5000 - 200, -5000});
+    m_root->OnMouseMove(back);
+    EXPECT_EQ(window->GetPos(), Vec2(500, 100)) << "it comes back with the mouse";
+    m_view->SetSize(400, 90);
+    EXPECT_EQ(window->GetPos(), Vec2(400 - 212, 64));
+    m_view->SetSize(100, 10);
+    EXPECT_EQ(window->GetPos(), Vec2(0, 0));
+}
+
+TEST_F(TreeTest, AScrolledListShowsAndTakesWhatIsInView) {
+    const ComponentPtr list = new Component("list", new gui::ListLayout(gui::ListLayout::Vertical));
+    std::vector<ButtonPtr> buttons;
+    for (int i = 0; i < 20; ++i) {
+        buttons.push_back(new Button("mmmm"));
+        list->AddChild(buttons.back());
+    }
+    const gui::ScrollAreaPtr area = new gui::ScrollArea(list, 110);
+    m_view->AddChild(area);
+    EXPECT_EQ(area->GetSize().y, 110);
+    EXPECT_TRUE(buttons[0]->IsHit({10, 10}));
+    EXPECT_FALSE(buttons[6]->IsHit({10, 6 * 22 + 10})) << "below the edge";
+    EXPECT_TRUE(Send(test::Press(Key::ScrollDown, {10, 10})));
+    EXPECT_EQ(area->GetOffset(), 66);
+    EXPECT_TRUE(buttons[3]->IsHit({10, 10}));
+    EXPECT_FALSE(Send(test::Press(Key::ScrollDown, {10, 200})));
+    area->ScrollTo(1e6f);
+    EXPECT_EQ(area->GetOffset(), 20 * 22 - 110);
+    Focus::Set(buttons[2]);
+    area->Update(0);
+    EXPECT_TRUE(buttons[2]->IsHit({10, 10})) << "the focus is brought into view";
+}
+
+}  // namespace
