@@ -40,6 +40,7 @@ App::App()
     AddCommands();
     physics::Simulation::Instance().m_running->AddOnChange(
         new util::Callback([this] { OnRunningChange(); }, this));
+    m_language->AddOnChange(new util::Callback([this] { OnLanguageChange(); }, this));
     m_maxUndo->AddOnChange(
         new util::Callback([this] { Undoer::Instance().SetLimit(m_maxUndo->Get()); }, this));
 }
@@ -58,6 +59,7 @@ void App::Update(float dt) {
     PROFILE_SECTION("App::Update");
     try {
         m_view.Update();
+        if (m_rebuildsGUI) CreateGUI();
         Component::Update(dt);
         if (dt > 0) PanByKeys(dt);
         physics::Simulation::Instance().Update(dt);
@@ -76,6 +78,7 @@ void App::DrawComp() {
     m_renderer.Draw([this] {
         if (m_appGUI) m_appGUI->GetTool().Draw();
     });
+    if (m_appGUI) m_appGUI->OnSceneDrawn();
 }
 
 void App::OnGeometryChanged() {
@@ -122,9 +125,15 @@ void App::OnRunningChange() {
 
 // ---- the interface
 
+// The window with the button that chose the language is still at work.
+void App::OnLanguageChange() {
+    m_rebuildsGUI = static_cast<bool>(m_appGUI);
+}
+
 void App::CreateGUI() {
     const String language = m_language->Get();
     if (Language::Instance().GetName() != language) Language::Instance().Load(language);
+    m_rebuildsGUI = false;
     const AppGUIPtr previous = m_appGUI;
     if (previous) RemoveChild(previous);
     m_appGUI = new AppGUI(*this, previous.Get());

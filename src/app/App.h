@@ -91,13 +91,15 @@ class App : public gui::Component, public util::Singleton<App> {
   private:
     void AddCommands();
     void OnRunningChange();
+    void OnLanguageChange();
     void PanByKeys(float dt);
 
     Scene m_scene;
     View m_view;
     SceneRenderer m_renderer;
     const ToolSettings m_toolSettings;
-    AppGUIPtr m_appGUI;  // null until CreateGUI
+    AppGUIPtr m_appGUI;          // null until CreateGUI
+    bool m_rebuildsGUI = false;  // at the next update
 };
 
 }  // namespace app

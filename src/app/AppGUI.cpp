@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "app/App.h"
+#include "app/drawing/DrawSettings.h"
 #include "app/entities/Entity.h"
 #include "app/files/SceneFiles.h"
 #include "app/history/Actions.h"
@@ -13,12 +14,12 @@
 #include "app/tools/MoveTool.h"
 #include "app/tools/PanTool.h"
 #include "app/tools/RotateTool.h"
-#include "app/windows/StatsWindow.h"
 #include "gui/GUI.h"
 #include "input/Key.h"
 #include "input/WindowHost.h"
 #include "logging/Log.h"
 #include "script/Parser.h"
+#include "script/Scopes.h"
 #include "util/Clock.h"
 #include "util/FileNames.h"
 #include "util/FileSystem.h"
@@ -27,6 +28,18 @@
 #include "util/RunSlot.h"
 
 namespace app {
+namespace {
+
+// The switch belongs to the owner of the GL resources, which only the script tree tells of here.
+script::TAttribPtr<bool> FindShaderSwitch() {
+    const script::ObjectPtr resources =
+        script::Parser::Instance().GetRootClosure()->GetLocalValue("Resources");
+    script::ClassObject* const owner = resources ? resources->AsClass() : nullptr;
+    if (owner == nullptr) return nullptr;
+    return util::DynamicCast<script::TAttrib<bool>>(owner->FindLocal("shaders"));
+}
+
+}  // namespace
 
 AppGUI::AppGUI(App& app, const AppGUI* previous)
     : Component("Interface"),
@@ -38,22 +51,43 @@ AppGUI::AppGUI(App& app, const AppGUI* previous)
       m_panTool(new PanTool(app.GetWorkbench())),
       m_brushTool(new BrushTool(app.GetWorkbench())),
       m_lastAutosave(previous ? previous->m_lastAutosave : util::Clock::Now()),
-      m_statsWindow(previous ? previous->m_statsWindow : new StatsWindow(app.GetScene(), app)) {
+      m_tools{{"ToolBrush", "tools/brush", 'b', m_brushTool}},
+      m_tool(m_brushTool),
+      m_desk{m_scene,
+             m_view,
+             m_commands,
+             app.GetGUISettings(),
+             app.GetDrawSettings(),
+             FindShaderSwitch(),
+             app.m_maxSPHSpawn,
+             *this,
+             app},
+      m_windows(*this, app.GetGUISettings().m_windows) {
     SetFillParent(true);
-    TakeOverWindows(previous);
+    AddToolCommands();
+    AddEditCommands();
+    AddFileCommands();
+    AddViewCommands();
+    AddWindowCommands();
+    AddWindows();
     const util::WeakPtr<util::Pointee> self(this);
-    Undoer::Instance().GetOnInterrupt().Add(new util::Callback([this] { CancelTool(); }, self));
+    Undoer::Instance().GetOnInterrupt().Add(new util::Callback([this] { BreakOff(); }, self));
     m_scene.GetOnNameChange().Add(new util::Callback([this] { ShowSceneName(); }, self));
 }
 
-// A window that the user has torn off or closed stays so.
-void AppGUI::TakeOverWindows(const AppGUI* previous) {
-    if (!previous || m_statsWindow->GetParent() == previous) AddChild(m_statsWindow);
+AppGUI::~AppGUI() noexcept(false) {
+    ClosePopup();
+}
+
+// The history is about to put another scene in the place of this one.
+void AppGUI::BreakOff() {
+    CancelTool();
+    ClosePopup();
 }
 
 Tool& AppGUI::GetTool() const {
     if (m_overrideTool) return *m_overrideTool;
-    return *m_brushTool;
+    return *m_tool;
 }
 
 bool AppGUI::CancelTool() {
@@ -121,8 +155,10 @@ void AppGUI::HandleClick(gui::ClickEvent& event) {
     if (wantsMenu) {
         const EntityPtr entity = m_scene.GetEntityAt(world);
         if (!entity || !selection.Has(entity)) selection.ClickAt(world);
+        OpenPopup(event.m_position);
         event.m_handled = true;
     } else if (left && event.m_clicks == 1) {
+        ClosePopup();
         selection.ClickAt(world);
         event.m_handled = true;
     }
@@ -137,6 +173,7 @@ void AppGUI::OnKeyEvent(gui::KeyEvent& event) {
         const bool escape = event.m_pressed && event.m_key == gui::Key::Escape;
         if (!escape) GetTool().OnKeyEvent(event);
         if (event.m_pressed && !event.m_handled) event.m_handled = HandleKey(event);
+        if (m_commands.HandleKey(event)) event.m_handled = true;
     });
 }
 
@@ -146,12 +183,9 @@ bool AppGUI::HandleKey(const gui::KeyEvent& event) {
         case gui::Key::ScrollDown:
             return HandleWheel(event);
         case gui::Key::Escape:
-            return CancelTool();
-        case gui::Key::Delete:
-            EraseSelection();
-            return true;
+            return CancelTool() || ClosePopup();
         default:
-            return event.m_ctrl && HandleShortcut(event.m_key);
+            return false;
     }
 }
 
@@ -169,31 +203,6 @@ bool AppGUI::HandleWheel(const gui::KeyEvent& event) {
     const float exponent = m_app.GetGUISettings().m_zoomFactor->Get() * (up ? 1 : -1);
     m_view.ZoomAbout(event.m_position, std::exp2(exponent));
     return true;
-}
-
-bool AppGUI::HandleShortcut(int key) {
-    switch (key) {
-        case 'z':
-            StepHistory(false);
-            return true;
-        case 'y':
-            StepHistory(true);
-            return true;
-        case 'a':
-            SelectAll();
-            return true;
-        case 's':
-            SaveScene();
-            return true;
-        case 'g':
-            SetGroup(true);
-            return true;
-        case 'u':
-            SetGroup(false);
-            return true;
-        default:
-            return false;
-    }
 }
 
 void AppGUI::StepHistory(bool redo) {
@@ -236,11 +245,12 @@ bool AppGUI::SaveSceneAs(const String& name, bool autosave) {
     return util::Guarded(save, "Error: ", logging::Error);
 }
 
-bool AppGUI::SaveScene() {
-    if (m_scene.GetName().empty()) return SaveSceneAs(FindFreeName(), false);
+// A scene keeps its place, also outside of Scenes/, as long as its name stays.
+bool AppGUI::SaveSceneNamed(const String& name) {
+    if (name != m_scene.GetName()) return SaveSceneAs(name, false);
     const auto save = [&] {
-        WriteScene(m_scene, m_scene.GetName());
-        NoteSaved(m_scene.GetName());
+        WriteScene(m_scene, name);
+        NoteSaved(name);
     };
     return util::Guarded(save, "Error: ", logging::Error);
 }
@@ -257,6 +267,7 @@ String AppGUI::FindFreeName() {
 
 void AppGUI::NoteSaved(const String& name) {
     m_scene.SetName(name);
+    m_thumbnail.Request(GetScenePath(name));
     Log(logging::Info, "Scene saved to " + name);
 }
 
@@ -281,6 +292,7 @@ void AppGUI::Update(float dt) {
         PROFILE_SECTION("AppGUI::Update");
         m_steppedHistory = false;
         Component::Update(dt);
+        m_windows.Update();
         Autosave();
         GetTool().Update();
     }

@@ -1,6 +1,13 @@
 #pragma once
 
+#include <vector>
+
 #include "app/Fwd.h"
+#include "app/drawing/SceneThumbnail.h"
+#include "app/tools/Tool.h"
+#include "app/windows/Commands.h"
+#include "app/windows/Desk.h"
+#include "app/windows/WindowSet.h"
 #include "gui/Component.h"
 
 namespace app {
@@ -9,7 +16,14 @@ class MoveTool;
 class RotateTool;
 class PanTool;
 class BrushTool;
-class StatsWindow;
+
+// A tool as the interface offers it: the language key of its name, its picture and its letter.
+struct ToolEntry {
+    const char* m_name;
+    const char* m_icon;
+    int m_key;
+    ToolPtr m_tool;
+};
 
 // The interface over the world view, a child of app::App that fills it: it holds the tools, brings every
 // gesture that no widget took to one of them, and has the keyboard shortcuts, the autosave and the saving
@@ -26,6 +40,8 @@ class AppGUI : public gui::Component {
     // `previous` is the interface that this one replaces, or null: its autosave clock goes on.
     AppGUI(App& app, const AppGUI* previous);
 
+    ~AppGUI() noexcept(false) override;
+
     // The tool that the user's gesture goes to.
     Tool& GetTool() const;
     bool CancelTool();  // as Tool::Cancel, of that tool
@@ -33,8 +49,17 @@ class AppGUI : public gui::Component {
     // Saves the scene to Scenes/. An autosave is silent and does not change the scene's name. A failure is
     // told to the user, and the answer is false.
     bool SaveSceneAs(const String& name, bool autosave);
-    // Under the scene's name, or a free one of the form "scene-1.vxa" while it has none.
-    bool SaveScene();
+    // What the dialog does: under the name of the scene itself to where it lies.
+    bool SaveSceneNamed(const String& name);
+
+    // ---- windows
+
+    const Commands& GetCommands() const { return m_commands; }
+    WindowSet& GetWindows() { return m_windows; }
+    // In front of all, in the middle, in place of the dialog that was open.
+    void OpenDialog(const gui::WindowPtr& dialog);
+    // To be called when the scene has been drawn and no window yet.
+    void OnSceneDrawn() { m_thumbnail.Take(); }
 
     void Update(float dt) override;
     void Draw() override;
@@ -51,7 +76,6 @@ class AppGUI : public gui::Component {
     void HandleClick(gui::ClickEvent& event);
     bool HandleKey(const gui::KeyEvent& event);
     bool HandleWheel(const gui::KeyEvent& event);
-    bool HandleShortcut(int key);
     void StepHistory(bool redo);
     void EraseSelection();
     void SelectAll();
@@ -60,7 +84,23 @@ class AppGUI : public gui::Component {
     void NoteSaved(const String& name);
     void ShowSceneName();  // in the title of the window
     void Autosave();
-    void TakeOverWindows(const AppGUI* previous);
+
+    // AppGUIWindows.cpp
+    void AddToolCommands();
+    void AddEditCommands();
+    void AddFileCommands();
+    void AddViewCommands();
+    void AddWindowCommands();
+    void AddWindows();
+    void OpenPopup(math::Vec2 place);
+    bool ClosePopup();  // whether there was one
+    void BreakOff();
+    void OpenSaveDialog();
+    void OpenSceneDialog(bool import);
+    void LoadScene(const String& file, bool import);
+    void ChooseLanguage();
+    void EraseWater();
+    void ToggleFullscreen();
 
     App& m_app;
     Scene& m_scene;
@@ -69,10 +109,17 @@ class AppGUI : public gui::Component {
     const util::SharedPtr<RotateTool> m_rotateTool;
     const util::SharedPtr<PanTool> m_panTool;
     const util::SharedPtr<BrushTool> m_brushTool;
-    ToolPtr m_overrideTool;                            // from a drag's start to its end; null otherwise
-    double m_lastAutosave;                             // seconds, of util::Clock
-    bool m_steppedHistory = false;                     // by the wheel, in this frame
-    const util::SharedPtr<StatsWindow> m_statsWindow;  // a child, until it is torn off or closed
+    ToolPtr m_overrideTool;                // from a drag's start to its end; null otherwise
+    double m_lastAutosave;                 // seconds, of util::Clock
+    bool m_steppedHistory = false;         // by the wheel, in this frame
+    const std::vector<ToolEntry> m_tools;  // in the toolbar's order
+    ToolPtr m_tool;                        // the selected one, never null
+    Commands m_commands;
+    const Desk m_desk;
+    WindowSet m_windows;
+    util::WeakPtr<gui::Window> m_dialog;
+    gui::WindowPtr m_popup;  // null for none; torn off it belongs to this component alone
+    SceneThumbnail m_thumbnail;
 };
 
 }  // namespace app

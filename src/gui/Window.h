@@ -46,13 +46,14 @@ class Window : public WobbleComponent {
     util::CallbackSet& GetClosedCallbacks() { return m_closedCallbacks; }
     void SetTearOffTarget(const ComponentWeakPtr& target) { m_tearOffTarget = target; }
     bool IsDragged() const { return m_dragging; }
+    // The place nearest to `pos` at which the title bar is in the parent's view.
+    math::Vec2 GetNearestInView(math::Vec2 pos) const;
 
   protected:
     bool IsHeld() const override { return m_dragging; }
 
   private:
     float GetMinWidth() const;
-    math::Vec2 GetNearestInView(math::Vec2 pos) const;
     bool HandlePress(const KeyEvent& event);
     bool IsOnTitleBar(math::Vec2 gui) const;
     void TearOff(Component& target);

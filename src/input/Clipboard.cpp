@@ -43,6 +43,20 @@ int32_t NextCodePoint(const String& text, size_t& i) {
 
 }  // namespace
 
+String Utf8FromLatin1(const String& text) {
+    String utf8;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x80) {
+            utf8 += c;
+        } else {
+            utf8 += static_cast<char>(0xC0 | (byte >> 6));
+            utf8 += static_cast<char>(0x80 | (byte & 0x3F));
+        }
+    }
+    return utf8;
+}
+
 String Latin1FromUtf8(const String& text) {
     String result;
     for (size_t i = 0; i < text.size();) {

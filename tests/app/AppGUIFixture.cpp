@@ -6,6 +6,8 @@
 #include "app/entities/CircleEntity.h"
 #include "app/entities/PlaneEntity.h"
 #include "app/entities/PolyEntity.h"
+#include "app/scene/AppGUISettings.h"
+#include "gui/components/Button.h"
 #include "input/Input.h"
 #include "input/Key.h"
 #include "physics/Polygon.h"
@@ -39,6 +41,7 @@ int AppGUIFixture::s_dragButton;
 AppGUIFixture::AppGUIFixture() {
     app::App& app = MakeApp();
     app.Clear();
+    app.GetGUISettings().m_windows->Set("Tools closed - - Control closed - -");
     app.CreateGUI();
     math::TMatrix3<float> view;
     view.m[0][0] = SCALE;
@@ -178,6 +181,29 @@ void AppGUIFixture::SetModifier(int key, bool down) {
         if (code == key && down) event.key.keysym.mod = static_cast<SDLMod>(mask);
     }
     gui::Input::Instance().HandleEvent(event);
+}
+
+namespace {
+
+gui::ComponentPtr FindBelow(const gui::Component& parent, const String& key) {
+    const gui::ComponentList& children = parent.GetChildren();
+    for (auto child = children.rbegin(); child != children.rend(); ++child) {
+        if ((*child)->GetKey() == key && !(*child)->IsTopLevel()) return *child;
+        if (const gui::ComponentPtr found = FindBelow(**child, key)) return found;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+gui::ComponentPtr AppGUIFixture::FindWidget(const String& key) {
+    return FindBelow(App(), key);
+}
+
+void AppGUIFixture::PressButton(const String& key) {
+    const auto button = util::DynamicCast<gui::AbstractButton>(FindWidget(key));
+    ASSERT_TRUE(button) << "no button " << key;
+    button->OnPressed();
 }
 
 math::Vec2List AppGUIFixture::Circle(Vec2 center, float radius, float turns) {

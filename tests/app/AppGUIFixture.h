@@ -47,6 +47,10 @@ class AppGUIFixture : public testing::Test {
     static bool Key(int key, bool ctrl = false, math::Vec2 mouse = {0, 0});
     static void SetModifier(int key, bool down);  // a shift, ctrl or alt key, held from now on
 
+    // The topmost control of that language key below the world view; null for none.
+    static gui::ComponentPtr FindWidget(const String& key);
+    static void PressButton(const String& key);
+
     static math::Vec2List Circle(math::Vec2 center, float radius, float turns = 0.98f);
 
   private:

@@ -11,6 +11,7 @@
 #include "app/tools/MoveTool.h"
 #include "app/tools/PanTool.h"
 #include "app/tools/RotateTool.h"
+#include "gui/components/TextField.h"
 #include "input/Key.h"
 #include "script/Parser.h"
 #include "support/LogCapture.h"
@@ -188,7 +189,6 @@ TEST_F(AppGUITest, Shortcuts) {
     Key('u', true);
     EXPECT_EQ(UndoCount(), steps) << "with nothing selected";
     for (const int key : {'a', 'z', 'g', 's'}) EXPECT_FALSE(Key(key)) << "without ctrl";
-    for (const int key : {'o', 'i', 'q'}) EXPECT_FALSE(Key(key, true)) << "no dialog yet";
     EXPECT_FALSE(Key(Key::Escape)) << "nothing to cancel";
 }
 
@@ -240,17 +240,34 @@ TEST_F(AppGUISaveTest, SavesUnderACleanName) {
     EXPECT_EQ(log.Count("Scene saved"), 1);
 }
 
-TEST_F(AppGUISaveTest, CtrlSNeverWritesOverASceneThatTheUserDidNotName) {
+TEST_F(AppGUISaveTest, TheDialogNeverWritesOverASceneThatTheUserDidNotName) {
     EXPECT_TRUE(GUI().SaveSceneAs("scene-1", true));
     const String old = Read("Scenes/scene-1.vxa");
     AddCircle({0, 0});
     EXPECT_TRUE(Key('s', true));
+    PressButton("Save");
     EXPECT_EQ(Read("Scenes/scene-1.vxa"), old);
     EXPECT_NE(Read("Scenes/scene-2.vxa").find("circle"), String::npos);
     AddBox({0, 2});
     EXPECT_TRUE(Key('s', true));
+    PressButton("Save");
     EXPECT_NE(Read("Scenes/scene-2.vxa").find("polygon"), String::npos);
     EXPECT_FALSE(Exists("Scenes/scene-3.vxa"));
+}
+
+TEST_F(AppGUISaveTest, AnotherSceneIsReplacedAtTheSecondPressOnly) {
+    EXPECT_TRUE(GUI().SaveSceneAs("mine", true));
+    const String old = Read("Scenes/mine.vxa");
+    AddCircle({0, 0});
+    Key('s', true);
+    const util::SharedPtr<gui::TextField> field = util::DynamicCast<gui::TextField>(FindWidget("EnterName"));
+    ASSERT_TRUE(field);
+    field->SetText("mine.vxa");
+    PressButton("Save");
+    EXPECT_EQ(Read("Scenes/mine.vxa"), old);
+    PressButton("Save");
+    EXPECT_NE(Read("Scenes/mine.vxa").find("circle"), String::npos);
+    EXPECT_FALSE(FindWidget("EnterName")) << "the dialog has gone";
 }
 
 TEST_F(AppGUISaveTest, FailureToSaveIsTold) {

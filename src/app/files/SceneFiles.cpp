@@ -1,5 +1,7 @@
 #include "app/files/SceneFiles.h"
 
+#include <cstring>
+
 #include "app/files/Serializer.h"
 #include "script/Expressions.h"
 #include "util/Exception.h"
@@ -28,6 +30,10 @@ String CleanSceneName(const String& name) {
     }
     if (clean.empty() || EndsWith(clean, EXTENSION)) return clean;
     return clean + EXTENSION;
+}
+
+String StripSceneEnding(const String& name) {
+    return EndsWith(name, EXTENSION) ? name.substr(0, name.size() - std::strlen(EXTENSION)) : name;
 }
 
 String GetScenePath(const String& name) {

@@ -8,6 +8,9 @@ namespace app {
 // dots and blanks, with the extension ".vxa" once. Empty when nothing is left of it.
 String CleanSceneName(const String& name);
 
+// The name without the extension.
+String StripSceneEnding(const String& name);
+
 // The path to read a scene from by its name: one without a slash or backslash is looked for in Scenes/.
 String GetScenePath(const String& name);
 

@@ -7,6 +7,8 @@ AppGUISettings::AppGUISettings()
       m_zoomFactor(script::DeclareAttrib(*this, "zoomFactor", 0.2f)),
       m_drawInside(script::DeclareAttrib(*this, "drawInside", false)),
       m_leftClickMenus(script::DeclareAttrib(*this, "leftClickMenus", false)),
-      m_drawHingesWhenRunning(script::DeclareAttrib(*this, "drawHingesWhenRunning", true)) {}
+      m_drawHingesWhenRunning(script::DeclareAttrib(*this, "drawHingesWhenRunning", true)),
+      m_windows(script::DeclareAttrib(*this, "windows", "")),
+      m_hintsDone(script::DeclareAttrib(*this, "hintsDone", "")) {}
 
 }  // namespace app

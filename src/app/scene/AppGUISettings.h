@@ -15,6 +15,8 @@ class AppGUISettings : public script::Reflected {
     const script::AttribPtr<bool> m_drawInside;      // drawing tools may start on an entity
     const script::AttribPtr<bool> m_leftClickMenus;  // a left click opens the popup as well
     const script::AttribPtr<bool> m_drawHingesWhenRunning;
+    const script::AttribPtr<String> m_windows;    // which are open, and where; see WindowSet
+    const script::AttribPtr<String> m_hintsDone;  // the hints of the first minute that are not shown again
 };
 
 }  // namespace app

@@ -54,11 +54,11 @@ void View::SetWorldToGUI(const math::TMatrix3<float>& matrix, bool animate) {
     }
 }
 
-void View::SetZoom(float scale) {
+void View::SetZoom(float scale, bool animate) {
     const Matrix& target = GetTargetWorldToGUI();
     if (target.m[0][0] == scale) return;
     const math::Vec2 middle = GetMiddle();
-    SetWorldToGUI(MakeView(middle, scale, math::Inverted(target)(middle)));
+    SetWorldToGUI(MakeView(middle, scale, math::Inverted(target)(middle)), animate);
 }
 
 void View::ZoomAbout(math::Vec2 gui, float factor) {

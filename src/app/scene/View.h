@@ -36,8 +36,8 @@ class View {
     void SetWorldToGUI(const math::TMatrix3<float>& matrix, bool animate = true);
 
     float GetZoom() const { return m_worldToGUI.m[0][0]; }
-    void SetZoom(float scale);                     // about the middle
-    void ZoomAbout(math::Vec2 gui, float factor);  // the world under that point stays there
+    void SetZoom(float scale, bool animate = true);  // about the middle
+    void ZoomAbout(math::Vec2 gui, float factor);    // the world under that point stays there
     // Moves the picture by GUI units; under the mouse at once, or the ground would trail behind it.
     void Pan(float x, float y, bool animate = true);
     // To all entities with finite extents; to the default view when there are none.

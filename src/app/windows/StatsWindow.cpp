@@ -2,6 +2,7 @@
 
 #include <boost/format.hpp>
 
+#include "app/Language.h"
 #include "app/scene/Scene.h"
 #include "gui/GUI.h"
 #include "gui/components/Label.h"
@@ -12,7 +13,6 @@ namespace app {
 namespace {
 
 constexpr float WIDTH = 180;  // GUI units; wide enough for all counts, so that they do not move the edge
-constexpr float DOCK_MARGIN = 8;
 
 String GetFrameRate() {
     const gui::WindowHost* const host = gui::GUI::Instance().GetWindowHost();
@@ -23,14 +23,10 @@ String GetFrameRate() {
 
 }  // namespace
 
-StatsWindow::StatsWindow(const Scene& scene, gui::Component& desktop)
-    : Window("Statistics", new gui::ListLayout(gui::ListLayout::Vertical)),
+StatsWindow::StatsWindow(const Scene& scene)
+    : Window(Translate("StatsTitle"), new gui::ListLayout(gui::ListLayout::Vertical)),
       m_scene(scene),
-      m_desktop(desktop),
       m_text(new gui::Label) {
-    SetReflectedName("Statistics");
-    SetTearOffTarget(&m_desktop);
-    AddCloseButton();
     AddChild(m_text);
 }
 
@@ -38,20 +34,7 @@ StatsWindow::~StatsWindow() noexcept(false) = default;
 
 void StatsWindow::Update(float dt) {
     ShowText();
-    if (IsDocked()) Dock();
     Window::Update(dt);
-}
-
-bool StatsWindow::IsDocked() const {
-    return GetParent() != nullptr && GetParent() != &m_desktop && !IsDragged();
-}
-
-// Follows its parent's size without wobbling.
-void StatsWindow::Dock() {
-    const math::Vec2 place(GetParent()->GetSize().x - GetOuterSize().x - DOCK_MARGIN, DOCK_MARGIN);
-    if (place == GetPos()) return;
-    SetPos(place.x, place.y);
-    StopWobble();
 }
 
 void StatsWindow::ShowText() {

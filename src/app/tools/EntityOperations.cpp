@@ -1,0 +1,111 @@
+#include "app/tools/EntityOperations.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "app/entities/CircleEntity.h"
+#include "app/entities/PolyEntity.h"
+#include "app/history/Actions.h"
+#include "app/history/Cloning.h"
+#include "app/history/Snapshot.h"
+#include "app/history/Undoer.h"
+#include "app/scene/Scene.h"
+#include "app/scene/View.h"
+#include "physics/Body.h"
+#include "physics/Particle.h"
+#include "physics/Simulation.h"
+#include "util/Assert.h"
+
+namespace app {
+namespace {
+
+// Ends a change that began with the snapshot.
+void Finish(const SnapshotPtr& before, const char* name) {
+    Undoer::Instance().AddRestorer(before, name);
+}
+
+void AddDrop(math::Vec2 place) {
+    physics::Simulation::Instance().AddParticle(new physics::Particle(place, {}));
+}
+
+// With the selected entities at one end of the drawing order, in their order.
+void Reorder(Scene& scene, const EntitySet& entities, bool toFront) {
+    const SnapshotPtr before = new Snapshot(scene);
+    EntityList order = scene.GetEntities();
+    std::stable_partition(order.begin(), order.end(),
+                          [&](const EntityPtr& entity) { return (entities.count(entity) != 0) != toFront; });
+    scene.SetEntityOrder(order);
+    Finish(before, "UndoOrder");
+}
+
+}  // namespace
+
+void EraseSet(Scene& scene, const EntitySet& entities) {
+    if (!entities.empty()) Undoer::Instance().Do(new EraseEntities(scene, entities));
+}
+
+void CloneSet(Scene& scene, const View& view, const EntitySet& entities) {
+    if (entities.empty()) return;
+    const SnapshotPtr before = new Snapshot(scene);
+    const EntitySet copies = CloneIntoScene(scene, entities);
+    scene.GetSelection().Set(copies);
+    const float step = view.GetCmToWorld();
+    const physics::BodyList bodies = scene.GetSelection().GetBodies();
+    for (const physics::BodyPtr& body : bodies) {
+        if (body->m_massInv == 0) continue;
+        body->m_pos += math::Vec2(step, -step);
+        body->UpdateGeoms();
+    }
+    Finish(before, "UndoClone");
+}
+
+void MoveToBack(Scene& scene, const EntitySet& entities) {
+    Reorder(scene, entities, false);
+}
+
+void MoveToFront(Scene& scene, const EntitySet& entities) {
+    Reorder(scene, entities, true);
+}
+
+// The circle takes the polygon's place in its body and in the drawing order, with its colour and material.
+void TransformIntoCircle(Scene& scene, const EntitySet& entities) {
+    CODE_ASSERTION(entities.size() == 1);
+    const auto polyEnt = util::DynamicCast<PolyEntity>(*entities.begin());
+    CODE_ASSERTION(polyEnt);
+    const SnapshotPtr before = new Snapshot(scene);
+    const physics::GeomPtr& geom = polyEnt->GetGeom();
+    const math::real radius = std::sqrt(geom->GetArea() / math::PI);
+    const physics::CirclePtr circle = new physics::Circle(radius, geom->GetPos());
+    const util::SharedPtr<CircleEntity> entity = new CircleEntity(circle);
+    entity->SetColor(polyEnt->GetColor());
+    entity->SetGroup(polyEnt->GetGroup());
+    entity->m_friction->Set(polyEnt->m_friction->Get());
+    entity->m_restitution->Set(polyEnt->m_restitution->Get());
+    entity->m_density->Set(polyEnt->m_density->Get());
+    entity->m_collideWater->Set(polyEnt->m_collideWater->Get());
+    entity->m_collideSet->Set(polyEnt->m_collideSet->Get());
+
+    EntityList order = scene.GetEntities();
+    std::replace(order.begin(), order.end(), EntityPtr(polyEnt), EntityPtr(entity));
+    polyEnt->UpdateBodyPtr();
+    const physics::BodyPtr body = polyEnt->GetBody();
+    if (body) body->AddGeom(circle);
+    scene.AddEntity(entity);
+    scene.RemoveEntity(polyEnt);
+    scene.SetEntityOrder(order);
+    scene.GetSelection().Set({entity});
+    Finish(before, "UndoToCircle");
+}
+
+void Liquify(Scene& scene, const EntitySet& entities, int maxDrops) {
+    const SnapshotPtr before = new Snapshot(scene);
+    for (const EntityPtr& entity : entities) {
+        const auto shape = util::DynamicCast<FiniteGeomEntity>(entity);
+        if (!shape || !scene.HasEntity(entity)) continue;
+        for (const math::Vec2 point : shape->GetWaterPoints(maxDrops)) AddDrop(point);
+        scene.RemoveEntity(entity);
+    }
+    Finish(before, "UndoLiquify");
+}
+
+}  // namespace app

@@ -1,0 +1,63 @@
+#include "app/widgets/Menu.h"
+
+#include "rendering/Renderer.h"
+
+namespace app {
+namespace {
+
+constexpr math::Vec4 OPEN_COLOR(0.6f, 0.6f, 0.6f, 1);
+
+}  // namespace
+
+Menu::Menu(const char* key, const String& icon, gui::Component& tearOffTarget, const Factory& factory)
+    : MenuButton(key, icon, "..."), m_tearOffTarget(tearOffTarget), m_factory(factory) {}
+
+Menu::~Menu() noexcept(false) {
+    gui::Window* const window = m_window.Get();
+    if (window != nullptr && window->GetParent() != &m_tearOffTarget) window->Close();
+}
+
+bool Menu::IsOpen() const {
+    const gui::Window* const window = m_window.Get();
+    return window != nullptr && window->GetParent() != nullptr;
+}
+
+void Menu::OnPressed() {
+    if (IsOpen()) {
+        m_window.Get()->Close();
+    } else {
+        Open();
+    }
+    MenuButton::OnPressed();
+}
+
+gui::Window* Menu::FindOwnWindow() const {
+    gui::Component* c = GetParent();
+    while (c != nullptr && !c->IsTopLevel()) c = c->GetParent();
+    return dynamic_cast<gui::Window*>(c);
+}
+
+void Menu::Open() {
+    gui::Window* const own = FindOwnWindow();
+    if (own == nullptr || own->GetParent() == nullptr) return;
+    const gui::WindowPtr window = m_factory();
+    m_window = window.Get();
+    window->AddCloseButton();
+    window->SetTearOffTarget(&m_tearOffTarget);
+    gui::Component& parent = *own->GetParent();
+    parent.AddChild(window);
+    math::Vec2 place(own->GetPos().x + own->GetOuterSize().x, own->GetPos().y + GetPos().y);
+    const math::Vec2 room = parent.GetSize() - window->GetOuterSize();
+    if (place.x > room.x) place.x = own->GetPos().x - window->GetOuterSize().x;  // no room at the right
+    if (place.y > room.y) place.y = room.y;
+    place = window->GetNearestInView(place);
+    window->SetPos(place.x, place.y);
+    window->StopWobble();
+}
+
+void Menu::DrawComp() {
+    if (IsOpen()) rendering::Renderer::Instance().MultColor(OPEN_COLOR);
+    MenuButton::DrawComp();
+}
+
+}  // namespace app

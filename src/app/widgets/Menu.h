@@ -1,0 +1,31 @@
+#pragma once
+
+#include "app/widgets/MenuButton.h"
+#include "gui/Window.h"
+
+namespace app {
+
+// A row that opens a window at its right, and closes it again. The window closes with the menu, unless the
+// user has torn it off.
+class Menu : public MenuButton {
+  public:
+    using Factory = std::function<gui::WindowPtr()>;
+
+    // The window is made at each opening. Torn off it becomes a child of `tearOffTarget`.
+    Menu(const char* key, const String& icon, gui::Component& tearOffTarget, const Factory& factory);
+    ~Menu() noexcept(false) override;
+
+    void OnPressed() override;
+    void DrawComp() override;
+
+  private:
+    bool IsOpen() const;
+    void Open();
+    gui::Window* FindOwnWindow() const;
+
+    gui::Component& m_tearOffTarget;
+    const Factory m_factory;
+    util::WeakPtr<gui::Window> m_window;
+};
+
+}  // namespace app

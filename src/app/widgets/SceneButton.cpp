@@ -1,0 +1,108 @@
+#include "app/widgets/SceneButton.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <array>
+#include <ctime>
+
+#include "app/Language.h"
+#include "app/drawing/SceneThumbnail.h"
+#include "app/files/SceneFiles.h"
+#include "gui/Focus.h"
+#include "gui/LookAndFeel.h"
+#include "gui/components/Images.h"
+#include "input/Clipboard.h"
+#include "rendering/TextureManager.h"
+#include "util/FileSystem.h"
+
+namespace app {
+namespace {
+
+using math::Vec2;
+
+constexpr Vec2 TILE_PICTURE(120, 90);  // GUI units
+constexpr Vec2 ROW_PICTURE(56, 42);
+constexpr float GAP = 6;               // GUI units, round the picture
+constexpr float ROW_TEXT_WIDTH = 176;  // at least, so that lists of short names are no slit
+constexpr math::Vec4 DATE_COLOR(0.75f, 0.8f, 0.9f, 0.8f);
+
+// Empty for a file that is not there.
+String GetDate(const String& path) {
+    struct stat info = {};
+    if (stat(path.c_str(), &info) != 0) return String();
+    std::tm local = {};
+    localtime_r(&info.st_mtime, &local);
+    std::array<char, 32> text = {};
+    std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", &local);
+    return text.data();
+}
+
+// A damaged picture is no better than none.
+rendering::TextureMentorPtr GetPicture(const String& scenePath) {
+    const String path = SceneThumbnail::GetPath(scenePath);
+    if (!util::FileSystem::Instance().Exists(path)) {
+        return rendering::TextureManager::Instance().Get("gui/noscene",
+                                                         rendering::Texture::ImageType::Icon());
+    }
+    return rendering::TextureManager::Make([path]() -> rendering::Texture* {
+        try {
+            return TextureFromImage(rendering::ImageRGBA32::LoadFile(path),
+                                    rendering::Texture::ImageType::Sprite());
+        } catch (const std::exception& e) {
+            LogException(e, WHERE);
+            return nullptr;
+        }
+    });
+}
+
+}  // namespace
+
+String GetSceneTitle(const String& file) {
+    const String name = StripSceneEnding(file), key = "Scene_" + name;
+    return Language::Instance().Has(key) ? Language::Instance().Get(key) : gui::Latin1FromUtf8(name);
+}
+
+SceneButton::SceneButton(const String& file, Shape shape, const std::function<void()>& choose)
+    : AbstractButton("SceneButton"),
+      m_shape(shape),
+      m_picture(GetPicture(util::FileSystem::Instance().FindScene(file))),
+      m_title(gui::FormatText(GetTextFormat(), GetSceneTitle(file))) {
+    SetKey(file);
+    SetBorder(gui::LookAndFeel::Get().GetButtonBorder());
+    const Vec2 picture = GetPictureSize();
+    if (m_shape == Shape::Row) {
+        gui::TextFormat format = GetTextFormat();
+        format.m_color = DATE_COLOR;
+        m_date = gui::FormatText(format, GetDate(util::FileSystem::Instance().FindScene(file)));
+        const float text = std::max({m_title.m_width, m_date.m_width, ROW_TEXT_WIDTH});
+        SetSize(picture.x + text + 3 * GAP, picture.y + 2 * GAP / 3);
+    } else {
+        SetSize(std::max(picture.x, m_title.m_width) + 2 * GAP, picture.y + gui::ROW_HEIGHT + GAP);
+    }
+    GetOnPress().Add(new util::Callback(choose, util::WeakPtr<util::Pointee>(this)));
+}
+
+Vec2 SceneButton::GetPictureSize() const {
+    return m_shape == Shape::Row ? ROW_PICTURE : TILE_PICTURE;
+}
+
+void SceneButton::DrawComp() {
+    MultStateColor();
+    AbstractButton::DrawComp();
+    const Vec2 picture = GetPictureSize(), size = GetSize();
+    if (m_shape == Shape::Row) {
+        const Vec2 corner(GAP, (size.y - picture.y) / 2);
+        gui::DrawImage(m_picture, corner, corner + picture);
+        const float x = picture.x + 2 * GAP, line = GetTextFormat().m_lineHeight;
+        gui::DrawText(GetTextFormat(), x, size.y / 2 - line, m_title);
+        gui::DrawText(m_date.m_format, x, size.y / 2 + 2, m_date);
+    } else {
+        const Vec2 corner((size.x - picture.x) / 2, GAP);
+        gui::DrawImage(m_picture, corner, corner + picture);
+        gui::DrawText(GetTextFormat(), (size.x - m_title.m_width) / 2, picture.y + GAP + 2, m_title);
+    }
+    gui::Focus::DrawRing(*this);
+}
+
+}  // namespace app

@@ -1,0 +1,54 @@
+#include "app/windows/Commands.h"
+
+#include <algorithm>
+
+#include "app/Language.h"
+#include "input/Key.h"
+#include "util/Exception.h"
+
+namespace app {
+
+const Command& Commands::Find(const String& name) const {
+    const auto found = std::find_if(m_commands.begin(), m_commands.end(),
+                                    [&](const Command& command) { return name == command.m_name; });
+    if (found == m_commands.end()) THROW(BadDataException, "Unknown command \"" + name + "\"");
+    return *found;
+}
+
+const Command* Commands::FindByKey(int key, bool ctrl) const {
+    for (const Command& command : m_commands) {
+        if (command.m_key == key && command.m_ctrl == ctrl) return &command;
+    }
+    return nullptr;
+}
+
+bool Commands::HandleKey(const gui::KeyEvent& event) {
+    if (event.m_repeated) return false;
+    const bool isPlain = !event.m_ctrl && !event.m_shift && !event.m_alt;
+    const bool isFree = !event.m_handled;
+    const bool wasArmed = m_armedKey == event.m_key;
+    const bool isLetter = event.m_key < gui::Key::Delete;
+    m_armedKey = event.m_pressed && isPlain && isFree && isLetter ? event.m_key : 0;
+    if (!isFree) return false;
+    const bool isDue = isPlain && isLetter ? !event.m_pressed && wasArmed : event.m_pressed;
+    if (!isDue || !(isPlain || event.m_ctrl)) return false;
+    const Command* const command = FindByKey(event.m_key, event.m_ctrl);
+    if (command == nullptr) return false;
+    const std::function<void()> run = command->m_run;  // may end the table with the interface
+    run();
+    return true;
+}
+
+String GetKeyText(const Command& command) {
+    if (command.m_key == 0) return String();
+    return (command.m_ctrl ? "ctrl+" : "") + gui::Key::GetKeyName(command.m_key);
+}
+
+String MakeToolTip(const Command& command, const String& tip) {
+    const String key = GetKeyText(command);
+    String text = Translate(command.m_name);
+    if (!key.empty()) text += " (" + key + ")";
+    return tip.empty() ? text : text + "\n" + tip;
+}
+
+}  // namespace app

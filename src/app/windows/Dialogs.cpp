@@ -1,0 +1,192 @@
+#include "app/windows/Dialogs.h"
+
+#include <algorithm>
+#include <boost/format.hpp>
+#include <cmath>
+
+#include "app/Language.h"
+#include "app/files/SceneFiles.h"
+#include "app/scene/Scene.h"
+#include "app/widgets/InfoLabel.h"
+#include "app/widgets/MenuButton.h"
+#include "app/widgets/SceneButton.h"
+#include "app/windows/Rows.h"
+#include "gui/Focus.h"
+#include "gui/GUI.h"
+#include "gui/LookAndFeel.h"
+#include "gui/components/ScrollArea.h"
+#include "gui/components/TextField.h"
+#include "input/Clipboard.h"
+#include "input/WindowHost.h"
+#include "physics/Simulation.h"
+#include "rendering/GraphicsResource.h"
+#include "util/FileSystem.h"
+
+namespace app {
+namespace {
+
+using gui::ComponentPtr;
+using gui::WindowPtr;
+
+constexpr float NAME_WIDTH = 260;     // GUI units
+constexpr float TEXT_WIDTH = 700;     // GUI units, of a wrapped text
+constexpr float SIDE_ROOM = 40;       // GUI units that a dialog leaves free
+constexpr float VERTICAL_ROOM = 110;  // the same, with title bar and buttons
+constexpr size_t GALLERY_COLUMNS = 3;
+constexpr float INFO_WIDTH = 200;  // GUI units
+constexpr double MEGABYTE = 1 << 20;
+const String SCENE_MASK = "*.vxa";
+
+// With its arrows, page keys and the wheel; as high as its content as far as there is room.
+ComponentPtr MakeScrolled(const ComponentPtr& content, const Desk& desk) {
+    return new gui::ScrollArea(content, std::max(desk.m_interface.GetSize().y - VERTICAL_ROOM, 100.0f));
+}
+
+WindowPtr MakeDialog(const char* titleKey) {
+    const WindowPtr window = new gui::Window(Translate(titleKey), MakeRowLayout());
+    window->SetKey(titleKey);
+    window->SetClosesAtEscape(true);
+    return window;
+}
+
+// The dialog goes first: what is chosen may take the whole interface away.
+std::function<void()> CloseAnd(const WindowPtr& window, const std::function<void()>& run) {
+    const util::WeakPtr<gui::Window> weak(window.Get());
+    return [weak, run] {
+        const auto chosen = run;
+        if (gui::Window* const open = weak.Get()) open->Close();
+        chosen();
+    };
+}
+
+String GetFileName(const String& path) {
+    return path.substr(path.find_last_of("/\\") + 1);
+}
+
+gui::ButtonPtr MakeCancelButton(const WindowPtr& window) {
+    return MakeButton("Cancel", CloseAnd(window, [] {}));
+}
+
+}  // namespace
+
+// ---- saving
+
+SaveDialog::SaveDialog(const Scene& scene, const String& name, const NameFunction& save)
+    : Window(Translate("Save"), MakeRowLayout()),
+      m_scene(scene),
+      m_path(name),
+      m_save(save),
+      m_question(new gui::Label(Translate("SaveAsWhat"))),
+      m_name(new gui::TextField(gui::Latin1FromUtf8(StripSceneEnding(GetFileName(name))))),
+      m_saveButton(MakeButton("Save", [this] { Save(); })) {
+    SetKey("Save");
+    SetClosesAtEscape(true);
+    m_name->SetKey("EnterName");
+    m_name->SetMinWidth(NAME_WIDTH);
+    m_name->GetOnEnter().Add(new util::Callback([this] { Save(); }, util::WeakPtr<util::Pointee>(this)));
+    const gui::ButtonPtr cancel = MakeButton("Cancel", [this] { Close(); });
+    for (const ComponentPtr& row :
+         {ComponentPtr(m_question), ComponentPtr(m_name), MakeRow({m_saveButton, cancel})}) {
+        AddChild(row);
+    }
+}
+
+SaveDialog::~SaveDialog() noexcept(false) = default;
+
+void SaveDialog::TakeFocus() {
+    gui::Focus::Set(m_name.Get());
+}
+
+bool SaveDialog::IsOtherScene(const String& file) const {
+    return file != m_scene.GetName() && util::FileSystem::Instance().Exists(GetScenePath(file));
+}
+
+void SaveDialog::Save() {
+    String file = CleanSceneName(gui::Utf8FromLatin1(m_name->GetText()));
+    if (file.empty()) return;
+    if (file == GetFileName(m_path)) file = m_path;
+    if (IsOtherScene(file) && m_asked != file) {
+        m_asked = file;
+        m_question->SetText(Translate("OverwriteScene"));
+        m_saveButton->SetText(Translate("Replace"));
+        return;
+    }
+    const NameFunction save = m_save;
+    Close();
+    save(file);
+}
+
+// ---- choosing a scene
+
+WindowPtr MakeSceneDialog(const Desk& desk, const char* titleKey, const NameFunction& choose) {
+    const WindowPtr window = MakeDialog(titleKey);
+    const ComponentPtr list = new gui::Component("SceneList", MakeRowLayout());
+    for (const String& file : util::FileSystem::Instance().ListScenes(SCENE_MASK)) {
+        list->AddChild(new SceneButton(file, SceneButton::Shape::Row,
+                                       CloseAnd(window, [choose, file] { choose(file); })));
+    }
+    if (list->GetChildren().empty()) list->AddChild(new gui::Label(Translate("NoScenes")));
+    window->AddChild(MakeScrolled(list, desk));
+    window->AddChild(MakeCancelButton(window));
+    return window;
+}
+
+WindowPtr MakeGallery(const Desk& desk, const NameFunction& choose) {
+    const WindowPtr window = new gui::Window(Translate("GalleryTitle"), MakeRowLayout());
+    window->SetKey("GalleryTitle");
+    const util::FileSystem& files = util::FileSystem::Instance();
+    util::StringList names = files.ListFiles(files.GetShippedScenesDir(), SCENE_MASK);
+    const auto isOwn = [](const String& name) { return name.empty() || name[0] == '_'; };
+    names.erase(std::remove_if(names.begin(), names.end(), isOwn), names.end());
+    std::sort(names.begin(), names.end());
+    const ComponentPtr grid = new gui::Component("Grid", MakeRowLayout());
+    std::vector<ComponentPtr> row;
+    for (size_t i = 0; i < names.size(); ++i) {
+        const String file = names[i];
+        row.push_back(new SceneButton(file, SceneButton::Shape::Tile, [choose, file] { choose(file); }));
+        if (row.size() < GALLERY_COLUMNS && i + 1 < names.size()) continue;
+        grid->AddChild(MakeRow(row));
+        row.clear();
+    }
+    window->AddChild(MakeScrolled(grid, desk));
+    return window;
+}
+
+// ---- the rest
+
+WindowPtr MakeLanguageDialog(const NameFunction& choose) {
+    const WindowPtr window = MakeDialog("ChangeLanguage");
+    for (const String& name : Language::List()) {
+        const util::SharedPtr<MenuButton> row = new MenuButton(
+            Language::GetOwnName(name), "blank", CloseAnd(window, [choose, name] { choose(name); }));
+        row->SetKey(name);
+        window->AddChild(row);
+    }
+    window->AddChild(MakeCancelButton(window));
+    return window;
+}
+
+WindowPtr MakeTextDialog(const Desk& desk, const char* titleKey, const String& text) {
+    const WindowPtr window = MakeDialog(titleKey);
+    const gui::LabelPtr label = new gui::Label;
+    label->SetMaxWidth(std::min(TEXT_WIDTH, desk.m_interface.GetSize().x - SIDE_ROOM));
+    label->SetText(text);
+    window->AddChild(MakeScrolled(label, desk));
+    return window;
+}
+
+WindowPtr MakeInfoWindow() {
+    const WindowPtr window = MakeDialog("Info");
+    const auto text = [] {
+        const gui::WindowHost* const host = gui::GUI::Instance().GetWindowHost();
+        const double rate = host != nullptr ? host->GetFPS() : 0;
+        const unsigned int bytes = rendering::GraphicsResource::GetTotalMemoryUsage();
+        return boost::str(boost::format("%1%: %2$.0f\n%3%: %4$.1f MB\n%5%") % Translate("InfoFPS") % rate %
+                          Translate("InfoVRAM") % (double(bytes) / MEGABYTE) %
+                          physics::Simulation::Instance().GetStats());
+    };
+    window->AddChild(new InfoLabel(text, INFO_WIDTH));
+    return window;
+}
+
+}  // namespace app

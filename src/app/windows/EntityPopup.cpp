@@ -1,0 +1,293 @@
+#include "app/windows/EntityPopup.h"
+
+#include <limits>
+
+#include "app/Language.h"
+#include "app/entities/Chain.h"
+#include "app/entities/CircleEntity.h"
+#include "app/entities/PlaneEntity.h"
+#include "app/entities/PolyEntity.h"
+#include "app/scene/AppGUISettings.h"
+#include "app/tools/EntityOperations.h"
+#include "app/widgets/EntityChecks.h"
+#include "app/widgets/EntityPanels.h"
+#include "app/widgets/Menu.h"
+#include "app/windows/Commands.h"
+#include "app/windows/Rows.h"
+#include "gui/components/AttribWidgets.h"
+#include "gui/components/LabeledSlider.h"
+
+namespace app {
+namespace {
+
+using gui::WindowPtr;
+
+constexpr double RPM = 60 / (2 * 3.14159265358979323846);  // revolutions per minute of 1 rad/s
+
+// Ranges and defaults of the sliders.
+struct SliderRow {
+    const char* m_key;
+    const char* m_attrib;
+    double m_min;
+    double m_max;
+    double m_default;
+    bool m_logarithmic;
+    int m_decimals;
+};
+const SliderRow GEOM_SLIDERS[] = {
+    {"Friction", "friction", 0, 2, 0.5, false, 2},
+    {"Bounciness", "restitution", 0, 1, 0.5, false, 2},
+    {"Density", "density", 0.01, 100, 2, true, 2},
+};
+const SliderRow MOTOR_STRENGTH = {"MotorStrength", "motorTorque", 0.1, 100000, 100, true, 1};
+const SliderRow MOTOR_SPEED = {"MotorSpeed", "motorSpeed", 1, 600, 15, true, 1};
+const SliderRow SPRING_SLIDERS[] = {
+    {"SpringStrength", "strengthFactor", 0.001, 1, 0.05, true, 3},
+    {"SpringDamping", "dampingFactor", 0, 1, 0.1, false, 2},
+};
+
+WindowPtr MakeMenuWindow(const char* titleKey) {
+    const WindowPtr window = new gui::Window(Translate(titleKey), MakeRowLayout());
+    window->SetKey(titleKey);
+    return window;
+}
+
+util::SharedPtr<gui::MultiAttribSlider> MakeSlider(const EntityGroup& group, const SliderRow& row) {
+    const util::SharedPtr<gui::MultiAttribSlider> slider =
+        new gui::MultiAttribSlider(row.m_min, row.m_max, group.FindAttribs<float>(row.m_attrib));
+    slider->SetLogarithmic(row.m_logarithmic);
+    slider->SetDefault(row.m_default);
+    MakeUndoable(*slider, group.GetScene());
+    return slider;
+}
+
+gui::ComponentPtr MakeRow(const EntityGroup& group, const SliderRow& row) {
+    return MakeSliderRow(row.m_key, MakeSlider(group, row), {row.m_decimals, String()});
+}
+
+// Far left the motor turns backwards as fast as it can, far right forwards.
+gui::ComponentPtr MakeSpeedRow(const EntityGroup& group) {
+    const auto slider = MakeSlider(group, MOTOR_SPEED);
+    slider->SetFactor(RPM);
+    slider->SetMinClamp(-std::numeric_limits<double>::infinity());
+    slider->SetMaxClamp(std::numeric_limits<double>::infinity());
+    return MakeSliderRow(MOTOR_SPEED.m_key, slider, {MOTOR_SPEED.m_decimals, " rpm"});
+}
+
+template <class Kind>
+bool Is(const EntityPtr& entity) {
+    return static_cast<bool>(util::DynamicCast<Kind>(entity));
+}
+
+// Whether an attribute of that name tells its kind.
+bool Has(const EntityPtr& entity, const char* attrib) {
+    return entity->HasVariable(attrib);
+}
+
+struct SelectRow {
+    const char* m_key;
+    bool (*m_matches)(const EntityPtr&);
+};
+const SelectRow SELECT_ROWS[] = {
+    {"SelectPoly", &Is<PolyEntity>},
+    {"SelectCircle", &Is<CircleEntity>},
+    {"SelectPlane", &Is<PlaneEntity>},
+    {"SelectHinge", [](const EntityPtr& entity) { return Has(entity, "motorSpeed"); }},
+    {"SelectSpring", [](const EntityPtr& entity) { return Has(entity, "strengthFactor"); }},
+    {"SelectChain", [](const EntityPtr& entity) { return static_cast<bool>(entity->GetChain()); }},
+};
+
+void SelectMatching(Scene& scene, bool (*matches)(const EntityPtr&)) {
+    EntitySet found;
+    for (const EntityPtr& entity : scene.GetEntities()) {
+        if (matches(entity)) found.insert(entity);
+    }
+    scene.GetSelection().Set(found);
+}
+
+// All that share a group with one of the entities.
+void SelectGroups(Scene& scene, const EntitySet& entities) {
+    std::set<script::Int> groups;
+    for (const EntityPtr& entity : entities) {
+        if (entity->HasGroup()) groups.insert(entity->GetGroup());
+    }
+    EntitySet found;
+    for (const EntityPtr& entity : scene.GetEntities()) {
+        if (entity->HasGroup() && groups.count(entity->GetGroup()) != 0) found.insert(entity);
+    }
+    scene.GetSelection().Set(found);
+}
+
+void Invert(Scene& scene) {
+    EntitySet others;
+    for (const EntityPtr& entity : scene.GetEntities()) {
+        if (!scene.GetSelection().Has(entity)) others.insert(entity);
+    }
+    scene.GetSelection().Set(others);
+}
+
+}  // namespace
+
+EntityPopup::EntityPopup(const Desk& desk)
+    : Window(Translate("PopupTitle"), MakeRowLayout()),
+      m_desk(desk),
+      m_group(desk.m_scene, desk.m_scene.GetSelection().Get()),
+      m_isForScene(desk.m_scene.GetSelection().IsEmpty()) {
+    SetKey("PopupTitle");
+    SetTearOffTarget(&desk.m_interface);
+    if (m_isForScene) {
+        AddSceneRows();
+    } else {
+        AddEntityRows();
+        AddOrderRows();
+        AddMenuRows();
+    }
+    AddCloseButton();
+}
+
+void EntityPopup::Update(float dt) {
+    Window::Update(dt);
+    if (!m_isForScene && GetParent() != nullptr && m_group.IsEmpty()) Close();
+}
+
+// ---- rows
+
+void EntityPopup::AddRow(const char* key, const char* icon,
+                         const std::function<void(const EntitySet&)>& act) {
+    const EntityGroup group = m_group;
+    AddChild(MakeActionRow(key, icon, [group, act] { act(group.Get()); }));
+}
+
+void EntityPopup::AddFinalRow(const char* key, const char* icon,
+                              const std::function<void(const EntitySet&)>& act) {
+    const EntityGroup group = m_group;
+    AddChild(MakeActionRow(key, icon, [this, group, act] {
+        const auto chosen = act;
+        const EntitySet entities = group.Get();
+        Close();
+        chosen(entities);
+    }));
+}
+
+void EntityPopup::AddMenu(const char* key, const char* icon, const std::function<WindowPtr()>& factory) {
+    AddChild(new Menu(key, icon, m_desk.m_interface, factory));
+}
+
+void EntityPopup::AddSceneRows() {
+    for (const char* const command : {"TipUndo", "NewScene", "GalleryButton", "EraseWater", "ResetView"}) {
+        const Command chosen = m_desk.m_commands.Find(command);
+        AddFinalRow(command, chosen.m_icon, [chosen](const EntitySet&) { chosen.m_run(); });
+    }
+    if (m_desk.m_scene.GetTrackedEntity()) {
+        Scene& scene = m_desk.m_scene;
+        AddFinalRow("NoFollow", "blank", [&scene](const EntitySet&) { scene.Track(EntityPtr()); });
+    }
+}
+
+void EntityPopup::AddEntityRows() {
+    Scene& scene = m_desk.m_scene;
+    const View& view = m_desk.m_view;
+    AddFinalRow("Erase", "popup/erase", [&](const EntitySet& entities) { EraseSet(scene, entities); });
+    AddFinalRow("Clone", "popup/clone", [&](const EntitySet& entities) { CloneSet(scene, view, entities); });
+    AddMenu("ChooseColor", "popup/color", [this] { return MakeColorMenu(); });
+    AddMenu("EntInfoButton", "popup/info", [this] { return MakeInfoMenu(); });
+    if (!m_group.FindAttribs<int>("collideSet").empty()) {
+        AddMenu("CollisionMenuButton", "blank", [this] { return MakeCollisionMenu(); });
+    }
+    AddMenu("SelectMenuButton", "blank", [this] { return MakeSelectMenu(); });
+}
+
+void EntityPopup::AddOrderRows() {
+    Scene& scene = m_desk.m_scene;
+    AddRow("MoveToBack", "blank", [&](const EntitySet& entities) { MoveToBack(scene, entities); });
+    AddRow("MoveToFront", "blank", [&](const EntitySet& entities) { MoveToFront(scene, entities); });
+    AddFinalRow("Invert", "blank", [&](const EntitySet&) { Invert(scene); });
+    AddChild(new FollowObjectCheckbox(m_group));
+}
+
+void EntityPopup::AddMenuRows() {
+    if (!m_group.FindAttribs<float>("friction").empty()) {
+        AddMenu("GeomMenuButton", "blank", [this] { return MakeGeomMenu(); });
+    }
+    if (!m_group.FindAttribs<float>("motorSpeed").empty()) {
+        AddMenu("HingeMenuButton", "popup/hingemenu", [this] { return MakeHingeMenu(); });
+    }
+    if (!m_group.FindAttribs<float>("strengthFactor").empty()) {
+        AddMenu("SpringMenuButton", "popup/springmenu", [this] { return MakeSpringMenu(); });
+    }
+}
+
+// ---- menus
+
+WindowPtr EntityPopup::MakeColorMenu() const {
+    const WindowPtr window = MakeMenuWindow("ChooseColor");
+    window->AddChild(new ColorChooser(m_group));
+    return window;
+}
+
+WindowPtr EntityPopup::MakeInfoMenu() const {
+    const WindowPtr window = MakeMenuWindow("EntInfoMenu");
+    window->AddChild(new EntityInfo(m_group));
+    return window;
+}
+
+WindowPtr EntityPopup::MakeCollisionMenu() const {
+    const WindowPtr window = MakeMenuWindow("CollisionMenu");
+    window->AddChild(new CollideSetMenu(m_group));
+    window->AddChild(new AttribGroupCheckbox("WaterCollisionOn", m_group, "collideWater"));
+    return window;
+}
+
+WindowPtr EntityPopup::MakeSelectMenu() const {
+    const WindowPtr window = MakeMenuWindow("SelectMenu");
+    Scene& scene = m_desk.m_scene;
+    for (const SelectRow& row : SELECT_ROWS) {
+        const auto matches = row.m_matches;
+        window->AddChild(
+            MakeActionRow(row.m_key, "blank", [&scene, matches] { SelectMatching(scene, matches); }));
+    }
+    const EntityGroup group = m_group;
+    window->AddChild(
+        MakeActionRow("SelectGroup", "blank", [&scene, group] { SelectGroups(scene, group.Get()); }));
+    return window;
+}
+
+WindowPtr EntityPopup::MakeGeomMenu() const {
+    const WindowPtr window = MakeMenuWindow("GeomMenu");
+    for (const SliderRow& row : GEOM_SLIDERS) {
+        if (!m_group.FindAttribs<float>(row.m_attrib).empty()) window->AddChild(MakeRow(m_group, row));
+    }
+    const EntitySet entities = m_group.Get();
+    size_t polygons = 0;
+    for (const EntityPtr& entity : entities) polygons += Is<PolyEntity>(entity) ? 1 : 0;
+    if (polygons == 0) return window;
+    const EntityGroup group = m_group;
+    Scene& scene = m_desk.m_scene;
+    if (entities.size() == 1) {
+        window->AddChild(MakeActionRow("Circle", "popup/2circle",
+                                       [&scene, group] { TransformIntoCircle(scene, group.Get()); }));
+    }
+    const script::AttribPtr<int> maxDrops = m_desk.m_maxDrops;
+    window->AddChild(MakeActionRow("Liquify", "popup/liquify", [&scene, group, maxDrops] {
+        Liquify(scene, group.Get(), maxDrops->Get());
+    }));
+    return window;
+}
+
+WindowPtr EntityPopup::MakeHingeMenu() const {
+    const WindowPtr window = MakeMenuWindow("HingeMenu");
+    window->AddChild(new AttribGroupCheckbox("HingeMotor", m_group, "motor"));
+    window->AddChild(new AttribGroupCheckbox("HingeReversed", m_group, "ccw"));
+    window->AddChild(new ControllerSelector(m_group));
+    window->AddChild(MakeSpeedRow(m_group));
+    window->AddChild(MakeRow(m_group, MOTOR_STRENGTH));
+    return window;
+}
+
+WindowPtr EntityPopup::MakeSpringMenu() const {
+    const WindowPtr window = MakeMenuWindow("SpringMenu");
+    for (const SliderRow& row : SPRING_SLIDERS) window->AddChild(MakeRow(m_group, row));
+    return window;
+}
+
+}  // namespace app

@@ -1,0 +1,131 @@
+#include "app/windows/MenuWindows.h"
+
+#include <cmath>
+
+#include "app/Language.h"
+#include "app/drawing/DrawSettings.h"
+#include "app/scene/AppGUISettings.h"
+#include "app/windows/Rows.h"
+#include "gui/GUI.h"
+#include "gui/LookAndFeel.h"
+#include "gui/Window.h"
+#include "gui/components/AttribWidgets.h"
+#include "gui/components/LabeledSlider.h"
+#include "physics/Simulation.h"
+#include "rendering/Context.h"
+#include "script/Conversions.h"
+
+namespace app {
+namespace {
+
+using gui::ComponentPtr;
+using physics::Simulation;
+
+struct MenuRow {
+    const char* m_command;
+    const char* m_suffix;
+};
+
+const MenuRow FILE_ROWS[] = {
+    {"NewScene", ""},
+    {"SaveScene", "..."},
+    {"LoadScene", "..."},
+    {"ImportScene", "..."},
+    {"ClearScene", ""},
+    {"EraseWater", ""},
+    {"ResetView", ""},
+    {"FitScene", ""},
+    {"ToggleFullscreen", ""},
+    {"ChangeLanguage", "..."},
+    {"ShowInfo", ""},
+    {"ShowAbout", ""},
+    {"Exit", ""},
+};
+
+constexpr double MAX_GRAVITY = 30;  // m/s^2
+constexpr double EARTH_GRAVITY = 9.8;
+constexpr double MAX_AIR_FRICTION = 0.5;
+constexpr double NORMAL_AIR_FRICTION = 0.01;
+constexpr double MIN_SPEED = 0.01;
+constexpr double MAX_SPEED = 10;
+constexpr float SCALES[] = {1, 1.5f, 2, 3};  // pixels per GUI unit
+
+// Downwards is up on the slider; the sideways part of gravity stays.
+ComponentPtr MakeGravityRow() {
+    const auto get = [] { return -double(Simulation::Instance().m_gravity->Get().y); };
+    const auto set = [](double value) {
+        const auto& gravity = Simulation::Instance().m_gravity;
+        const math::Vec2 wanted(gravity->Get().x, static_cast<float>(-value));
+        gravity->SetValue(script::ValueToObject(wanted));
+    };
+    const gui::SliderPtr slider = new gui::FunctionSlider(0, MAX_GRAVITY, get, set);
+    slider->SetDefault(EARTH_GRAVITY);
+    return MakeSliderRow("Gravity", slider, {1, " m/s2"});
+}
+
+ComponentPtr MakeAirRow() {
+    const gui::SliderPtr slider =
+        new gui::AttribSlider(0, MAX_AIR_FRICTION, Simulation::Instance().m_airFrictionLinear);
+    slider->SetDefault(NORMAL_AIR_FRICTION);
+    return MakeSliderRow("AirFriction", slider, {3, ""});
+}
+
+ComponentPtr MakeSpeedRow() {
+    const gui::SliderPtr slider =
+        new gui::AttribSlider(MIN_SPEED, MAX_SPEED, Simulation::Instance().m_timeFactor);
+    slider->SetLogarithmic(true);
+    slider->SetDefault(1);
+    return MakeSliderRow("SimSpeed", slider, {2, "x"});
+}
+
+// Buttons, no slider: the slider would run away from under the mouse.
+ComponentPtr MakeScaleRow() {
+    const gui::LabelPtr label = new gui::Label(Translate("InterfaceSize"));
+    label->SetKey("InterfaceSize");
+    std::vector<ComponentPtr> row{label};
+    for (const float scale : SCALES) {
+        const String text = std::to_string(std::lround(scale * 100)) + "%";
+        const gui::ButtonPtr button = new gui::Button(text, "ScaleButton");
+        const auto set = [scale] { gui::GUI::Instance().SetScale(scale); };
+        button->GetOnPress().Add(new util::Callback(set, util::WeakPtr<util::Pointee>(button.Get())));
+        row.push_back(button);
+    }
+    return MakeRow(row);
+}
+
+}  // namespace
+
+gui::WindowPtr MakeFileWindow(const Desk& desk) {
+    const gui::WindowPtr window = new gui::Window(Translate("FileTitle"), MakeRowLayout());
+    window->SetKey("FileTitle");
+    for (const MenuRow& row : FILE_ROWS) {
+        window->AddChild(MakeCommandRow(desk, row.m_command, row.m_suffix));
+    }
+    return window;
+}
+
+gui::WindowPtr MakeOptionsWindow(const Desk& desk) {
+    const gui::WindowPtr window = new gui::Window(Translate("OptionsTitle"), MakeRowLayout());
+    window->SetKey("OptionsTitle");
+    const DrawSettings& drawing = desk.m_drawSettings;
+    const ComponentPtr rows[] = {
+        MakeGravityRow(),
+        MakeAirRow(),
+        MakeCheckRow("LeftClickMenus", desk.m_settings.m_leftClickMenus),
+        MakeCheckRow("DrawInside", desk.m_settings.m_drawInside),
+        desk.m_shaders ? MakeCheckRow("Shaders", desk.m_shaders) : nullptr,
+        MakeCheckRow("SimpleWater", drawing.m_simpleWater),
+        MakeCheckRow("DrawHinges", desk.m_settings.m_drawHingesWhenRunning),
+        MakeCheckRow("DrawClouds", drawing.m_drawClouds),
+        MakeCheckRow("DrawBorders", drawing.m_borders),
+        MakeSpeedRow(),
+        MakeScaleRow(),
+        MakeCommandRow(desk, "ShowStats"),
+    };
+    for (const ComponentPtr& row : rows) {
+        if (row) window->AddChild(row);
+    }
+    return window;
+}
+
+}  // namespace app
