@@ -6,7 +6,7 @@
 #include "logging/Log.h"
 #include "math/Geometry.h"
 #include "physics/Geom.h"
-#include "physics/PointMotion.h"
+#include "physics/SolverBody.h"
 #include "util/Assert.h"
 #include "util/LockPtr.h"
 

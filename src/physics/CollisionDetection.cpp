@@ -41,9 +41,8 @@ void Collider::AssignBodies(const BodyList& bodies, const ParticleList& particle
     AssignParticles(particles);
     for (const BodyPtr& body : bodies) {
         for (const BodyPart& part : body.Get()->GetParts()) {
-            const GeomPtr* const g = &part.geom;
-            CODE_ASSERTION((*g)->GetBody());
-            AssignGeom(body.Get(), g->Get());
+            CODE_ASSERTION(part.geom->GetBodyPtr() == body.Get());
+            AssignGeom(body.Get(), part.geom.Get());
         }
     }
 }

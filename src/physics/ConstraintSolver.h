@@ -4,8 +4,8 @@
 
 #include "physics/ContactRow.h"
 #include "physics/Fwd.h"
-#include "physics/PointMotion.h"
 #include "physics/ResidualSort.h"
+#include "physics/SolverBody.h"
 #include "util/VectorPOD.h"
 
 namespace physics {
@@ -23,11 +23,13 @@ namespace physics {
 // The alternative is a greedy solver that always works on the constraint with the greatest residual; it
 // settles stacks better, at 60 to 90 times the cost.
 //
-// Equations and constants stand in ConstraintSolver.cpp. All arrays keep their memory between steps.
+// The weights of the rows stand in StepSettings.cpp, their equations with each constraint. All arrays keep
+// their memory between steps.
 class ConstraintSolver {
   public:
-    // Reads Simulation's settings. Constraints over bodies that are not in `bodies` are left out.
-    void Run(const AbstractBodyList& bodies, const HingeSet& hinges, const ContactPool& contacts);
+    // Constraints over bodies that are not in `bodies` are left out.
+    void Run(const AbstractBodyList& bodies, const HingeSet& hinges, const ContactPool& contacts,
+             const StepSettings& settings);
 
   private:
     struct Entry {
@@ -49,9 +51,9 @@ class ConstraintSolver {
 
     void InitBodies(const AbstractBodyList& bodies);
     void BuildList(const HingeSet& hinges, const ContactPool& contacts);
-    void InitConstraints(const AbstractBodyList& bodies);
-    static bool InitConstraint(const Entry& entry, const AbstractBodyList& bodies);
-    void ExitConstraints();
+    void InitConstraints(const AbstractBodyList& bodies, const SolveConstants& constants);
+    static bool InitConstraint(const Entry& entry, const AbstractBodyList& bodies,
+                               const SolveConstants& constants);
     static void ApplyVelocityChanges(const AbstractBodyList& bodies);
 
     void SolveGaussSeidel(const AbstractBodyList& bodies, int sweeps, bool preSort);

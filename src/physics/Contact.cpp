@@ -8,7 +8,7 @@
 //   1/m(n) = W0 + W1 + I0 (r0 x n)^2 + I1 (r1 x n)^2,  soft: 1 / (1/m + eps).
 //
 // A persisting contact is a very stiff damped spring, integrated over one step (the constants stand in
-// ConstraintSolver.cpp), with e the way to the depth it rests at:
+// StepSettings.cpp), with e the way to the depth it rests at:
 //   e = min(maxPositionCorrection, targetPenetration - penetration)
 //   normalTarget  = -m(n) (acc (a . n) + dist e + vel (u . n))
 //   tangentTarget = -m(t) (acc (a . t) + vel (u . t))
@@ -27,18 +27,10 @@
 #include "physics/Body.h"
 #include "physics/ContactRow.h"
 #include "physics/Geom.h"
-#include "physics/PointMotion.h"
+#include "physics/SolverBody.h"
+#include "physics/StepSettings.h"
 
 namespace physics {
-
-math::real Contact::s_contactDist = 0;
-math::real Contact::s_contactVel = 0;
-math::real Contact::s_contactAcc = 0;
-math::real Contact::s_contactEps = 0;
-math::real Contact::s_targetPenetration = 0;
-math::real Contact::s_maxPositionCorrection = 0;
-bool Contact::s_warmStart = false;
-math::real Contact::s_warmStartFactor = 0;
 
 // Friction and restitution of a pair. A negative product (a user's number) counts as 0: its root would be
 // a NaN in every velocity.
@@ -77,14 +69,18 @@ void Contact::CalcMasses() {
     const AbstractBody& b1 = *m_bodies[1];
     m_normalMass = 1 / InverseEffectiveMass(b0, b1, m_r[0], m_r[1], m_normal);
     m_tangentMass = 1 / InverseEffectiveMass(b0, b1, m_r[0], m_r[1], m_tangent);
-    // eps is that of the last solve: contacts are found before the step's constants are set.
-    m_softNormalMass = 1 / (1 / m_normalMass + s_contactEps);
-    m_softTangentMass = 1 / (1 / m_tangentMass + s_contactEps);
     m_useNormalMass = m_normalMass;
     m_useTangentMass = m_tangentMass;
 }
 
-bool Contact::SolveInit() {
+void Contact::Soften(math::real eps) {
+    m_softNormalMass = 1 / (1 / m_normalMass + eps);
+    m_softTangentMass = 1 / (1 / m_tangentMass + eps);
+    m_useNormalMass = m_softNormalMass;
+    m_useTangentMass = m_softTangentMass;
+}
+
+bool Contact::SolveInit(const SolveConstants& constants) {
     if (!HasMovableBody()) return false;
     const AbstractBody& b0 = *m_bodies[0];
     const AbstractBody& b1 = *m_bodies[1];
@@ -93,30 +89,29 @@ bool Contact::SolveInit() {
     const math::Vec2 a = AccelerationAt(b1, m_r[1]) - AccelerationAt(b0, m_r[0]);
     m_relVel = u;
 
+    const RowWeights& w = constants.contact;
     math::real g;
     if (m_new) {
         g = math::Dot(u, m_normal) * (m_restitution + 1);
     } else {
-        m_useNormalMass = m_softNormalMass;
-        m_useTangentMass = m_softTangentMass;
-        const math::real e = std::min(s_maxPositionCorrection, s_targetPenetration - m_penetration);
-        g = math::Dot(a, m_normal) * s_contactAcc + s_contactDist * e * m_distFactor +
-            math::Dot(u, m_normal) * s_contactVel;
+        Soften(w.eps);
+        const math::real e =
+            std::min(constants.maxPositionCorrection, constants.targetPenetration - m_penetration);
+        g = math::Dot(a, m_normal) * w.acc + w.dist * e * m_distFactor + math::Dot(u, m_normal) * w.vel;
     }
     m_normalTarget = -m_useNormalMass * g;
-    m_tangentTarget =
-        -m_useTangentMass * (math::Dot(a, m_tangent) * s_contactAcc + math::Dot(u, m_tangent) * s_contactVel);
-    WarmStart();
+    m_tangentTarget = -m_useTangentMass * (math::Dot(a, m_tangent) * w.acc + math::Dot(u, m_tangent) * w.vel);
+    WarmStart(constants.warmStartShare);
     return true;
 }
 
-void Contact::WarmStart() {
-    if (m_new || !s_warmStart) {
+void Contact::WarmStart(math::real share) {
+    if (m_new || share == 0) {
         m_normalImpulse = m_tangentImpulse = 0;
         return;
     }
-    m_normalImpulse *= s_warmStartFactor;
-    m_tangentImpulse *= s_warmStartFactor;
+    m_normalImpulse *= share;
+    m_tangentImpulse *= share;
     ApplyImpulse(m_normal * m_normalImpulse + m_tangent * m_tangentImpulse);
 }
 

@@ -13,7 +13,7 @@ namespace physics {
 //
 // A contact without a predecessor (m_new) is an impact: it answers the approach speed by restitution and
 // has no position term. Only from its second step on does it behave as a stiff damped spring that rests at
-// s_targetPenetration of overlap. The equations stand in Contact.cpp.
+// Sim's targetPenetration of overlap. The equations stand in Contact.cpp.
 class Contact final : public Constraint {
   public:
     // `normal` is a unit vector from A to B, `point` lies in the world, `penetration` is positive. Both
@@ -25,10 +25,9 @@ class Contact final : public Constraint {
     void Reset(Geom* geomA, Geom* geomB, uint32_t index, math::Vec2 point, math::Vec2 normal,
                math::real penetration);
 
-    bool SolveInit() override;
+    bool SolveInit(const SolveConstants& constants) override;
     void SolveCalc() override;
     void SolveApply() override;
-    void SolveExit() override {}
 
     math::Vec2 m_point;
     math::Vec2 m_normal;              // unit, from body 0 to body 1; zero for a contact that pushes nothing
@@ -40,7 +39,7 @@ class Contact final : public Constraint {
     math::Vec2 m_relVel;              // m/s at the point, body 1 less body 0, as of SolveInit
     math::real m_normalMass = 0;      // kg, exact effective mass of the normal row
     math::real m_tangentMass = 0;     // kg, of the friction row
-    math::real m_softNormalMass = 0;  // kg, regularised
+    math::real m_softNormalMass = 0;  // kg, regularised; of persisting contacts, as of SolveInit
     math::real m_softTangentMass = 0;
     math::real m_useNormalMass = 0;  // the mass in use in this step
     math::real m_useTangentMass = 0;
@@ -52,19 +51,10 @@ class Contact final : public Constraint {
     math::real m_tangentDelta = 0;
     ContactID m_id;
 
-    // Constants of the step, set at the start of each solve.
-    static math::real s_contactDist;            // 1/s, weight of the position error
-    static math::real s_contactVel;             // weight of the velocity error
-    static math::real s_contactAcc;             // s, weight of the acceleration
-    static math::real s_contactEps;             // 1/kg, softness added to the diagonal
-    static math::real s_targetPenetration;      // m
-    static math::real s_maxPositionCorrection;  // m, upper bound of the position error
-    static bool s_warmStart;                    // start from the impulses of the last step
-    static math::real s_warmStartFactor;        // the share of them
-
   private:
     void CalcMasses();
-    void WarmStart();
+    void Soften(math::real eps);
+    void WarmStart(math::real share);
 };
 
 }  // namespace physics

@@ -29,6 +29,8 @@ class Simulation;
 class SPH;
 class SpringJoint;
 class WorldGeom;
+struct SolveConstants;
+struct StepSettings;
 
 // Orders owned objects by creation number, so that sets are walked alike in every run; addresses would
 // not be. Null comes first.

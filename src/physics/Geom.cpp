@@ -6,7 +6,6 @@
 #include "math/Geometry.h"
 #include "math/Matrix3.h"
 #include "physics/Body.h"
-#include "physics/Simulation.h"
 #include "util/LockPtr.h"
 
 namespace physics {
@@ -34,20 +33,6 @@ OBB2D AlignedBox(Vec2 center, real halfSize) {
 // ---- Geom ----------------------------------------------------------------------------------------------
 
 uint32_t Geom::s_nextID = 0;
-
-struct Geom::Surface {
-    real density, friction, restitution;
-
-    static Surface Default() {
-        const Simulation& sim = Simulation::Instance();
-        return {sim.m_defaultBodyDensity->Get(), sim.m_defaultBodyFriction->Get(),
-                sim.m_defaultBodyRestitution->Get()};
-    }
-};
-
-// The defaults are fetched before the ID is drawn: fetching may create the simulation, whose world geom
-// must get the first one.
-Geom::Geom(Kind kind) : Geom(kind, Surface::Default()) {}
 
 Geom::Geom(Kind kind, const Surface& surface)
     : m_density(surface.density),
@@ -109,7 +94,7 @@ void Geom::UpdateBody() {
 
 // ---- Circular ------------------------------------------------------------------------------------------
 
-Circle::Circle(real radius, Vec2 pos) : Circle(radius) {
+Circle::Circle(real radius, Vec2 pos, const Surface& surface) : Circular(radius, Kind::CIRCLE, surface) {
     SetTransform(RigidTransform(1, 0, pos.x, pos.y));
 }
 
@@ -150,8 +135,8 @@ Vec3 Circular::GetBoundingCircle() const {
 
 // ---- Plane ---------------------------------------------------------------------------------------------
 
-Plane::Plane(Vec2 normal, real offset)
-    : Geom(Kind::PLANE), m_localPlane(normal.x, normal.y, offset), m_plane(m_localPlane) {}
+Plane::Plane(Vec2 normal, real offset, const Surface& surface)
+    : Geom(Kind::PLANE, surface), m_localPlane(normal.x, normal.y, offset), m_plane(m_localPlane) {}
 
 Vec2 Plane::GetNormal(Vec2) const {
     return GetNormal();

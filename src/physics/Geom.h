@@ -8,6 +8,7 @@
 #include "math/RigidTransform.h"
 #include "math/Vector.h"
 #include "physics/Fwd.h"
+#include "physics/Surface.h"
 #include "util/Pointee.h"
 #include "util/SharedPtr.h"
 
@@ -63,7 +64,6 @@ class Geom : public util::Pointee {
     GeomPlace GetPlace() const { return {m_transform, m_givenAngle}; }
     void SetPlace(const GeomPlace& place);
 
-    // Defaults of these three: Simulation's attributes at the moment of construction.
     math::real m_density;      // kg/m^2, above 0
     math::real m_friction;     // 0 and above
     math::real m_restitution;  // 0 to 1
@@ -73,14 +73,11 @@ class Geom : public util::Pointee {
     uint32_t m_collideSet = 1;    // mask of collision layers; geoms that share none of bits 0 to 2 pass
 
   protected:
-    explicit Geom(Kind kind);
+    Geom(Kind kind, const Surface& surface);
     // Copies shape, place and surface. The copy has an ID of its own, no body and no barred partners.
     Geom(const Geom& other);
 
   private:
-    struct Surface;
-    Geom(Kind kind, const Surface& surface);
-
     uint32_t m_id;
     Kind m_kind;
     AbstractBodyPtr m_body;  // its m_parts own this geom in turn: a cycle that Body::SetGeoms breaks
@@ -107,14 +104,14 @@ class Circular : public Geom {
     math::real m_radius;  // m, above 0; after a change call UpdateBody
 
   protected:
-    explicit Circular(math::real radius, Kind kind = Kind::OTHER) : Geom(kind), m_radius(radius) {}
+    Circular(math::real radius, Kind kind, const Surface& surface) : Geom(kind, surface), m_radius(radius) {}
     Circular(const Circular& other) = default;
 };
 
 class Circle : public Circular {
   public:
-    explicit Circle(math::real radius) : Circular(radius, Kind::CIRCLE) {}
-    Circle(math::real radius, math::Vec2 pos);
+    explicit Circle(math::real radius) : Circular(radius, Kind::CIRCLE, {}) {}
+    Circle(math::real radius, math::Vec2 pos, const Surface& surface = {});
     Circle(const Circle& other) = default;
 };
 
@@ -123,7 +120,7 @@ class Circle : public Circular {
 class Plane : public Geom {
   public:
     // The points p with normal . p + offset < 0 are solid. `normal` is a unit vector.
-    Plane(math::Vec2 normal, math::real offset);
+    Plane(math::Vec2 normal, math::real offset, const Surface& surface = {});
     Plane(const Plane& other) = default;
 
     math::real GetDistance(math::Vec2 point) const override { return Distance(point); }
@@ -150,7 +147,7 @@ class Plane : public Geom {
 // it, and nothing collides with it.
 class WorldGeom : public Geom {
   public:
-    WorldGeom() : Geom(Kind::OTHER) {}
+    WorldGeom() : Geom(Kind::OTHER, {}) {}
 
     math::real GetDistance(math::Vec2 point) const override;
     math::Vec2 GetNormal(math::Vec2 point) const override;

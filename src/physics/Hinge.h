@@ -39,10 +39,9 @@ class Hinge final : public Constraint {
     // Whether the bodies of both geoms are in the simulation.
     bool AreBodiesValid() const;
 
-    bool SolveInit() override;
+    bool SolveInit(const SolveConstants& constants) override;
     void SolveCalc() override;
     void SolveApply() override;
-    void SolveExit() override {}
 
     // SolveCalc and SolveApply on any record with a body's velocity changes and inverse masses, so that the
     // solver's packed sweeps can use their own. Defined in HingeSolve.h.
@@ -51,21 +50,11 @@ class Hinge final : public Constraint {
     template <class B>
     void Apply(B& b0, B& b1);
 
-    // Constants of the step, set at the start of each solve.
-    static math::real s_hingeDist;              // 1/s, weight of the position error
-    static math::real s_hingeVel;               // weight of the velocity error
-    static math::real s_hingeAcc;               // s, weight of the acceleration
-    static math::real s_hingeEps;               // 1/kg, softness added to the diagonal
-    static math::real s_timeDelta;              // s
-    static math::real s_maxPositionCorrection;  // m, upper bound of the error's length
-    static bool s_warmStart;                    // start from the impulses of the last step
-    static math::real s_warmStartFactor;        // the share of them
-
   private:
-    void PreparePoint();
-    void CalcEffectiveMass();
-    void PrepareMotor();
-    void WarmStart();
+    void PreparePoint(const SolveConstants& constants);
+    void CalcEffectiveMass(math::real eps);
+    void PrepareMotor(const SolveConstants& constants);
+    void WarmStart(math::real share);
 
     uint32_t m_id;  // creation number
     GeomPtr m_geoms[2];

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "physics/Hinge.h"
-#include "physics/PointMotion.h"
+#include "physics/SolverBody.h"
 
 // The inner operations of a hinge, for bodies and for the solver's packed copies of them.
 namespace physics {

@@ -16,8 +16,8 @@
 #include "math/Geometry.h"
 #include "physics/Body.h"
 #include "physics/Geom.h"
-#include "physics/PointMotion.h"
-#include "physics/Simulation.h"
+#include "physics/SolverBody.h"
+#include "physics/StepSettings.h"
 
 namespace physics {
 
@@ -41,8 +41,7 @@ bool Joint::IsValid() const {
     BodyPtr body1;
     GetBodies(body0, body1);
     if (m_geoms[0] == m_geoms[1] || body0 == body1) return false;
-    const Simulation& simulation = Simulation::Instance();
-    return simulation.HasBody(body0) && simulation.HasBody(body1);
+    return body0 && body1 && body0->m_inWorld && body1->m_inWorld;
 }
 
 SpringJoint::SpringJoint(GeomPtr geom0, GeomPtr geom1, math::Vec2 anchor0, math::Vec2 anchor1,
@@ -57,7 +56,7 @@ math::Vec2 SpringJoint::GetWorldAnchor(int end) const {
     return m_geoms[end]->GetTransform()(m_anchors[end]);
 }
 
-void SpringJoint::ApplyForce() {
+void SpringJoint::ApplyForce(const StepSettings& settings) {
     BodyPtr body0;
     BodyPtr body1;
     GetBodies(body0, body1);
@@ -66,7 +65,7 @@ void SpringJoint::ApplyForce() {
     const math::Vec2 b = GetWorldAnchor(1);
     const math::real e =
         1 / InverseEffectiveMass(*body0, *body1, m_anchors[0], m_anchors[1], math::Normalized(b - a));
-    const math::real k = Simulation::Instance().m_springForce->Get() * e * m_strength;
+    const math::real k = settings.springForce * e * m_strength;
     const math::real cd = 2 * std::sqrt(k * e);
 
     math::real length = math::Length(b - a);

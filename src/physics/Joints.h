@@ -20,7 +20,7 @@ class Joint : public util::Pointee {
 
     virtual void OnAdd() {}
     virtual void OnRemove() {}
-    virtual void ApplyForce() = 0;
+    virtual void ApplyForce(const StepSettings& settings) = 0;
     // False when the ends are one geom or one body, or when a body is not in the simulation.
     virtual bool IsValid() const;
 
@@ -43,7 +43,7 @@ class SpringJoint : public Joint {
     SpringJoint(GeomPtr geom0, GeomPtr geom1, math::Vec2 anchor0, math::Vec2 anchor1, math::real length,
                 math::real strength, math::real damping);
 
-    void ApplyForce() override;
+    void ApplyForce(const StepSettings& settings) override;
 
     math::real GetLength() const { return m_length; }
     void SetLength(math::real length) { m_length = length; }

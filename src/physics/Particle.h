@@ -18,7 +18,7 @@ class Particle : public AbstractBody {
   public:
     class ParticleGeom : public Circular {
       public:
-        explicit ParticleGeom(math::real radius) : Circular(radius) {}
+        explicit ParticleGeom(math::real radius) : Circular(radius, Kind::OTHER, {}) {}
     };
 
     struct Neighbor {

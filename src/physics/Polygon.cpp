@@ -56,7 +56,8 @@ Vec3 CalcBoundingCircle(const Vec2List& vertices) {
 
 }  // namespace
 
-Polygon::Polygon(const Vec2List& outline) : Geom(Kind::POLYGON), m_vertices(DropRepeated(outline)) {
+Polygon::Polygon(const Vec2List& outline, const Surface& surface)
+    : Geom(Kind::POLYGON, surface), m_vertices(DropRepeated(outline)) {
     if (m_vertices.size() < 3) THROW(BadDataException, "Bad polygon");
     if (m_vertices.size() > MAX_VERTICES) ThrowTooManyVertices();
     const Vec2 centroid = CalcAttribs();

@@ -25,7 +25,7 @@ class Polygon : public Geom {
     // `outline` in world coordinates, in either sense, without or with a closing vertex. Repeated vertices
     // are dropped. Throws BadDataException: "Bad polygon" for fewer than 3 vertices or an outline without
     // area, "Self-intersecting polygon".
-    explicit Polygon(const math::Vec2List& outline);
+    explicit Polygon(const math::Vec2List& outline, const Surface& surface = {});
     // The copy shares the map, so it costs little.
     Polygon(const Polygon& other);
     ~Polygon() noexcept(false) override;

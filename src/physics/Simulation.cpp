@@ -13,6 +13,7 @@
 #include "physics/Joints.h"
 #include "physics/Particle.h"
 #include "physics/SPH.h"
+#include "physics/StepSettings.h"
 #include "util/Assert.h"
 #include "util/Clock.h"
 
@@ -34,9 +35,9 @@ Simulation::Simulation()
       m_airBuoyancy(script::DeclareAttrib(*this, "airBuoyancy", true)),
       m_airDensity(script::DeclareAttrib(*this, "airDensity", 0.01f)),
       m_springForce(script::DeclareAttrib(*this, "springForce", 1000.0f)),
-      m_defaultBodyDensity(script::DeclareAttrib(*this, "defaultBodyDensity", 2.0f)),
-      m_defaultBodyFriction(script::DeclareAttrib(*this, "defaultBodyFriction", 0.5f)),
-      m_defaultBodyRestitution(script::DeclareAttrib(*this, "defaultBodyRestitution", 0.5f)),
+      m_defaultBodyDensity(script::DeclareAttrib(*this, "defaultBodyDensity", Surface().density)),
+      m_defaultBodyFriction(script::DeclareAttrib(*this, "defaultBodyFriction", Surface().friction)),
+      m_defaultBodyRestitution(script::DeclareAttrib(*this, "defaultBodyRestitution", Surface().restitution)),
       m_fallLimit(script::DeclareAttrib(*this, "fallLimit", 1000.0f)),
       m_prioritizedSolver(script::DeclareAttrib(*this, "prioritizedSolver", false)),
       m_targetPenetration(script::DeclareAttrib(*this, "targetPenetration", 0.001f)),
@@ -77,6 +78,36 @@ BodyPtr Simulation::GetWorldBody() const {
     CODE_ASSERTION(ret);
     CODE_ASSERTION(ret->GetID() == 0);
     return ret;
+}
+
+StepSettings Simulation::GetStepSettings() const {
+    StepSettings s;
+    s.timeDelta = m_timeDelta->Get();
+    s.leapFrog = m_leapFrog->Get();
+    s.springForce = m_springForce->Get();
+    s.sweeps = m_solveIter->Get();
+    s.prioritized = m_prioritizedSolver->Get();
+    s.preSort = m_solvePreSortConstraints->Get();
+    s.adHoc = m_adHocSolver->Get();
+    s.stiffness = m_solveConstant->Get();
+    s.contactDamping = m_solveDcontacts->Get();
+    s.hingeDamping = m_solveDconstraints->Get();
+    s.distFactor = m_solveDistFactor->Get();
+    s.velFactor = m_solveVelFactor->Get();
+    s.accFactor = m_solveAccFactor->Get();
+    s.epsFactor = m_solveRegularizationFactor->Get();
+    s.targetPenetration = m_targetPenetration->Get();
+    s.maxPositionCorrection = m_maxPositionCorrection->Get();
+    s.warmStartShare = m_warmStart->Get() ? m_warmStartFactor->Get() : 0;
+    return s;
+}
+
+Surface Simulation::GetDefaultSurface() const {
+    Surface surface;
+    surface.density = m_defaultBodyDensity->Get();
+    surface.friction = m_defaultBodyFriction->Get();
+    surface.restitution = m_defaultBodyRestitution->Get();
+    return surface;
 }
 
 // ---- lists ---------------------------------------------------------------------------------------------
@@ -155,11 +186,8 @@ void Simulation::ClearParticles() {
 }
 
 void Simulation::Clear() {
-    m_contactCache.Clear();
-    m_lastContacts.Release();
-    m_contacts.Release();
+    m_contacts.Clear();
     m_allBodies.clear();
-    m_cacheHits = 0;
     m_timeDebt = 0;
     ClearParticles();
     while (!m_joints.empty()) RemoveJoint(*m_joints.begin());
@@ -236,7 +264,7 @@ void Simulation::WriteStats() {
     text << m_bodies.size() - (isWorldPlain ? 1 : 0) << " bodies\n"
          << geoms - 1 << " geometries\n"
          << m_particles.size() << " particles\n"
-         << m_contacts.size() << " contacts\n"
+         << m_contacts.Get().size() << " contacts\n"
          << m_joints.size() << " springs\n"
          << m_hinges.size() << " hinges\n"
          << "Running at " << FormatRate(1 / m_timeDelta->Get()) << " Hz\n";

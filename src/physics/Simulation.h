@@ -3,11 +3,11 @@
 #include <cstdint>
 
 #include "math/Vector.h"
-#include "physics/CollisionDetection.h"
 #include "physics/ConstraintSolver.h"
-#include "physics/ContactCache.h"
-#include "physics/ContactPool.h"
 #include "physics/Fwd.h"
+#include "physics/StepContacts.h"
+#include "physics/StepSettings.h"
+#include "physics/Surface.h"
 #include "script/Attributes.h"
 #include "script/Reflected.h"
 #include "util/Singleton.h"
@@ -58,15 +58,19 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     const BodyList& GetBodies() const { return m_bodies; }  // the world body first
     const JointSet& GetJoints() const { return m_joints; }
     const HingeSet& GetHinges() const { return m_hinges; }
-    const ParticleList& GetParticles() const { return m_particles; }  // the order is not stable
-    const ContactPool& GetContacts() const { return m_contacts; }     // of the last step
-    uint32_t GetCacheHits() const { return m_cacheHits; }             // contacts that persisted
+    const ParticleList& GetParticles() const { return m_particles; }     // the order is not stable
+    const ContactPool& GetContacts() const { return m_contacts.Get(); }  // of the last step
+    uint32_t GetCacheHits() const { return m_contacts.GetCacheHits(); }  // contacts that persisted
 
     const String& GetStats() const { return m_stats; }                // of the last Update
     float GetRealtimeFraction() const { return m_realtimeFraction; }  // 0 to 1
     // Seconds of real time that one Update may spend.
     void SetMaxUpdateTime(float seconds) { m_maxUpdateTime = seconds; }
     float GetMaxUpdateTime() const { return m_maxUpdateTime; }
+
+    // The settings as values, for who steps bodies, and for new shapes.
+    StepSettings GetStepSettings() const;
+    Surface GetDefaultSurface() const;
 
     // A figure over the places and velocities of all bodies and particles: equal states, equal figures.
     uint64_t HashState() const;
@@ -86,7 +90,7 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     const script::AttribPtr<bool> m_airBuoyancy;
     const script::AttribPtr<float> m_airDensity;          // kg/m^2
     const script::AttribPtr<float> m_springForce;         // N/m per strength
-    const script::AttribPtr<float> m_defaultBodyDensity;  // kg/m^2, copied into each new geom
+    const script::AttribPtr<float> m_defaultBodyDensity;  // kg/m^2, of shapes that the program makes
     const script::AttribPtr<float> m_defaultBodyFriction;
     const script::AttribPtr<float> m_defaultBodyRestitution;
     const script::AttribPtr<float> m_fallLimit;  // m along gravity, beyond which things are removed
@@ -96,7 +100,7 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     const script::AttribPtr<float> m_solveConstant;           // stiffness of the regularised constraints
     const script::AttribPtr<float> m_solveDcontacts;          // damping number of contacts
     const script::AttribPtr<float> m_solveDconstraints;       // damping number of hinges
-    const script::AttribPtr<bool> m_solvePenetrationDamping;  // without effect; settings files name it
+    const script::AttribPtr<bool> m_solvePenetrationDamping;  // without effect
     const script::AttribPtr<float> m_solveDistFactor;
     const script::AttribPtr<float> m_solveVelFactor;
     const script::AttribPtr<float> m_solveAccFactor;
@@ -121,14 +125,7 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     static void AddBodyForces(Body& body, const Air& air);
     void AddParticleForces(const Air& air);
     void CalcContacts();
-    void FindContacts();
-    void UpdateCache();
-    void MatchCache();
-    void RunSolver();
-    void Integrate(math::real h);
-    void IntegrateVelocity(math::real dt);
-    void IntegratePosition(math::real dt);
-    void IntegrateVelocityAndPosition(math::real velocityTime, math::real positionTime);
+    void SolveAndMove();
     void ClearForces();
 
     void RemoveBadObjects();
@@ -144,12 +141,8 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     HingeSet m_hinges;
     ParticleList m_particles;
     AbstractBodyList m_allBodies;  // bodies, then particles; rebuilt at each step
-    Collider m_collider;
-    ContactPool m_contacts;      // this step's
-    ContactPool m_lastContacts;  // the previous step's, which the cache looks up
-    ContactCache m_contactCache;
+    StepContacts m_contacts;
     ConstraintSolver m_solver;
-    uint32_t m_cacheHits = 0;       // contacts matched in this step
     double m_timeDebt = 0;          // s, simulated time owed; negative when ahead
     float m_maxUpdateTime = 0.05f;  // s, set by the frame loop on each frame
     float m_realtimeFraction = 1;

@@ -85,10 +85,10 @@ void Simulation::Validate() const {
         CODE_ASSERTION(bodies.insert(particle.Get()).second);
         CODE_ASSERTION(particle->m_geom->GetBodyPtr() == particle.Get());
     }
-    for (const ContactPtr& contact : m_contacts) ValidateContact(*contact, bodies);
+    for (const ContactPtr& contact : m_contacts.Get()) ValidateContact(*contact, bodies);
     for (const HingePtr& hinge : m_hinges) CODE_ASSERTION(hinge->GetGeom(0) && hinge->GetGeom(1));
     for (const JointPtr& joint : m_joints) CODE_ASSERTION(joint);
-    CODE_ASSERTION(m_cacheHits <= m_contacts.size());
+    CODE_ASSERTION(m_contacts.GetCacheHits() <= m_contacts.Get().size());
 }
 
 }  // namespace physics

@@ -8,9 +8,10 @@
 #include "physics/Geom.h"
 #include "physics/Joints.h"
 #include "physics/Particle.h"
-#include "physics/PointMotion.h"
 #include "physics/SPH.h"
 #include "physics/Simulation.h"
+#include "physics/SolverBody.h"
+#include "physics/StepSettings.h"
 #include "util/ProfileTree.h"
 
 namespace physics {
@@ -110,6 +111,7 @@ void Simulation::AddParticleForces(const Air& air) {
 void Simulation::CalcForces() {
     PROFILE_SECTION("Simulation::CalcForces");
     const Air air(*this);
+    const StepSettings settings = GetStepSettings();
     {
         PROFILE_SECTION("Body forces");
         for (const BodyPtr& body : m_bodies) {
@@ -120,7 +122,7 @@ void Simulation::CalcForces() {
         PROFILE_SECTION("Particle forces");
         AddParticleForces(air);
     }
-    for (const JointPtr& joint : m_joints) joint->ApplyForce();
+    for (const JointPtr& joint : m_joints) joint->ApplyForce(settings);
     if (m_running->Get()) SPH::Instance().Update(m_particles, air.h);
 }
 

@@ -69,9 +69,9 @@ TEST_F(ContactTest, HeldBodyCountsAsInfinitelyHeavy) {
     };
     const physics::ContactPtr contact = make();
     EXPECT_FLOAT_EQ(contact->m_normalMass, m_b->m_mass);
-    EXPECT_TRUE(contact->SolveInit());
+    EXPECT_TRUE(contact->SolveInit(Constants()));
     m_b->m_held = true;
-    EXPECT_FALSE(make()->SolveInit());
+    EXPECT_FALSE(make()->SolveInit(Constants()));
 }
 
 TEST_F(ContactTest, FirstTouchIsAnImpactAndTheNextStepIsNone) {

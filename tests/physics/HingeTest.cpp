@@ -52,14 +52,14 @@ TEST_F(HingeTest, RefusesWhatCannotMove) {
     const BodyPtr a = AddCircle({0, 0}, 1);
     const BodyPtr b = AddCircle({3, 0}, 1);
     const HingePtr hinge = AddHinge(a, b, {1, 0});
-    EXPECT_TRUE(hinge->SolveInit());
+    EXPECT_TRUE(hinge->SolveInit(Constants()));
     a->m_held = true;
-    EXPECT_TRUE(hinge->SolveInit());
+    EXPECT_TRUE(hinge->SolveInit(Constants()));
     b->m_held = true;
-    EXPECT_FALSE(hinge->SolveInit());
+    EXPECT_FALSE(hinge->SolveInit(Constants()));
     const HingePtr onOneBody = new physics::Hinge(GeomOf(a), GeomOf(a), Vec2(0, 0));
     a->m_held = false;
-    EXPECT_FALSE(onOneBody->SolveInit());
+    EXPECT_FALSE(onOneBody->SolveInit(Constants()));
 }
 
 TEST_F(HingeTest, RetiresWithItsBodies) {

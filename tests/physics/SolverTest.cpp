@@ -97,11 +97,12 @@ class Solver : public World {
             body->m_deltaVel = Vec2();
             body->m_deltaAngVel = 0;
         }
+        const physics::SolveConstants constants(sim.GetStepSettings());
         std::vector<physics::Constraint*> list;
         for (const physics::HingePtr& hinge : m_hinges) list.push_back(hinge.Get());
         for (const physics::ContactPtr& contact : m_contacts) list.push_back(contact.Get());
         for (size_t i = 0; i < list.size(); ++i) {
-            while (i < list.size() && !list[i]->SolveInit()) {
+            while (i < list.size() && !list[i]->SolveInit(constants)) {
                 list[i] = list.back();
                 list.pop_back();
             }
@@ -153,13 +154,12 @@ TEST_F(Solver, PackedSweepsEqualThePlainOrderBitForBit) {
         sim.m_solvePreSortConstraints->Set(c.preSort);
         MakeScene(seed++, c.bodies, c.contacts, c.hinges);
         physics::ConstraintSolver solver;
-        // Once without warm start: sets the constants and clears the hinges' impulses.
+        // Once without warm start: clears the hinges' impulses.
         sim.m_warmStart->Set(false);
         sim.m_solveIter->Set(0);
-        solver.Run(m_bodies, m_hinges, m_contacts);
+        solver.Run(m_bodies, m_hinges, m_contacts, sim.GetStepSettings());
         sim.m_warmStart->Set(true);
         sim.m_solveIter->Set(30);
-        physics::Contact::s_warmStart = physics::Hinge::s_warmStart = true;
 
         Restore();
         SolveOneByOne(c.preSort);
@@ -170,12 +170,12 @@ TEST_F(Solver, PackedSweepsEqualThePlainOrderBitForBit) {
         }
         sim.m_warmStart->Set(false);
         sim.m_solveIter->Set(0);
-        solver.Run(m_bodies, m_hinges, m_contacts);
+        solver.Run(m_bodies, m_hinges, m_contacts, sim.GetStepSettings());
         sim.m_warmStart->Set(true);
         sim.m_solveIter->Set(30);
 
         Restore();
-        solver.Run(m_bodies, m_hinges, m_contacts);
+        solver.Run(m_bodies, m_hinges, m_contacts, sim.GetStepSettings());
         EXPECT_TRUE(GetMotions() == expected);
         for (size_t i = 0; i < m_contacts.size(); ++i) {
             EXPECT_EQ(m_contacts[i]->m_normalImpulse, impulses[i].x) << "contact " << i;
@@ -184,29 +184,25 @@ TEST_F(Solver, PackedSweepsEqualThePlainOrderBitForBit) {
     }
 }
 
-TEST_F(Solver, StepConstantsFollowTheSettings) {
-    using physics::Contact;
-    using physics::Hinge;
-    Run(0.01f);
-    EXPECT_FLOAT_EQ(Contact::s_contactEps, 1.9047619e-5f);
-    EXPECT_FLOAT_EQ(Contact::s_contactVel, 0.95238096f);
-    EXPECT_FLOAT_EQ(Contact::s_contactDist, 19.047619f);
-    EXPECT_FLOAT_EQ(Contact::s_contactAcc, 0.005f);
+TEST_F(Solver, RowWeightsFollowTheSettings) {
+    const auto weights = [this] { return physics::SolveConstants(sim.GetStepSettings()); };
+    EXPECT_FLOAT_EQ(weights().contact.eps, 1.9047619e-5f);
+    EXPECT_FLOAT_EQ(weights().contact.vel, 0.95238096f);
+    EXPECT_FLOAT_EQ(weights().contact.dist, 19.047619f);
+    EXPECT_FLOAT_EQ(weights().contact.acc, 0.005f);
     sim.m_leapFrog->Set(false);
     sim.m_solveDconstraints->Set(0.5f);
     sim.m_solveDistFactor->Set(2);
     sim.m_solveVelFactor->Set(3);
     sim.m_solveRegularizationFactor->Set(4);
-    Run(0.01f);
-    EXPECT_EQ(Hinge::s_hingeAcc, 0);
-    EXPECT_FLOAT_EQ(Hinge::s_hingeEps, 4 * 4 / (3 * 1e-4f * 1e8f));
-    EXPECT_FLOAT_EQ(Hinge::s_hingeVel, 3 * 2.0f / 3);
-    EXPECT_FLOAT_EQ(Hinge::s_hingeDist, 2 * 4 / (3 * 0.01f));
+    EXPECT_EQ(weights().hinge.acc, 0);
+    EXPECT_FLOAT_EQ(weights().hinge.eps, 4 * 4 / (3 * 1e-4f * 1e8f));
+    EXPECT_FLOAT_EQ(weights().hinge.vel, 3 * 2.0f / 3);
+    EXPECT_FLOAT_EQ(weights().hinge.dist, 2 * 4 / (3 * 0.01f));
     sim.m_adHocSolver->Set(true);
-    Run(0.01f);
-    EXPECT_EQ(Contact::s_contactEps, 0);
-    EXPECT_EQ(Contact::s_contactVel, 0);
-    EXPECT_FLOAT_EQ(Contact::s_contactDist, 2 * 100);
+    EXPECT_EQ(weights().contact.eps, 0);
+    EXPECT_EQ(weights().contact.vel, 0);
+    EXPECT_FLOAT_EQ(weights().contact.dist, 2 * 100);
 }
 
 TEST_F(Solver, WithoutSweepsOnlyTheWarmStartActs) {

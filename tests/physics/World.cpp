@@ -76,6 +76,10 @@ World::~World() {
 }
 
 BodyPtr World::Add(physics::Geom* geom) {
+    const physics::Surface surface = sim.GetDefaultSurface();
+    geom->m_density = surface.density;
+    geom->m_friction = surface.friction;
+    geom->m_restitution = surface.restitution;
     const BodyPtr body = new physics::Body(physics::GeomPtr(geom));
     sim.AddBody(body);
     return body;

@@ -11,6 +11,7 @@
 #include "physics/Polygon.h"
 #include "physics/SPH.h"
 #include "physics/Simulation.h"
+#include "physics/StepSettings.h"
 
 namespace test {
 
@@ -20,6 +21,7 @@ class World : public testing::Test {
     World();
     ~World() override;
 
+    // Bodies of the default surface.
     physics::BodyPtr Add(physics::Geom* geom);
     physics::BodyPtr AddCircle(math::Vec2 pos, float radius);
     physics::BodyPtr AddBox(math::Vec2 pos, float width, float height);
@@ -31,6 +33,7 @@ class World : public testing::Test {
     std::vector<physics::BodyPtr> AddStack(int boxes);
     std::vector<physics::BodyPtr> AddPyramid(int rows);
 
+    physics::SolveConstants Constants() const { return physics::SolveConstants(sim.GetStepSettings()); }
     void Run(float seconds);
     void ClearAir();                                     // no drag, no buoyancy
     void SetSurface(float friction, float restitution);  // of geoms added from now on

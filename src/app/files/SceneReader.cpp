@@ -131,7 +131,7 @@ GeomEntityPtr SceneReader::BuildPolygon(const EntitySerializer& values) const {
         vec *= GetScale();
         CheckLength(vec);
     }
-    return new PolyEntity(new physics::Polygon(vecs));
+    return new PolyEntity(new physics::Polygon(vecs, physics::Simulation::Instance().GetDefaultSurface()));
 }
 
 GeomEntityPtr SceneReader::BuildCircle(const EntitySerializer& values) const {
@@ -140,7 +140,8 @@ GeomEntityPtr SceneReader::BuildCircle(const EntitySerializer& values) const {
     radius *= GetScale();
     CheckLength(radius);
     if (!(radius > 0)) THROW(BadDataException, "Circle without extent in scene file");
-    return new CircleEntity(new physics::Circle(radius));
+    return new CircleEntity(
+        new physics::Circle(radius, {}, physics::Simulation::Instance().GetDefaultSurface()));
 }
 
 GeomEntityPtr SceneReader::BuildPlane(const EntitySerializer& values) const {
@@ -159,7 +160,8 @@ GeomEntityPtr SceneReader::BuildPlane(const EntitySerializer& values) const {
         normal /= length;
         dist /= length;
     }
-    return new PlaneEntity(new physics::Plane(normal, dist));
+    return new PlaneEntity(
+        new physics::Plane(normal, dist, physics::Simulation::Instance().GetDefaultSurface()));
 }
 
 void SceneReader::PlaceShape(GeomEntity& entity, EntitySerializer& values) const {

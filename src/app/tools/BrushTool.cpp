@@ -13,6 +13,7 @@
 #include "input/Input.h"
 #include "input/Key.h"
 #include "physics/Polygon.h"
+#include "physics/Simulation.h"
 #include "rendering/Renderer.h"
 #include "util/Guarded.h"
 
@@ -144,7 +145,8 @@ physics::PolygonPtr BrushTool::IsPolygon(const Vec2List& stroke) const {
     const auto make = [&] {
         const real wanted = m_settings.m_maxPointDist->Get() * m_view.GetCmToWorld();
         loop = physics::AssertMaxDist(loop, EdgeLimit(loop, wanted));
-        if (loop.size() >= 3) polygon = new physics::Polygon(loop);
+        if (loop.size() < 3) return;
+        polygon = new physics::Polygon(loop, physics::Simulation::Instance().GetDefaultSurface());
     };
     util::Guarded(make, "", logging::Error);
     return polygon;

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+
+#include "physics/CollisionDetection.h"
+#include "physics/ContactCache.h"
+#include "physics/ContactPool.h"
+#include "physics/Fwd.h"
+
+namespace physics {
+
+// The contacts of a world, found anew at each step. One that was there in the step before goes on with its
+// impulses, and is no impact any more.
+class StepContacts {
+  public:
+    void Find(const BodyList& bodies, const ParticleList& particles);
+    void Clear();
+
+    const ContactPool& Get() const { return m_contacts; }  // of the last Find
+    uint32_t GetCacheHits() const { return m_cacheHits; }  // of them, how many persisted
+
+  private:
+    void MatchCache();
+
+    Collider m_collider;
+    ContactPool m_contacts;      // this step's
+    ContactPool m_lastContacts;  // the previous step's, which the cache looks up
+    ContactCache m_cache;
+    uint32_t m_cacheHits = 0;
+};
+
+}  // namespace physics
