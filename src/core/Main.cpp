@@ -21,6 +21,7 @@
 #include "util/Exception.h"
 #include "util/FileNames.h"
 #include "util/FileSystem.h"
+#include "util/Guarded.h"
 #include "util/RunSlot.h"
 
 // The program from its start to its end. The order of the steps is the order in which they depend on each
@@ -189,11 +190,15 @@ void LoadFirstScene(app::App& application, const String& asked) {
 
 // ---- end
 
+// Each step stands alone: a scene that cannot be saved is no reason to lose the settings. What could not be
+// saved leaves its autosave, so the next start finds it.
 void Save(app::App& application) {
     Log(logging::Trace, "Subsystem::Run returned, saving config...");
-    application.OnExit();
+    util::Guarded([&] { application.OnExit(); }, "Failed saving the scene: ", logging::Error);
     if (!script::Parser::Instance().SaveRootCode(CONFIG_FILE)) return;
-    GetFiles().Remove(GetFiles().GetWorkDir() + GetSlot().GetAutosaveConfig());
+    const String autosave = GetFiles().GetWorkDir() + GetSlot().GetAutosaveConfig();
+    util::Guarded([&] { GetFiles().Remove(autosave); },
+                  "Failed removing the autosaved settings: ", logging::Error);
 }
 
 // No static destructor runs, and the services that are left are simply abandoned.
