@@ -1,7 +1,7 @@
 #include "input/Key.h"
 
 #include <array>
-#include <cctype>
+#include <boost/algorithm/string/case_conv.hpp>
 #include <map>
 
 #include "util/Exception.h"
@@ -99,16 +99,11 @@ const Names& GetNames() {
     return s_names;
 }
 
-String ToLower(String text) {
-    for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return text;
-}
-
 std::map<String, int> MakeCodes() {
     std::map<String, int> codes;
     for (int code = 0; code < Key::NUM_CODES; ++code) {
         const String& name = GetNames()[code];
-        if (!name.empty()) codes[ToLower(name)] = code;
+        if (!name.empty()) codes[boost::algorithm::to_lower_copy(name)] = code;
     }
     return codes;
 }
@@ -124,7 +119,7 @@ const String& Key::GetKeyName(int key) {
 
 int Key::GetKeyFromName(const String& name) {
     static const std::map<String, int>& s_codes = *new std::map<String, int>(MakeCodes());
-    const auto code = s_codes.find(ToLower(name));
+    const auto code = s_codes.find(boost::algorithm::to_lower_copy(name));
     if (code == s_codes.end()) {
         THROW(BadDataException, WHERE + ": Unknown name of key \"" + name + "\"");
     }

@@ -3,6 +3,7 @@
 #include <SDL_image.h>
 
 #include <algorithm>
+#include <boost/algorithm/string/predicate.hpp>
 #include <cmath>
 #include <memory>
 
@@ -17,10 +18,6 @@ namespace {
 
 constexpr RGBA32 WHITE{255, 255, 255, 255};
 constexpr unsigned int MAX_SIDE = 8192;  // of a square file of bare pixels
-
-bool EndsWith(const std::string& text, const std::string& end) {
-    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
-}
 
 // ---- files of bare pixels -----------------------------------------------------------------------------
 
@@ -146,7 +143,7 @@ ImageRGBA32Ptr ImageRGBA32::LoadRAW(const std::string& path, RAWFormat format) {
 }
 
 ImageRGBA32Ptr ImageRGBA32::LoadFile(const std::string& path) {
-    if (EndsWith(path, ".raw")) return LoadRAW(path, RAW_ALPHA);
+    if (boost::algorithm::ends_with(path, ".raw")) return LoadRAW(path, RAW_ALPHA);
     const std::string fault = FindImageFault(path);
     if (!fault.empty()) ThrowLoadFailure(path, fault);
     SurfacePtr surface(IMG_Load(path.c_str()));

@@ -1,6 +1,7 @@
 #include "script/Completion.h"
 
 #include <algorithm>
+#include <boost/algorithm/string/predicate.hpp>
 #include <cctype>
 
 #include "script/Exceptions.h"
@@ -20,12 +21,6 @@ char Upper(char c) {
 
 bool BelongsToPath(char c) {
     return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '.' || c == '_';
-}
-
-// Whether `name` begins with `prefix`, ignoring case.
-bool BeginsWith(const String& name, const String& prefix) {
-    return name.size() >= prefix.size() && std::equal(prefix.begin(), prefix.end(), name.begin(),
-                                                      [](char a, char b) { return Lower(a) == Lower(b); });
 }
 
 // A function such as `{ App }` lets a name stand for a class object. Null for any other.
@@ -48,7 +43,7 @@ ClassObjectPtr ResolveAlias(const ObjectPtr& value) {
 ClassObjectPtr StepInto(const ClassObject& object, const String& member) {
     for (const VariablePtr& variable : object.GetVariables()) {
         const String& name = variable->GetName();
-        if (name.size() != member.size() || !BeginsWith(name, member)) continue;
+        if (!boost::algorithm::iequals(name, member)) continue;
         const ObjectPtr value = variable->GetValue();
         const ClassObjectPtr inner = value->AsClass();
         return inner ? inner : ResolveAlias(value);
@@ -59,7 +54,7 @@ ClassObjectPtr StepInto(const ClassObject& object, const String& member) {
 StringList CollectCandidates(const ClassObject& object, const String& prefix) {
     StringList candidates;
     for (const VariablePtr& variable : object.GetVariables()) {
-        if (!BeginsWith(variable->GetName(), prefix)) continue;
+        if (!boost::algorithm::istarts_with(variable->GetName(), prefix)) continue;
         const ObjectPtr value = variable->GetValue();
         const ClassObject* const inner = value->AsClass();
         const bool hasContents = inner != nullptr && inner->GetNumVariables() != 0;

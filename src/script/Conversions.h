@@ -51,12 +51,6 @@ std::vector<math::Vec2> ObjectToValue(const ObjectPtr& object);
 template <>
 math::BoundingBox2f ObjectToValue(const ObjectPtr& object);
 
-// The vector rows: "Not a list" for no list, "Not a vector" for a wrong number of elements.
-template <class V>
-void ObjectToVec(V& vector, const ObjectPtr& object) {
-    vector = ObjectToValue<V>(object);
-}
-
 namespace conversions {
 
 ObjectPtr ToObject(bool value);

@@ -141,7 +141,7 @@ static void WriteNames(CodeWriter& out, const StringList& names) {
     for (size_t i = 0; i < names.size(); ++i) out.Append(i == 0 ? "" : ", ").Append(names[i]);
 }
 
-// A body of several lines stands apart. Its first line is not indented: saved files have always looked so.
+// A body of several lines stands apart. Its first line is not indented, for it is part of the file format.
 void FunctionDeclaration::WriteCode(CodeWriter& out) const {
     const NestingGuard guard;
     if (!m_args.empty()) {

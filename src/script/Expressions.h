@@ -38,7 +38,6 @@ class Identifier : public Expression {
     Identifier(const ExpressionPtr& owner, const String& name);
     ~Identifier() noexcept(false) override;
 
-    const ExpressionPtr& GetOwnerExpression() const { return m_owner; }
     const String& GetName() const { return m_name; }
 
     // The value, or, where that is a function without parameters, its result.
@@ -128,9 +127,6 @@ class FunctionCall : public Expression {
   public:
     FunctionCall(const ExpressionPtr& head, const BlockPtr& tail);
     ~FunctionCall() noexcept(false) override;
-
-    const ExpressionPtr& GetHead() const { return m_head; }
-    const BlockPtr& GetTail() const { return m_tail; }
 
     ObjectPtr Evaluate(const ClosurePtr& closure) override;
     void WriteCode(CodeWriter& out) const override;

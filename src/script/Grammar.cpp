@@ -1,5 +1,6 @@
 #include "script/Grammar.h"
 
+#include <boost/algorithm/string/predicate.hpp>
 #include <boost/lexical_cast.hpp>
 #include <limits>
 #include <unordered_map>
@@ -14,15 +15,6 @@ namespace {
 
 const char* const INFIX = "infix";
 
-bool EqualsIgnoringCase(const String& text, const char* lower) {
-    size_t i = 0;
-    for (; i < text.size() && lower[i] != '\0'; ++i) {
-        const char c = text[i];
-        if ((c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c) != lower[i]) return false;
-    }
-    return i == text.size() && lower[i] == '\0';
-}
-
 // `code` is the type's letter in the message.
 template <class T>
 T ParseNumber(const String& text, char code) {
@@ -34,8 +26,8 @@ T ParseNumber(const String& text, char code) {
 }
 
 double ParseFloat(const String& text) {
-    if (EqualsIgnoringCase(text, "+inf")) return std::numeric_limits<double>::infinity();
-    if (EqualsIgnoringCase(text, "-inf")) return -std::numeric_limits<double>::infinity();
+    if (boost::algorithm::iequals(text, "+inf")) return std::numeric_limits<double>::infinity();
+    if (boost::algorithm::iequals(text, "-inf")) return -std::numeric_limits<double>::infinity();
     return ParseNumber<double>(text, 'd');
 }
 

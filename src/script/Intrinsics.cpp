@@ -18,7 +18,7 @@ using Operation = ObjectPtr (*)(const ObjectPtr&, const ObjectPtr&);
 Int AddInt(Int a, Int b) {
     return static_cast<Int>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
 }
-Int SubstractInt(Int a, Int b) {
+Int SubtractInt(Int a, Int b) {
     return static_cast<Int>(static_cast<uint32_t>(a) - static_cast<uint32_t>(b));
 }
 Int MultiplyInt(Int a, Int b) {
@@ -27,13 +27,13 @@ Int MultiplyInt(Int a, Int b) {
 // Truncates towards zero. The one quotient that does not fit wraps around like the rest.
 Int DivInt(Int a, Int b) {
     if (b == 0) THROW(ScriptException, "Division by zero");
-    return b == -1 ? SubstractInt(0, a) : a / b;
+    return b == -1 ? SubtractInt(0, a) : a / b;
 }
 
 Float AddFloat(Float a, Float b) {
     return a + b;
 }
-Float SubstractFloat(Float a, Float b) {
+Float SubtractFloat(Float a, Float b) {
     return a - b;
 }
 Float MultiplyFloat(Float a, Float b) {
@@ -130,9 +130,9 @@ ObjectPtr Add(const ObjectPtr& a, const ObjectPtr& b) {
     Fail("Add", a, b);
 }
 
-ObjectPtr Substract(const ObjectPtr& a, const ObjectPtr& b) {
-    if (const ObjectPtr number = NumFun(a, b, SubstractInt, SubstractFloat, "substract")) return number;
-    if (const ObjectPtr list = ListRecurse(a, b, Substract, "substract")) return list;
+ObjectPtr Subtract(const ObjectPtr& a, const ObjectPtr& b) {
+    if (const ObjectPtr number = NumFun(a, b, SubtractInt, SubtractFloat, "substract")) return number;
+    if (const ObjectPtr list = ListRecurse(a, b, Subtract, "substract")) return list;
     Fail("Substract", a, b);
 }
 
@@ -172,7 +172,7 @@ struct Arithmetic {
 };
 constexpr Arithmetic ARITHMETIC[] = {
     {"add", "+", Add},
-    {"substract", "-", Substract},  // spelled so: user scripts name it
+    {"substract", "-", Subtract},  // spelled so: user scripts name it
     {"multiply", "*", Multiply},
     {"divide", "/", Divide},
 };

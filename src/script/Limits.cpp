@@ -19,7 +19,6 @@ constexpr size_t STACK_SIZE = 8u << 20;  // what a main thread has by default
 
 int s_sessions = 0;
 int64_t s_stepsLeft = UNCOUNTED;
-const char* s_stackBase = nullptr;
 
 // Three quarters of the stack: the rest is for the native callers and for what a level calls.
 size_t GetUsableStack() {
@@ -78,8 +77,7 @@ void ChargeBytes(size_t bytes) {
 void NestingGuard::Begin() {
     if (s_depth == 1) {
         if (s_sessions == 0) s_stepsLeft = MAX_STEPS;
-        s_stackBase = static_cast<const char*>(__builtin_frame_address(0));
-        s_stackLimit = s_stackBase - GetUsableStack();
+        s_stackLimit = static_cast<const char*>(__builtin_frame_address(0)) - GetUsableStack();
         return;
     }
     --s_depth;
@@ -90,10 +88,6 @@ void NestingGuard::Begin() {
 void NestingGuard::End() {
     s_stackLimit = nullptr;
     if (s_sessions == 0) s_stepsLeft = UNCOUNTED;
-}
-
-size_t NestingGuard::GetStackUse() {
-    return static_cast<size_t>(s_stackBase - static_cast<const char*>(__builtin_frame_address(0)));
 }
 
 }  // namespace script

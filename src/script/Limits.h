@@ -62,8 +62,6 @@ class NestingGuard {
     NestingGuard(const NestingGuard&) = delete;
     NestingGuard& operator=(const NestingGuard&) = delete;
 
-    static size_t GetStackUse();  // bytes between the outermost level and here, for measurements
-
   private:
     static bool IsStackLow() { return static_cast<const char*>(__builtin_frame_address(0)) < s_stackLimit; }
     static void Begin();

@@ -49,7 +49,6 @@ class Parser : public util::Pointee, public util::Singleton<Parser> {
     void AddInfix(const InfixPtr& infix);
 
     const ClosurePtr& GetRootClosure() const { return m_rootClosure; }
-    const ScopePtr& GetRootScope() const { return m_rootScope; }
 
     // All settings, functions and key bindings as source. What cannot be printed is left out with a Warning.
     String GetRootCode() const;

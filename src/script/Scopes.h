@@ -16,8 +16,6 @@ class Scope : public Reflected {
     Scope(const String& name, const ClassObjectPtr& superscope);
     ~Scope() noexcept(false) override;
 
-    const std::vector<InfixPtr>& GetInfixes() const { return m_infixes; }
-
     // An equal pattern replaces the earlier declaration, so that a text may be run twice.
     void AddInfix(const InfixPtr& infix);
 

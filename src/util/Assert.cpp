@@ -5,7 +5,7 @@
 #include "logging/Log.h"
 #include "util/Exception.h"
 
-// "inf" stands where one expects "in": people and scripts search logs for this very text.
+// "inf" stands where one expects "in"; the text is the same for all four.
 void AssertionFailed(const char* expression, bool isAssertion, bool isCode, const char* function,
                      const char* file, long line) {
     const String text = boost::str(boost::format("%s %s failed: \"%s\" in function %s inf %s:%i") %

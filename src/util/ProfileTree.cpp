@@ -31,15 +31,10 @@ String FormatRow(const ProfileTree::Node& node, const String& index, double pare
 void ResetCounters(ProfileTree::Node& node) {
     node.m_maxTime = node.m_totalTime = 0;
     node.m_numCalls = 0;
-    for (ProfileTree::Node* child : node.m_children) ResetCounters(*child);
+    for (const ProfileTree::NodePtr& child : node.m_children) ResetCounters(*child);
 }
 
 }  // namespace
-
-ProfileTree::Node::~Node() {
-    for (Node* child : m_children) delete child;
-    delete m_missing;
-}
 
 ProfileTree& ProfileTree::Get() {
     static ProfileTree& s_tree = *new ProfileTree;  // abandoned at exit: destructors may be measured
@@ -51,19 +46,15 @@ ProfileTree::ProfileTree() {
     m_report = "No output generated yet.";
 }
 
-ProfileTree::~ProfileTree() {
-    delete m_root;
-}
-
 void ProfileTree::Reset() {
-    delete m_root;
     m_updateTime = 1;
     m_numFrames = 0;
     m_enabled = false;
     m_report.clear();
     m_failed = false;
     m_refresh = true;
-    m_root = m_current = m_viewed = new Node("Main", nullptr);
+    m_root = std::make_unique<Node>("Main", nullptr);
+    m_current = m_viewed = m_root.get();
     m_root->m_startTime = m_lastReport = Clock::Now();
 }
 
@@ -73,14 +64,14 @@ void ProfileTree::Fail(const String& message) {
 }
 
 ProfileTree::Node* ProfileTree::FindOrAddChild(const char* name) {
-    for (Node* child : m_current->m_children) {
-        if (child->m_name == name) return child;
+    for (const NodePtr& child : m_current->m_children) {
+        if (child->m_name == name) return child.get();
     }
     if (m_current->m_children.size() > MAX_CHILDREN) {
         Fail(String("Too many children of node ") + m_current->m_name);
     }
-    m_current->m_children.push_back(new Node(name, m_current));
-    return m_current->m_children.back();
+    m_current->m_children.push_back(std::make_unique<Node>(name, m_current));
+    return m_current->m_children.back().get();
 }
 
 bool ProfileTree::Begin(const char* name) {
@@ -94,7 +85,7 @@ bool ProfileTree::Begin(const char* name) {
 }
 
 void ProfileTree::End() {
-    if (m_current == m_root) {
+    if (m_current == m_root.get()) {
         Fail("Too many calls to End()");
         return;
     }
@@ -107,9 +98,9 @@ void ProfileTree::End() {
 
 void ProfileTree::Update() {
     if (m_failed || !m_enabled) return;
-    if (m_current != m_root) {
+    if (m_current != m_root.get()) {
         Fail("Profiler::Update() called within begin and end (fix code)");
-        m_current = m_root;
+        m_current = m_root.get();
         return;
     }
     const double now = Clock::Now();
@@ -139,16 +130,16 @@ void ProfileTree::ViewParent() {
 
 void ProfileTree::ViewChild(size_t index) {
     if (index >= m_viewed->m_children.size()) return;
-    Node* const child = m_viewed->m_children[index];
+    Node* const child = m_viewed->m_children[index].get();
     if (!child->m_children.empty()) View(child);
 }
 
 void ProfileTree::ViewSlowestChild() {
-    const std::vector<Node*>& children = m_viewed->m_children;
-    const auto slowest = std::max_element(children.begin(), children.end(), [](const Node* a, const Node* b) {
-        return a->m_totalTime < b->m_totalTime;
-    });
-    if (slowest != children.end() && !(*slowest)->m_children.empty()) View(*slowest);
+    const std::vector<NodePtr>& children = m_viewed->m_children;
+    const auto slowest =
+        std::max_element(children.begin(), children.end(),
+                         [](const NodePtr& a, const NodePtr& b) { return a->m_totalTime < b->m_totalTime; });
+    if (slowest != children.end() && !(*slowest)->m_children.empty()) View(slowest->get());
 }
 
 void ProfileTree::Report(double now) {
@@ -166,7 +157,7 @@ void ProfileTree::Report(double now) {
         m_report += FormatRow(child, std::to_string(i), m_viewed->m_totalTime, seconds, frames, true);
     }
     if (!m_viewed->m_children.empty()) {
-        if (m_viewed->m_missing == nullptr) m_viewed->m_missing = new Node("MISSING TIME", m_viewed);
+        if (!m_viewed->m_missing) m_viewed->m_missing = std::make_unique<Node>("MISSING TIME", m_viewed);
         m_viewed->m_missing->m_totalTime = missing;
         m_report += FormatRow(*m_viewed->m_missing, " ", m_viewed->m_totalTime, seconds, frames, false);
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "util/String.h"
@@ -14,18 +15,19 @@ namespace util {
 // is counted in the outer section anyway.
 class ProfileTree {
   public:
+    struct Node;
+    using NodePtr = std::unique_ptr<Node>;
     struct Node {
         explicit Node(const char* name, Node* parent) : m_name(name), m_parent(parent) {}
-        ~Node();
 
-        const char* m_name;             // compared by address: names are literals
-        Node* m_parent;                 // null for the root
-        std::vector<Node*> m_children;  // owned, in order of first occurrence
-        Node* m_missing = nullptr;      // owned; the row "MISSING TIME", made on the first report
-        double m_maxTime = 0;           // seconds, longest call since the last report
-        double m_totalTime = 0;         // seconds, all calls since the last report
-        int m_numCalls = 0;             // since the last report
-        double m_startTime = 0;         // seconds, when it was last entered
+        const char* m_name;               // compared by address: names are literals
+        Node* m_parent;                   // null for the root
+        std::vector<NodePtr> m_children;  // in order of first occurrence
+        NodePtr m_missing;                // the row "MISSING TIME", made on the first report
+        double m_maxTime = 0;             // seconds, longest call since the last report
+        double m_totalTime = 0;           // seconds, all calls since the last report
+        int m_numCalls = 0;               // since the last report
+        double m_startTime = 0;           // seconds, when it was last entered
     };
 
     // The tree that all sections report to.
@@ -51,7 +53,6 @@ class ProfileTree {
 
   private:
     ProfileTree();
-    ~ProfileTree();
 
     void Fail(const String& message);
     void View(Node* node);
@@ -62,7 +63,7 @@ class ProfileTree {
     double m_lastReport = 0;  // seconds
     int m_numFrames = 0;      // since the last report
     bool m_enabled = false;
-    Node* m_root = nullptr;
+    NodePtr m_root;
     Node* m_current = nullptr;
     Node* m_viewed = nullptr;
     String m_report;

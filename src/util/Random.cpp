@@ -1,5 +1,6 @@
 #include "util/Random.h"
 
+#include <algorithm>
 #include <boost/random/uniform_int_distribution.hpp>
 #include <cmath>
 
@@ -9,38 +10,30 @@ namespace util {
 
 uint32_t Random::s_nextSeed = 0;
 
-// The first 624 outputs of a generator seeded with the counter become the state, so that neighbouring
+namespace {
+
+// A seed sequence that is another twister: its first outputs become the whole state, so that neighbouring
 // seeds share nothing.
-Random::Random() : m_index(STATE_SIZE) {
-    Random seeder(s_nextSeed++);
-    for (uint32_t& word : m_state) word = seeder();
-}
+class TwisterSeed {
+  public:
+    using result_type = uint32_t;
 
-Random::Random(uint32_t seed) : m_index(STATE_SIZE) {
-    m_state[0] = seed;
-    for (uint32_t i = 1; i < STATE_SIZE; ++i) {
-        const uint32_t previous = m_state[i - 1];
-        m_state[i] = 1812433253u * (previous ^ (previous >> 30)) + i;
+    explicit TwisterSeed(uint32_t seed) : m_twister(seed) {}
+
+    template <class Iterator>
+    void generate(Iterator begin, Iterator end) {
+        std::generate(begin, end, m_twister);
     }
-}
 
-void Random::Regenerate() {
-    constexpr size_t SHIFT = 397;
-    constexpr uint32_t UPPER = 0x80000000u, LOWER = 0x7FFFFFFFu, MATRIX = 0x9908B0DFu;
-    for (size_t i = 0; i < STATE_SIZE; ++i) {
-        const uint32_t y = (m_state[i] & UPPER) | (m_state[(i + 1) % STATE_SIZE] & LOWER);
-        m_state[i] = m_state[(i + SHIFT) % STATE_SIZE] ^ (y >> 1) ^ ((y & 1) != 0 ? MATRIX : 0);
-    }
-    m_index = 0;
-}
+  private:
+    std::mt19937 m_twister;
+};
 
-uint32_t Random::operator()() {
-    if (m_index == STATE_SIZE) Regenerate();
-    uint32_t y = m_state[m_index++];
-    y ^= y >> 11;
-    y ^= (y << 7) & 0x9D2C5680u;
-    y ^= (y << 15) & 0xEFC60000u;
-    return y ^ (y >> 18);
+}  // namespace
+
+Random::Random() {
+    TwisterSeed seed(s_nextSeed++);
+    m_twister.seed(seed);
 }
 
 float Random::GetUniform(float min, float max) {

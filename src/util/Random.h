@@ -1,8 +1,7 @@
 #pragma once
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
+#include <random>
 
 namespace util {
 
@@ -17,7 +16,7 @@ class Random {
     Random();
 
     // A raw 32-bit output.
-    uint32_t operator()();
+    uint32_t operator()() { return static_cast<uint32_t>(m_twister()); }
 
     // min + draw * (max - min) with draw = raw / 2^32 in float, so the greatest raw values round up to
     // max itself: never use the result as an index. Throws BadDataException when min > max.
@@ -27,14 +26,7 @@ class Random {
     int GetUniformInt(int min, int max);
 
   private:
-    static constexpr std::size_t STATE_SIZE = 624;
-    using State = std::array<uint32_t, STATE_SIZE>;
-
-    explicit Random(uint32_t seed);  // by the published seeding procedure
-    void Regenerate();
-
-    State m_state;
-    std::size_t m_index;  // next word of the block; STATE_SIZE asks for a new one
+    std::mt19937 m_twister;
 
     static uint32_t s_nextSeed;
 };

@@ -5,13 +5,13 @@
 #include <typeinfo>
 #include <utility>
 
+#include "util/Assert.h"
 #include "util/Immortal.h"
 #include "util/SharedPtr.h"
 
 namespace util {
 
 [[noreturn]] void ThrowPhoenix(const char* typeName);
-void AssertNoInstance(bool noInstance);
 
 // Second base of a service, next to util::Pointee, which must come first. Made on first use by Instance()
 // and kept alive by s_instance until Destroy(); an Instance() after that is refused ("Phoenix"), for a
@@ -44,7 +44,7 @@ class Singleton {
   protected:
     // Runs inside `new T`. s_instance is the hold that keeps the object alive.
     Singleton() {
-        AssertNoInstance(!*s_instance);
+        CODE_ASSERTION_TEXT(!*s_instance, "!s_instance");
         *s_instance = static_cast<T*>(this);
     }
 

@@ -15,35 +15,24 @@ class StackedBind {
 
     virtual void Bind() const {
         DATA_ASSERTION(s_stack.size() < 100);
-        if (!s_stack.empty() && !s_lazy) s_stack.top()->DoUnbind();
+        if (!s_stack.empty()) s_stack.top()->DoUnbind();
         s_stack.push(static_cast<const T*>(this));
         DoBind();
     }
 
     virtual void Unbind() const {
         DATA_ASSERTION(!s_stack.empty());
-        const T* const self = static_cast<const T*>(this);
-        AssertTop(self);
+        DATA_ASSERTION_TEXT(s_stack.top() == static_cast<const T*>(this), "s_stack.top() == this");
         s_stack.pop();
-        if (s_stack.empty()) {
-            DoUnbind();
-            return;
-        }
-        if (!s_lazy) DoUnbind();
-        s_stack.top()->DoBind();
+        DoUnbind();
+        if (!s_stack.empty()) s_stack.top()->DoBind();
     }
 
     virtual void DoBind() const = 0;
     virtual void DoUnbind() const = 0;
 
   private:
-    static void AssertTop(const T* self) {
-        if (s_stack.top() == self) return;
-        AssertionFailed("s_stack.top() == this", true, false, __PRETTY_FUNCTION__, __FILE__, __LINE__);
-    }
-
     static inline std::stack<const T*> s_stack;
-    static inline bool s_lazy = false;  // true skips the unbinding between two bound objects
 };
 
 template <class T>

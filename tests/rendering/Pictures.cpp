@@ -1,5 +1,6 @@
 #include "Pictures.h"
 
+#include <boost/crc.hpp>
 #include <cstring>
 
 #include "util/FileSystem.h"
@@ -17,21 +18,14 @@ void AddLittle(FileBytes& bytes, uint32_t value, int count) {
     for (int i = 0; i < count; ++i) bytes.push_back(static_cast<unsigned char>(value >> (8 * i)));
 }
 
-uint32_t Crc(const unsigned char* data, size_t count) {
-    uint32_t c = 0xffffffffu;
-    for (size_t i = 0; i < count; ++i) {
-        c ^= data[i];
-        for (int k = 0; k < 8; ++k) c = (c & 1) != 0 ? 0xedb88320u ^ (c >> 1) : c >> 1;
-    }
-    return ~c;
-}
-
 void AddChunk(FileBytes& file, const char* type, const FileBytes& data) {
     AddBig32(file, static_cast<uint32_t>(data.size()));
     const size_t start = file.size();
     file.insert(file.end(), type, type + 4);
     file.insert(file.end(), data.begin(), data.end());
-    AddBig32(file, Crc(file.data() + start, file.size() - start));
+    boost::crc_32_type checksum;
+    checksum.process_bytes(file.data() + start, file.size() - start);
+    AddBig32(file, checksum.checksum());
 }
 
 // One stored block of a zlib stream.

@@ -1,5 +1,6 @@
 #include "app/files/SceneFiles.h"
 
+#include <boost/algorithm/string/predicate.hpp>
 #include <cstring>
 
 #include "app/files/Serializer.h"
@@ -15,10 +16,6 @@ namespace {
 
 const char* const EXTENSION = ".vxa";
 
-bool EndsWith(const String& text, const String& end) {
-    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
-}
-
 }  // namespace
 
 String CleanSceneName(const String& name) {
@@ -28,7 +25,7 @@ String CleanSceneName(const String& name) {
         if (leading || static_cast<unsigned char>(c) < 32 || c == '/' || c == '\\') continue;
         clean += c;
     }
-    if (clean.empty() || EndsWith(clean, EXTENSION)) return clean;
+    if (clean.empty() || boost::algorithm::ends_with(clean, EXTENSION)) return clean;
     return clean + EXTENSION;
 }
 
