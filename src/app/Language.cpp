@@ -7,10 +7,11 @@
 #include "script/Conversions.h"
 #include "script/Exceptions.h"
 #include "script/Expressions.h"
-#include "script/Limits.h"
+#include "script/Guest.h"
 #include "script/Parser.h"
 #include "util/Exception.h"
 #include "util/FileSystem.h"
+#include "util/Guarded.h"
 
 namespace app {
 
@@ -62,21 +63,19 @@ void Language::Load(const String& name) {
 // Only assignments at the top count. Their right sides see the settings and the intrinsics; their names stay
 // in this file.
 void Language::ReadTexts(const String& text, const String& name, Texts& texts) {
-    script::Parser& parser = script::Parser::Instance();
-    const script::ClosurePtr closure = new script::Closure("Language_closure", parser.GetRootClosure());
-    const script::CodeBlockPtr code = parser.Parse(text);
+    const script::GuestPtr guest = new script::Guest;
+    const script::ClosurePtr closure = guest->MakeClosure("Language_closure");
+    const script::CodeBlockPtr code = script::Parser::Instance().ParseGuest(text);
     if (!code) THROW(BadDataException, "The file has a syntax error");
-    const script::Session session;
     for (const script::ExpressionPtr& statement : code->GetExpressions()) {
         const auto assignment = util::DynamicCast<script::Assignment>(statement);
         if (!assignment) continue;
-        try {
+        const auto read = [&] {
+            const script::GuestTurn turn(*guest);
             const script::ObjectPtr value = assignment->GetExpression()->Evaluate(closure);
             texts[assignment->GetIdentifier()->ToCode()] = script::ObjectToValue<String>(value);
-        } catch (const std::exception& e) {
-            LogException(e, WHERE);
-            Log(logging::Warning, "Error in language file " + name + ": " + e.what());
-        }
+        };
+        util::Guarded(read, ("Error in language file " + name + ": ").c_str());
     }
 }
 

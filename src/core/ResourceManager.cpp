@@ -23,6 +23,7 @@ ResourceManager::ResourceManager()
     AddCmd("reloadTextures", [this] { LoadClass(typeid(rendering::Texture), true); });
     AddCmd("reloadShaders", [this] { LoadClass(typeid(rendering::Shader), true); });
     AddCmd("vramUsage", &rendering::GraphicsResource::GetTotalMemoryUsage);
+    AllowGuests({"vramUsage"});
 }
 
 void ResourceManager::DestroyAll() {

@@ -99,6 +99,7 @@ void Subsystem::AddCommands() {
     AddCmd("objectCurrent", &util::Pointee::GetCount);
     AddCmd("objectHandleCurrent", [] { return static_cast<int>(util::Pointee::GetHandleCount()); });
     AddCmd("objectTotal", &GetObjectTotal);
+    AllowGuests({"time", "objectCurrent", "objectHandleCurrent", "objectTotal"});
     AddCmd("recreateWindow", this, &Subsystem::RecreateWindow);
 
     script::DeclareAttribRemotePoker<bool>(*this, "resizable", &m_wantedParams.m_resizable);

@@ -57,12 +57,12 @@ void KeyBinder::OnKeyEvent(gui::KeyEvent& event) {
     util::Guarded([&] { function->Call({}); }, "", logging::Error);
 }
 
-ExpressionPtr KeyBinder::ToExpression() const {
+CodeBlockPtr KeyBinder::ToAssignments(const IdentifierPtr& path, PrintWalk&) const {
     const CodeBlockPtr calls = new CodeBlock;
     for (const auto& [key, function] : m_bindings) {
         const ExpressionPtr code = function->ToExpression();
         if (!code) continue;  // a native function has no source
-        const ExpressionPtr head = new Identifier(new Identifier(GetReflectedName()), "bind");
+        const ExpressionPtr head = new Identifier(path, "bind");
         const ExpressionPtr name = new Literal<String>(GetQuotableKeyName(key));
         calls->Add(new FunctionCall(head, new Block(ExpressionList{name, code})));
     }

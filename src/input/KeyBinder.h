@@ -22,7 +22,7 @@ class KeyBinder : public Reflected {
     void OnKeyEvent(gui::KeyEvent& event);
 
     // The calls that make the present bindings, in the order of the key codes.
-    ExpressionPtr ToExpression() const override;
+    CodeBlockPtr ToAssignments(const IdentifierPtr& path, PrintWalk& walk) const override;
 
   private:
     class BindInputListener : public gui::InputListener {

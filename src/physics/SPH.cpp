@@ -312,6 +312,7 @@ void SPH::ShowStatistics() {
     AddCmd("AVG_pressure", this, &SPH::GetAveragePressure);
     AddCmd("AVG_density", this, &SPH::GetAverageDensity);
     AddCmd("hashInfo", this, &SPH::GetHashInfo);
+    AllowGuests({"AVG_neighCount", "AVG_pressure", "AVG_density", "hashInfo"});
 }
 
 // How the drops of the last pass fill the cells of the grid.

@@ -4,6 +4,8 @@
 
 #include "logging/Log.h"
 #include "script/Exceptions.h"
+#include "script/Guest.h"
+#include "script/Scopes.h"
 #include "util/LockPtr.h"
 
 namespace script {
@@ -22,15 +24,26 @@ Bindings& GetBindings() {
 
 uint64_t s_lastBinding = 0;
 
+bool IsGuestFunction(Object& object) {
+    const ClosurePtr& closure = object.AsFunction()->GetClosure();
+    return closure && closure->GetGuest() != nullptr;
+}
+
 }  // namespace
 
 AbstractAttrib::~AbstractAttrib() noexcept(false) {
     if (m_binding != 0) GetBindings().erase(m_binding);
 }
 
+int AbstractAttrib::s_readings = 0;
+
 void AbstractAttrib::SetValue(const ObjectPtr& value) {
     Store(value);
-    CalcValue();
+    if (m_guest) {
+        CalcGuestValue();
+    } else if (!IsBound() || s_readings == 0) {
+        CalcValue();
+    }
 }
 
 void AbstractAttrib::Store(const ObjectPtr& value) {
@@ -40,6 +53,7 @@ void AbstractAttrib::Store(const ObjectPtr& value) {
 
 void AbstractAttrib::NoteBinding() {
     const bool bound = IsNullaryFunction(GetStored());
+    m_guest = bound && IsGuestFunction(*GetStored());
     if (bound == IsBound()) return;
     if (bound) {
         m_binding = ++s_lastBinding;
@@ -50,13 +64,39 @@ void AbstractAttrib::NoteBinding() {
     }
 }
 
+// A formula of which a statement fails, or that takes too long, would do so again in each frame. Gives the
+// steps that it took.
+int64_t AbstractAttrib::CalcGuestValue() {
+    const Guest& guest = *GetStored()->AsFunction()->GetClosure()->GetGuest();
+    const int failures = guest.GetNumFailures();
+    const StepLimit limit(MAX_FORMULA_STEPS);
+    CalcValue();
+    if (m_guest && guest.GetNumFailures() != failures) Freeze();
+    return limit.GetUsed();
+}
+
 // Over a copy: a binding may run anything, also what ends attributes.
 void AbstractAttrib::RecalcAll() {
     const Bindings bindings = GetBindings();
+    int64_t guestSteps = MAX_FRAME_STEPS, mostSteps = 0;
+    util::WeakPtr<AbstractAttrib> costliest;
     for (const auto& binding : bindings) {
         if (GetBindings().count(binding.first) == 0) continue;
         const util::LockPtr<AbstractAttrib> attrib(binding.second);
-        attrib->CalcValue();
+        if (!attrib->IsGuestBound()) {
+            attrib->CalcValue();
+        } else if (guestSteps >= MAX_FORMULA_STEPS) {
+            const int64_t steps = attrib->CalcGuestValue();
+            guestSteps -= steps;
+            if (steps <= mostSteps) continue;
+            mostSteps = steps;
+            costliest = binding.second;
+        } else if (const util::LockPtr<AbstractAttrib> spendthrift = costliest.Lock()) {
+            Log(logging::Warning,
+                spendthrift->GetName() + " keeps its value: the scene's formulas take too long");
+            spendthrift->Freeze();
+            costliest = nullptr;
+        }
     }
 }
 
@@ -85,14 +125,16 @@ void TAttrib<T>::CalcValue() {
         Fire();
     } catch (const std::exception& e) {
         LogException(e, WHERE);
-        Log(logging::Warning, GetName() + " was bound to bad type");
-        Repair();
+        const bool tooLong = dynamic_cast<const TimeoutException*>(&e) != nullptr;
+        Log(logging::Warning, GetName() + (tooLong ? " keeps its value: its formula takes too long"
+                                                   : " was bound to bad type"));
+        Freeze();
     }
 }
 
 // Without CalcValue: if what stands in cannot be converted either, it would come back here for ever.
 template <class T>
-void TAttrib<T>::Repair() {
+void TAttrib<T>::Freeze() {
     Store(ValueToObject(Get()));
 }
 

@@ -38,17 +38,35 @@ class AbstractAttrib : public Variable, public util::ClassTracker<AbstractAttrib
 
     // Whether the stored object is a function without parameters.
     bool IsBound() const { return m_binding != 0; }
+    // Whether it is a guest's.
+    bool IsGuestBound() const { return m_guest; }
 
-    // CalcValue on each bound attribute.
+    // CalcValue on each bound attribute. Those of guests have MAX_FRAME_STEPS together: where these are not
+    // enough, the costliest formula ends as a plain value, and those behind it wait for the next time.
     static void RecalcAll();
+
+    // While a file is being read, formulas may name what stands further down: they are first calculated, and
+    // judged, by the next RecalcAll behind.
+    class Reading {
+      public:
+        Reading() { ++s_readings; }
+        ~Reading() { --s_readings; }
+        Reading(const Reading&) = delete;
+        Reading& operator=(const Reading&) = delete;
+    };
 
   protected:
     void Store(const ObjectPtr& value);  // without conversion
+    virtual void Freeze() = 0;           // the value as it is takes the place of a formula
 
   private:
     void NoteBinding();
+    int64_t CalcGuestValue();
 
     uint64_t m_binding = 0;  // number of the binding, counted up; the order of recalculation. 0 when unbound
+    bool m_guest = false;    // the binding is a guest's
+
+    static int s_readings;
 };
 
 template <class T>
@@ -76,7 +94,7 @@ class TAttrib : public AbstractAttrib {
 
   private:
     void Fire();
-    void Repair();
+    void Freeze() override;
     void BringInLine();
 
     std::unique_ptr<util::CallbackSet> m_onChange;  // made by the first AddOnChange: few attributes have any

@@ -2,56 +2,17 @@
 
 #include <set>
 
-#include "logging/Log.h"
 #include "script/CodeWriter.h"
 #include "script/Exceptions.h"
 #include "script/Expressions.h"
+#include "script/Guest.h"
 #include "script/Limits.h"
 #include "script/Release.h"
+#include "script/Scopes.h"
 #include "util/Assert.h"
+#include "util/Guarded.h"
 
 namespace script {
-
-namespace {
-
-// One printing of a tree of class objects. The path of the object that is being written is known from the
-// way down: owner links may point elsewhere after `x = App`.
-struct PrintWalk {
-    const ClassObject* holder = nullptr;  // whose variables are being written
-    IdentifierPtr path;                   // of the holder, null for a root
-    const ClassObject* next = nullptr;    // the object that is entered next
-    IdentifierPtr nextPath;
-    std::set<const ClassObject*>* printed = nullptr;
-};
-
-PrintWalk* s_walk = nullptr;
-
-class PrintWalkScope {
-  public:
-    explicit PrintWalkScope(const ClassObject* holder) : m_outer(s_walk) {
-        m_walk.holder = holder;
-        if (m_outer != nullptr && m_outer->next == holder) {
-            m_walk.path = m_outer->nextPath;
-            m_walk.printed = m_outer->printed;
-            m_outer->next = nullptr;
-        } else {
-            m_walk.path = holder->GetIdentifier();
-            m_walk.printed = &m_printed;
-            m_printed.insert(holder);
-        }
-        s_walk = &m_walk;
-    }
-    ~PrintWalkScope() { s_walk = m_outer; }
-    PrintWalkScope(const PrintWalkScope&) = delete;
-    PrintWalkScope& operator=(const PrintWalkScope&) = delete;
-
-  private:
-    PrintWalk* const m_outer;
-    PrintWalk m_walk;
-    std::set<const ClassObject*> m_printed;
-};
-
-}  // namespace
 
 // ---- Variable ----------------------------------------------------------------------------------------
 
@@ -91,25 +52,15 @@ void Variable::ClearValueOwner() {
 
 ExpressionPtr Variable::ToAssignment() {
     const ObjectPtr value = GetValue();
-    ClassObject* const owner = GetOwner();
-    const bool walking = s_walk != nullptr && s_walk->holder == owner;
-    IdentifierPtr path;
-    if (walking) {
-        path = s_walk->path;
-    } else if (owner != nullptr) {
-        path = owner->GetIdentifier();
-    }
-    const IdentifierPtr identifier = new Identifier(path, m_name);
-    if (const ClassObject* const object = value->AsClass()) {
-        if (!walking) return object->ToExpression();
-        if (!s_walk->printed->insert(object).second) return nullptr;
-        s_walk->next = object;
-        s_walk->nextPath = identifier;
-        return object->ToExpression();
-    }
+    const ClassObject* const owner = GetOwner();
+    if (value->AsClass() != nullptr) return value->ToExpression();
+    return MakeAssignment(new Identifier(owner != nullptr ? owner->GetIdentifier() : nullptr, m_name), value);
+}
+
+ExpressionPtr Variable::MakeAssignment(const IdentifierPtr& path, const ObjectPtr& value) {
     const ExpressionPtr expression = value->ToExpression();
     if (!expression) return nullptr;
-    return new Assignment(identifier, expression);
+    return new Assignment(path, expression);
 }
 
 // ---- ClassObject -------------------------------------------------------------------------------------
@@ -189,27 +140,71 @@ IdentifierPtr ClassObject::GetIdentifier() const {
     return new Identifier(owner->GetIdentifier(), variable->GetName());
 }
 
+// One printing of a tree of class objects. Paths are built on the way down, for owner links may point
+// elsewhere after `x = App`.
+struct ClassObject::PrintWalk {
+    std::map<const ClassObject*, IdentifierPtr> homes;  // where a constant holds the object
+    std::set<const ClassObject*> printed;
+    CodeBlockPtr aliases = new CodeBlock;
+};
+
 ExpressionPtr ClassObject::ToExpression() const {
+    PrintWalk walk;
+    const IdentifierPtr path = GetIdentifier();
+    FindHomes(path, walk);
+    walk.printed.insert(this);
+    const CodeBlockPtr block = ToAssignments(path, walk);
+    block->Add(walk.aliases);
+    return block;
+}
+
+void ClassObject::FindHomes(const IdentifierPtr& path, PrintWalk& walk) const {
     const NestingGuard guard;
-    const PrintWalkScope walk(this);
+    for (const VariablePtr& variable : GetVariables()) {
+        const ClassObject* const object = variable->m_value->AsClass();
+        if (object == nullptr || !variable->IsConstant()) continue;
+        const IdentifierPtr home = new Identifier(path, variable->GetName());
+        if (walk.homes.emplace(object, home).second) object->FindHomes(home, walk);
+    }
+}
+
+CodeBlockPtr ClassObject::ToAssignments(const IdentifierPtr& path, PrintWalk& walk) const {
+    const NestingGuard guard;
     const CodeBlockPtr block = new CodeBlock;
     for (const VariablePtr& variable : GetVariables()) {
-        try {
-            const FreshSession session;
-            if (const ExpressionPtr assignment = variable->ToAssignment()) block->Add(assignment);
-        } catch (const std::exception& e) {
-            LogException(e, WHERE);
-            Log(logging::Warning, "Cannot print " + variable->GetName() + ": " + e.what());
-        }
+        const FreshSession session;
+        const auto print = [&] {
+            const ExpressionPtr code = PrintVariable(*variable, path, walk);
+            if (code) block->Add(code);
+        };
+        util::Guarded(print, ("Cannot print " + variable->GetName() + ": ").c_str());
     }
     return block;
+}
+
+// An object that a constant holds is printed there, and its other names as assignments behind everything
+// else. One without such a home is printed under its first name.
+ExpressionPtr ClassObject::PrintVariable(Variable& variable, const IdentifierPtr& path, PrintWalk& walk) {
+    const ObjectPtr value = variable.GetValue();
+    const IdentifierPtr name = new Identifier(path, variable.GetName());
+    const ClassObject* const object = value->AsClass();
+    if (object == nullptr) return Variable::MakeAssignment(name, value);
+    const auto home = walk.homes.find(object);
+    if (home != walk.homes.end() && !variable.IsConstant()) {
+        walk.aliases->Add(new Assignment(name, home->second));
+        return nullptr;
+    }
+    return walk.printed.insert(object).second ? object->ToAssignments(name, walk) : nullptr;
 }
 
 void ClassObject::WriteCode(CodeWriter& out) const {
     out.Append("ClassObject");
 }
 
+// A guest's name for an object does not move it.
 void ClassObject::SetOwner(const ClassObjectWeakPtr& owner) {
+    const Closure* const closure = dynamic_cast<const Closure*>(owner.Get());
+    if (closure != nullptr && closure->GetGuest() != nullptr) return;
     CheckOwner(owner.Get());
     Object::SetOwner(owner);
 }

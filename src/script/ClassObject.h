@@ -26,13 +26,13 @@ class Variable : public util::Pointee {
     // without a line of its own. Null when the value has no source.
     ExpressionPtr ToAssignment();
 
-  protected:
     const ObjectPtr& GetStored() const { return m_value; }
 
   private:
     friend class ClassObject;
     void SetOwner(ClassObject* owner);
     void ClearValueOwner();
+    static ExpressionPtr MakeAssignment(const IdentifierPtr& path, const ObjectPtr& value);
 
     ClassObjectWeakPtr m_owner;  // the class object that holds this variable
     const String m_name;
@@ -57,6 +57,7 @@ class ClassObject : public Object {
     void RemoveVariable(const String& name);  // nothing when absent
     void RemoveAllVariables();
     VariableList GetVariables() const;
+    const std::map<String, VariablePtr>& GetTable() const { return m_variables; }
     size_t GetNumVariables() const { return m_variables.size(); }
     // The first in order that holds this very object; null when none does.
     VariablePtr FindVariableByValue(const Object* object, const Variable* except = nullptr) const;
@@ -64,11 +65,10 @@ class ClassObject : public Object {
     // The dotted path by owner links; null at a root.
     IdentifierPtr GetIdentifier() const;
 
-    // A CodeBlock of the assignments of all variables that have source. Paths are built on the way down
-    // from the object that is printed, and an object that is reached twice is written at its first name
-    // only, so what is saved does not depend on owner links that scripts have moved. A variable whose
-    // conversion fails is left out with a Warning.
-    ExpressionPtr ToExpression() const override;
+    // A CodeBlock of the assignments of all variables that have source, those of class objects below it
+    // included. What is written depends on names, not on owner links that scripts have moved. A variable
+    // whose conversion fails is left out with a Warning.
+    ExpressionPtr ToExpression() const final;
     void WriteCode(CodeWriter& out) const override;
 
     // Raises ScriptException with "Circular scope" for an owner that is this object or lies below it.
@@ -79,8 +79,15 @@ class ClassObject : public Object {
     // Raises what SetOwner would, before anything has changed.
     void CheckOwner(const ClassObject* owner) const;
 
+    // The part of ToExpression that this object gives, whose names begin with `path`.
+    struct PrintWalk;
+    virtual CodeBlockPtr ToAssignments(const IdentifierPtr& path, PrintWalk& walk) const;
+
   private:
     friend class Variable;
+
+    void FindHomes(const IdentifierPtr& path, PrintWalk& walk) const;
+    static ExpressionPtr PrintVariable(Variable& variable, const IdentifierPtr& path, PrintWalk& walk);
 
     std::map<String, VariablePtr> m_variables;
 };

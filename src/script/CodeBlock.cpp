@@ -3,6 +3,8 @@
 #include "script/Conversions.h"
 #include "script/Exceptions.h"
 #include "script/Expressions.h"
+#include "script/Failure.h"
+#include "script/Guest.h"
 #include "script/Limits.h"
 #include "script/Release.h"
 #include "util/ProfileTree.h"
@@ -38,18 +40,27 @@ CodeBlock::~CodeBlock() noexcept(false) {
 ObjectPtr CodeBlock::Evaluate(const ClosurePtr& closure) {
     const EvaluationGuard guard;
     ObjectPtr result = MakeVoid();
-    for (const ExpressionPtr& statement : m_expressions) result = EvaluateStatement(statement, closure);
+    for (size_t i = 0; i < m_expressions.size(); ++i) result = EvaluateStatement(i, closure);
     return result;
 }
 
-ObjectPtr CodeBlock::EvaluateStatement(const ExpressionPtr& statement, const ClosurePtr& closure) const {
+void CodeBlock::Add(const ExpressionPtr& statement, SourcePlace place) {
+    m_places.resize(m_expressions.size());
+    m_expressions.push_back(statement);
+    m_places.push_back(place);
+}
+
+ObjectPtr CodeBlock::EvaluateStatement(size_t index, const ClosurePtr& closure) const {
+    const ExpressionPtr statement = m_expressions[index];
     try {
         return statement->Evaluate(closure);
     } catch (const TimeoutException&) {
         throw;
     } catch (const std::exception& e) {
         ChargeSteps(FAILURE_STEPS);
+        if (Guest* const guest = Guest::GetCurrent()) guest->NoteFailure();
         LogException(e, WHERE);
+        NoteFailure({e.what(), index < m_places.size() ? m_places[index] : SourcePlace()});
         Log(logging::Warning, "Failed to evaluate: " + DescribeStatement(statement) + ", " + e.what());
         return new ErrorObject;
     }

@@ -3,6 +3,7 @@
 #include "script/CodeWriter.h"
 #include "script/Conversions.h"
 #include "script/Exceptions.h"
+#include "script/Guest.h"
 #include "script/Limits.h"
 #include "script/Release.h"
 #include "script/Scopes.h"
@@ -50,6 +51,14 @@ template class Literal<int>;
 template class Literal<double>;
 template class Literal<String>;
 
+ObjectPtr BadLiteral::Evaluate(const ClosurePtr&) {
+    THROW(ScriptException, m_failure);
+}
+
+void BadLiteral::WriteCode(CodeWriter& out) const {
+    out.Append(m_text);
+}
+
 // ---- Identifier --------------------------------------------------------------------------------------
 
 Identifier::Identifier(const ExpressionPtr& owner, const String& name) : m_owner(owner), m_name(name) {}
@@ -89,6 +98,7 @@ ObjectPtr Identifier::GetValue(const ClosurePtr& closure) const {
 // Looks in the owner only: an assignment makes a local even where an outer scope has the name.
 void Identifier::SetValue(const ClosurePtr& closure, const ObjectPtr& value) const {
     const ClassObjectPtr owner = GetOwner(closure);
+    Guest::CheckWrite(*owner, m_name);
     const VariablePtr variable = owner->FindLocal(m_name);
     if (!variable) {
         owner->AddValue(m_name, value);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "script/Fwd.h"
+#include "script/SourcePlace.h"
 #include "util/Pointee.h"
 
 // The program as a tree, evaluated directly. Every node prints itself back as source, and that is no
@@ -28,6 +29,19 @@ class Literal : public Expression {
 
   private:
     const T m_value;
+};
+
+// A number that cannot be read: it keeps its text, and evaluating it fails.
+class BadLiteral : public Expression {
+  public:
+    BadLiteral(const String& text, const String& failure) : m_text(text), m_failure(failure) {}
+
+    ObjectPtr Evaluate(const ClosurePtr& closure) override;
+    void WriteCode(CodeWriter& out) const override;
+
+  private:
+    const String m_text;
+    const String m_failure;
 };
 
 // A name, behind `owner.` or alone. Reading walks outward through the scopes, writing is always local: a
@@ -78,6 +92,7 @@ class CodeBlock : public Expression {
     ~CodeBlock() noexcept(false) override;
 
     void Add(const ExpressionPtr& expression) { m_expressions.push_back(expression); }
+    void Add(const ExpressionPtr& statement, SourcePlace place);
     const ExpressionList& GetExpressions() const { return m_expressions; }
 
     ObjectPtr Evaluate(const ClosurePtr& closure) override;
@@ -87,9 +102,10 @@ class CodeBlock : public Expression {
     ObjectList EvaluateElements(const ClosurePtr& closure) const;
 
   private:
-    ObjectPtr EvaluateStatement(const ExpressionPtr& statement, const ClosurePtr& closure) const;
+    ObjectPtr EvaluateStatement(size_t index, const ClosurePtr& closure) const;
 
     ExpressionList m_expressions;
+    std::vector<SourcePlace> m_places;  // of the statements, where they were parsed; otherwise empty
 };
 
 // A parenthesis: grouping around one element, otherwise a list of values; behind a function its arguments.

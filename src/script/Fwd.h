@@ -19,6 +19,7 @@ class Variable;
 class Reflected;
 class Scope;
 class Closure;
+class Guest;
 class Parser;
 
 class Expression;
@@ -59,6 +60,7 @@ using VariableList = std::vector<VariablePtr>;
 using ReflectedPtr = util::SharedPtr<Reflected>;
 using ScopePtr = util::SharedPtr<Scope>;
 using ClosurePtr = util::SharedPtr<Closure>;
+using GuestPtr = util::SharedPtr<Guest>;
 
 using ExpressionPtr = util::SharedPtr<Expression>;
 using ExpressionList = std::vector<ExpressionPtr>;

@@ -15,20 +15,30 @@ namespace {
 
 const char* const INFIX = "infix";
 
-// `code` is the type's letter in the message.
-template <class T>
-T ParseNumber(const String& text, char code) {
-    T value{};
-    if (!boost::conversion::try_lexical_convert(text, value)) {
-        THROW(ParseException, "Bad lexical cast: \"" + text + "\" is not a " + code);
+bool ReadNumber(const String& text, int& value) {
+    return boost::conversion::try_lexical_convert(text, value);
+}
+bool ReadNumber(const String& text, double& value) {
+    const bool isInfinity = boost::algorithm::iequals(text, "+inf");
+    if (isInfinity || boost::algorithm::iequals(text, "-inf")) {
+        value = (isInfinity ? 1 : -1) * std::numeric_limits<double>::infinity();
+        return true;
     }
-    return value;
+    return boost::conversion::try_lexical_convert(text, value);
 }
 
-double ParseFloat(const String& text) {
-    if (boost::algorithm::iequals(text, "+inf")) return std::numeric_limits<double>::infinity();
-    if (boost::algorithm::iequals(text, "-inf")) return -std::numeric_limits<double>::infinity();
-    return ParseNumber<double>(text, 'd');
+// `code` is the type's letter in the message.
+String DescribeBadNumber(const String& text, char code) {
+    return "Bad lexical cast: \"" + text + "\" is not a " + code;
+}
+
+// A number that is none, or too great for its type, fails when its statement runs, and costs no more than
+// that.
+template <class T>
+ExpressionPtr MakeNumber(const String& text, char code) {
+    T value{};
+    if (ReadNumber(text, value)) return new Literal<T>(value);
+    return new BadLiteral(text, DescribeBadNumber(text, code));
 }
 
 bool HasKeyword(const StringList& pattern) {
@@ -175,18 +185,31 @@ void Grammar::Expect(const char* symbol, TokenIt& it) const {
 
 // ---- statements and lists ----------------------------------------------------------------------------
 
-CodeBlockPtr Grammar::Parse(const ScopePtr& rootScope) {
+// The failing routine leaves `it` where it was.
+CodeBlockPtr Grammar::Parse(const ScopePtr& rootScope, SourcePlace& place) {
     TokenIt it = m_tokenBegin;
-    const CodeBlockPtr code = ParseCodeBlock(rootScope, it);
-    if (it > m_tokenEnd) THROW(ScriptException, "Parsed too many tokens (real bad stuff)");
-    if (it != m_tokenEnd) THROW(ScriptException, "Unexpected token: " + it->text);
-    return code;
+    try {
+        const CodeBlockPtr code = ParseCodeBlock(rootScope, it);
+        if (it > m_tokenEnd) THROW(ScriptException, "Parsed too many tokens (real bad stuff)");
+        if (it != m_tokenEnd) THROW(ScriptException, "Unexpected token: " + it->text);
+        return code;
+    } catch (...) {
+        place = GetPlace(it);
+        throw;
+    }
+}
+
+// At the end it is the place of the last token.
+SourcePlace Grammar::GetPlace(TokenIt it) const {
+    if (m_tokenBegin == m_tokenEnd) return {};
+    return it < m_tokenEnd ? it->place : (m_tokenEnd - 1)->place;
 }
 
 CodeBlockPtr Grammar::ParseCodeBlock(const ScopePtr& scope, TokenIt& it) {
     const CodeBlockPtr block = new CodeBlock;
     while (!ClosesList(it)) {
-        if (const ExpressionPtr statement = ParseExpression(scope, it)) block->Add(statement);
+        const SourcePlace place = GetPlace(it);
+        if (const ExpressionPtr statement = ParseExpression(scope, it)) block->Add(statement, place);
         if (ClosesList(it)) break;
         Expect(";", it);
     }
@@ -209,13 +232,18 @@ ExpressionPtr Grammar::ParseExpression(const ScopePtr& scope, TokenIt& it) {
     const NestingGuard guard;
     if (it == m_tokenEnd) THROW(ParseException, "Unexpected end of expression");
     if (IsSymbol(it, INFIX)) return ParseInfixDeclaration(scope, it);
+    const TokenIt begin = it;
     Sequence sequence;
     while (!EndsExpression(it)) {
         if (it->IsSymbol("=")) return ParseAssignment(sequence, scope, it);
         ParseOperand(sequence, scope, it);
     }
     if (sequence.size() == 1 && sequence[0].name == nullptr) return sequence[0].ex;
-    return Splitter(sequence, *scope, m_steps).Split(0, sequence.size());
+    const TokenIt end = it;
+    it = begin;  // a failure is told with the beginning of the sequence
+    const ExpressionPtr result = Splitter(sequence, *scope, m_steps).Split(0, sequence.size());
+    it = end;
+    return result;
 }
 
 void Grammar::ParseOperand(Sequence& sequence, const ScopePtr& scope, TokenIt& it) {
@@ -279,9 +307,9 @@ ExpressionPtr Grammar::ParseLiteral(const Token& token) {
         case BoolToken:
             return new Literal<bool>(token.text == "true");
         case IntToken:
-            return new Literal<int>(ParseNumber<int>(token.text, 'i'));
+            return MakeNumber<int>(token.text, 'i');
         case FloatToken:
-            return new Literal<double>(ParseFloat(token.text));
+            return MakeNumber<double>(token.text, 'd');
         case StringToken:
             return new Literal<String>(token.text);
         default:
@@ -295,7 +323,8 @@ ExpressionPtr Grammar::ParseLiteral(const Token& token) {
 ExpressionPtr Grammar::ParseInfixDeclaration(const ScopePtr& scope, TokenIt& it) {
     Expect(INFIX, it);
     Parser::ParserAssert(m_tokenEnd - it >= 2, "Bad infix function");
-    const double precedence = ParseFloat(it->text);
+    double precedence = 0;
+    Parser::ParserAssert(ReadNumber(it->text, precedence), DescribeBadNumber(it->text, 'd'));
     ++it;
     Parser::ParserAssert(it->text == "left" || it->text == "right", "Bad infix function");
     const bool right = it->text == "right";

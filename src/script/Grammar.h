@@ -19,8 +19,9 @@ class Grammar {
   public:
     explicit Grammar(const TokenList& tokens);
 
-    // Raises ParseException and ScriptException.
-    CodeBlockPtr Parse(const ScopePtr& rootScope);
+    // Raises ParseException and ScriptException. `place` is then where the failure was noticed; otherwise it
+    // is left alone.
+    CodeBlockPtr Parse(const ScopePtr& rootScope, SourcePlace& place);
 
   private:
     struct Operand {
@@ -49,6 +50,7 @@ class Grammar {
     bool ClosesList(TokenIt it) const;
     bool StartsFunction(TokenIt it) const;
     void Expect(const char* symbol, TokenIt& it) const;
+    SourcePlace GetPlace(TokenIt it) const;
     void MatchParentheses();
 
     const TokenIt m_tokenBegin;

@@ -205,6 +205,7 @@ ClosurePtr RegisterIntrinsics(Parser& parser) {
     }
     math->AddCmd(
         "pi", +[] { return PI; });
+    for (const VariablePtr& variable : math->GetVariables()) math->AllowGuests({variable->GetName().c_str()});
     return math;
 }
 

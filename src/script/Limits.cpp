@@ -65,6 +65,21 @@ FreshSession::~FreshSession() {
     s_stepsLeft = m_outerSteps;
 }
 
+StepLimit::StepLimit(int64_t steps)
+    : m_outerSteps(s_stepsLeft), m_granted(std::max<int64_t>(std::min(steps, s_stepsLeft), 0)) {
+    s_stepsLeft = m_granted;
+    ++s_sessions;
+}
+
+StepLimit::~StepLimit() {
+    --s_sessions;
+    s_stepsLeft = m_outerSteps - GetUsed();
+}
+
+int64_t StepLimit::GetUsed() const {
+    return m_granted - s_stepsLeft;
+}
+
 void ChargeSteps(int64_t steps) {
     s_stepsLeft -= steps;
     if (s_stepsLeft < 0) THROW(TimeoutException, "Script took too long");

@@ -17,6 +17,15 @@ constexpr int64_t MAX_STEPS = 10000000;        // node evaluations of one sessio
 constexpr int64_t STEPS_PER_TOKEN = 20;        // added for each token of an executed text
 constexpr int64_t MAX_PARSE_STEPS = 40000000;  // comparisons of operands with infix keywords
 
+// A guest's file. A token takes some 270 bytes at most while its file is read and a step leaves at most 140
+// behind, so that these keep a file within half a gigabyte and within a second.
+constexpr size_t MAX_GUEST_TOKENS = 1200000;
+constexpr int64_t MAX_GUEST_STEPS = 1500000;  // of all statements together
+constexpr int64_t MAX_GUEST_TURN = 500000;    // of one statement
+// Formulas that a guest has bound to attributes, in each recalculation: a frame of the program.
+constexpr int64_t MAX_FORMULA_STEPS = 4000;  // of one
+constexpr int64_t MAX_FRAME_STEPS = 20000;   // of all together
+
 // Raise ScriptException with "String too long", "List too long".
 void CheckStringSize(size_t size);
 void CheckListSize(size_t size);
@@ -41,6 +50,21 @@ class FreshSession {
 
   private:
     const int64_t m_outerSteps;
+};
+
+// A span that may take at most `steps` of what the span around it has left, and takes them from that.
+class StepLimit {
+  public:
+    explicit StepLimit(int64_t steps);
+    ~StepLimit();
+    StepLimit(const StepLimit&) = delete;
+    StepLimit& operator=(const StepLimit&) = delete;
+
+    int64_t GetUsed() const;
+
+  private:
+    const int64_t m_outerSteps;
+    const int64_t m_granted;
 };
 
 // Takes `steps` from the session; raises TimeoutException with "Script took too long" when none are left.

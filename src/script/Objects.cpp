@@ -2,8 +2,10 @@
 
 #include "script/CodeWriter.h"
 #include "script/Conversions.h"
+#include "script/Cycles.h"
 #include "script/Exceptions.h"
 #include "script/Expressions.h"
+#include "script/Guest.h"
 #include "script/Limits.h"
 #include "script/Release.h"
 #include "script/Scopes.h"
@@ -143,6 +145,7 @@ Function::Function(const ClosurePtr& closure, const StringList& args, const Expr
     : AbstractFunction(closure), m_args(args), m_code(code) {}
 
 Function::~Function() noexcept(false) {
+    NoteSuspect(m_callClosure);
     Release(m_callClosure);
     Release(m_code);
 }
@@ -153,16 +156,23 @@ ClosurePtr Function::MakeCallClosure(const ObjectList& args) {
     return closure;
 }
 
+void Function::ReplaceCallClosure(const ClosurePtr& closure) {
+    if (m_callClosure.Get() == closure.Get()) return;
+    NoteSuspect(m_callClosure);
+    m_callClosure = closure;
+}
+
 // The closure is held here as well: a recursive call replaces m_callClosure while this one still runs in
 // its own. At the end the outermost call's locals are what stays.
 ObjectPtr Function::Call(const ObjectList& args) {
     PROFILE_SECTION("Function::Call");
     const NestingGuard guard;
     if (args.size() != GetArgCount()) THROW(ScriptException, "Wrong number of arguments to function");
+    const GuestRights rights(GetClosure() ? GetClosure()->GetGuest() : nullptr);
     const ClosurePtr closure = MakeCallClosure(args);
-    m_callClosure = closure;
+    ReplaceCallClosure(closure);
     const ObjectPtr result = m_code->Evaluate(closure);
-    m_callClosure = closure;
+    ReplaceCallClosure(closure);
     return result;
 }
 
@@ -186,22 +196,29 @@ void AbstractIntrinsic::WriteCode(CodeWriter& out) const {
     out.Append("intrinsic function");
 }
 
+void AbstractIntrinsic::CheckCaller() const {
+    if (!m_harmless) Guest::CheckCommand();
+}
+
 static ObjectPtr OrVoid(const ObjectPtr& result) {
     return result ? result : MakeVoid();
 }
 
 ObjectPtr IntrinsicCmd::Call(const ObjectList& args) {
     CODE_ASSERTION(args.size() == 0);
+    CheckCaller();
     return OrVoid(m_function());
 }
 
 ObjectPtr IntrinsicCmd1::Call(const ObjectList& args) {
     CODE_ASSERTION(args.size() == 1);
+    CheckCaller();
     return OrVoid(m_function(args[0]));
 }
 
 ObjectPtr IntrinsicCmd2::Call(const ObjectList& args) {
     CODE_ASSERTION(args.size() == 2);
+    CheckCaller();
     return OrVoid(m_function(args[0], args[1]));
 }
 

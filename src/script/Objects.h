@@ -103,6 +103,7 @@ class Function : public AbstractFunction {
 
   private:
     ClosurePtr MakeCallClosure(const ObjectList& args);
+    void ReplaceCallClosure(const ClosurePtr& closure);
 
     const StringList m_args;
     ExpressionPtr m_code;
@@ -116,6 +117,15 @@ class AbstractIntrinsic : public AbstractFunction {
     AbstractIntrinsic();
     ExpressionPtr ToExpression() const override;
     void WriteCode(CodeWriter& out) const override;
+
+    // For a function that computes or tells and changes nothing: guests may call it.
+    void SetHarmless() { m_harmless = true; }
+
+  protected:
+    void CheckCaller() const;  // raises ScriptException for a guest
+
+  private:
+    bool m_harmless = false;
 };
 
 class IntrinsicCmd : public AbstractIntrinsic {

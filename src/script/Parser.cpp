@@ -6,6 +6,7 @@
 #include "script/Attributes.h"
 #include "script/CodeWriter.h"
 #include "script/Completion.h"
+#include "script/Cycles.h"
 #include "script/Exceptions.h"
 #include "script/Grammar.h"
 #include "script/Intrinsics.h"
@@ -44,6 +45,7 @@ Parser::~Parser() noexcept(false) {
     if (m_keyBinder) m_keyBinder->RemoveAllVariables();
     m_rootClosure->RemoveAllVariables();
     m_math->RemoveAllVariables();
+    CollectCycles();
 }
 
 void Parser::SetKeyBinderFactory(const KeyBinderFactory& factory) {
@@ -72,39 +74,64 @@ void Parser::ParserAssert(bool condition, const String& text) {
     if (!condition) THROW(ParseException, text);
 }
 
-void Parser::ReportError(const String& text) const {
+static String Describe(const SourcePlace& place) {
+    if (!place.IsKnown()) return String();
+    return " (line " + std::to_string(place.line) + ", column " + std::to_string(place.column) + ")";
+}
+
+void Parser::ReportError(const String& text, const SourcePlace& place) const {
+    NoteFailure({text, place});
     try {
-        if (m_onError) m_onError(text);
+        if (m_onError) m_onError(text + Describe(place));
     } catch (const std::exception& e) {
         LogException(e, WHERE);
     }
 }
 
-CodeBlockPtr Parser::Parse(const TokenList& tokens) {
+CodeBlockPtr Parser::Parse(const TokenList& tokens, const ScopePtr& scope) {
+    SourcePlace place;
     try {
-        return Grammar(tokens).Parse(m_rootScope);
+        return Grammar(tokens).Parse(scope, place);
     } catch (const std::exception& e) {
         LogException(e, WHERE);
-        ReportError(String("Parse error: ") + e.what());
+        ReportError(String("Parse error: ") + e.what(), place);
         return nullptr;
     }
+}
+
+CodeBlockPtr Parser::Parse(const TokenList& tokens) {
+    return Parse(tokens, m_rootScope);
 }
 
 CodeBlockPtr Parser::Parse(const String& text) {
     return Parse(Tokenizer::Tokenize(text));
 }
 
-CodeBlockPtr Parser::ParseOrReport(const String& text, size_t& numTokens) {
+CodeBlockPtr Parser::ParseOrReport(const String& text, size_t& numTokens, const ScopePtr& scope,
+                                   size_t maxTokens) {
     numTokens = 0;
+    SourcePlace place;
     try {
-        const TokenList tokens = Tokenizer::Tokenize(text);
+        const TokenList tokens = Tokenizer::Tokenize(text, &place);
+        BeginFailures(place.text);
+        if (tokens.size() > maxTokens) THROW(TokenException, "The text is too long");
         numTokens = tokens.size();
-        return Parse(tokens);
+        return Parse(tokens, scope);
     } catch (const TokenException& e) {
         LogException(e, WHERE);
-        ReportError(String("Parse error: ") + e.what());
+        BeginFailures(place.text);
+        ReportError(String("Parse error: ") + e.what(), place);
         return nullptr;
     }
+}
+
+CodeBlockPtr Parser::ParseOrReport(const String& text, size_t& numTokens) {
+    return ParseOrReport(text, numTokens, m_rootScope, SIZE_MAX);
+}
+
+CodeBlockPtr Parser::ParseGuest(const String& text) {
+    size_t numTokens;
+    return ParseOrReport(text, numTokens, new Scope("[guest scope]", m_rootScope), MAX_GUEST_TOKENS);
 }
 
 // ---- executing ---------------------------------------------------------------------------------------
@@ -133,13 +160,14 @@ ObjectPtr Parser::Execute(const ExpressionPtr& expression) {
 }
 
 ObjectPtr Parser::Execute(const TokenList& tokens) {
-    return Execute(Parse(tokens), tokens.size());
+    const CodeBlockPtr code = Parse(tokens);
+    return code ? Execute(code, tokens.size()) : ObjectPtr(new ErrorObject);
 }
 
 ObjectPtr Parser::Execute(const String& text) {
     size_t numTokens;
     const CodeBlockPtr code = ParseOrReport(text, numTokens);
-    return Execute(code, numTokens);
+    return code ? Execute(code, numTokens) : ObjectPtr(new ErrorObject);
 }
 
 String Parser::ExecuteToString(const String& text) {
@@ -156,6 +184,7 @@ String Parser::ExecuteToString(const String& text) {
 
 void Parser::Update() {
     AbstractAttrib::RecalcAll();
+    CollectCycles();
 }
 
 // ---- files -------------------------------------------------------------------------------------------
@@ -167,9 +196,13 @@ bool Parser::LoadConfig(const std::string& fileName) {
         const String text = util::FileSystem::Instance().ReadFile(InWorkDir(fileName));
         size_t numTokens;
         const CodeBlockPtr code = ParseOrReport(text, numTokens);
-        Execute(code, numTokens);
+        if (!code) return false;
+        {
+            const AbstractAttrib::Reading reading;
+            Execute(code, numTokens);
+        }
         AbstractAttrib::RecalcAll();
-        return static_cast<bool>(code);
+        return true;
     } catch (const std::exception& e) {
         LogException(e, WHERE);
         Log(logging::Error, String("Failed loading config file: ") + e.what());

@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "script/Expressions.h"
+#include "script/Failure.h"
 #include "script/Scopes.h"
 #include "script/Tokenizer.h"
 #include "util/Singleton.h"
@@ -12,7 +13,7 @@ namespace script {
 // The language as a service: owns the root objects, turns text into trees, runs them, and prints the root
 // back as text. Every configuration, scene, language file, key binding and console line passes through.
 //
-//   Parse    text or tokens to a tree; syntax errors go to the error sink and give null
+//   Parse    text or tokens to a tree; syntax errors go to the error sink with their place and give null
 //   Execute  runs in the root closure, then recalculates the bound attributes; never throws
 //
 // There is no fixed table of operators: Grammar.h tells how sequences get their structure. The parser is
@@ -31,6 +32,9 @@ class Parser : public util::Pointee, public util::Singleton<Parser> {
 
     CodeBlockPtr Parse(const TokenList& tokens);
     CodeBlockPtr Parse(const String& text);  // a TokenException leaves
+    // For a text from elsewhere, whose operators are its own (Guest.h). Nothing leaves; a text of more than
+    // MAX_GUEST_TOKENS is refused.
+    CodeBlockPtr ParseGuest(const String& text);
 
     ObjectPtr Execute(const ExpressionPtr& expression);
     ObjectPtr Execute(const TokenList& tokens);
@@ -62,12 +66,19 @@ class Parser : public util::Pointee, public util::Singleton<Parser> {
     // Where parse and evaluation errors go; by default to the log as a Warning.
     void SetOnError(const OnError& onError) { m_onError = onError; }
 
+    // What failed in the latest run of a text, in order: one failure that left it unread or ended it, or
+    // those of its statements, the first hundred. For who shows the text and marks the places.
+    const FailureList& GetFailures() const { return script::GetFailures(); }
+
     static void ParserAssert(bool condition, const String& text);  // raises ParseException
 
   private:
     ObjectPtr Execute(const ExpressionPtr& expression, size_t numTokens);
+    CodeBlockPtr Parse(const TokenList& tokens, const ScopePtr& scope);
+    CodeBlockPtr ParseOrReport(const String& text, size_t& numTokens, const ScopePtr& scope,
+                               size_t maxTokens);
     CodeBlockPtr ParseOrReport(const String& text, size_t& numTokens);
-    void ReportError(const String& text) const;
+    void ReportError(const String& text, const SourcePlace& place = {}) const;
     void AttachKeyBinder();
 
     ClosurePtr m_rootClosure;  // all top-level variables

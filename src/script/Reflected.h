@@ -55,6 +55,9 @@ class Reflected : public ClassObject, public util::ClassTracker<Reflected> {
         AddConstant(name, MakeCmd2(BindMethod(object, method)));
     }
 
+    // Lets scenes and language files call these commands too. Only for what changes nothing.
+    void AllowGuests(std::initializer_list<const char*> commands) const;
+
     // Adds `value` under `name` as a variable that scripts cannot assign.
     void AddConstant(const String& name, const ObjectPtr& value);
 

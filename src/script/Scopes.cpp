@@ -5,6 +5,7 @@
 
 #include "script/Exceptions.h"
 #include "script/Expressions.h"
+#include "script/Guest.h"
 #include "script/Release.h"
 #include "util/Assert.h"
 
@@ -17,13 +18,24 @@ static size_t GetLevelBelow(const ClassObjectPtr& superscope) {
 
 Scope::Scope(const String& name, const ClassObjectPtr& superscope)
     : Reflected(name), m_superscope(superscope), m_level(GetLevelBelow(superscope)) {
-    if (superscope) SetOwner(superscope);
+    if (superscope) Object::SetOwner(superscope);  // a new object makes no circle
 }
 
 Scope::~Scope() noexcept(false) {
     ReleaseAll(m_infixes);
     Release(m_superscope);
 }
+
+static Guest* GetGuestOf(const ClassObjectPtr& superscope) {
+    const Closure* const closure = dynamic_cast<const Closure*>(superscope.Get());
+    Guest* const guest = closure != nullptr ? closure->GetGuest() : nullptr;
+    return guest != nullptr ? guest : Guest::GetCurrent();
+}
+
+Closure::Closure(const String& name, const ClassObjectPtr& superscope)
+    : Scope(name, superscope), m_guest(GetGuestOf(superscope)) {}
+
+Closure::~Closure() noexcept(false) = default;
 
 void Scope::AddInfix(const InfixPtr& infix) {
     const auto place = m_patterns.emplace(infix->GetPattern(), m_infixes.size());

@@ -26,6 +26,7 @@ class Scope : public Reflected {
     InfixPtr GetInfix(const KeywordTest& occurs) const;
 
     size_t GetLevel() const { return m_level; }
+    const ClassObjectPtr& GetSuperscope() const { return m_superscope; }  // null at a root
 
   private:
     InfixPtr ChooseInfix(const KeywordTest& occurs, const InfixPtr& outer) const;
@@ -38,11 +39,17 @@ class Scope : public Reflected {
     const size_t m_level;  // number of enclosing scopes at construction
 };
 
-// A scope at run time: the root, or the locals of one call.
+// A scope at run time: the root, or the locals of one call. It belongs to the guest of the closure around it
+// or, where that has none, to the guest at work.
 class Closure : public Scope {
   public:
-    explicit Closure(const String& name, const ClassObjectPtr& superscope = nullptr)
-        : Scope(name, superscope) {}
+    explicit Closure(const String& name, const ClassObjectPtr& superscope = nullptr);
+    ~Closure() noexcept(false) override;
+
+    Guest* GetGuest() const { return m_guest.Get(); }  // null for the user's own
+
+  private:
+    const GuestPtr m_guest;
 };
 
 }  // namespace script

@@ -1,5 +1,6 @@
 #include "script/Tokenizer.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstring>
 
@@ -26,26 +27,44 @@ char Lower(char c) {
     return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
 }
 
+uint16_t s_numTexts = 0;
+
 class Scanner {
   public:
-    explicit Scanner(const String& text) : m_p(text.data()), m_end(m_p + text.size()) {
+    Scanner(const String& text, SourcePlace& place)
+        : m_p(text.data()), m_end(m_p + text.size()), m_place(place) {
         static const char MARK[] = "\xEF\xBB\xBF";
         if (text.compare(0, 3, MARK) == 0) m_p += 3;
+        m_placed = m_lineBegin = m_p;
+        m_place = {1, 1, ++s_numTexts};
     }
 
     TokenList Scan() {
         for (SkipSpace(); m_p != m_end; SkipSpace()) ScanToken();
+        FindPlace();
         return std::move(m_tokens);
     }
 
   private:
     void ScanToken() {
+        FindPlace();
         if (*m_p == '"') return ScanString();
         if (IsWordStart(*m_p)) return ScanWord();
         if (NumberStarts(m_p)) return ScanNumber();
         if (IsSingle(*m_p)) return Emit(m_p, m_p + 1, SymbolToken);
         if (*m_p == '/' && m_p + 1 != m_end && m_p[1] == '/') return SkipComment();
         ScanOperator();
+    }
+
+    // The place of the scan, which counts on from where it was last asked for.
+    void FindPlace() {
+        for (; m_placed != m_p; ++m_placed) {
+            if (*m_placed != '\n') continue;
+            ++m_place.line;
+            m_lineBegin = m_placed + 1;
+        }
+        constexpr std::ptrdiff_t MAX_COLUMN = UINT16_MAX;
+        m_place.column = static_cast<uint16_t>(std::min(m_p - m_lineBegin + 1, MAX_COLUMN));
     }
 
     void SkipSpace() {
@@ -56,7 +75,7 @@ class Scanner {
     }
 
     void Emit(const char* begin, const char* end, TokenKind kind) {
-        m_tokens.push_back({String(begin, end), kind});
+        m_tokens.push_back({String(begin, end), kind, m_place});
         m_p = end;
     }
 
@@ -117,7 +136,7 @@ class Scanner {
         String contents;
         for (const char* p = m_p + 1; p != m_end; ++p) {
             if (*p == '"') {
-                m_tokens.push_back({std::move(contents), StringToken});
+                m_tokens.push_back({std::move(contents), StringToken, m_place});
                 m_p = p + 1;
                 return;
             }
@@ -133,6 +152,9 @@ class Scanner {
 
     const char* m_p;
     const char* const m_end;
+    SourcePlace& m_place;              // of m_placed
+    const char* m_placed;              // up to where lines are counted
+    const char* m_lineBegin;           // of the line in which m_placed stands
     const char* m_signsEnd = nullptr;  // end of the run of signs that was looked at last
     bool m_numberBehindSigns = false;
     TokenList m_tokens;
@@ -140,8 +162,9 @@ class Scanner {
 
 }  // namespace
 
-TokenList Tokenizer::Tokenize(const String& text) {
-    return Scanner(text).Scan();
+TokenList Tokenizer::Tokenize(const String& text, SourcePlace* place) {
+    SourcePlace unused;
+    return Scanner(text, place != nullptr ? *place : unused).Scan();
 }
 
 }  // namespace script

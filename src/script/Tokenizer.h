@@ -3,10 +3,11 @@
 #include <vector>
 
 #include "script/Exceptions.h"
+#include "script/SourcePlace.h"
 
 namespace script {
 
-enum TokenKind {
+enum TokenKind : uint8_t {
     BoolToken,    // the words `true` and `false`
     FloatToken,   // a number with a fraction part, or an infinity with its sign
     IntToken,     // a number without a fraction part
@@ -17,6 +18,7 @@ enum TokenKind {
 struct Token {
     String text;  // decoded and without quotes for a string, otherwise as written
     TokenKind kind;
+    SourcePlace place = {};
 
     bool IsSymbol(const char* symbol) const { return kind == SymbolToken && text == symbol; }
 };
@@ -29,8 +31,9 @@ using TokenIt = TokenList::const_iterator;
 class Tokenizer {
   public:
     // Takes time linear in the text. Raises TokenException with "Bad string" or "Unmatched quote (\")"; any
-    // other text has tokens. A UTF-8 mark at the start is skipped.
-    static TokenList Tokenize(const String& text);
+    // other text has tokens. A UTF-8 mark at the start is skipped. `place` follows the scan, and so tells
+    // after a failure where it was.
+    static TokenList Tokenize(const String& text, SourcePlace* place = nullptr);
 };
 
 }  // namespace script

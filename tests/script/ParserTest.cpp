@@ -18,7 +18,48 @@ TEST_F(Parsing, TokensThatCannotBeCutLeaveParseAlone) {
     EXPECT_THROW(m_parser.Parse(String("\"open")), TokenException);
     EXPECT_TRUE(m_errors.empty());
     EXPECT_TRUE(util::DynamicCast<ErrorObject>(m_parser.Execute("\"open")));
-    EXPECT_EQ(m_errors[0], "Parse error: Unmatched quote (\")");
+    EXPECT_EQ(m_errors[0], "Parse error: Unmatched quote (\") (line 1, column 1)");
+    EXPECT_EQ(m_errors.size(), 1u);
+}
+
+// For who marks the place under the line.
+TEST_F(Parsing, FailuresHaveTheirPlace) {
+    Run("old = {\n nothing }");
+    const struct {
+        const char* text;
+        uint32_t line;
+        uint16_t column;
+        const char* message;
+    } rows[] = {
+        {"x = (1, 2", 1, 9, "Parse error: Missing )"},
+        {"x = 1;\n\ty = 1 + 2 * 3;", 2, 6, "Parse error: Multiple mathcing infix functions found"},
+        {"x = 1;\n  y = \"a", 2, 7, "Parse error: Unmatched quote (\")"},
+        {"x = 1; 5 = 2", 1, 12, "Parse error: You can only assign to an identifier"},
+        {"x = 1; ]", 1, 8, "Parse error: Unexpected token: ]"},
+        {"x = 1; nothing; x", 1, 8, "nothing not found in scope"},
+        {"f = {\n1;\n  nothing }; f; 2", 3, 3, "nothing not found in scope"},
+        {"x = 1; 99999999999; x", 1, 8, "Bad lexical cast: \"99999999999\" is not a i"},
+    };
+    for (const auto& row : rows) {
+        Run(row.text);
+        ASSERT_EQ(m_parser.GetFailures().size(), 1u) << row.text;
+        const Failure& failure = m_parser.GetFailures()[0];
+        EXPECT_EQ(failure.message, row.message) << row.text;
+        EXPECT_EQ(failure.place.line, row.line) << row.text;
+        EXPECT_EQ(failure.place.column, row.column) << row.text;
+    }
+    Run("old");
+    EXPECT_TRUE(m_parser.GetFailures().empty()) << "the place is in another text";
+}
+
+// Formulas may stand in front of what they name, and a number out of range costs its line.
+TEST_F(Parsing, AFileIsJudgedWhenItHasBeenRead) {
+    Write("order.cfg", "Gadget.speed = { slow * 2 };\nGadget.count = 2147483647147483647;\nslow = 0.5;");
+    EXPECT_TRUE(m_parser.LoadConfig("order.cfg"));
+    EXPECT_EQ(m_gadget->m_speed->Get(), 1);
+    EXPECT_TRUE(m_gadget->m_speed->IsBound());
+    EXPECT_EQ(m_gadget->m_count->Get(), 3);
+    EXPECT_EQ(m_log.Count(""), 1) << testing::PrintToString(m_log.GetLines());
 }
 
 TEST_F(Parsing, ExecuteNeverThrows) {

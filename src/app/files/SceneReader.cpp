@@ -50,18 +50,26 @@ void Guarded(const Function& function) {
 }  // namespace
 
 SceneReader::SceneReader(Scene& scene)
-    : m_scene(scene),
-      m_closure(new script::Closure("Deserialize_closure", script::Parser::Instance().GetRootClosure())) {}
+    : m_scene(scene), m_guest(new script::Guest), m_closure(m_guest->MakeClosure("Deserialize_closure")) {}
 
 SceneReader::~SceneReader() = default;
 
 void SceneReader::Read(const script::CodeBlock& code) {
     for (const script::ExpressionPtr& statement : code.GetExpressions()) {
-        Guarded([&] { ReadStatement(statement); });
+        Guarded([&] {
+            const script::GuestTurn turn(*m_guest);
+            ReadStatement(statement);
+        });
     }
     const physics::WorldGeomPtr world = physics::Simulation::Instance().GetWorldGeom();
     m_geoms[world->GetID()] = world;
-    for (EntitySerializer& values : m_shapes) Guarded([&] { DeserializeBody(values); });
+    // Formulas on attributes are calculated here for the first time, at the file's cost.
+    for (EntitySerializer& values : m_shapes) {
+        Guarded([&] {
+            const script::GuestTurn turn(*m_guest);
+            DeserializeBody(values);
+        });
+    }
     BuildBodies();
     for (const EntitySerializer& values : m_others) Guarded([&] { DeserializeNonbody(values); });
     EnterScene();

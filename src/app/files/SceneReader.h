@@ -6,7 +6,7 @@
 #include "app/Fwd.h"
 #include "math/Vector.h"
 #include "script/Fwd.h"
-#include "script/Limits.h"
+#include "script/Guest.h"
 
 namespace app {
 
@@ -56,7 +56,7 @@ class SceneReader {
     float GetScale() const;
 
     Scene& m_scene;
-    script::Session m_session;     // bounds what all functions of the file together may take
+    script::GuestPtr m_guest;      // whose file it is; what all of it may take
     script::ClosurePtr m_closure;  // in which the file's statements are evaluated
     script::Int m_version = 0;     // 0 until the file says otherwise
     std::vector<EntitySerializer> m_shapes;

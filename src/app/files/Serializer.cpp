@@ -67,10 +67,7 @@ script::CodeBlockPtr Serializer::Serialize(const Scene& scene) {
 }
 
 script::CodeBlockPtr Serializer::Parse(const String& text) {
-    script::CodeBlockPtr code;
-    util::Guarded([&] { code = script::Parser::Instance().Parse(text); },
-                  "An error occured while deserializing: ");
-    return code;
+    return script::Parser::Instance().ParseGuest(text);
 }
 
 void Serializer::Deserialize(Scene& scene, const script::CodeBlockPtr& code) {
