@@ -102,7 +102,7 @@ void RenameOldScene(const String& name) {
     }
 }
 
-// Scenes once had the extension of configuration files.
+// A scene is called ".vxa", whatever it came as.
 void RenameOldScenes() {
     const util::StringList names = GetFiles().ListFiles(GetFiles().GetScenesDir(), "*.cfg");
     if (names.empty()) return;
@@ -120,11 +120,12 @@ bool Exists(const String& configuration) {
     return GetFiles().Exists(GetFiles().GetWorkDir() + configuration);
 }
 
-// What cannot be read is kept beside, for this run will write its own.
+// What cannot be read, or not whole, is kept beside, for this run will write its own.
 bool LoadConfiguration(const String& name) {
-    if (script::Parser::Instance().LoadConfig(name)) return true;
-    GetFiles().KeepBadCopy(GetFiles().GetWorkDir() + name);
-    return false;
+    script::Parser& parser = script::Parser::Instance();
+    const bool read = parser.LoadConfig(name);
+    if (!read || !parser.GetFailures().empty()) GetFiles().KeepBadCopy(GetFiles().GetWorkDir() + name);
+    return read;
 }
 
 bool RecoverConfiguration() {
@@ -134,14 +135,21 @@ bool RecoverConfiguration() {
     return LoadConfiguration(name);
 }
 
+// Only a size that nobody has wished for.
 void FitWindowToDesktop() {
-    core::WindowParams params;
+    core::WindowParams params = core::Subsystem::Instance().GetWantedParams();
+    if (params.m_resolution != core::WindowParams().m_resolution) return;
     const math::Vec2i desktop = core::GetDesktopSize();
     if (desktop.x > 0 && desktop.y > 0) {
         params.m_resolution.x = std::min(params.m_resolution.x, desktop.x - DESKTOP_MARGIN);
         params.m_resolution.y = std::min(params.m_resolution.y, desktop.y - DESKTOP_MARGIN);
     }
     core::Subsystem::Instance().SetParams(params);
+}
+
+void RunAutoexec() {
+    const script::KeyBinder::Autoexec autoexec;
+    script::Parser::Instance().LoadConfig(AUTOEXEC_FILE);
 }
 
 // The interface speaks the user's language from the first minute on; "autoexec.cfg" has the last word.
@@ -153,13 +161,12 @@ void FollowUserLocale() {
 
 void LoadConfigurations() {
     if (!Exists(AUTOSAVE_CONFIG_FILE) && !Exists(CONFIG_FILE)) FollowUserLocale();
-    script::Parser::Instance().LoadConfig(AUTOEXEC_FILE);
-    if (RecoverConfiguration()) return;
-    if (Exists(CONFIG_FILE)) {
-        LoadConfiguration(CONFIG_FILE);
-    } else {
-        FitWindowToDesktop();
-    }
+    script::Parser::Instance().LoadConfig(GetFiles().GetDataDir() + DEFAULTS_FILE);
+    RunAutoexec();
+    const bool recovered = RecoverConfiguration();
+    if (!recovered && !Exists(CONFIG_FILE)) return FitWindowToDesktop();
+    if (!recovered) LoadConfiguration(CONFIG_FILE);
+    RunAutoexec();
 }
 
 // ---- scene

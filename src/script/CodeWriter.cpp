@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "script/Exceptions.h"
@@ -25,12 +26,17 @@ void CodeWriter::SetApart(size_t from) {
     ChargeBytes(body.size());
     m_text.resize(from);
     Append("\n");
-    size_t begin = 0;
-    while (begin < body.size()) {
-        const size_t newline = std::min(body.find('\n', begin), body.size() - 1);
-        Append(body.data() + begin, newline + 1 - begin);
-        begin = newline + 1;
-        if (begin < body.size()) Append("    ");
+    bool inString = false;
+    for (size_t i = 0; i < body.size(); ++i) {
+        const bool escape = inString && body[i] == '\\' && i + 1 < body.size();
+        Append(body.data() + i, escape ? 2 : 1);
+        if (escape) {
+            ++i;
+        } else if (body[i] == '"') {
+            inString = !inString;
+        } else if (body[i] == '\n' && !inString && i + 1 < body.size()) {
+            Append("    ");
+        }
     }
     Append("\n");
 }
@@ -51,9 +57,21 @@ String DoubleToText(double value) {
 }
 
 String DoubleToCode(double value) {
-    const String text = Print("%.16g", value);
-    if (std::isinf(value) || text.find('.') != String::npos) return text;
-    return text + ".0";
+    String text = Print("%.16g", value);
+    if (std::isinf(value)) return text;
+    const bool isFloat = static_cast<double>(static_cast<float>(value)) == value;
+    if (!isFloat && std::strtod(text.c_str(), nullptr) != value) text = Print("%.17g", value);
+    if (text.find('.') == String::npos) text.insert(std::min(text.find('e'), text.size()), ".0");
+    return text;
+}
+
+String StringToCode(const String& text) {
+    String code = "\"";
+    for (const char c : text) {
+        if (c == '"' || c == '\\') code += '\\';
+        code += c;
+    }
+    return code + '"';
 }
 
 }  // namespace script

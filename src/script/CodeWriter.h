@@ -16,7 +16,7 @@ class CodeWriter {
     void Cut(size_t size) { m_text.resize(size); }
 
     // Sets what stands from `from` on apart as the body of a function: a newline before and behind, four
-    // blanks behind each newline inside but for one at the very end.
+    // blanks behind each newline inside but for one at the very end and for those in strings.
     void SetApart(size_t from);
 
     String Take() { return std::move(m_text); }
@@ -44,8 +44,10 @@ void WriteJoined(CodeWriter& out, const Range& elements, const char* separator) 
 
 // As the console shows a number: six significant digits, "+inf", "-inf".
 String DoubleToText(double value);
-// As a number is saved: sixteen digits and always a ".". An exponent without a point gets its ".0" behind
-// the exponent ("1e-05.0"), which does not read back; settings never hold such values, floats print none.
+// As a number is saved: it reads back to the same bits, but for the tail of a number that is a float's, for
+// which sixteen digits are enough. There is always a "." in it.
 String DoubleToCode(double value);
+// As a string is saved: in quotes, with a backslash before quotes and backslashes inside.
+String StringToCode(const String& text);
 
 }  // namespace script

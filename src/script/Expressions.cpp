@@ -31,7 +31,7 @@ static String ToSource(double value) {
     return DoubleToCode(value);
 }
 static String ToSource(const String& value) {
-    return '"' + value + '"';
+    return StringToCode(value);
 }
 
 template <class T>

@@ -24,7 +24,6 @@ class Literal : public Expression {
     const T& Get() const { return m_value; }
 
     ObjectPtr Evaluate(const ClosurePtr& closure) override;
-    // Strings go out raw, without escapes: one that holds a quote does not read back.
     void WriteCode(CodeWriter& out) const override;
 
   private:

@@ -53,6 +53,7 @@ class Parser : public util::Pointee, public util::Singleton<Parser> {
     void AddInfix(const InfixPtr& infix);
 
     const ClosurePtr& GetRootClosure() const { return m_rootClosure; }
+    const ReflectedPtr& GetKeyBinder() const { return m_keyBinder; }  // null without a factory
 
     // All settings, functions and key bindings as source. What cannot be printed is left out with a Warning.
     String GetRootCode() const;

@@ -5,6 +5,7 @@ const String AUTOSAVE_SCENE = "_AUTOSAVE.vxa";
 const String ONEXIT_SCENE = "_ONEXITSAVE.vxa";
 const String CONFIG_FILE = "config.cfg";
 const String AUTOEXEC_FILE = "autoexec.cfg";
+const String DEFAULTS_FILE = "defaults.cfg";
 const String AUTOSAVE_CONFIG_FILE = "config.autosave.cfg";
 const String TEMPORARY_ENDING = ".tmp";
 const String LOCK_FILE = ".vexa.lock";

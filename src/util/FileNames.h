@@ -15,5 +15,8 @@ extern const String AUTOEXEC_FILE;         // the user's own start-up script; ne
 extern const String AUTOSAVE_CONFIG_FILE;  // settings saved while running; its presence means a crash
 extern const String LOCK_FILE;             // held by the program that autosaves under these names
 
+// In the Data/ folder:
+extern const String DEFAULTS_FILE;  // settings that the program ships with
+
 // While a file is being replaced; what a killed run left behind is swept at the next start.
 extern const String TEMPORARY_ENDING;

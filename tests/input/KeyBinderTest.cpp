@@ -36,8 +36,11 @@ class KeyBinderTest : public InputTest {
     String GetSaved() {
         const String code = m_parser.GetRootCode();
         String saved;
-        for (size_t at = code.find("Keys.bind"); at != String::npos; at = code.find("Keys.bind", at + 1)) {
-            saved += code.substr(at, code.find('\n', at) - at) + "\n";
+        for (size_t at = code.find("Keys."); at != String::npos; at = code.find("Keys.", at)) {
+            const size_t end = code.find('\n', at);
+            saved += code.substr(at, end - at) + "\n";
+            if (end == String::npos) break;
+            at = end;
         }
         return saved;
     }
@@ -93,6 +96,72 @@ TEST_F(KeyBinderTest, Refusals) {
     }
     EXPECT_EQ(GetSaved().find("f7"), String::npos);
     m_parser.GetRootClosure()->RemoveVariable("act");
+}
+
+TEST_F(KeyBinderTest, ModifiersChooseTheBinding) {
+    m_parser.Execute(
+        "Keys.bind(\"f7\", { Probe.note \"k\" }); Keys.bind(\"ctrl+f7\", { Probe.note \"c\" });"
+        "Keys.bind(\"Shift+CTRL+f7\", { Probe.note \"s\" })");
+    gui::KeyEvent event;
+    event.m_key = gui::Key::F1 + 6;
+    event.m_pressed = true;
+    const auto press = [&](bool ctrl, bool alt, bool shift, bool repeated = false) {
+        event.m_handled = false;
+        event.m_ctrl = ctrl;
+        event.m_alt = alt;
+        event.m_shift = shift;
+        event.m_repeated = repeated;
+        script::KeyBinder::Find()->OnKeyEvent(event);
+        EXPECT_TRUE(event.m_handled);
+    };
+    press(false, false, false);
+    press(true, false, false);
+    press(true, false, true);
+    press(false, true, false);
+    press(true, false, false, true);
+    EXPECT_EQ(m_probe->m_notes, "kcsk") << "repeats do nothing";
+    EXPECT_NE(GetSaved().find("Keys.bind(\"ctrl+shift+f7\", {Probe.note(\"s\")})"), String::npos)
+        << GetSaved();
+    m_parser.Execute("Keys.unbind \"ctrl+shift+f7\"; Keys.unbind \"f7\"; Keys.unbind \"ctrl+F7\"");
+    EXPECT_EQ(GetSaved().find("f7"), String::npos);
+}
+
+// "autoexec.cfg" and what the user changed since: the newer wins.
+TEST_F(KeyBinderTest, AutoexecDoesNotFightNewerBindings) {
+    const auto start = [this](const String& autoexec, const String& saved) {
+        for (const char* key : {"f8", "f9"}) m_parser.Execute(String("Keys.unbind \"") + key + "\"");
+        const auto runAutoexec = [&] {
+            const script::KeyBinder::Autoexec scope;
+            m_parser.Execute(autoexec);
+        };
+        runAutoexec();
+        m_parser.Execute(saved);
+        runAutoexec();
+    };
+    const String old = "Keys.bind(\"f8\", { Probe.note \"a\" }); Keys.bind(\"f9\", { Probe.note \"b\" })";
+    start(old, "");
+    m_parser.Execute("Keys.bind(\"f8\", { Probe.note \"mine\" }); Keys.unbind \"f9\"");
+    const String saved = GetSaved();
+    const auto tap = [this] {
+        m_probe->m_notes.clear();
+        Tap(gui::Key::F1 + 7);
+        Tap(gui::Key::F1 + 8);
+        return m_probe->m_notes;
+    };
+    start(old, saved);
+    EXPECT_EQ(tap(), "mine") << "what was rebound and freed stays so";
+    EXPECT_EQ(GetSaved(), saved);
+    for (const script::KeyBinding& binding : script::KeyBinder::Find()->GetBindings()) {
+        EXPECT_NE(binding.key, "f9");
+        if (binding.key != "f8") continue;
+        EXPECT_EQ(binding.action, "{Probe.note(\"mine\")}");
+        EXPECT_FALSE(binding.fromAutoexec);
+    }
+    start("Keys.bind(\"f8\", { Probe.note \"new\" }); Keys.bind(\"f9\", { Probe.note \"b\" })", saved);
+    EXPECT_EQ(tap(), "new") << "a changed line is the newer one";
+    start("", GetSaved());
+    EXPECT_EQ(tap(), "new") << "saved like any binding";
+    m_parser.Execute("Keys.unbind \"f8\"");
 }
 
 TEST_F(KeyBinderTest, BindingsAreSavedAndReadBack) {

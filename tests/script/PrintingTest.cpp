@@ -21,7 +21,9 @@ TEST(Numbers, AsTextAndAsSource) {
         {double{1e-4f}, "0.0001", "9.999999747378752e-05"},
         {1e8, "1e+08", "100000000.0"},
         {1e15, "1e+15", "1000000000000000.0"},
-        {1e30, "1e+30", "1e+30.0"},  // a saved text with this does not read back
+        {1e30, "1e+30", "1.0e+30"},
+        {1e-5, "1e-05", "1.0e-05"},
+        {0.1 + 0.2, "0.3", "0.30000000000000004"},
         {1.0 / 3, "0.333333", "0.3333333333333333"},
         {infinity, "+inf", "+inf"},
         {-infinity, "-inf", "-inf"},
@@ -58,7 +60,8 @@ TEST_F(Printing, Forms) {
         {"(x,y)=>{ x }", "(x, y)=>{x}"},
         {"{ { a; b }; c }", "{\n{\n    a;\n        b\n    };\n    c\n}"},
         {"\"two\nlines\"", "\"two\nlines\""},
-        {"{ \"two\nlines\" }", "{\n\"two\n    lines\"\n}"},
+        {"{ \"two\nlines\" }", "{\n\"two\nlines\"\n}"},
+        {"\"a \\\"b\\\" c\\\\\"", "\"a \\\"b\\\" c\\\\\""},
         {"infix 2.5 right: _ to _ => math.add", "infix 2.5 right: _ to _ => math.add;\n"},
         {"infix -inf left: _ from => f; 1", "infix -inf left: _ from => f;\n;\n1"},
         {"{ infix 1 left: _ at _ => f }", "{\ninfix 1 left: _ at _ => f;\n\n}"},
@@ -75,6 +78,7 @@ TEST_F(Printing, RoundTrip) {
     const char* texts[] = {
         "a = 1;\nb = [1, 2.5, \"x\", [true]];\nf = (x)=>{x + 1}",
         "f = (x, y)=>{\na = x;\n    b = {\n    c;\n        d\n    };\n    a - b\n}",
+        "f = {\nt = \"two {\nlines \\\"}\\\\\";\n    u = 1.0e-05\n}",
         "x = 0.009999999776482582;\ny = 9.999999747378752e-05;\nz = +inf;\nw = -inf",
     };
     for (const char* text : texts) EXPECT_EQ(m_parser.Parse(String(text))->ToCode(), text);

@@ -41,6 +41,13 @@ void CheckLength(math::Vec2 v) {
     CheckLength(v.y);
 }
 
+void CheckExtent(float value) {
+    CheckLength(value);
+    if (std::fabs(value) > SceneReader::MAX_EXTENT) {
+        THROW(BadDataException, "Number out of range in scene file");
+    }
+}
+
 // Runs one piece of the reading, whose failure costs that piece alone.
 template <class Function>
 void Guarded(const Function& function) {
@@ -138,6 +145,7 @@ GeomEntityPtr SceneReader::BuildPolygon(const EntitySerializer& values) const {
     for (math::Vec2& vec : vecs) {
         vec *= GetScale();
         CheckLength(vec);
+        CheckExtent(math::Length(vec - vecs.front()) / 2);
     }
     return new PolyEntity(new physics::Polygon(vecs, physics::Simulation::Instance().GetDefaultSurface()));
 }
@@ -146,7 +154,7 @@ GeomEntityPtr SceneReader::BuildCircle(const EntitySerializer& values) const {
     float radius = 0;
     ReadKey(values, "radius", radius);
     radius *= GetScale();
-    CheckLength(radius);
+    CheckExtent(radius);
     if (!(radius > 0)) THROW(BadDataException, "Circle without extent in scene file");
     return new CircleEntity(
         new physics::Circle(radius, {}, physics::Simulation::Instance().GetDefaultSurface()));

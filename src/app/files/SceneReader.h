@@ -26,6 +26,7 @@ class SceneReader {
     // Largest length, and most vertices of one outline, that is believed: beyond, numbers are damage, and
     // building would take for ever.
     static constexpr float MAX_LENGTH = 1e6f;
+    static constexpr float MAX_EXTENT = 1e4f;  // of a shape to each side: a larger one throws all others out
     static constexpr size_t MAX_VERTICES = 10000;
 
   private:
