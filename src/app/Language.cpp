@@ -64,8 +64,9 @@ void Language::Load(const String& name) {
 // in this file.
 void Language::ReadTexts(const String& text, const String& name, Texts& texts) {
     const script::GuestPtr guest = new script::Guest;
-    const script::ClosurePtr closure = guest->MakeClosure("Language_closure");
-    const script::CodeBlockPtr code = script::Parser::Instance().ParseGuest(text);
+    script::Parser& parser = script::Parser::Instance();
+    const script::ClosurePtr closure = parser.MakeGuestClosure(*guest, "Language_closure");
+    const script::CodeBlockPtr code = parser.ParseGuest(text);
     if (!code) THROW(BadDataException, "The file has a syntax error");
     for (const script::ExpressionPtr& statement : code->GetExpressions()) {
         const auto assignment = util::DynamicCast<script::Assignment>(statement);

@@ -5,10 +5,8 @@
 #include "script/CodeWriter.h"
 #include "script/Exceptions.h"
 #include "script/Expressions.h"
-#include "script/Guest.h"
 #include "script/Limits.h"
 #include "script/Release.h"
-#include "script/Scopes.h"
 #include "util/Assert.h"
 #include "util/Guarded.h"
 
@@ -203,8 +201,7 @@ void ClassObject::WriteCode(CodeWriter& out) const {
 
 // A guest's name for an object does not move it.
 void ClassObject::SetOwner(const ClassObjectWeakPtr& owner) {
-    const Closure* const closure = dynamic_cast<const Closure*>(owner.Get());
-    if (closure != nullptr && closure->GetGuest() != nullptr) return;
+    if (owner && owner.Get()->GetGuest() != nullptr) return;
     CheckOwner(owner.Get());
     Object::SetOwner(owner);
 }

@@ -75,6 +75,9 @@ class ClassObject : public Object {
     void SetOwner(const ClassObjectWeakPtr& owner) override;
     ClassObject* AsClass() final { return this; }
 
+    // Whose closure this is; null for the user's own, and for what is no closure.
+    virtual Guest* GetGuest() const { return nullptr; }
+
   protected:
     // Raises what SetOwner would, before anything has changed.
     void CheckOwner(const ClassObject* owner) const;

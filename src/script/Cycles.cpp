@@ -1,27 +1,23 @@
 #include "script/Cycles.h"
 
 #include <algorithm>
-#include <deque>
 #include <unordered_map>
 
+#include "script/Release.h"
 #include "script/Scopes.h"
 
 namespace script {
 
 namespace {
 
-using Suspect = util::WeakPtr<Closure>;
+using Suspect = util::WeakPtr<util::Pointee>;
 
 constexpr size_t MAX_NODES = 4096;  // of an examination; what reaches further is taken for alive
 constexpr size_t MAX_FRESH = 4096;  // examined in one call
 constexpr size_t MAX_OLD = 16;
 
-std::deque<Suspect>& GetFresh() {
-    static std::deque<Suspect>& s_fresh = *new std::deque<Suspect>;  // abandoned at exit
-    return s_fresh;
-}
-std::deque<Suspect>& GetOld() {
-    static std::deque<Suspect>& s_old = *new std::deque<Suspect>;
+SuspectList& GetOld() {
+    static SuspectList& s_old = *new SuspectList;  // abandoned at exit
     return s_old;
 }
 
@@ -93,7 +89,7 @@ class Examination {
 
 // Whether the suspect is to be looked at again.
 bool Examine(const Suspect& suspect) {
-    Closure* const closure = suspect.Get();
+    Closure* const closure = dynamic_cast<Closure*>(suspect.Get());
     if (closure == nullptr) return false;
     if (!Examination(*closure).IsGarbage()) return true;
     const ClosurePtr hold = closure;
@@ -103,25 +99,21 @@ bool Examine(const Suspect& suspect) {
 
 }  // namespace
 
-void NoteSuspect(const ClosurePtr& closure) {
-    if (closure && closure->GetHandle()->m_strong > 1) GetFresh().emplace_back(closure.Get());
-}
-
 void CollectCycles() {
     for (size_t i = std::min(MAX_OLD, GetOld().size()); i > 0; --i) {
         const Suspect suspect = GetOld().front();
         GetOld().pop_front();
         if (Examine(suspect)) GetOld().push_back(suspect);
     }
-    for (size_t i = std::min(MAX_FRESH, GetFresh().size()); i > 0; --i) {
-        const Suspect suspect = GetFresh().front();
-        GetFresh().pop_front();
+    for (size_t i = std::min(MAX_FRESH, GetNewSuspects().size()); i > 0; --i) {
+        const Suspect suspect = GetNewSuspects().front();
+        GetNewSuspects().pop_front();
         if (Examine(suspect)) GetOld().push_back(suspect);
     }
 }
 
 size_t GetNumSuspects() {
-    return GetFresh().size() + GetOld().size();
+    return GetNewSuspects().size() + GetOld().size();
 }
 
 }  // namespace script

@@ -98,7 +98,7 @@ ObjectPtr Identifier::GetValue(const ClosurePtr& closure) const {
 // Looks in the owner only: an assignment makes a local even where an outer scope has the name.
 void Identifier::SetValue(const ClosurePtr& closure, const ObjectPtr& value) const {
     const ClassObjectPtr owner = GetOwner(closure);
-    Guest::CheckWrite(*owner, m_name);
+    Guest::CheckWrite(owner->GetGuest() != nullptr, m_name);
     const VariablePtr variable = owner->FindLocal(m_name);
     if (!variable) {
         owner->AddValue(m_name, value);

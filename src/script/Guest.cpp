@@ -3,8 +3,6 @@
 #include <algorithm>
 
 #include "script/Exceptions.h"
-#include "script/Parser.h"
-#include "script/Scopes.h"
 
 namespace script {
 
@@ -12,15 +10,8 @@ constexpr int MAX_GUEST_FAILURES = 1000;
 
 Guest* Guest::s_current = nullptr;
 
-ClosurePtr Guest::MakeClosure(const String& name) const {
-    const GuestRights rights(const_cast<Guest*>(this));
-    return new Closure(name, Parser::Instance().GetRootClosure());
-}
-
-void Guest::CheckWrite(const ClassObject& owner, const String& name) {
-    if (s_current == nullptr) return;
-    const Closure* const closure = dynamic_cast<const Closure*>(&owner);
-    if (closure != nullptr && closure->GetGuest() != nullptr) return;
+void Guest::CheckWrite(bool isGuestClosure, const String& name) {
+    if (s_current == nullptr || isGuestClosure) return;
     THROW(ScriptException, "A scene or language file may not set " + name);
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "script/Fwd.h"
 #include "script/Limits.h"
 #include "util/Pointee.h"
 
@@ -15,17 +14,16 @@ namespace script {
 // Closures carry the guest. A function acts for the guest of the closure in which it was made, whoever calls
 // it and however late (a formula bound to an attribute, in each frame), and so does whatever it calls.
 //
-// Use: Parser::ParseGuest for the text, MakeClosure for its names, a GuestTurn round each statement.
+// Use: Parser::ParseGuest for the text, Parser::MakeGuestClosure for its names, a GuestTurn round each
+// statement.
 class Guest : public util::Pointee {
   public:
-    // An empty closure under the root.
-    ClosurePtr MakeClosure(const String& name) const;
-
     // For whom code runs at present; null for the user's own.
     static Guest* GetCurrent() { return s_current; }
 
-    // Raise ScriptException while a guest is at work: for a name that is not of his closures, for a command.
-    static void CheckWrite(const ClassObject& owner, const String& name);
+    // Raise ScriptException while a guest is at work: for a name that is not of a guest's closure, for a
+    // command.
+    static void CheckWrite(bool isGuestClosure, const String& name);
     static void CheckCommand();
 
     // Each failed statement is written to the log: raises TimeoutException when there are too many.

@@ -2,7 +2,6 @@
 
 #include "script/CodeWriter.h"
 #include "script/Conversions.h"
-#include "script/Cycles.h"
 #include "script/Exceptions.h"
 #include "script/Expressions.h"
 #include "script/Guest.h"

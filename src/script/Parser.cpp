@@ -9,6 +9,7 @@
 #include "script/Cycles.h"
 #include "script/Exceptions.h"
 #include "script/Grammar.h"
+#include "script/Guest.h"
 #include "script/Intrinsics.h"
 #include "script/Limits.h"
 #include "util/FileSystem.h"
@@ -132,6 +133,11 @@ CodeBlockPtr Parser::ParseOrReport(const String& text, size_t& numTokens) {
 CodeBlockPtr Parser::ParseGuest(const String& text) {
     size_t numTokens;
     return ParseOrReport(text, numTokens, new Scope("[guest scope]", m_rootScope), MAX_GUEST_TOKENS);
+}
+
+ClosurePtr Parser::MakeGuestClosure(Guest& guest, const String& name) const {
+    const GuestRights rights(&guest);
+    return new Closure(name, m_rootClosure);
 }
 
 // ---- executing ---------------------------------------------------------------------------------------

@@ -35,6 +35,8 @@ class Parser : public util::Pointee, public util::Singleton<Parser> {
     // For a text from elsewhere, whose operators are its own (Guest.h). Nothing leaves; a text of more than
     // MAX_GUEST_TOKENS is refused.
     CodeBlockPtr ParseGuest(const String& text);
+    // An empty closure under the root, of this guest.
+    ClosurePtr MakeGuestClosure(Guest& guest, const String& name) const;
 
     ObjectPtr Execute(const ExpressionPtr& expression);
     ObjectPtr Execute(const TokenList& tokens);

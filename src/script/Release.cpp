@@ -33,4 +33,13 @@ void ReleaseChild(util::SharedPtr<util::Pointee> child) noexcept {
     }
 }
 
+SuspectList& GetNewSuspects() {
+    static SuspectList& s_suspects = *new SuspectList;  // abandoned at exit
+    return s_suspects;
+}
+
+void NoteSuspect(const util::SharedPtr<util::Pointee>& object) {
+    if (object && object->GetHandle()->m_strong > 2) GetNewSuspects().emplace_back(object.Get());
+}
+
 }  // namespace script

@@ -27,8 +27,7 @@ Scope::~Scope() noexcept(false) {
 }
 
 static Guest* GetGuestOf(const ClassObjectPtr& superscope) {
-    const Closure* const closure = dynamic_cast<const Closure*>(superscope.Get());
-    Guest* const guest = closure != nullptr ? closure->GetGuest() : nullptr;
+    Guest* const guest = superscope ? superscope->GetGuest() : nullptr;
     return guest != nullptr ? guest : Guest::GetCurrent();
 }
 

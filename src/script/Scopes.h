@@ -46,7 +46,7 @@ class Closure : public Scope {
     explicit Closure(const String& name, const ClassObjectPtr& superscope = nullptr);
     ~Closure() noexcept(false) override;
 
-    Guest* GetGuest() const { return m_guest.Get(); }  // null for the user's own
+    Guest* GetGuest() const override { return m_guest.Get(); }
 
   private:
     const GuestPtr m_guest;

@@ -12,7 +12,7 @@ class Guests : public test::Script {
     Guests() {
         m_gadget->AllowGuests({"Twice"});
         m_guest = new Guest;
-        m_closure = m_guest->MakeClosure("guest");
+        m_closure = m_parser.MakeGuestClosure(*m_guest, "guest");
     }
 
     ~Guests() override {

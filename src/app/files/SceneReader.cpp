@@ -57,7 +57,9 @@ void Guarded(const Function& function) {
 }  // namespace
 
 SceneReader::SceneReader(Scene& scene)
-    : m_scene(scene), m_guest(new script::Guest), m_closure(m_guest->MakeClosure("Deserialize_closure")) {}
+    : m_scene(scene),
+      m_guest(new script::Guest),
+      m_closure(script::Parser::Instance().MakeGuestClosure(*m_guest, "Deserialize_closure")) {}
 
 SceneReader::~SceneReader() = default;
 
