@@ -30,7 +30,8 @@ String CleanSceneName(const String& name) {
 }
 
 String StripSceneEnding(const String& name) {
-    return EndsWith(name, EXTENSION) ? name.substr(0, name.size() - std::strlen(EXTENSION)) : name;
+    return boost::algorithm::ends_with(name, EXTENSION) ? name.substr(0, name.size() - std::strlen(EXTENSION))
+                                                        : name;
 }
 
 String GetScenePath(const String& name) {
