@@ -1,5 +1,6 @@
 #include "app/AppGUI.h"
 
+#include <algorithm>
 #include <boost/format.hpp>
 #include <cmath>
 
@@ -10,9 +11,14 @@
 #include "app/history/Actions.h"
 #include "app/history/Snapshot.h"
 #include "app/history/Undoer.h"
+#include "app/scene/AppGUISettings.h"
+#include "app/tools/BoxTool.h"
 #include "app/tools/BrushTool.h"
+#include "app/tools/CircleTool.h"
+#include "app/tools/DragTool.h"
 #include "app/tools/MoveTool.h"
 #include "app/tools/PanTool.h"
+#include "app/tools/PlaneTool.h"
 #include "app/tools/RotateTool.h"
 #include "gui/GUI.h"
 #include "input/Key.h"
@@ -51,8 +57,12 @@ AppGUI::AppGUI(App& app, const AppGUI* previous)
       m_panTool(new PanTool(app.GetWorkbench())),
       m_brushTool(new BrushTool(app.GetWorkbench())),
       m_lastAutosave(previous ? previous->m_lastAutosave : util::Clock::Now()),
-      m_tools{{"ToolBrush", "tools/brush", 'b', m_brushTool}},
-      m_tool(m_brushTool),
+      m_tools{{"box", "ToolBox", "tools/box", 'x', new BoxTool(app.GetWorkbench())},
+              {"circle", "ToolCircle", "tools/circle", 'c', new CircleTool(app.GetWorkbench())},
+              {"plane", "ToolPlane", "tools/plane", 'p', new PlaneTool(app.GetWorkbench())},
+              {"drag", "ToolDrag", "tools/drag", 'd', new DragTool(app.GetWorkbench())},
+              {"brush", "ToolBrush", "tools/brush", 'b', m_brushTool}},
+      m_selectedTool(m_tools.size() - 1),
       m_desk{m_scene,
              m_view,
              m_commands,
@@ -64,6 +74,7 @@ AppGUI::AppGUI(App& app, const AppGUI* previous)
              app},
       m_windows(*this, app.GetGUISettings().m_windows) {
     SetFillParent(true);
+    FollowSelectedTool();
     AddToolCommands();
     AddEditCommands();
     AddFileCommands();
@@ -72,6 +83,7 @@ AppGUI::AppGUI(App& app, const AppGUI* previous)
     AddWindows();
     const util::WeakPtr<util::Pointee> self(this);
     Undoer::Instance().GetOnInterrupt().Add(new util::Callback([this] { BreakOff(); }, self));
+    m_app.GetGUISettings().m_tool->AddOnChange(new util::Callback([this] { FollowSelectedTool(); }, self));
     m_scene.GetOnNameChange().Add(new util::Callback([this] { ShowSceneName(); }, self));
 }
 
@@ -85,9 +97,30 @@ void AppGUI::BreakOff() {
     ClosePopup();
 }
 
+// ---- tools
+
 Tool& AppGUI::GetTool() const {
-    if (m_overrideTool) return *m_overrideTool;
-    return *m_tool;
+    return m_overrideTool ? *m_overrideTool : *GetSelectedTool().m_tool;
+}
+
+void AppGUI::SelectTool(const String& name) {
+    m_app.GetGUISettings().m_tool->Set(name);
+}
+
+// A name that no tool has gives way to the present one.
+void AppGUI::FollowSelectedTool() {
+    const String name = m_app.GetGUISettings().m_tool->Get();
+    const auto found = std::find_if(m_tools.begin(), m_tools.end(),
+                                    [&name](const ToolEntry& entry) { return entry.m_id == name; });
+    if (found == m_tools.end()) {
+        Log(logging::Warning, "There is no tool \"" + name + "\"");
+        SelectTool(GetSelectedTool().m_id);
+        return;
+    }
+    const auto index = static_cast<size_t>(found - m_tools.begin());
+    if (index == m_selectedTool) return;
+    GetSelectedTool().m_tool->Cancel();
+    m_selectedTool = index;
 }
 
 bool AppGUI::CancelTool() {

@@ -17,10 +17,11 @@ class RotateTool;
 class PanTool;
 class BrushTool;
 
-// A tool as the interface offers it: the language key of its name, its picture and its letter.
+// A tool as the interface offers it.
 struct ToolEntry {
-    const char* m_name;
-    const char* m_icon;
+    const char* m_id;    // by which App.AppGUI.tool selects it
+    const char* m_name;  // language key
+    const char* m_icon;  // picture
     int m_key;
     ToolPtr m_tool;
 };
@@ -42,7 +43,12 @@ class AppGUI : public gui::Component {
 
     ~AppGUI() noexcept(false) override;
 
-    // The tool that the user's gesture goes to.
+    // In the order of a toolbar; the last one, the brush, is selected at first.
+    const std::vector<ToolEntry>& GetTools() const { return m_tools; }
+    const ToolEntry& GetSelectedTool() const { return m_tools[m_selectedTool]; }
+    void SelectTool(const String& name);  // as setting App.AppGUI.tool
+
+    // The tool that the user's gesture goes to: the one that has taken it over, else the selected one.
     Tool& GetTool() const;
     bool CancelTool();  // as Tool::Cancel, of that tool
 
@@ -74,6 +80,7 @@ class AppGUI : public gui::Component {
     void Guard(const Operation& operation);
     ToolPtr ChooseOverride(const gui::DragEvent& event) const;
     void HandleClick(gui::ClickEvent& event);
+    void FollowSelectedTool();
     bool HandleKey(const gui::KeyEvent& event);
     bool HandleWheel(const gui::KeyEvent& event);
     void StepHistory(bool redo);
@@ -113,7 +120,7 @@ class AppGUI : public gui::Component {
     double m_lastAutosave;                 // seconds, of util::Clock
     bool m_steppedHistory = false;         // by the wheel, in this frame
     const std::vector<ToolEntry> m_tools;  // in the toolbar's order
-    ToolPtr m_tool;                        // the selected one, never null
+    size_t m_selectedTool;                 // index into m_tools
     Commands m_commands;
     const Desk m_desk;
     WindowSet m_windows;

@@ -26,11 +26,7 @@ namespace app {
 
 void AppGUI::AddToolCommands() {
     for (const ToolEntry& entry : m_tools) {
-        const ToolPtr tool = entry.m_tool;
-        const auto select = [this, tool] {
-            CancelTool();
-            m_tool = tool;
-        };
+        const auto select = [this, id = entry.m_id] { SelectTool(id); };
         m_commands.Add({entry.m_name, entry.m_icon, entry.m_key, false, select});
     }
 }
@@ -104,12 +100,7 @@ void AppGUI::AddWindows() {
     const auto makeToolbar = [this] {
         std::vector<const char*> names;
         for (const ToolEntry& entry : m_tools) names.push_back(entry.m_name);
-        const auto isCurrent = [this](const String& name) {
-            for (const ToolEntry& entry : m_tools) {
-                if (name == entry.m_name) return entry.m_tool == m_tool;
-            }
-            return false;
-        };
+        const auto isCurrent = [this](const String& name) { return name == GetSelectedTool().m_name; };
         return gui::WindowPtr(new Toolbar(m_desk, names, isCurrent));
     };
     const auto load = [this](const String& file) { LoadScene(file, false); };

@@ -192,6 +192,18 @@ ScopedAttribs::~ScopedAttribs() {
     Renderer::Instance().RestoreColor();
 }
 
+ScopedColor::ScopedColor(const math::Vec4& color) : m_kept(Renderer::Instance().GetColor()) {
+    Renderer::Instance().SetColor(color);
+}
+
+ScopedColor::ScopedColor(const math::Vec3& factor) : m_kept(Renderer::Instance().GetColor()) {
+    Renderer::Instance().MultColor({factor.x, factor.y, factor.z, 1});
+}
+
+ScopedColor::~ScopedColor() {
+    Renderer::Instance().SetColor(m_kept);
+}
+
 ScopedMatrix::ScopedMatrix() {
     glPushMatrix();
 }

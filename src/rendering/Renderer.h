@@ -14,7 +14,7 @@ namespace rendering {
 // Rules for everybody who draws:
 // - The colour is set here only, never by glColor: the cache would not know of it.
 // - State changes stand between a ScopedAttribs and its end, matrix changes between a ScopedMatrix and its
-//   end. Keep a colour that you change (`const math::Vec4 kept = GetColor()`) and set it again afterward.
+//   end. A colour stands in a ScopedColor.
 // - Drawing leaves GL_TEXTURE_2D as it found it.
 class Renderer : public util::Pointee, public util::Singleton<Renderer> {
   public:
@@ -68,6 +68,19 @@ class ScopedAttribs {
 
   private:
     math::Vec4 m_color;
+};
+
+// A colour for a scope, after which the present one comes back.
+class ScopedColor {
+  public:
+    explicit ScopedColor(const math::Vec4& color);
+    explicit ScopedColor(const math::Vec3& factor);  // times the present colour, of which alpha stays
+    ~ScopedColor();
+    ScopedColor(const ScopedColor&) = delete;
+    ScopedColor& operator=(const ScopedColor&) = delete;
+
+  private:
+    const math::Vec4 m_kept;
 };
 
 // The modelview matrix, put back at the end of a scope.

@@ -32,18 +32,6 @@ Vec4 Darkened(const Vec4& color, float brightness) {
     return {color.x * brightness, color.y * brightness, color.z * brightness, color.w};
 }
 
-// Multiplies into the present colour for a scope.
-class ScopedColor {
-  public:
-    explicit ScopedColor(const Vec3& color) : m_kept(Renderer::Instance().GetColor()) {
-        Renderer::Instance().MultColor({color.x, color.y, color.z, 1});
-    }
-    ~ScopedColor() { Renderer::Instance().SetColor(m_kept); }
-
-  private:
-    Vec4 m_kept;
-};
-
 void DrawSquare(const math::RigidTransform& transform, float halfSide) {
     const Vec2 c = transform.GetTranslation();
     const Vec2 u = transform.Rotate({halfSide, 0}), v = transform.Rotate({0, halfSide});

@@ -34,6 +34,12 @@ const std::pair<int, int> MODIFIERS[] = {
 
 }  // namespace
 
+void MoveMouse(Vec2 gui) {
+    const Vec2 pixels = gui * gui::Input::Instance().GetSettings().m_scale;
+    gui::Input::Instance().FinishPump(
+        {static_cast<int>(std::lround(pixels.x)), static_cast<int>(std::lround(pixels.y))});
+}
+
 Vec2 AppGUIFixture::s_dragStart;
 Vec2 AppGUIFixture::s_dragLast;
 int AppGUIFixture::s_dragButton;

@@ -14,6 +14,8 @@
 
 namespace test {
 
+void MoveMouse(math::Vec2 gui);  // GUI units
+
 // The world view and its interface without window and GL: 1024 by 768 GUI units, 100 of them per metre,
 // the world's origin in the middle. Everything a user does is done by events in world places. The scene and
 // the history are empty at each start.

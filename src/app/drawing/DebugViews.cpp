@@ -24,25 +24,13 @@ constexpr Vec4 GREEN{0.4f, 1, 0.4f, 1};
 constexpr float VELOCITY_TIME = 0.1f;  // s of flight that a velocity's line shows
 constexpr int CIRCLE_SEGMENTS = 48;
 
-// The present colour for a scope.
-class ScopedColor {
-  public:
-    explicit ScopedColor(const Vec4& color) : m_kept(Renderer::Instance().GetColor()) {
-        Renderer::Instance().SetColor(color);
-    }
-    ~ScopedColor() { Renderer::Instance().SetColor(m_kept); }
-
-  private:
-    Vec4 m_kept;
-};
-
 void DrawPointsIn(const Vec4& color, const Vec2List& points) {
-    const ScopedColor scope(color);
+    const rendering::ScopedColor scope(color);
     Renderer::Instance().DrawPoints(points.data(), points.size());
 }
 
 void DrawSegmentsIn(const Vec4& color, const Vec2List& points) {
-    const ScopedColor scope(color);
+    const rendering::ScopedColor scope(color);
     Renderer::Instance().DrawSegments(points.data(), points.size());
 }
 

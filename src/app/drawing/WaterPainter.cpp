@@ -126,14 +126,11 @@ void WaterPainter::DrawSurfaceByShader(const WaterView& view) {
 
 // The hard cut is the look of this path: opaque where the field, dimmed by the colour's alpha, passes.
 void WaterPainter::DrawSurfaceByAlphaTest(const WaterView& view) {
-    Renderer& renderer = Renderer::Instance();
-    const math::Vec4 kept = renderer.GetColor();
+    const rendering::ScopedColor color(view.color);
     const rendering::ScopedCapability noBlending(GL_BLEND, false);
     const rendering::ScopedCapability alphaTest(GL_ALPHA_TEST, true);
     glAlphaFunc(GL_GREATER, view.cutoff);
-    renderer.SetColor(view.color);
     DrawFrameQuad(view.size, view.guiScale);
-    renderer.SetColor(kept);
 }
 
 void WaterPainter::DrawDiscs(const physics::ParticleList& particles, const WaterView& view) {
@@ -145,14 +142,11 @@ void WaterPainter::DrawDiscs(const physics::ParticleList& particles, const Water
     for (const physics::ParticlePtr& particle : particles) {
         if (box.Contains(particle->m_pos)) m_sprites.AddSprite(particle->m_pos, {half, 0}, {0, half});
     }
-    Renderer& renderer = Renderer::Instance();
-    const math::Vec4 kept = renderer.GetColor();
+    const rendering::ScopedColor color(view.color);
     const rendering::ScopedMatrix matrix;
     const rendering::ScopedTexture bound(disc);
-    renderer.MultMatrix(view.worldToGUI);
-    renderer.SetColor(view.color);
+    Renderer::Instance().MultMatrix(view.worldToGUI);
     m_sprites.DrawAndClear();
-    renderer.SetColor(kept);
 }
 
 }  // namespace app

@@ -4,6 +4,7 @@ namespace app {
 
 AppGUISettings::AppGUISettings()
     : Reflected("AppGUI"),
+      m_tool(script::DeclareAttrib(*this, "tool", "brush")),
       m_zoomFactor(script::DeclareAttrib(*this, "zoomFactor", 0.2f)),
       m_drawInside(script::DeclareAttrib(*this, "drawInside", false)),
       m_leftClickMenus(script::DeclareAttrib(*this, "leftClickMenus", false)),

@@ -11,6 +11,7 @@ class AppGUISettings : public script::Reflected {
   public:
     AppGUISettings();
 
+    const script::AttribPtr<String> m_tool;          // the selected one, by its name
     const script::AttribPtr<float> m_zoomFactor;     // exponent of 2 per notch of the wheel
     const script::AttribPtr<bool> m_drawInside;      // drawing tools may start on an entity
     const script::AttribPtr<bool> m_leftClickMenus;  // a left click opens the popup as well

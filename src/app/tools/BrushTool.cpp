@@ -13,9 +13,7 @@
 #include "input/Input.h"
 #include "input/Key.h"
 #include "physics/Polygon.h"
-#include "physics/Simulation.h"
 #include "rendering/Renderer.h"
-#include "util/Guarded.h"
 
 namespace app {
 
@@ -26,18 +24,6 @@ using math::Vec2List;
 namespace {
 
 const math::Vec4 STROKE_COLOR(0.85f, 1.0f, 0.85f, 1.0f);
-
-// The distance map and the search for crossings of an outline take time and memory by its vertices; far
-// more than a hand can draw.
-constexpr size_t MAX_EDGES = 4000;
-
-// The greatest length of an outline's edges, in world units. A setting that would split it into more
-// pieces than MAX_EDGES, or that is no length at all, counts as the length at that many.
-real EdgeLimit(const Vec2List& loop, real wanted) {
-    const real closed = PathLength(loop) + math::Length(loop.front() - loop.back());
-    const real least = closed / MAX_EDGES;
-    return wanted > least ? wanted : least;
-}
 
 // Erasing one selected entity erases all that are; a plane, easily hit by accident, goes only alone.
 EntitySet Doom(const EntitySet& crossed, const EntitySet& selected) {
@@ -55,13 +41,10 @@ EntitySet Doom(const EntitySet& crossed, const EntitySet& selected) {
 }  // namespace
 
 void BrushTool::OnDragStart(gui::DragEvent& event) {
-    if (event.m_handled || event.m_key != gui::Key::LeftMouse) return;
-    const Vec2 world = m_view.GUIToWorld(event.m_position);
-    if (!MayDrawAt(world)) return;
+    if (!TakesPress(event)) return;
     m_drawing = true;
-    event.m_handled = true;
     m_points.clear();
-    m_points.push_back(world);
+    m_points.push_back(m_view.GUIToWorld(event.m_position));
 }
 
 void BrushTool::OnDrag(gui::DragEvent& event) {
@@ -97,14 +80,11 @@ void BrushTool::AppendPoint(Vec2 world) {
 
 void BrushTool::Draw() {
     if (!m_drawing) return;
-    rendering::Renderer& renderer = rendering::Renderer::Instance();
-    const math::Vec4 kept = renderer.GetColor();
-    renderer.SetColor(STROKE_COLOR);
+    const rendering::ScopedColor color(STROKE_COLOR);
     Vec2List strip = m_points;
     const Vec2 mouse = m_view.GetMousePos();
     if (mouse != strip.back()) strip.push_back(mouse);
-    renderer.DrawLines(strip, false);
-    renderer.SetColor(kept);
+    rendering::Renderer::Instance().DrawLines(strip, false);
 }
 
 bool BrushTool::Cancel() {
@@ -141,15 +121,7 @@ physics::PolygonPtr BrushTool::IsPolygon(const Vec2List& stroke) const {
     if (ExtractLoop(loop) != LoopResult::Loop) return nullptr;
     // A big scribble with a tiny loop at its end means nothing.
     if (PathLength(loop) < PathLength(stroke) / 2) return nullptr;
-    physics::PolygonPtr polygon;
-    const auto make = [&] {
-        const real wanted = m_settings.m_maxPointDist->Get() * m_view.GetCmToWorld();
-        loop = physics::AssertMaxDist(loop, EdgeLimit(loop, wanted));
-        if (loop.size() < 3) return;
-        polygon = new physics::Polygon(loop, physics::Simulation::Instance().GetDefaultSurface());
-    };
-    util::Guarded(make, "", logging::Error);
-    return polygon;
+    return MakePolygon(loop);
 }
 
 void BrushTool::CreateEntity(const physics::PolygonPtr& polygon) {

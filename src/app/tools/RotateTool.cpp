@@ -104,15 +104,12 @@ bool RotateTool::Cancel() {
 
 void RotateTool::Draw() {
     if (!m_drag.IsHolding()) return;
-    rendering::Renderer& renderer = rendering::Renderer::Instance();
-    const math::Vec4 kept = renderer.GetColor();
     DrawSweep();
     DrawPivot();
-    renderer.SetColor(kept);
 }
 
 void RotateTool::DrawSweep() const {
-    rendering::Renderer::Instance().SetColor(SWEEP_COLOR);
+    const rendering::ScopedColor color(SWEEP_COLOR);
     const rendering::ScopedCapability untextured(GL_TEXTURE_2D, false);
     const real radius = math::Length(m_lastMouse - m_pivot);
     const int steps = static_cast<int>(std::fabs(m_applied) / SWEEP_STEP) + 1;
@@ -127,10 +124,9 @@ void RotateTool::DrawSweep() const {
 
 void RotateTool::DrawPivot() {
     const rendering::ScopedTexture texture(m_pivotTexture->Get());
-    rendering::Renderer& renderer = rendering::Renderer::Instance();
-    renderer.SetColor({1, 1, 1, 1});
+    const rendering::ScopedColor white({1, 1, 1, 1});
     const real half = PIVOT_PICTURE * m_view.GetCmToWorld();
-    renderer.DrawQuad(m_pivot - Vec2(half, half), m_pivot + Vec2(half, half));
+    rendering::Renderer::Instance().DrawQuad(m_pivot - Vec2(half, half), m_pivot + Vec2(half, half));
 }
 
 }  // namespace app

@@ -5,6 +5,7 @@
 #include "input/InputListener.h"
 #include "math/Vector.h"
 #include "physics/Fwd.h"
+#include "physics/Surface.h"
 
 namespace app {
 
@@ -33,6 +34,13 @@ class Tool : public gui::InputListener {
     // Whether a shape may be drawn from this world point on: on empty ground, or anywhere if the user
     // wants to draw inside shapes.
     bool MayDrawAt(math::Vec2 world) const;
+    // Whether the press starts a drawing; the event is handled then.
+    bool TakesPress(gui::DragEvent& event) const;
+
+    static physics::Surface GetSurface();  // of new shapes
+    // The shape of an outline, with edges no longer than maxPointDist. Null, and the reason told, where the
+    // outline makes none.
+    physics::PolygonPtr MakePolygon(const math::Vec2List& outline) const;
 
     // Ends the making of a shape: it joins the scene and the change goes to the undoer. `before` was taken
     // at the gesture's start, `undoName` is a language key.
