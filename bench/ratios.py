@@ -13,11 +13,13 @@ from collections import defaultdict
 
 # scene/size: (peer, greatest ratio of our time to the peer's)
 BARS = {
-    "pile/1000": ("chipmunk", 0.8),
-    "pile/4000": ("chipmunk", 0.8),
-    "sparse/8000": ("chipmunk", 1.0),
-    "pyramid/20": ("box2d", 1.3),
-    "pyramid/40": ("box2d", 1.3),
+    "pile/1000": ("chipmunk", 0.40),
+    "pile/4000": ("chipmunk", 0.33),
+    "sparse/8000": ("chipmunk", 0.6),
+    "pyramid/20": ("box2d", 0.60),
+    "pyramid/40": ("box2d", 0.70),
+    "stack/20": ("box2d", 1.0),
+    "mixed/300": ("box2d", 0.5),
     "polygon/100": ("bruteforce", 0.5),
     "water/4000": ("reference", 2.0),
     "water/16000": ("reference", 2.5),

@@ -61,6 +61,8 @@ class AbstractBody : public util::Pointee {
     math::real m_massInv = 0;     // its inverse
     math::real m_area = 0;        // m^2, for buoyancy
 
+    math::real m_moveShare = 1;  // of the step's motion, where something stands in the way; see SweptMotion
+
     bool m_held = false;   // while a tool holds the body; SetHeld also stops it
     uint32_t m_index = 0;  // place in the solver's packed arrays; owned by the solver, valid during a solve
 

@@ -63,7 +63,7 @@ void Collider::AssignParticles(const ParticleList& particles) {
 }
 
 void Collider::AssignGeom(AbstractBody* body, Geom* geom) {
-    const uint32_t flags = GetFlags(*body, *geom);
+    const uint32_t flags = GetCollisionFlags(*body, *geom);
     switch (geom->GetKind()) {
         case Geom::Kind::POLYGON: {
             Polygon* const polygon = static_cast<Polygon*>(geom);
@@ -83,13 +83,6 @@ void Collider::AssignGeom(AbstractBody* body, Geom* geom) {
     }
 }
 
-uint32_t Collider::GetFlags(const AbstractBody& body, const Geom& geom) {
-    uint32_t flags = geom.m_collideSet & LAYERS;
-    if (body.IsImmovable()) flags |= IMMOVABLE;
-    if (!geom.m_noCollide.empty()) flags |= HAS_NO_COLLIDE;
-    return flags;
-}
-
 inline Geom* Collider::PlaneRec::GetGeom() const {
     return plane;
 }
@@ -98,15 +91,6 @@ inline Geom* Collider::CircleRec::GetGeom() const {
 }
 inline Geom* Collider::PolygonRec::GetGeom() const {
     return polygon;
-}
-
-// The barred partners are asked for of the first geom only; hinges enter both directions.
-template <class RecA, class RecB>
-bool Collider::ShouldCollide(const RecA& a, const RecB& b) {
-    if ((a.flags & b.flags & LAYERS) == 0) return false;
-    if (a.body == b.body) return false;
-    if ((a.flags & b.flags & IMMOVABLE) != 0) return false;
-    return (a.flags & HAS_NO_COLLIDE) == 0 || a.GetGeom()->m_noCollide.count(b.GetGeom()) == 0;
 }
 
 void Collider::MakeContact(ContactPool& out, Geom* geomA, Geom* geomB, uint32_t index, Vec2 point,
@@ -190,13 +174,13 @@ void Collider::CollideCirclesWithPolygons(ContactPool& out) const {
 
 void Collider::PlaneCircle(const PlaneRec& a, const CircleRec& b, ContactPool& out) {
     const real d = a.plane->Distance(b.pos);
-    if (!(d < b.radius) || !ShouldCollide(a, b)) return;
+    if (!(d < b.radius) || !MayTouch(a, b)) return;
     const Vec2 n = a.plane->GetNormal();
     MakeContact(out, a.plane, b.circle, 0, b.pos - b.radius * n, n, b.radius - d);
 }
 
 void Collider::PlanePolygon(const PlaneRec& a, const PolygonRec& b, ContactPool& out) {
-    if (!(a.plane->Distance(Vec2(b.circle.x, b.circle.y)) <= b.circle.z) || !ShouldCollide(a, b)) return;
+    if (!(a.plane->Distance(Vec2(b.circle.x, b.circle.y)) <= b.circle.z) || !MayTouch(a, b)) return;
     const math::OBB2D& box = b.polygon->GetWorldOBB();
     if (!(GetReach(box, a.plane->GetNormal()) >= a.plane->Distance(box.center))) return;
     const math::Vec2List& vertices = b.polygon->GetWorldVertices();
@@ -212,7 +196,7 @@ void Collider::PlanePolygon(const PlaneRec& a, const PolygonRec& b, ContactPool&
 void Collider::CircleCircle(const CircleRec& a, const CircleRec& b, ContactPool& out) {
     const Vec2 between = b.pos - a.pos;
     const real reach = a.radius + b.radius;
-    if (!(math::LengthSquared(between) < reach * reach) || !ShouldCollide(a, b)) return;
+    if (!(math::LengthSquared(between) < reach * reach) || !MayTouch(a, b)) return;
     const real penetration = reach - math::Length(between);
     const Vec2 n = math::Normalized(between);
     MakeContact(out, a.circle, b.circle, 0, a.pos + n * (a.radius - penetration / 2), n, penetration);
@@ -220,7 +204,7 @@ void Collider::CircleCircle(const CircleRec& a, const CircleRec& b, ContactPool&
 
 void Collider::CirclePolygon(const CircleRec& a, const PolygonRec& b, ContactPool& out) {
     const real d = b.polygon->Distance(a.pos);
-    if (d > a.radius || !ShouldCollide(a, b)) return;
+    if (d > a.radius || !MayTouch(a, b)) return;
     if (d < 0) {
         MakeContact(out, a.circle, b.polygon, CENTER_INSIDE, a.pos, -b.polygon->GetNormal(a.pos),
                     a.radius - d);
@@ -258,7 +242,7 @@ void Collider::CircleOutsidePolygon(const CircleRec& a, const PolygonRec& b, Con
 void Collider::PolygonPolygon(const PolygonRec& a, const PolygonRec& b, ContactPool& out) {
     const Vec2 between(b.circle.x - a.circle.x, b.circle.y - a.circle.y);
     const real reach = a.circle.z + b.circle.z;
-    if (!(math::LengthSquared(between) < reach * reach) || !ShouldCollide(a, b)) return;
+    if (!(math::LengthSquared(between) < reach * reach) || !MayTouch(a, b)) return;
     if (!BoundsOverlap(*a.polygon, *b.polygon)) return;
     VerticesInside(a.polygon, b.polygon, out);
     VerticesInside(b.polygon, a.polygon, out);

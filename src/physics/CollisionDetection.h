@@ -4,6 +4,7 @@
 
 #include "math/BoundingBox.h"
 #include "math/Vector.h"
+#include "physics/CollisionFilter.h"
 #include "physics/Fwd.h"
 #include "physics/PairSweep.h"
 #include "util/VectorPOD.h"
@@ -29,13 +30,6 @@ class Collider {
     void Collide(ContactPool& out);
 
   private:
-    // Bits of a record's flags.
-    enum : uint32_t {
-        LAYERS = 7,           // the collision layers that take part
-        IMMOVABLE = 8,        // the body cannot move
-        HAS_NO_COLLIDE = 16,  // m_noCollide is not empty
-    };
-
     struct PlaneRec {
         AbstractBody* body;
         Plane* plane;
@@ -58,9 +52,6 @@ class Collider {
         Geom* GetGeom() const;
     };
 
-    static uint32_t GetFlags(const AbstractBody& body, const Geom& geom);
-    template <class RecA, class RecB>
-    static bool ShouldCollide(const RecA& a, const RecB& b);
     static void MakeContact(ContactPool& out, Geom* geomA, Geom* geomB, uint32_t index, math::Vec2 point,
                             math::Vec2 normal, math::real penetration);
 

@@ -16,14 +16,13 @@ namespace physics {
 void ConstraintSolver::Run(const AbstractBodyList& bodies, const HingeSet& hinges,
                            const ContactPool& contacts, const StepSettings& settings) {
     PROFILE_SECTION("RunSolver");
-    const int sweeps = std::max(settings.sweeps, 0);
     InitBodies(bodies);
     BuildList(hinges, contacts);
     InitConstraints(bodies, SolveConstants(settings));
     if (settings.prioritized) {
-        SolvePrioritized(bodies, sweeps);
+        SolvePrioritized(bodies, std::max(settings.sweeps, 0));
     } else {
-        SolveGaussSeidel(bodies, sweeps, settings.preSort);
+        SolveGaussSeidel(bodies, settings);
     }
     ApplyVelocityChanges(bodies);
 }

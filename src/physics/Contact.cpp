@@ -11,7 +11,7 @@
 // StepSettings.cpp), with e the way to the depth it rests at:
 //   e = min(maxPositionCorrection, targetPenetration - penetration)
 //   normalTarget  = -m(n) (acc (a . n) + dist e + vel (u . n))
-//   tangentTarget = -m(t) (acc (a . t) + vel (u . t))
+//   tangentTarget = -m(t) (acc (a . t) + slip (u . t))
 // e is negative when too deep, so the bound never slows the way out; and positive when shallower, so that
 // the contact settles at targetPenetration. The softness enters the mass only, not as eps times impulse: it
 // slows the approach to the fixed point and does not move it.
@@ -100,7 +100,8 @@ bool Contact::SolveInit(const SolveConstants& constants) {
         g = math::Dot(a, m_normal) * w.acc + w.dist * e * m_distFactor + math::Dot(u, m_normal) * w.vel;
     }
     m_normalTarget = -m_useNormalMass * g;
-    m_tangentTarget = -m_useTangentMass * (math::Dot(a, m_tangent) * w.acc + math::Dot(u, m_tangent) * w.vel);
+    m_tangentTarget =
+        -m_useTangentMass * (math::Dot(a, m_tangent) * w.acc + math::Dot(u, m_tangent) * w.slip);
     WarmStart(constants.warmStartShare);
     return true;
 }

@@ -45,6 +45,14 @@ struct alignas(16) ContactRow4 {
     math::real tangentImpulse[LANES];
 };
 
+// Of four contacts the last sweep's changes of their impulses, and the way that these have been going.
+struct alignas(16) ContactTrend4 {
+    math::real normalDelta[ContactRow4::LANES];
+    math::real tangentDelta[ContactRow4::LANES];
+    math::real normalTrend[ContactRow4::LANES];
+    math::real tangentTrend[ContactRow4::LANES];
+};
+
 // The impulses still missing along the normal and the tangent.
 struct ContactDelta {
     math::real normal;

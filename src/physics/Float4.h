@@ -23,6 +23,9 @@ inline void Store(float* p, Float4 a) {
 inline Float4 Zero4() {
     return {_mm_setzero_ps()};
 }
+inline Float4 Fill4(float x) {
+    return {_mm_set1_ps(x)};
+}
 inline Float4 operator+(Float4 a, Float4 b) {
     return {_mm_add_ps(a.v, b.v)};
 }
@@ -65,6 +68,9 @@ inline void Store(float* p, Float4 a) {
 }
 inline Float4 Zero4() {
     return {{0, 0, 0, 0}};
+}
+inline Float4 Fill4(float x) {
+    return {{x, x, x, x}};
 }
 inline Float4 operator+(Float4 a, Float4 b) {
     return PerLane([=](int i) { return a.v[i] + b.v[i]; });

@@ -7,16 +7,17 @@
 #include "physics/Contact.h"
 #include "physics/Float4.h"
 #include "physics/HingeSolve.h"
+#include "physics/StepSettings.h"
 #include "util/ProfileTree.h"
 
 namespace physics {
 
-void ConstraintSolver::SolveGaussSeidel(const AbstractBodyList& bodies, int sweeps, bool preSort) {
+void ConstraintSolver::SolveGaussSeidel(const AbstractBodyList& bodies, const StepSettings& settings) {
     PROFILE_SECTION("GaussSeidelSolver");
-    if (m_list.empty() || sweeps == 0) return;
+    if (m_list.empty() || settings.sweeps <= 0) return;
     PackRows(bodies.size());
     PackBodies();
-    if (preSort) {
+    if (settings.preSort) {
         SortByResidual();
     } else {
         m_order.resize(m_list.size());
@@ -25,7 +26,12 @@ void ConstraintSolver::SolveGaussSeidel(const AbstractBodyList& bodies, int swee
     AssignLevels();
     LayOutLevels();
     ArrangeRows();
-    for (int i = 0; i < sweeps; ++i) Sweep();
+    if (settings.conjugate) {
+        SweepWithTrend(settings.sweeps);
+    } else {
+        m_trends.clear();
+        for (int i = 0; i < settings.sweeps; ++i) Sweep<false>();
+    }
     StoreRows();
     StoreBodies();
 }
@@ -216,7 +222,8 @@ struct Body4 {
 };
 
 // SolveContactRows and ApplyImpulsePair, operation by operation, for four contacts.
-inline void SolveGroup(ContactRow4& row, SolverBody* bodies) {
+template <bool KEEP_DELTAS>
+inline void SolveGroup(ContactRow4& row, ContactTrend4* trend, SolverBody* bodies) {
     Body4 b0(bodies, row.body0);
     Body4 b1(bodies, row.body1);
     const Float4 r0x = LoadFloat4(row.r0x);
@@ -241,6 +248,10 @@ inline void SolveGroup(ContactRow4& row, SolverBody* bodies) {
     dt = y - tangentImpulse;
     Store(row.normalImpulse, normalImpulse + dn);
     Store(row.tangentImpulse, tangentImpulse + dt);
+    if constexpr (KEEP_DELTAS) {
+        Store(trend->normalDelta, dn);
+        Store(trend->tangentDelta, dt);
+    }
 
     const Float4 px = nx * dn + tx * dt;
     const Float4 py = ny * dn + ty * dt;
@@ -256,18 +267,82 @@ inline void SolveGroup(ContactRow4& row, SolverBody* bodies) {
 
 }  // namespace
 
+template <bool KEEP_DELTAS>
 void ConstraintSolver::Sweep() {
     SolverBody* const bodies = m_bodies.data();
     ContactRow4* group = m_groups.data();
+    ContactTrend4* trend = m_trends.data();
     const HingeRow* hinge = m_hinges.data();
     for (const Level& level : m_levels) {
-        for (ContactRow4* const end = m_groups.data() + level.groupsEnd; group != end; ++group) {
-            SolveGroup(*group, bodies);
+        for (ContactRow4* const end = m_groups.data() + level.groupsEnd; group != end; ++group, ++trend) {
+            SolveGroup<KEEP_DELTAS>(*group, trend, bodies);
         }
         for (const HingeRow* const end = m_hinges.data() + level.hingesEnd; hinge != end; ++hinge) {
             hinge->hinge->Calc(bodies[hinge->body0], bodies[hinge->body1]);
             hinge->hinge->Apply(bodies[hinge->body0], bodies[hinge->body1]);
         }
+    }
+}
+
+// The conjugate gradients of Silcowitz-Hansen, Niebe and Erleben ("A nonsmooth nonlinear conjugate gradient
+// method for interactive contact force problems", 2010). A sweep changes the impulses x by d, which stands in
+// for the gradient. With d', p the change and the trend of the sweep before:
+//   beta = |d|^2 / |d'|^2
+//   x += beta p,  p = d + beta p     if beta is below 1, else
+//   p = 0                            and the next sweep begins anew.
+// The fixed point is that of the sweeps alone. The last sweep stands as it is, so that all bounds hold. The
+// bodies' velocities are linear in the impulses, and so have trends of their own: rows need not be applied.
+void ConstraintSolver::SweepWithTrend(int sweeps) {
+    m_trends.clear();
+    m_trends.resize(m_groups.size(), ContactTrend4{});
+    for (const HingeRow& row : m_hinges) row.hinge->ForgetTrend();
+    m_bodyTrends.clear();
+    m_bodyTrends.resize(m_bodies.size(), SolverBody());
+    math::real last = 0;
+    for (int i = 1; i < sweeps; ++i) {
+        m_bodiesBefore = m_bodies;
+        Sweep<true>();
+        const math::real size = SquareDeltas();
+        FollowTrend(size < last ? size / last : 0);
+        last = size;
+    }
+    Sweep<false>();
+}
+
+math::real ConstraintSolver::SquareDeltas() const {
+    Float4 sum = Zero4();
+    for (const ContactTrend4& trend : m_trends) {
+        const Float4 n = LoadFloat4(trend.normalDelta);
+        const Float4 t = LoadFloat4(trend.tangentDelta);
+        sum = sum + (n * n + t * t);
+    }
+    alignas(16) math::real lanes[ContactRow4::LANES];
+    Store(lanes, sum);
+    math::real total = (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]);
+    for (const HingeRow& row : m_hinges) total += row.hinge->GetSquaredDelta();
+    return total;
+}
+
+void ConstraintSolver::FollowTrend(math::real share) {
+    const Float4 s = Fill4(share);
+    const auto follow = [s](math::real* impulse, math::real* trend, const math::real* delta) {
+        const Float4 step = LoadFloat4(trend) * s;
+        Store(impulse, LoadFloat4(impulse) + step);
+        Store(trend, step + LoadFloat4(delta));
+    };
+    for (size_t i = 0; i < m_groups.size(); ++i) {
+        follow(m_groups[i].normalImpulse, m_trends[i].normalTrend, m_trends[i].normalDelta);
+        follow(m_groups[i].tangentImpulse, m_trends[i].tangentTrend, m_trends[i].tangentDelta);
+    }
+    for (const HingeRow& row : m_hinges) row.hinge->FollowTrend(share);
+    // The fourth number of a body is its inverse mass, whose trend stays 0.
+    for (size_t i = 0; i < m_bodies.size(); ++i) {
+        math::real* const velocity = &m_bodies[i].m_deltaVel.x;
+        math::real* const trend = &m_bodyTrends[i].m_deltaVel.x;
+        const Float4 now = LoadFloat4(velocity);
+        const Float4 step = LoadFloat4(trend) * s;
+        Store(trend, step + (now - LoadFloat4(&m_bodiesBefore[i].m_deltaVel.x)));
+        Store(velocity, now + step);
     }
 }
 

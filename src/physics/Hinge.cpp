@@ -138,6 +138,23 @@ void Hinge::WarmStart(math::real share) {
     ApplyTurnPair(*m_bodies[0], *m_bodies[1], m_motorImpulse);
 }
 
+math::real Hinge::GetSquaredDelta() const {
+    return math::LengthSquared(m_delta) + (m_motor ? m_motorDelta * m_motorDelta : 0);
+}
+
+void Hinge::FollowTrend(math::real share) {
+    m_impulse += m_trend * share;
+    m_trend = m_trend * share + m_delta;
+    if (!m_motor) return;
+    m_motorImpulse += m_motorTrend * share;
+    m_motorTrend = m_motorTrend * share + m_motorDelta;
+}
+
+void Hinge::ForgetTrend() {
+    m_trend = math::Vec2();
+    m_motorTrend = 0;
+}
+
 void Hinge::SolveCalc() {
     Calc(*m_bodies[0], *m_bodies[1]);
 }

@@ -50,6 +50,12 @@ class Hinge final : public Constraint {
     template <class B>
     void Apply(B& b0, B& b1);
 
+    // For the solver's conjugate gradients: the squared size of what Apply has just added, and the step along
+    // the trend of such additions.
+    math::real GetSquaredDelta() const;
+    void FollowTrend(math::real share);
+    void ForgetTrend();
+
   private:
     void PreparePoint(const SolveConstants& constants);
     void CalcEffectiveMass(math::real eps);
@@ -67,9 +73,11 @@ class Hinge final : public Constraint {
     math::real m_motorLimit = 0;    // N m s, greatest motor impulse per step
     math::Vec2 m_target;            // m/s, right-hand side of the point rows
     math::Vec2 m_delta;             // N s, pending
+    math::Vec2 m_trend;             // N s, see FollowTrend
     math::Vec2 m_impulse;           // N s, accumulated; carries over between steps
     math::real m_motorTarget = 0;   // rad/s, right-hand side of the motor row
     math::real m_motorDelta = 0;    // N m s, pending
+    math::real m_motorTrend = 0;    // N m s
     math::real m_motorImpulse = 0;  // N m s, accumulated; carries over between steps
 
     static uint32_t s_nextID;

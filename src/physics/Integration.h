@@ -1,15 +1,12 @@
 #pragma once
 
-#include <functional>
-
+#include "math/Vector.h"
 #include "physics/Fwd.h"
-#include "physics/StepSettings.h"
 
+// The two halves of a step's motion, for all bodies that can move.
 namespace physics {
 
-// Moves bodies through one step under their forces. `solve` changes their velocities so that constraints
-// hold: half-way through the forces in leapfrog order, otherwise before them.
-void Integrate(const AbstractBodyList& bodies, const StepSettings& settings,
-               const std::function<void()>& solve);
+void IntegrateVelocities(const AbstractBodyList& bodies, math::real dt);  // by their forces
+void IntegratePlaces(const AbstractBodyList& bodies, math::real dt);      // by their velocities
 
 }  // namespace physics

@@ -25,7 +25,7 @@ Simulation::Simulation()
     : Reflected("Sim"),
       m_running(script::DeclareAttrib(*this, "running", true)),
       m_timeFactor(script::DeclareAttrib(*this, "timeFactor", 1.0f)),
-      m_timeDelta(script::DeclareAttrib(*this, "timeDelta", 0.01f)),
+      m_timeDelta(script::DeclareAttrib(*this, "timeDelta", 0.005f)),
       m_gravity(script::DeclareAttrib(*this, "gravity", math::Vec2(0, -9.8f))),
       m_gravitySwitch(script::DeclareAttrib(*this, "gravitySwitch", true)),
       m_airFrictionOn(script::DeclareAttrib(*this, "airFrictionOn", true)),
@@ -41,7 +41,7 @@ Simulation::Simulation()
       m_fallLimit(script::DeclareAttrib(*this, "fallLimit", 1000.0f)),
       m_prioritizedSolver(script::DeclareAttrib(*this, "prioritizedSolver", false)),
       m_targetPenetration(script::DeclareAttrib(*this, "targetPenetration", 0.001f)),
-      m_solveIter(script::DeclareAttrib(*this, "solveIter", 30)),
+      m_solveIter(script::DeclareAttrib(*this, "solveIter", 40)),
       m_solveConstant(script::DeclareAttrib(*this, "solveConstant", 1e8f)),
       m_solveDcontacts(script::DeclareAttrib(*this, "solveDcontacts", 5.0f)),
       m_solveDconstraints(script::DeclareAttrib(*this, "solveDconstraints", 5.0f)),
@@ -51,10 +51,11 @@ Simulation::Simulation()
       m_solveAccFactor(script::DeclareAttrib(*this, "solveAccFactor", 1.0f)),
       m_solveRegularizationFactor(script::DeclareAttrib(*this, "solveRegularizationFactor", 1.0f)),
       m_solvePreSortConstraints(script::DeclareAttrib(*this, "solvePreSortConstraints", true)),
+      m_solveConjugate(script::DeclareAttrib(*this, "solveConjugate", true)),
       m_leapFrog(script::DeclareAttrib(*this, "leapFrog", true)),
       m_adHocSolver(script::DeclareAttrib(*this, "adHocSolver", false)),
       m_warmStart(script::DeclareAttrib(*this, "warmStart", true)),
-      m_warmStartFactor(script::DeclareAttrib(*this, "warmStartFactor", 0.5f)),
+      m_warmStartFactor(script::DeclareAttrib(*this, "warmStartFactor", 0.8f)),
       m_maxPositionCorrection(script::DeclareAttrib(*this, "maxPositionCorrection", UNLIMITED)) {
     MakeWorldBody();
 }
@@ -86,6 +87,7 @@ StepSettings Simulation::GetStepSettings() const {
     s.leapFrog = m_leapFrog->Get();
     s.springForce = m_springForce->Get();
     s.sweeps = m_solveIter->Get();
+    s.conjugate = m_solveConjugate->Get();
     s.prioritized = m_prioritizedSolver->Get();
     s.preSort = m_solvePreSortConstraints->Get();
     s.adHoc = m_adHocSolver->Get();

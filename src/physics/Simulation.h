@@ -8,6 +8,7 @@
 #include "physics/StepContacts.h"
 #include "physics/StepSettings.h"
 #include "physics/Surface.h"
+#include "physics/SweptMotion.h"
 #include "script/Attributes.h"
 #include "script/Reflected.h"
 #include "util/Singleton.h"
@@ -106,6 +107,7 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     const script::AttribPtr<float> m_solveAccFactor;
     const script::AttribPtr<float> m_solveRegularizationFactor;
     const script::AttribPtr<bool> m_solvePreSortConstraints;
+    const script::AttribPtr<bool> m_solveConjugate;  // conjugate gradients between sweeps
     const script::AttribPtr<bool> m_leapFrog;
     const script::AttribPtr<bool> m_adHocSolver;
     const script::AttribPtr<bool> m_warmStart;
@@ -143,6 +145,7 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     AbstractBodyList m_allBodies;  // bodies, then particles; rebuilt at each step
     StepContacts m_contacts;
     ConstraintSolver m_solver;
+    SweptMotion m_sweptMotion;
     double m_timeDebt = 0;          // s, simulated time owed; negative when ahead
     float m_maxUpdateTime = 0.05f;  // s, set by the frame loop on each frame
     float m_realtimeFraction = 1;

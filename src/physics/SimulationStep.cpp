@@ -31,8 +31,22 @@ void Simulation::CalcContacts() {
 
 void Simulation::SolveAndMove() {
     const StepSettings settings = GetStepSettings();
-    Integrate(m_allBodies, settings,
-              [&] { m_solver.Run(m_allBodies, m_hinges, m_contacts.Get(), settings); });
+    const math::real h = settings.timeDelta;
+    const auto solve = [&] { m_solver.Run(m_allBodies, m_hinges, m_contacts.Get(), settings); };
+    const auto move = [&] {
+        m_sweptMotion.Limit(m_bodies, h);
+        IntegratePlaces(m_allBodies, h);
+    };
+    if (settings.leapFrog) {
+        IntegrateVelocities(m_allBodies, h / 2);
+        solve();
+        IntegrateVelocities(m_allBodies, h / 2);
+        move();
+    } else {
+        solve();
+        move();
+        IntegrateVelocities(m_allBodies, h);
+    }
 }
 
 void Simulation::RebuildAllBodies() {

@@ -6,11 +6,11 @@
 //   eps  = 4 / ((1 + 4 d) h^2 k)
 //   vel  = 4 d / (1 + 4 d)
 //   dist = 4 / ((1 + 4 d) h)
+//   slip = 1: friction has no position term that would bring back what it lets pass, so it lets nothing pass
 //   acc  = s, the time over which forces still act after the solve: h/2 in leapfrog order, else 0.
-// Ad hoc: eps = 0, vel = 0, dist = 1/h, acc = s, which removes the position error in one step and knows no
-// damping; stacks hop under it.
-// With the defaults h = 0.01, k = 1e8, d = 5: eps = 1.9047619e-5, vel = 0.95238096, dist = 19.047619,
-// acc = 0.005.
+// Ad hoc: eps = 0, vel = slip = 0, dist = 1/h, acc = s, which removes the position error in one step and
+// knows no damping; stacks hop under it. With the defaults h = 0.01, k = 1e8, d = 5: eps = 1.9047619e-5, vel
+// = 0.95238096, dist = 19.047619, acc = 0.005.
 
 #include "physics/StepSettings.h"
 
@@ -22,12 +22,13 @@ static RowWeights CalcRowWeights(const StepSettings& settings, math::real d) {
     const math::real s = settings.leapFrog ? h / 2 : 0;
     RowWeights w;
     if (settings.adHoc) {
-        w = {0, 0, 1 / h, s};
+        w = {0, 0, 0, 1 / h, s};
     } else {
-        w = {4 / ((1 + 4 * d) * h * h * k), 4 * d / (1 + 4 * d), 4 / ((1 + 4 * d) * h), s};
+        w = {4 / ((1 + 4 * d) * h * h * k), 4 * d / (1 + 4 * d), 1, 4 / ((1 + 4 * d) * h), s};
     }
     w.dist *= settings.distFactor;
     w.vel *= settings.velFactor;
+    w.slip *= settings.velFactor;
     w.acc *= settings.accFactor;
     w.eps *= settings.epsFactor;
     return w;

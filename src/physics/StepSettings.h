@@ -12,6 +12,7 @@ struct StepSettings {
     math::real springForce;  // N/m per strength
 
     int sweeps;
+    bool conjugate;
     bool prioritized;
     bool preSort;
     bool adHoc;
@@ -31,6 +32,7 @@ struct StepSettings {
 struct RowWeights {
     math::real eps;   // 1/kg, softness added to the diagonal
     math::real vel;   // of the velocity error
+    math::real slip;  // of the velocity error of friction
     math::real dist;  // 1/s, of the position error
     math::real acc;   // s, of the acceleration
 };

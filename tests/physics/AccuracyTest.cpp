@@ -80,19 +80,6 @@ TEST_F(Accuracy, SlideDownASlopeFollowsFriction) {
     EXPECT_NEAR(math::Length(box->m_vel), theory, 0.01f * theory);
 }
 
-TEST_F(Accuracy, GentleSlopeHoldsABox) {
-    SetSurface(0.5f, 0);
-    constexpr float ANGLE = 20 * math::PI / 180;  // below the friction angle of 26.6 degrees
-    const Vec2 normal(-std::sin(ANGLE), std::cos(ANGLE));
-    AddGround(normal);
-    const BodyPtr box = AddBox({0, 0}, 0.4f, 0.4f);
-    box->m_angle = ANGLE;
-    box->m_pos = normal * 0.199f;
-    box->UpdateGeoms();
-    Run(5);
-    EXPECT_LT(math::Length(box->m_pos), 0.25f);  // a slow creep remains
-}
-
 TEST_F(Accuracy, MotorReachesItsSpeed) {
     const BodyPtr wheel = AddCircle({0, 5}, 0.5f);
     const physics::HingePtr hinge = AddHinge(sim.GetWorldBody(), wheel, {0, 5});

@@ -139,6 +139,7 @@ TEST_F(Solver, PackedSweepsEqualThePlainOrderBitForBit) {
         bool preSort;
     };
     uint32_t seed = 1;
+    sim.m_solveConjugate->Set(false);
     for (const Case& c : {Case{2, 1, 0, true},
                           {5, 7, 3, true},
                           {20, 60, 10, true},
@@ -184,6 +185,46 @@ TEST_F(Solver, PackedSweepsEqualThePlainOrderBitForBit) {
     }
 }
 
+// Conjugate gradients reach the state that sweeps alone reach, and sooner: at the greatest speed left over
+// after a few sweeps, compared with that after many.
+TEST_F(Solver, ConjugateGradientsOvertakeSweeps) {
+    SetSurface(0.5f, 0);
+    AddGround();
+    const std::vector<BodyPtr> boxes = AddStack(12);
+    Run(1);
+    physics::AbstractBodyList bodies;
+    for (const BodyPtr& body : sim.GetBodies()) bodies.push_back(body.Get());
+    std::vector<Vec2> impulses;
+    for (const physics::ContactPtr& contact : sim.GetContacts()) {
+        impulses.push_back({contact->m_normalImpulse, contact->m_tangentImpulse});
+    }
+    const auto solve = [&](int sweeps, bool conjugate) {
+        for (physics::AbstractBody* body : bodies) {
+            body->m_vel = body->m_massInv == 0 ? Vec2() : Vec2(0, -0.098f);
+            body->m_angVel = 0;
+        }
+        for (size_t i = 0; i < impulses.size(); ++i) {
+            sim.GetContacts()[i]->m_normalImpulse = impulses[i].x / 2;
+            sim.GetContacts()[i]->m_tangentImpulse = impulses[i].y / 2;
+        }
+        physics::StepSettings settings = sim.GetStepSettings();
+        settings.sweeps = sweeps;
+        settings.conjugate = conjugate;
+        physics::ConstraintSolver().Run(bodies, {}, sim.GetContacts(), settings);
+        std::vector<Vec2> velocities;
+        for (const physics::AbstractBody* body : bodies) velocities.push_back(body->m_vel);
+        return velocities;
+    };
+    const auto distance = [](const std::vector<Vec2>& a, const std::vector<Vec2>& b) {
+        float most = 0;
+        for (size_t i = 0; i < a.size(); ++i) most = std::max(most, math::Length(a[i] - b[i]));
+        return most;
+    };
+    const std::vector<Vec2> solution = solve(10000, false);
+    EXPECT_LT(distance(solve(2000, true), solution), 5e-4f);
+    EXPECT_LT(distance(solve(30, true), solution), 0.5f * distance(solve(30, false), solution));
+}
+
 TEST_F(Solver, RowWeightsFollowTheSettings) {
     const auto weights = [this] { return physics::SolveConstants(sim.GetStepSettings()); };
     EXPECT_FLOAT_EQ(weights().contact.eps, 1.9047619e-5f);
@@ -213,7 +254,7 @@ TEST_F(Solver, WithoutSweepsOnlyTheWarmStartActs) {
     sim.m_solveIter->Set(0);
     const float before = ball->m_vel.y;
     sim.Step(true);
-    EXPECT_NEAR(ball->m_vel.y - before, (-weight + 0.5f * weight) / ball->m_mass, 0.01f);
+    EXPECT_NEAR(ball->m_vel.y - before, (-weight + 0.8f * weight) / ball->m_mass, 0.01f);
 }
 
 TEST(ResidualSort, OrdersGreatestFirstAndKeepsTies) {

@@ -41,6 +41,7 @@ static void ResetSettings(physics::Simulation& sim) {
     Reset(sim.m_solveAccFactor);
     Reset(sim.m_solveRegularizationFactor);
     Reset(sim.m_solvePreSortConstraints);
+    Reset(sim.m_solveConjugate);
     Reset(sim.m_leapFrog);
     Reset(sim.m_adHocSolver);
     Reset(sim.m_warmStart);
@@ -69,6 +70,7 @@ World::World() : sim(physics::Simulation::Instance()), sph(physics::SPH::Instanc
     sim.Clear();
     ResetSettings(sim);
     ResetSettings(sph);
+    sim.m_timeDelta->Set(0.01f);  // in which most cases count; steadiness is tested at the default
 }
 
 World::~World() {
