@@ -1,5 +1,6 @@
 """The font sheets: 16 by 16 cells of 16 by 16 pixels, one byte a pixel, and the table of advances; and the same
-glyphs at twice the size for screens of high density, set by the advances of the small ones.
+glyphs at one and a half times, twice and three times the size for screens of high density, set by the advances of the
+small ones.
 
 Glyph g lies in column g % 16 and row g / 16, row 0 at the top of the file. The text is ISO 8859-1, so a byte is the
 Unicode character of the same number; control characters are empty cells with the advance of a blank.
@@ -17,12 +18,13 @@ FONT_FILE = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"
 FONT_PIXELS = 12  # em size; ascenders with accents and descenders together take 15 rows
 CELL = 16
 BASELINE = 13  # rows from the top of a cell: accents begin in row 1, descenders end in row 15, row 0 parts the rows
+SCALES = {"_1.5x": 1.5, "_2x": 2, "_3x": 3}  # of the sheets for screens of high density, by file ending
 CONTROLS = set(range(0, 32)) | set(range(127, 160))
 
 
 def load_font(scale):
     """The typeface at the sheet's size, without any shaping between glyphs."""
-    return ImageFont.truetype(FONT_FILE, FONT_PIXELS * scale, layout_engine=ImageFont.Layout.BASIC)
+    return ImageFont.truetype(FONT_FILE, round(FONT_PIXELS * scale), layout_engine=ImageFont.Layout.BASIC)
 
 
 def advance_of(font, code):
@@ -33,13 +35,13 @@ def advance_of(font, code):
 def draw_glyph(font, code, scale, advance):
     """One cell and the advance of its glyph in pixels, `advance` unless the ink needs more. Ink left of the pen would
     be cut off, so such a glyph moves right. What hinting made wider or narrower than `advance` is shared out."""
-    side = CELL * scale
+    side = round(CELL * scale)
     cell = Image.new("L", (side, side), 0)
     if code in CONTROLS:
         return cell, advance
     left, top, right, bottom = font.getbbox(chr(code), anchor="ls")
     shift = max((advance - advance_of(font, code)) // 2, -left)
-    baseline = BASELINE * scale
+    baseline = int(BASELINE * scale)
     if baseline + top < 0 or baseline + bottom > side or right + shift > side:
         raise ValueError("glyph %d does not fit its cell" % code)
     ImageDraw.Draw(cell).text((shift, baseline), chr(code), font=font, fill=255, anchor="ls")
@@ -48,7 +50,7 @@ def draw_glyph(font, code, scale, advance):
 
 def draw_sheet(font, scale, advances):
     """The bytes of a sheet and the advances that its glyphs take."""
-    side = CELL * scale
+    side = round(CELL * scale)
     sheet = Image.new("L", (16 * side, 16 * side), 0)
     taken = []
     for code in range(256):
@@ -59,8 +61,11 @@ def draw_sheet(font, scale, advances):
 
 
 def build():
-    """Returns the files by their endings: the sheet, the table of advances, the sheet of twice the size."""
+    """Returns the files by their endings: the sheet, the table of advances, the larger sheets."""
     font = load_font(1)
     sheet, advances = draw_sheet(font, 1, [advance_of(font, code) for code in range(256)])
-    fine, _ = draw_sheet(load_font(2), 2, [2 * advance for advance in advances])
-    return {".raw": sheet, ".dat": bytes(advances), "_2x.raw": fine}
+    files = {".raw": sheet, ".dat": bytes(advances)}
+    for ending, scale in SCALES.items():
+        larger = [round(scale * advance) for advance in advances]
+        files[ending + ".raw"], _ = draw_sheet(load_font(scale), scale, larger)
+    return files

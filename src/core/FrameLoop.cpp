@@ -16,6 +16,8 @@
 #include "util/Clock.h"
 #include "util/Exception.h"
 #include "util/Interpolator.h"
+#include "util/ProfileTree.h"
+#include "util/Redraw.h"
 
 // The frame loop, core::Subsystem's third part. Each frame runs its sections in a fixed order, and an
 // exception that passes one of them on its way to main leaves its trace in the log.
@@ -23,9 +25,11 @@ namespace core {
 
 namespace {
 
-constexpr int FRAMES_PER_FLUSH = 10;  // dead callbacks do no harm: they are cleared away now and then
-constexpr double FPS_INTERVAL = 1;    // seconds between two measurements
-constexpr float LEAST_MAX_FPS = 1;    // the program stays usable whatever a script says
+constexpr int FRAMES_PER_FLUSH = 10;     // dead callbacks do no harm: they are cleared away now and then
+constexpr double FPS_INTERVAL = 1;       // seconds between two measurements
+constexpr int FRAMES_PER_CHANGE = 3;     // drawn after each change of the picture
+constexpr double LONGEST_UNDRAWN = 0.5;  // seconds
+constexpr float LEAST_MAX_FPS = 1;       // the program stays usable whatever a script says
 
 Uint32 MeasureSleep() {
     const Uint32 start = SDL_GetTicks();
@@ -70,10 +74,16 @@ void Subsystem::RunFrame() {
     UpdateInterpolators();
     UpdateGUI(dt);
     if (m_quit) return;
-    Draw();
+    const bool draws = NeedsDrawing(now);
+    if (draws) Draw();
+    MeasureFrameRate();
     util::Profiler::Instance().Update();
     UpdateLogger();
-    LimitFrameRate(dt);
+    if (draws) {
+        LimitFrameRate(dt);
+    } else {
+        Rest();
+    }
     m_previousTime = now;
 }
 
@@ -139,13 +149,30 @@ void Subsystem::UpdateGUI(double dt) {
     PASS_ON_EXCEPTIONS
 }
 
+// What a change brings about may show a frame or two later: a bound attribute, a layout, what lies under the
+// mouse.
+bool Subsystem::NeedsDrawing(double now) {
+    const bool isMoving =
+        physics::Simulation::Instance().m_running->Get() || util::ProfileTree::Get().IsEnabled();
+    if (util::Redraw::Take() || isMoving) m_framesToDraw = FRAMES_PER_CHANGE;
+    if (now - m_lastDrawn >= LONGEST_UNDRAWN) m_framesToDraw = std::max(m_framesToDraw, 1);
+    if (m_framesToDraw == 0) return false;
+    --m_framesToDraw;
+    m_lastDrawn = now;
+    return true;
+}
+
+// In place of drawing, so that input is answered as soon as ever.
+void Subsystem::Rest() {
+    SDL_Delay(static_cast<Uint32>(1000 / std::max(m_maxFPS->Get(), LEAST_MAX_FPS)));
+}
+
 void Subsystem::Draw() {
     try {
         PROFILE_SECTION("Draw");
         Clear();
         gui::GUI::Instance().Draw();
         SwapBuffers();
-        MeasureFrameRate();
     }
     PASS_ON_EXCEPTIONS
 }

@@ -1,6 +1,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <iostream>
 
@@ -78,6 +79,7 @@ void MakeServices() {
     script::Reflected::AddToRoot(&physics::SPH::Instance());
     script::Reflected::AddToRoot(&gui::GUI::Instance());
     gui::GUI::Instance().SetWindowHost(&core::Subsystem::Instance());
+    gui::GUI::Instance().GetConsole()->GetHistory().SetFile(GetFiles().GetWorkDir() + CONSOLE_HISTORY_FILE);
 }
 
 AppPtr MakeApp() {
@@ -135,10 +137,23 @@ bool RecoverConfiguration() {
     return LoadConfiguration(name);
 }
 
+// Letters are as large on every screen as on an ordinary one, where the platform tells what it has.
+void FollowScreen() {
+    constexpr float ORDINARY_DPI = 96, STEPS = 2, MAX_SCALE = 3;
+    const float dpi = core::GetDisplayDPI();
+    if (dpi <= 0) return;
+    const float scale = std::clamp(std::round(dpi / ORDINARY_DPI * STEPS) / STEPS, 1.0f, MAX_SCALE);
+    gui::GUI::Instance().SetScale(scale);
+    if (scale > 1) script::Parser::Instance().Execute("App.DPI = " + std::to_string(dpi));
+}
+
 // Only a size that nobody has wished for.
 void FitWindowToDesktop() {
     core::WindowParams params = core::Subsystem::Instance().GetWantedParams();
     if (params.m_resolution != core::WindowParams().m_resolution) return;
+    const float scale = std::max(gui::GUI::Instance().GetScale(), 1.0f);
+    params.m_resolution.x = static_cast<int>(std::lround(params.m_resolution.x * scale));
+    params.m_resolution.y = static_cast<int>(std::lround(params.m_resolution.y * scale));
     const math::Vec2i desktop = core::GetDesktopSize();
     if (desktop.x > 0 && desktop.y > 0) {
         params.m_resolution.x = std::min(params.m_resolution.x, desktop.x - DESKTOP_MARGIN);
@@ -160,7 +175,10 @@ void FollowUserLocale() {
 }
 
 void LoadConfigurations() {
-    if (!Exists(AUTOSAVE_CONFIG_FILE) && !Exists(CONFIG_FILE)) FollowUserLocale();
+    if (!Exists(AUTOSAVE_CONFIG_FILE) && !Exists(CONFIG_FILE)) {
+        FollowUserLocale();
+        FollowScreen();
+    }
     script::Parser::Instance().LoadConfig(GetFiles().GetDataDir() + DEFAULTS_FILE);
     RunAutoexec();
     const bool recovered = RecoverConfiguration();
@@ -232,6 +250,7 @@ void Save(app::App& application) {
     core::Subsystem::Instance().RecreateWindow();
     application->CreateGUI();
     LoadFirstScene(*application, line.m_scene);
+    application->GetView().Arrive();  // the first picture is not one on the way
     Log(logging::Info, "Running program...");
     core::Subsystem::Instance().Run();
     Save(*application);

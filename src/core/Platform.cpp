@@ -1,28 +1,18 @@
 #include "core/Platform.h"
 
 #include <SDL/SDL_video.h>
-#include <dlfcn.h>
 
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <iostream>
 
+#include "input/Sdl2.h"
 #include "logging/Log.h"
 
 namespace core {
 
 namespace {
-
-// A function of the SDL 2 library that this process has loaded already; null without it.
-template <class Function>
-Function* FindSdl2(const char* name) {
-    void* const library = dlopen("libSDL2-2.0.so.0", RTLD_NOLOAD | RTLD_LAZY);
-    if (library == nullptr) return nullptr;
-    const auto function = reinterpret_cast<Function*>(dlsym(library, name));
-    dlclose(library);  // ends this look-up's hold only
-    return function;
-}
 
 // Mirrors of SDL 2's SDL_MessageBoxButtonData and SDL_MessageBoxData, whose header would clash.
 struct MessageBoxButton {
@@ -70,7 +60,7 @@ bool IsInvisible(const String& driver) {
 }  // namespace
 
 bool ShowMessageBox(const String& caption, const String& text) {
-    const auto show = FindSdl2<int(const MessageBox*, int*)>("SDL_ShowMessageBox");
+    const auto show = gui::FindSdl2<int(const MessageBox*, int*)>("SDL_ShowMessageBox");
     if (show == nullptr || IsInvisible(GetVideoDriver())) return false;
     enum { OK, CANCEL };
     const MessageBoxButton buttons[] = {{DEFAULT_BUTTON, OK, "OK"}, {0, CANCEL, "Cancel"}};
@@ -97,17 +87,25 @@ math::Vec2i GetDesktopSize() {
     return {info->current_w, info->current_h};
 }
 
+float GetDisplayDPI() {
+    constexpr float LEAST = 60, MOST = 600;  // beyond, a screen tells nonsense, as projectors do
+    const auto get = gui::FindSdl2<int(int, float*, float*, float*)>("SDL_GetDisplayDPI");
+    float diagonal = 0, horizontal = 0, vertical = 0;
+    if (get == nullptr || get(0, &diagonal, &horizontal, &vertical) != 0) return 0;
+    return horizontal >= LEAST && horizontal <= MOST ? horizontal : 0;
+}
+
 bool HasSwapControl() {
-    return FindSdl2<int(int)>("SDL_GL_SetSwapInterval") != nullptr;
+    return gui::FindSdl2<int(int)>("SDL_GL_SetSwapInterval") != nullptr;
 }
 
 bool GetSwapInterval() {
-    const auto get = FindSdl2<int()>("SDL_GL_GetSwapInterval");
+    const auto get = gui::FindSdl2<int()>("SDL_GL_GetSwapInterval");
     return get != nullptr && get() != 0;
 }
 
 void SetSwapInterval(bool enabled) {
-    const auto set = FindSdl2<int(int)>("SDL_GL_SetSwapInterval");
+    const auto set = gui::FindSdl2<int(int)>("SDL_GL_SetSwapInterval");
     if (set != nullptr) set(enabled ? 1 : 0);
 }
 

@@ -23,6 +23,9 @@ bool HasDisplay();
 // Pixels; 0, 0 when unknown. Right only before the first video mode has been set.
 math::Vec2i GetDesktopSize();
 
+// Pixels per inch of the first screen; 0 where that is unknown or not to be believed.
+float GetDisplayDPI();
+
 // Synchronisation of buffer swaps with the display, for the current context.
 bool HasSwapControl();
 bool GetSwapInterval();

@@ -34,7 +34,7 @@ int GetObjectTotal() {
 
 Subsystem::Subsystem()
     : m_clearColor(script::DeclareAttrib(*this, "clearColor", math::Vec4(0, 0, 0, 1))),
-      m_minFPS(script::DeclareAttrib(*this, "minFPS", 10.0f)),
+      m_minFPS(script::DeclareAttrib(*this, "minFPS", 2.0f)),
       m_maxFPS(script::DeclareAttrib(*this, "maxFPS", 60.0f)),
       m_vSync(script::DeclareAttribGetSet<bool>(
           *this, "vSync", false, [this] { return GetVSync(); },

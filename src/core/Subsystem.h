@@ -75,6 +75,8 @@ class Subsystem : public gui::InputListener, public gui::WindowHost, public util
     void UpdateParser();
     void UpdateInterpolators();
     void UpdateGUI(double dt);
+    bool NeedsDrawing(double now);
+    void Rest();
     void Draw();
     void Clear();
     void SwapBuffers();
@@ -96,6 +98,8 @@ class Subsystem : public gui::InputListener, public gui::WindowHost, public util
     bool m_quit = false;                // the loop is to end
     bool m_commandsRegistered = false;  // the commands that need a window
     int m_framesSinceFlush = 0;
+    int m_framesToDraw = 0;
+    double m_lastDrawn = 0;           // s
     double m_previousTime = 0;        // s, of the last frame
     int m_frameCount = 0;             // since m_fpsStart
     double m_fpsStart = 0;            // s

@@ -13,6 +13,7 @@
 #include "rendering/Renderer.h"
 #include "util/Exception.h"
 #include "util/FileSystem.h"
+#include "util/Redraw.h"
 
 // The making of the window, which is also its re-making: core::Subsystem's second half.
 namespace core {
@@ -109,6 +110,7 @@ void Subsystem::BuildWindow(WindowParams params) {
     gui::GUI::Instance().Resize(params.m_resolution.x, params.m_resolution.y);
     AddScreenshotCommand();
     m_vSync->CalcValue();  // a saved setting has been read before there was a context to apply it to
+    util::Redraw::Request();
     Log(logging::Info, "Window created.");
 }
 

@@ -8,6 +8,7 @@
 #include "rendering/Gl.h"
 #include "rendering/Renderer.h"
 #include "util/Assert.h"
+#include "util/Redraw.h"
 
 namespace gui {
 
@@ -84,6 +85,7 @@ void Component::SetPos(float x, float y) {
     const Vec2 pos(x, y);
     if (pos == m_pos) return;
     m_pos = pos;
+    util::Redraw::Request();
     OnGeometryChanged();
 }
 
@@ -91,6 +93,7 @@ void Component::SetSize(float w, float h) {
     const Vec2 size(w, h);
     if (size == m_size) return;
     m_size = size;
+    util::Redraw::Request();
     OnGeometryChanged();
 }
 
@@ -202,6 +205,7 @@ void Component::AddChild(const ComponentPtr& newChild) {
     if (Component* const parent = child->GetParent()) parent->RemoveChild(child);
     AddReflected(child);
     m_children.push_back(child);
+    util::Redraw::Request();
     child->m_parent = this;
     child->FitToParent();
     AddListener(child);
@@ -219,6 +223,7 @@ void Component::RemoveChild(const ComponentPtr& oldChild) {
     const auto place = std::find(m_children.begin(), m_children.end(), child);
     if (place == m_children.end()) return;
     m_children.erase(place);
+    util::Redraw::Request();
     if (child->GetParent() == this) child->m_parent = ComponentWeakPtr();
     DoLayout();
 }

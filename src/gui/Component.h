@@ -73,6 +73,8 @@ class Component : public InputDelegator {
     bool IsInOuterBox(math::Vec2 gui) const { return GetOuterBox().Contains(ToContent(gui)); }
     bool IsInContentBox(math::Vec2 gui) const;
 
+    // Draws something at all; for what scripts see.
+    virtual bool IsVisible() const { return true; }
     // A window: one of several that lie over each other.
     virtual bool IsTopLevel() const { return false; }
     // Whether it stands in the way of what lies below it. Plain components, texts and pictures do not.

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <map>
 
-#include "rendering/Context.h"
 #include "rendering/Gl.h"
 #include "rendering/Image.h"
+#include "rendering/Renderer.h"
 #include "rendering/TextureManager.h"
 #include "util/Exception.h"
 #include "util/FileSystem.h"
@@ -13,7 +13,6 @@
 
 namespace gui {
 
-using rendering::Context;
 using rendering::ImageRGBA32;
 using rendering::ImageRGBA32Ptr;
 
@@ -21,7 +20,7 @@ namespace {
 
 // `path` is without the endings.
 Font* LoadFont(const String& path) {
-    return new Font(path + ".dat", path + ".raw", path + "_2x.raw");
+    return new Font(path + ".dat", path + ".raw", {path + "_1.5x.raw", path + "_2x.raw", path + "_3x.raw"});
 }
 
 constexpr int STAND_IN_CELL = 16;  // pixels
@@ -68,6 +67,18 @@ ImageRGBA32Ptr SpreadCells(const ImageRGBA32& sheet) {
     return spread;
 }
 
+bool IsBlank(const ImageRGBA32& sheet, int glyph) {
+    const uint32_t cell = sheet.GetWidth() / Font::CELLS_PER_SIDE;
+    const uint32_t left = glyph % Font::CELLS_PER_SIDE * cell;
+    const uint32_t bottom = sheet.GetHeight() - (glyph / Font::CELLS_PER_SIDE + 1) * cell;
+    for (uint32_t y = bottom; y < bottom + cell; ++y) {
+        for (uint32_t x = left; x < left + cell; ++x) {
+            if (sheet(x, y).w != 0) return false;
+        }
+    }
+    return true;
+}
+
 rendering::Texture* MakeTexture(const ImageRGBA32Ptr& sheet) {
     return new rendering::Texture(SpreadCells(*sheet), rendering::Texture::ImageType::Font());
 }
@@ -84,22 +95,17 @@ Font::Font() {
     m_advance.fill(1);
 }
 
-Font::Font(const String& widthsPath, const String& sheetPath, const String& fineSheetPath) : Font() {
+Font::Font(const String& widthsPath, const String& sheetPath, const std::vector<String>& fineSheetPaths)
+    : Font() {
     SetSheet(ImageRGBA32::LoadFile(sheetPath));
-    SetFineSheet(fineSheetPath);
+    for (const String& path : fineSheetPaths) AddFineSheet(path);
     LoadWidths(widthsPath);
-    BuildLists();
-}
-
-Font::~Font() noexcept(false) {
-    if (m_lists != 0 && m_generation == Context::GetGeneration()) glDeleteLists(m_lists, NUM_GLYPHS);
 }
 
 Font* Font::MakeStandIn() {
     Font* const font = new Font;
     font->SetSheet(MakeStandInSheet());
     font->m_advance.fill(static_cast<float>(STAND_IN_ADVANCE) / STAND_IN_CELL);
-    font->BuildLists();
     return font;
 }
 
@@ -133,64 +139,42 @@ void Font::SetSheet(const ImageRGBA32Ptr& sheet) {
     DATA_ASSERTION(sheet->GetWidth() == sheet->GetHeight() && sheet->GetWidth() % CELLS_PER_SIDE == 0);
     m_cellSize = static_cast<float>(sheet->GetWidth()) / CELLS_PER_SIDE;
     m_texture = MakeTexture(sheet);
+    for (int glyph = 0; glyph < NUM_GLYPHS; ++glyph) m_isBlank[glyph] = IsBlank(*sheet, glyph);
 }
 
-void Font::SetFineSheet(const String& path) {
-    if (path.empty() || !util::FileSystem::Instance().Exists(path)) return;
-    m_fineTexture = rendering::TextureManager::Make([path] { return LoadTexture(path); });
+void Font::AddFineSheet(const String& path) {
+    if (!util::FileSystem::Instance().Exists(path)) return;
+    m_fineTextures.push_back(rendering::TextureManager::Make([path] { return LoadTexture(path); }));
 }
 
-// One of another size, which may be the picture that stands in for it, would not have the glyphs in place.
+// The smallest that is large enough. The picture that stands in for a missing one would not have the glyphs
+// in place; it is smaller.
 const rendering::Texture& Font::ChooseTexture() const {
-    if (s_pixelsPerUnit <= 1 || !m_fineTexture) return *m_texture;
-    const rendering::TexturePtr& fine = m_fineTexture->Get();
-    return fine && fine->GetWidth() == 2 * m_texture->GetWidth() ? *fine : *m_texture;
-}
-
-void Font::BuildLists() {
-    if (!Context::Exists()) return;
-    m_lists = glGenLists(NUM_GLYPHS);
-    m_generation = Context::GetGeneration();
-    for (int glyph = 0; glyph < NUM_GLYPHS; ++glyph) BuildGlyph(glyph);
+    const rendering::Texture* best = m_texture.Get();
+    const float wanted = s_pixelsPerUnit * m_texture->GetWidth();
+    for (size_t i = 0; i < m_fineTextures.size() && best->GetWidth() < wanted; ++i) {
+        const rendering::TexturePtr& fine = m_fineTextures[i]->Get();
+        if (fine && fine->GetWidth() > best->GetWidth()) best = fine.Get();
+    }
+    return *best;
 }
 
 // Row 0 of the sheet is its upper edge, where t is 1; the quad's y points down.
-void Font::BuildGlyph(int glyph) const {
+void Font::AddGlyph(rendering::VertexBatch& batch, unsigned char glyph, math::Vec2 place, float cell) const {
+    if (m_isBlank[glyph]) return;
     constexpr float STRIDE = 1.0f / CELLS_PER_SIDE;
     const float gutter = STRIDE * (1 - m_cellSize * CELLS_PER_SIDE / m_texture->GetWidth()) / 2;
-    const float cell = STRIDE - 2 * gutter;
+    const float side = STRIDE - 2 * gutter;
     const float s = glyph % CELLS_PER_SIDE * STRIDE + gutter;
     const float t = 1 - glyph / CELLS_PER_SIDE * STRIDE - gutter;
-    glNewList(m_lists + glyph, GL_COMPILE);
-    glBegin(GL_QUADS);
-    glTexCoord2f(s, t);
-    glVertex2f(0, 0);
-    glTexCoord2f(s, t - cell);
-    glVertex2f(0, 1);
-    glTexCoord2f(s + cell, t - cell);
-    glVertex2f(1, 1);
-    glTexCoord2f(s + cell, t);
-    glVertex2f(1, 0);
-    glEnd();
-    glTranslatef(m_advance[glyph], 0, 0);
-    glEndList();
+    batch.AddQuad(place, place + math::Vec2(cell, cell), {s, t}, {s + side, t - side});
 }
 
-void Font::BeginDrawing() const {
-    glPushAttrib(GL_LIST_BIT | GL_ENABLE_BIT);
-    glListBase(m_lists);
-    glEnable(GL_TEXTURE_2D);
-    glEnable(GL_BLEND);
+void Font::DrawGlyphs(rendering::VertexBatch& batch) const {
+    const rendering::ScopedCapability textured(GL_TEXTURE_2D, true), blended(GL_BLEND, true);
     ChooseTexture().Bind();
-}
-
-void Font::DrawRun(const char* bytes, size_t nBytes) const {
-    if (m_lists != 0) glCallLists(static_cast<GLsizei>(nBytes), GL_UNSIGNED_BYTE, bytes);
-}
-
-void Font::EndDrawing() const {
+    batch.DrawAndClear();
     ChooseTexture().Unbind();
-    glPopAttrib();
 }
 
 }  // namespace gui

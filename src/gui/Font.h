@@ -1,8 +1,11 @@
 #pragma once
 
 #include <array>
+#include <vector>
 
+#include "math/Vector.h"
 #include "rendering/Texture.h"
+#include "rendering/VertexBatch.h"
 #include "util/Mentor.h"
 #include "util/SharedPtr.h"
 #include "util/String.h"
@@ -16,19 +19,18 @@ namespace gui {
 // row 0 at the top; and 256 bytes of advances in pixels of the sheet. All lengths here are in cells, so a
 // sheet of any resolution measures alike.
 //
-// A third file, a sheet of twice the size with the same glyphs at the same places, may be there for screens
-// of high density; without it the letters are only softer there.
+// More sheets, one and a half times, twice and three times as large with the same glyphs at the same places,
+// may be there for screens of high density; without them the letters are only softer there.
 //
-// Widths and sheet load without a GL context, for windows are measured before there is one; texture and
-// display lists need it. Held by a mentor, which builds the font anew after the loss of the context.
+// Widths and sheet load without a GL context, for windows are measured before there is one; the texture needs
+// it. Held by a mentor, which builds the font anew after the loss of the context.
 class Font : public util::Pointee {
   public:
     static constexpr int NUM_GLYPHS = 256;
     static constexpr int CELLS_PER_SIDE = 16;  // of the sheet
 
     // Throws FileReadException for a damaged file, std::runtime_error for a missing one.
-    Font(const String& widthsPath, const String& sheetPath, const String& fineSheetPath = String());
-    ~Font() noexcept(false) override;
+    Font(const String& widthsPath, const String& sheetPath, const std::vector<String>& fineSheetPaths = {});
 
     // What stands in for a font that cannot be loaded: a box for each printable byte, from no file.
     static Font* MakeStandIn();
@@ -43,30 +45,26 @@ class Font : public util::Pointee {
 
     // Pixels of the window per GUI unit, from the GUI's scale: decides which sheet is drawn.
     static void SetPixelsPerUnit(float pixels) { s_pixelsPerUnit = pixels; }
+    static float GetPixelsPerUnit() { return s_pixelsPerUnit; }
 
-    // Draws the bytes as one run from the origin of the current matrix, a cell being one unit, y down, in
-    // the present colour; moves the matrix behind the run. Between BeginDrawing and EndDrawing only.
-    void BeginDrawing() const;
-    void DrawRun(const char* bytes, size_t nBytes) const;
-    void EndDrawing() const;
+    // Adds the picture of a glyph, its cell's upper left corner at `place`, y down. A cell is `cell` high.
+    void AddGlyph(rendering::VertexBatch& batch, unsigned char glyph, math::Vec2 place, float cell) const;
+    void DrawGlyphs(rendering::VertexBatch& batch) const;  // in the present colour; empties the batch
 
   private:
     Font();
 
     void LoadWidths(const std::string& path);
     void SetSheet(const rendering::ImageRGBA32Ptr& sheet);
-    void SetFineSheet(const String& path);
+    void AddFineSheet(const String& path);
     const rendering::Texture& ChooseTexture() const;
-    void BuildLists();
-    void BuildGlyph(int glyph) const;
 
-    rendering::TexturePtr m_texture;            // GL_ALPHA: colour comes from the text
-    rendering::TextureMentorPtr m_fineTexture;  // loaded when it is needed; null when there is none
-    float m_scale = 1;                          // cells per cell drawn
-    float m_cellSize = 16;                      // pixels
+    rendering::TexturePtr m_texture;                          // GL_ALPHA: colour comes from the text
+    std::vector<rendering::TextureMentorPtr> m_fineTextures;  // from the smallest; loaded when needed
+    float m_scale = 1;                                        // cells per cell drawn
+    float m_cellSize = 16;                                    // pixels
     std::array<float, NUM_GLYPHS> m_advance;
-    unsigned int m_lists = 0;   // GL name of the first of 256 display lists; 0 without a context
-    uint32_t m_generation = 0;  // of the context that m_lists belongs to
+    std::array<bool, NUM_GLYPHS> m_isBlank{};  // has nothing to draw
 
     static float s_pixelsPerUnit;
 };

@@ -6,6 +6,8 @@
 #include "gui/LookAndFeel.h"
 #include "gui/Root.h"
 #include "gui/TextFormat.h"
+#include "gui/WidgetList.h"
+#include "gui/WindowPlaces.h"
 #include "input/Input.h"
 #include "logging/Logger.h"
 #include "rendering/Context.h"
@@ -52,10 +54,12 @@ GUI::GUI()
       m_clickTolerance(script::DeclareAttrib(*this, "clickTolerance", 3.5f)),
       m_clickTimeTolerance(script::DeclareAttrib(*this, "clickTimeTolerance", 0.4f)),
       m_scale(script::DeclareAttrib(*this, "scale", 1.0f)),
-      m_opaqueness(script::DeclareAttrib(*this, "opaqueness", 0.9f)) {
-    InstallLogSink();
-    m_root = new Root;
-    Input::Instance().AddListener(m_root);
+      m_opaqueness(script::DeclareAttrib(*this, "opaqueness", 0.9f)),
+      m_windows(script::DeclareAttrib(*this, "windows", "")) {
+    WindowPlaces::Instance().SetStore(m_windows);
+    AddCmd("widgets", [this] { return ListWidgets(*m_root, GetScale()); });
+    AddCmd1("press", [this](const String& key) { PressWidget(*m_root, key); });
+    AddChildren();
     const util::CallbackPtr push = new util::Callback([this] { PushSettings(); }, this);
     m_clickTolerance->AddOnChange(push);
     m_clickTimeTolerance->AddOnChange(push);
@@ -65,14 +69,30 @@ GUI::GUI()
     LoadCursor();
 }
 
+void GUI::AddChildren() {
+    m_root = new Root;
+    m_console = new Console;
+    m_notices = new Notices;
+    m_root->AddChild(m_console);
+    m_root->AddChild(m_notices);
+    AddReflected(m_console);  // scripts call it GUI.Console
+    Input::Instance().AddListener(m_root);
+    InstallLogSink();
+}
+
 // Lives on in the logger after the GUI has gone.
 void GUI::InstallLogSink() {
-    const auto forward = [](const String& text) {
-        if (!IsCreated()) return;
-        const LineTarget& target = Instance().m_lineTarget;
-        if (target) target(text);
+    const auto forward = [](const String& line) {
+        if (IsCreated()) Instance().TakeLogLine(line);
     };
+    for (const String& line : logging::Logger::Instance().TakeEarlyLines()) m_console->AddLogLine(line);
     logging::Logger::Instance().AddLogger(new logging::FunctionLogger(SINK_LEVELS, forward));
+}
+
+// The machine's own warnings before the first frame are nothing that the user did.
+void GUI::TakeLogLine(const String& line) {
+    m_console->AddLogLine(line);
+    if (m_hasDrawn && !m_console->IsOpen()) m_notices->Add(line);
 }
 
 void GUI::LoadCursor() {
@@ -152,6 +172,7 @@ void GUI::Draw() {
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     Renderer::Instance().SetColor({1, 1, 1, m_opaqueness->Get()});
+    m_hasDrawn = true;
     DrawTree();
     DrawCursor();
     DrawProfile();

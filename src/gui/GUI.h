@@ -1,8 +1,7 @@
 #pragma once
 
-#include <functional>
-
-#include "gui/Component.h"
+#include "gui/Console.h"
+#include "gui/Notices.h"
 #include "rendering/Texture.h"
 #include "script/Attributes.h"
 #include "util/Singleton.h"
@@ -10,7 +9,7 @@
 namespace gui {
 
 // Owner of the component tree and of what it is seen through: the scale, the projection, the opaqueness,
-// the mouse cursor, the profiler's text. In scripts "GUI".
+// the mouse cursor, the console, the notices, the profiler's text. In scripts "GUI".
 //
 // Life: made after gui::Input, before the window; Resize when the window has its size; then once a frame
 // Update and Draw. Draw without a GL context does nothing. The root has one child, the application, and
@@ -36,16 +35,16 @@ class GUI : public script::Reflected, public util::Singleton<GUI> {
     // Whether the cursor's picture is there; else the window system's cursor has to stay visible.
     bool HasCursor();
 
-    // Where log lines go (warnings, errors, news for the user). Lines are dropped until this is set.
-    using LineTarget = std::function<void(const String&)>;
-    void SetLineTarget(const LineTarget& target) { m_lineTarget = target; }
+    const ConsolePtr& GetConsole() const { return m_console; }
 
     // The window that the program lives in; null in tests and tools. Outlives this object.
     void SetWindowHost(WindowHost* host) { m_windowHost = host; }
     WindowHost* GetWindowHost() const { return m_windowHost; }
 
   private:
+    void AddChildren();
     void InstallLogSink();
+    void TakeLogLine(const String& line);  // warnings, errors, news for the user
     void LoadCursor();
     void OnScaleChange();
     void PushSettings();  // to those who obey them
@@ -58,12 +57,15 @@ class GUI : public script::Reflected, public util::Singleton<GUI> {
     script::AttribPtr<float> m_clickTimeTolerance;  // seconds of holding that do the same
     script::AttribPtr<float> m_scale;               // pixels per GUI unit
     script::AttribPtr<float> m_opaqueness;          // alpha of the whole GUI
+    script::AttribPtr<String> m_windows;            // gui::WindowPlaces
 
     math::Vec2i m_windowSize{1024, 768};  // pixels; a guess until the first Resize
     ComponentPtr m_root;
     rendering::TextureMentorPtr m_cursor;
     bool m_cursorLoaded = false;  // the picture itself, not what stands in for it
-    LineTarget m_lineTarget;
+    ConsolePtr m_console;
+    NoticesPtr m_notices;
+    bool m_hasDrawn = false;
     WindowHost* m_windowHost = nullptr;  // not owned
 };
 

@@ -81,36 +81,53 @@ class LineBreaker {
     float m_y = 0;
 };
 
-// One call per run between tabs: a tab's glyph has a fixed advance, its stop depends on the pen.
-void DrawLine(const Font& font, const FormattedText& formatted, const TextLine& line, float cell) {
+// Where glyphs may stand: on whole pixels, between which they would be blurred. In a sheared window, which is
+// moving, anywhere.
+class PixelGrid {
+  public:
+    PixelGrid() : m_scale(Font::GetPixelsPerUnit()) {
+        GLfloat matrix[16];  // by columns
+        glGetFloatv(GL_MODELVIEW_MATRIX, matrix);
+        m_isStraight = matrix[0] == 1 && matrix[5] == 1 && matrix[1] == 0 && matrix[4] == 0;
+        m_origin = {matrix[12], matrix[13]};
+    }
+    math::Vec2 Snap(math::Vec2 place) const {
+        if (!m_isStraight) return place;
+        const math::Vec2 pixels = (place + m_origin) * m_scale;
+        return math::Vec2(std::round(pixels.x), std::round(pixels.y)) / m_scale - m_origin;
+    }
+
+  private:
+    float m_scale;
+    bool m_isStraight;
+    math::Vec2 m_origin;  // GUI units
+};
+
+void AddLine(rendering::VertexBatch& batch, const PixelGrid& grid, const Font& font,
+             const FormattedText& formatted, const TextLine& line, math::Vec2 origin) {
     const TextFormat& format = formatted.m_format;
-    const String& text = formatted.m_text;
+    const float cell = format.m_size / font.GetScale();
     float pen = line.m_x;
-    for (size_t begin = line.m_begin; begin < line.m_end;) {
-        const size_t end = std::min(text.find('\t', begin), line.m_end);
-        font.DrawRun(text.data() + begin, end - begin);
-        if (end == line.m_end) return;
-        pen = MovePen(format, text, pen, begin, end);
-        const float stop = format.GetNextTabStop(pen);
-        glTranslatef((stop - pen) / cell, 0, 0);
-        pen = stop;
-        begin = end + 1;
+    for (size_t i = line.m_begin; i < line.m_end; ++i) {
+        const char c = formatted.m_text[i];
+        if (c == '\t') {
+            pen = format.GetNextTabStop(pen);
+            continue;
+        }
+        font.AddGlyph(batch, c, grid.Snap(origin + math::Vec2(pen, line.m_y)), cell);
+        pen += font.GetAdvance(c) * format.m_size;
     }
 }
 
 void DrawLines(const TextFormat& format, float x, float y, const FormattedText& formatted) {
+    static rendering::VertexBatch s_batch;
     const FontPtr font = format.m_font->Get();
-    const float cell = format.m_size / font->GetScale();
-    if (!(cell > 0)) return;
-    font->BeginDrawing();
+    if (!(format.m_size > 0)) return;
+    const PixelGrid grid;
     for (const TextLine& line : formatted.m_lines) {
-        if (line.m_end > formatted.m_text.size()) continue;
-        const rendering::ScopedMatrix matrix;
-        glTranslatef(x + line.m_x, y + line.m_y, 0);
-        glScalef(cell, cell, 1);
-        DrawLine(*font, formatted, line, cell);
+        if (line.m_end <= formatted.m_text.size()) AddLine(s_batch, grid, *font, formatted, line, {x, y});
     }
-    font->EndDrawing();
+    if (!s_batch.IsEmpty()) font->DrawGlyphs(s_batch);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "gui/LookAndFeel.h"
 #include "input/Input.h"
 #include "util/Clock.h"
+#include "util/Redraw.h"
 
 namespace gui {
 namespace {
@@ -39,6 +40,7 @@ void ToolTip::Update(float dt) {
     }
     const bool isDue = target != nullptr && now - m_since >= DELAY;
     if (isDue && !m_visible) Show(target->GetToolTip());
+    if (isDue != m_visible) util::Redraw::Request();
     m_visible = isDue;
 }
 

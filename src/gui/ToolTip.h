@@ -12,6 +12,8 @@ class ToolTip : public Label {
 
     void Update(float dt) override;
     void Draw() override;
+    bool IsVisible() const override { return m_visible; }
+    const char* GetKind() const override { return "ToolTip"; }
 
   private:
     const Component* FindTarget() const;

@@ -36,8 +36,15 @@ class Window : public WobbleComponent {
     void AddCloseButton();
     const ButtonPtr& GetCloseButton() const { return m_closeButton; }  // may be null
 
+    // From now on the user's place for this window is kept from run to run under this name, a word, and so is
+    // whether it is open (gui::WindowPlaces). Takes the kept place at once: to be called when the window has
+    // been put where it stands at a first start.
+    void SetPlaceKey(const String& key);
+
     // Escape closes the window while something in it has the focus; for dialogs.
     void SetClosesAtEscape(bool closes) { m_closesAtEscape = closes; }
+
+    void Raise();  // over its siblings
 
     // Takes the window from its parent; it dies unless somebody else holds it.
     void Close();
@@ -57,13 +64,13 @@ class Window : public WobbleComponent {
     bool HandlePress(const KeyEvent& event);
     bool IsOnTitleBar(math::Vec2 gui) const;
     void TearOff(Component& target);
-    void Raise();
 
     String m_title;
     FormattedText m_titleText;
     bool m_dragging = false;
     math::Vec2 m_dragPos;  // where the mouse would have it; beyond the view it stays behind
     bool m_closesAtEscape = false;
+    String m_placeKey;        // empty: its place is not kept
     ButtonPtr m_closeButton;  // a child too; may be null
     util::CallbackSet m_movedCallbacks;
     util::CallbackSet m_closedCallbacks;

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "rendering/Renderer.h"
+#include "util/Redraw.h"
 
 // A damped spring draws the target x after the place p:
 //
@@ -70,6 +71,8 @@ void WobbleComponent::Update(float dt) {
         for (int i = 0; i < nSteps; ++i) Step(dt / nSteps);
     }
     UpdateMatrix();
+    constexpr float VISIBLE = 0.25f;  // GUI units
+    if (math::Length(GetWobbleLag()) > VISIBLE) util::Redraw::Request();
 }
 
 void WobbleComponent::Step(float h) {

@@ -6,14 +6,13 @@ namespace gui {
 
 // The text that the user has copied anywhere, in ISO 8859-1; empty when there is none or no clipboard.
 String GetClipboardText();
+void SetClipboardText(const String& text);  // ISO 8859-1
 
-// UTF-8 to ISO 8859-1, which the font sheet and all texts use. What does not fit is dropped, and so are
-// carriage returns.
-String Latin1FromUtf8(const String& text);
-String Utf8FromLatin1(const String& text);
-
-// Replaces the platform's clipboard, for tests; null brings it back. The source gives UTF-8.
-using ClipboardSource = String (*)();
-void SetClipboardSource(ClipboardSource source);
+// Takes the place of the platform's clipboard, for tests; a null `read` brings it back. Texts are UTF-8.
+struct ClipboardAccess {
+    String (*m_read)() = nullptr;
+    void (*m_write)(const String& text) = nullptr;
+};
+void SetClipboardAccess(const ClipboardAccess& access);
 
 }  // namespace gui

@@ -5,15 +5,15 @@
 #include <SDL/SDL_mouse.h>
 #include <SDL/SDL_video.h>
 
-#include <algorithm>
 #include <cctype>
-#include <cmath>
 
+#include "input/EventQueue.h"
 #include "input/Key.h"
 #include "logging/Log.h"
 #include "util/Clock.h"
 #include "util/Guarded.h"
 #include "util/ProfileTree.h"
+#include "util/Redraw.h"
 
 namespace gui {
 
@@ -44,29 +44,24 @@ const char* GetJoystickEventName(int type) {
     }
 }
 
-// The user's dragging of a window edge queues every step, and each one costs a new window.
-bool IsOutdatedResize(const SDL_Event& event) {
-    SDL_Event later;
-    return event.type == SDL_VIDEORESIZE &&
-           SDL_PeepEvents(&later, 1, SDL_PEEKEVENT, SDL_EVENTMASK(SDL_VIDEORESIZE)) > 0;
-}
-
 }  // namespace
 
-Input::Input() : InputDelegator("Input") {}
+Input::Input() : InputDelegator("Input"), m_queue(new EventQueue) {}
+
+Input::~Input() noexcept(false) = default;
 
 void Input::Pump() {
     PROFILE_SECTION("Event handling");
     SDL_Event event;
-    while (SDL_PollEvent(&event) != 0) {
-        if (!IsOutdatedResize(event)) HandleEvent(event);
-    }
+    while (SDL_PollEvent(&event) != 0) m_queue->Push(event);  // what passes by its filter
+    while (m_queue->Pop(event)) HandleEvent(event);
     math::Vec2i mouse;
     SDL_GetMouseState(&mouse.x, &mouse.y);
     FinishPump(mouse);
 }
 
 void Input::HandleEvent(const SDL_Event& event) {
+    util::Redraw::Request();
     util::Guarded([&] { Translate(event); }, "", logging::Error);
 }
 
@@ -125,11 +120,16 @@ void Input::HandleKey(const SDL_Event& event) {
     const bool pressed = event.type == SDL_KEYDOWN;
     m_modifierState = event.key.keysym.mod;
     KeyEvent key = MakeKeyEvent(code, 0, pressed);
+    const bool repeated = pressed && IsKeyDown(code);
     try {
         key = BuildKeyEvent(code, event.key.keysym.unicode, pressed);
     } catch (const std::exception& e) {
         LogException(e, WHERE);
     }
+    key.m_repeated = repeated;
+    // The library sets the timer of a press last, also behind a release in the same breath: a short tap would
+    // repeat for ever.
+    if (!pressed) EnableCharacters();
     OnKeyEvent(key);
 }
 
@@ -208,11 +208,6 @@ bool Input::IsModifierDown(Modifier modifier) const {
            (row.m_key == 0 || IsKeyDown(row.m_key) || IsKeyDown(row.m_other));
 }
 
-math::Vec2i Input::ToPixels(math::Vec2 gui) const {
-    return {static_cast<int>(std::floor(gui.x * m_settings.m_scale + 0.5f)),
-            static_cast<int>(std::floor(gui.y * m_settings.m_scale + 0.5f))};
-}
-
 void Input::ShowCursor(bool show) {
     SDL_ShowCursor(show ? SDL_ENABLE : SDL_DISABLE);
 }
@@ -221,18 +216,9 @@ void Input::GrabInput(bool grab) {
     SDL_WM_GrabInput(grab ? SDL_GRAB_ON : SDL_GRAB_OFF);
 }
 
-void Input::WarpMouse(float x, float y) {
-    const math::Vec2i pixels = ToPixels({x, y});
-    SDL_WarpMouse(static_cast<Uint16>(std::max(pixels.x, 0)), static_cast<Uint16>(std::max(pixels.y, 0)));
-}
-
-void Input::SetTextMode(bool enabled) {
-    SDL_EnableUNICODE(enabled ? 1 : 0);
-    SDL_EnableKeyRepeat(enabled ? KEY_REPEAT_DELAY : 0, KEY_REPEAT_INTERVAL);
-}
-
 // Twice, for letting go of the grab may change the keyboard's mode.
 void Input::Reset() {
+    m_queue->Install();
     EnableCharacters();
     GrabInput(false);
     EnableCharacters();

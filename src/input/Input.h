@@ -5,6 +5,8 @@
 
 namespace gui {
 
+class EventQueue;
+
 // Modifier keys to ask for; those without a side stand for either.
 enum class Modifier {
     None,  // no modifier at all, locks included
@@ -44,6 +46,7 @@ struct InputSettings {
 class Input : public InputDelegator, public util::Singleton<Input> {
   public:
     Input();
+    ~Input() noexcept(false) override;
 
     void Pump();
 
@@ -62,13 +65,10 @@ class Input : public InputDelegator, public util::Singleton<Input> {
 
     void ShowCursor(bool show);  // the window system's
     void GrabInput(bool grab);
-    void WarpMouse(float x, float y);  // GUI coordinates
-    void SetTextMode(bool enabled);    // characters and key repeat
-    void Reset();                      // to be called when the video mode has been set
+    void Reset();  // to be called when the video mode has been set
 
     InputSettings& GetSettings() { return m_settings; }
     math::Vec2 ToGUI(math::Vec2 pixels) const { return pixels / m_settings.m_scale; }
-    math::Vec2i ToPixels(math::Vec2 gui) const;  // to the nearest
 
     // The event of a key; `unicode` as the library reports it, 0 on every release. Throws for a key that
     // has neither a character nor a name.
@@ -92,6 +92,7 @@ class Input : public InputDelegator, public util::Singleton<Input> {
     bool ContinueDrag(math::Vec2 delta, math::Vec2 position);
     void ApplyHoldRule();
 
+    const std::unique_ptr<EventQueue> m_queue;
     InputSettings m_settings;
     bool m_mouseButtonDown = false;  // after a press of any button, until a release of any
     MouseButtons m_buttons;          // down now

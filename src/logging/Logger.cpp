@@ -1,6 +1,7 @@
 #include "logging/Logger.h"
 
 #include <fstream>
+#include <utility>
 
 #include "util/Exception.h"
 #include "util/FileSystem.h"
@@ -18,6 +19,8 @@ void Log(logging::LogLevel level, const std::string& text) {
 
 namespace logging {
 
+constexpr size_t MAX_EARLY_LINES = 1000;
+
 void Logger::Log(LogLevel level, const String& text) {
     const bool filtered = level == Warning || level == Error;
     String line = text;
@@ -25,7 +28,15 @@ void Logger::Log(LogLevel level, const String& text) {
     if (level == Error) line = "!! ERROR: " + text;
     if (!m_thisFrame.insert(line).second && filtered) return;
     if (filtered && m_lastFrame.count(line) != 0) return;
+    if (m_keepsEarlyLines && level != Trace && m_earlyLines.size() < MAX_EARLY_LINES) {
+        m_earlyLines.push_back(line);
+    }
     Distribute(level, line);
+}
+
+std::vector<String> Logger::TakeEarlyLines() {
+    m_keepsEarlyLines = false;
+    return std::exchange(m_earlyLines, {});
 }
 
 // A sink that throws would be told of its own failure without end: the inner message goes nowhere.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <set>
+#include <vector>
 
 #include "logging/Log.h"
 #include "logging/Sinks.h"
@@ -18,6 +19,10 @@ class Logger : public util::Pointee, public util::Singleton<Logger> {
     // Never throws. "-- Warning: " and "!! ERROR: " are put before texts of exactly those two levels.
     void Log(LogLevel level, const String& text);
 
+    // What was for the user to read since the start, up to a thousand lines, for a reader who comes late;
+    // from then on nothing is kept.
+    std::vector<String> TakeEarlyLines();
+
     // Once per frame: what was said in this frame becomes last frame's.
     void Update();
 
@@ -27,6 +32,8 @@ class Logger : public util::Pointee, public util::Singleton<Logger> {
     std::set<ILoggerPtr> m_loggers;
     std::set<String> m_lastFrame;
     std::set<String> m_thisFrame;
+    bool m_keepsEarlyLines = true;
+    std::vector<String> m_earlyLines;
 };
 
 }  // namespace logging

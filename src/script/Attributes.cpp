@@ -7,6 +7,7 @@
 #include "script/Guest.h"
 #include "script/Scopes.h"
 #include "util/LockPtr.h"
+#include "util/Redraw.h"
 
 namespace script {
 
@@ -140,6 +141,7 @@ void TAttrib<T>::Freeze() {
 
 template <class T>
 void TAttrib<T>::Fire() {
+    util::Redraw::Request();
     if (m_onChange) m_onChange->CallAll();
 }
 

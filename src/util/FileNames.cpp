@@ -8,4 +8,5 @@ const String AUTOEXEC_FILE = "autoexec.cfg";
 const String DEFAULTS_FILE = "defaults.cfg";
 const String AUTOSAVE_CONFIG_FILE = "config.autosave.cfg";
 const String TEMPORARY_ENDING = ".tmp";
+const String CONSOLE_HISTORY_FILE = "console.history";
 const String LOCK_FILE = ".vexa.lock";

@@ -13,6 +13,7 @@ extern const String ONEXIT_SCENE;    // the scene of the last clean exit
 extern const String CONFIG_FILE;           // settings, written at a clean exit
 extern const String AUTOEXEC_FILE;         // the user's own start-up script; never written
 extern const String AUTOSAVE_CONFIG_FILE;  // settings saved while running; its presence means a crash
+extern const String CONSOLE_HISTORY_FILE;  // what was typed into the console
 extern const String LOCK_FILE;             // held by the program that autosaves under these names
 
 // In the Data/ folder:

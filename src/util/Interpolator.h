@@ -2,6 +2,7 @@
 
 #include "util/ClassTracker.h"
 #include "util/Clock.h"
+#include "util/Redraw.h"
 
 namespace util {
 
@@ -23,20 +24,24 @@ class Interpolator : public InterpolatorBase {
         m_target = value;
         m_startTime = Clock::Now();
         m_duration = duration;
+        m_isMoving = true;
     }
 
     // Takes the value at once.
     void Jump(const T& value) {
         m_start = m_target = m_current = value;
         m_duration = 0;
+        Redraw::Request();
     }
 
     // The ease s(u) = u + u^2 - u^3 starts with slope 1, overshoots nothing, ends with slope 0 and reaches
     // exactly 1 at u = 1.
     void Update() override {
+        if (m_isMoving) Redraw::Request();
         const double t = Clock::Now() - m_startTime;
         if (!(t < m_duration)) {
             m_start = m_current = m_target;
+            m_isMoving = false;
             return;
         }
         const float u = static_cast<float>(t / m_duration);
@@ -50,6 +55,7 @@ class Interpolator : public InterpolatorBase {
   private:
     double m_startTime = 0;  // seconds
     double m_duration = 0;   // seconds
+    bool m_isMoving = false;
     T m_start;
     T m_target;
     T m_current;

@@ -53,7 +53,7 @@ TEST_F(SubsystemTest, SettingsAsScriptsSeeThem) {
         const char* m_result;
     } cases[] = {
         {"System.clearColor", "[0, 0, 0, 1]"},
-        {"System.minFPS", "10"},
+        {"System.minFPS", "2"},
         {"System.maxFPS", "60"},
         {"System.resizable", "true"},
         {"System.fullscreen", "false"},

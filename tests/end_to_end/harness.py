@@ -6,6 +6,7 @@ time, so that the cases hold on a slow machine.
 """
 
 import contextlib
+import itertools
 import json
 import os
 import re
@@ -97,6 +98,9 @@ def ground(y):
 
 def scene(*entities):
     return ";\n".join(("version = 1",) + entities) + "\n"
+
+
+_CONSOLE_MARKS = itertools.count(7001)
 
 
 # ---- the program
@@ -242,6 +246,32 @@ class Session:
 
     def key(self, name):
         self.xdo("key", name)
+
+    def console(self, command):
+        """Types a line into the console; its answer, "" for none. Log and answers lie in the log file."""
+        before = len(self.read("Logfile.txt"))
+        end = str(next(_CONSOLE_MARKS))
+        self.key("F11")
+        for line in (command, end):
+            self.xdo("type", "--delay", "15", line)
+            self.key("Return")
+        self.key("F11")
+        said = re.compile(r"\d: > " + re.escape(command) + r"\n(.*?)^[\d:]+: > " + end + "$", re.S | re.M)
+        answer = wait_for("the answer to " + command, lambda: said.search(self.read("Logfile.txt")[before:]))
+        return re.sub(r"^[\d:]+: ", "", answer.group(1).rstrip("\n"), count=1)
+
+    def widgets(self):
+        """The controls on the screen, topmost first, as (kind, key, text, place, size, state)."""
+        return json.loads(self.console("GUI.widgets"), strict=False)
+
+    def widget(self, key):
+        found = [row for row in self.widgets() if row[1] == key]
+        check(found, "there is no control with the key " + key)
+        return found[0]
+
+    def click_widget(self, key):
+        _, _, _, place, size, _ = self.widget(key)
+        self.click((place[0] + size[0] / 2, place[1] + size[1] / 2))
 
     @contextlib.contextmanager
     def holding(self, modifier):

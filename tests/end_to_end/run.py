@@ -121,6 +121,23 @@ def case_move_and_clone(session):
     session.xdo("mouseup", 1)
 
 
+def case_console(session):
+    """The console runs what is typed, says what fails, remembers it over a restart, and lists the controls."""
+    start_boxes(session)
+    check(session.console("1 + 2") == "3", "another answer than 3")
+    check("noSuchName" in session.console("noSuchName"), "a failure was not told")
+    check([row for row in session.widgets() if row[0] == "Console"], "GUI.widgets does not list the console")
+    session.console("App.lineWidth = 7.0")
+    session.quit()
+    check("App.lineWidth = 7.0" in session.read("config.cfg"), "the setting was not made")
+    session.start()
+    session.key("F11")
+    session.xdo("key", "Up", "Return")
+    session.key("F11")
+    wait_for("the last line of the first run",
+             lambda: session.read("Logfile.txt").count("> App.lineWidth = 7.0\n") == 2)
+
+
 def case_version(session):
     """The version is told without a display, and nothing else is done."""
     done = subprocess.run([session.path("Vexa"), "-version"], cwd=session.folder, capture_output=True,

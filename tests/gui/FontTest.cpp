@@ -113,14 +113,12 @@ TEST_F(FontDrawing, FineSheetIsDrawnAtHighScalesIfItFits) {
     for (const auto& c : cases) {
         test::WriteBytes(test::FontPath("fine.raw"), String(c.side * c.side, '\xff'));
         const FontPtr font = new Font(test::FontPath("fixedsys.dat"), test::FontPath("fixedsys.raw"),
-                                      test::FontPath("fine.raw"));
+                                      {test::FontPath("fine.raw")});
         Font::SetPixelsPerUnit(c.pixelsPerUnit);
         glClear(GL_COLOR_BUFFER_BIT);
-        glLoadIdentity();
-        glScalef(2 * CELL, 2 * CELL, 1);
-        font->BeginDrawing();
-        font->DrawRun("a", 1);
-        font->EndDrawing();
+        rendering::VertexBatch batch;
+        font->AddGlyph(batch, 'a', {0, 0}, 2 * CELL);
+        font->DrawGlyphs(batch);
         EXPECT_EQ((*ReadFrame())(16, SIZE - 1 - 24).x, c.expected);
         Font::SetPixelsPerUnit(1);
     }
@@ -135,15 +133,11 @@ TEST_F(FontDrawing, PenFollowsAdvancesTabsAndLines) {
     EXPECT_EQ(ReadGlyph(*frame, 2 + 8, 3 + 16), 'y');
 }
 
-TEST_F(FontDrawing, LeavesColourListsAndMatrixAsTheyWere) {
+TEST_F(FontDrawing, LeavesColourAndMatrixAsTheyWere) {
     rendering::Renderer& renderer = rendering::Renderer::Instance();
     renderer.SetColor({0.5f, 1, 1, 1});
     m_format.m_color = {1, 0.5f, 0, 1};
-    glListBase(7);
     gui::DrawString(m_format, 0, 0, "\xFF");
-    GLint base = 0;
-    glGetIntegerv(GL_LIST_BASE, &base);
-    EXPECT_EQ(base, 7);
     EXPECT_EQ(renderer.GetColor(), math::Vec4(0.5f, 1, 1, 1));
     const rendering::RGBA32 pixel = (*ReadFrame())(1, SIZE - 1 - test::GLYPH_ROW);
     EXPECT_NEAR(pixel.x, 128, 2);
@@ -152,7 +146,6 @@ TEST_F(FontDrawing, LeavesColourListsAndMatrixAsTheyWere) {
     GLfloat matrix[16];
     glGetFloatv(GL_MODELVIEW_MATRIX, matrix);
     EXPECT_EQ(matrix[12], 0);
-    glListBase(0);
 }
 
 }  // namespace

@@ -57,15 +57,15 @@ TEST(GUI, TellsInputItsTolerances) {
     SetAttribute("clickTimeTolerance", 0.4f);
 }
 
-TEST(GUI, ForwardsLogLinesOnceThereIsSomebodyToReadThem) {
-    String lines;
-    Log(logging::Error, "before");
-    GUI::Instance().SetLineTarget([&lines](const String& line) { lines += line + ";"; });
+TEST(GUI, TheConsoleShowsWhatIsLogged) {
+    const gui::ConsolePtr& console = GUI::Instance().GetConsole();
+    console->Clear();
     Log(logging::Error, "seen");
     Log(logging::Info, "news");
     Log(logging::Trace, "only in the file");
-    GUI::Instance().SetLineTarget(nullptr);
-    EXPECT_EQ(lines, "!! ERROR: seen;news;");
+    ASSERT_EQ(console->GetLines().size(), 2u);
+    EXPECT_EQ(console->GetLines()[0].text, "!! ERROR: seen");
+    EXPECT_EQ(console->GetLines()[1].text, "news");
 }
 
 // ---- drawing -----------------------------------------------------------------------------------------

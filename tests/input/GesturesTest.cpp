@@ -114,7 +114,6 @@ TEST_F(GesturesTest, PositionsAreInUnitsOfTheScale) {
     EXPECT_EQ(TakeCalls().back(), "drag (50,50) d(10,0) at (60,50) 324");
     Wait(0, 30, 40);
     EXPECT_EQ(m_input.GetMousePosition(), math::Vec2(15, 20));
-    EXPECT_EQ(m_input.ToPixels({10.2f, 10.3f}), math::Vec2i(20, 21));
 }
 
 TEST_F(GesturesTest, ButtonsTravelWithTheMovement) {

@@ -79,7 +79,8 @@ void InputTest::Key(bool pressed, int key, int unicode) {
 
 void InputTest::SetModifiers(int state) {
     SDL_SetModState(static_cast<SDLMod>(state));
-    m_input.FinishPump(m_input.ToPixels(m_input.GetMousePosition()));
+    const math::Vec2 pixels = m_input.GetMousePosition() * m_input.GetSettings().m_scale;
+    m_input.FinishPump({static_cast<int>(pixels.x), static_cast<int>(pixels.y)});
 }
 
 void InputTest::Tap(int key, int unicode) {

@@ -41,6 +41,10 @@ void View::Update() {
     m_worldToGUI = m_view.Get();
 }
 
+void View::Arrive() {
+    SetWorldToGUI(GetTargetWorldToGUI(), false);
+}
+
 void View::SetWorldToGUI(const math::TMatrix3<float>& matrix, bool animate) {
     if (!IsUsable(matrix)) {
         Log(logging::Warning, "Bad arg to SetWorldToGUI");

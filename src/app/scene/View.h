@@ -25,6 +25,7 @@ class View {
     static constexpr float GetDefaultZoom() { return 150; }
 
     void Update();            // glides on
+    void Arrive();            // ends gliding, at the target
     void KeepZoomInBounds();  // glides back into them
 
     math::Vec2 GUIToWorld(const math::Vec2& gui) const { return math::Inverted(m_worldToGUI)(gui); }

@@ -12,8 +12,8 @@
 #include "gui/Focus.h"
 #include "gui/LookAndFeel.h"
 #include "gui/components/Images.h"
-#include "input/Clipboard.h"
 #include "rendering/TextureManager.h"
+#include "util/Encoding.h"
 #include "util/FileSystem.h"
 
 namespace app {
@@ -60,7 +60,7 @@ rendering::TextureMentorPtr GetPicture(const String& scenePath) {
 
 String GetSceneTitle(const String& file) {
     const String name = StripSceneEnding(file), key = "Scene_" + name;
-    return Language::Instance().Has(key) ? Language::Instance().Get(key) : gui::Latin1FromUtf8(name);
+    return Language::Instance().Has(key) ? Language::Instance().Get(key) : util::Latin1FromUtf8(name);
 }
 
 SceneButton::SceneButton(const String& file, Shape shape, const std::function<void()>& choose)

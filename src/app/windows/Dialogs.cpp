@@ -16,10 +16,10 @@
 #include "gui/LookAndFeel.h"
 #include "gui/components/ScrollArea.h"
 #include "gui/components/TextField.h"
-#include "input/Clipboard.h"
 #include "input/WindowHost.h"
 #include "physics/Simulation.h"
 #include "rendering/GraphicsResource.h"
+#include "util/Encoding.h"
 #include "util/FileSystem.h"
 
 namespace app {
@@ -77,7 +77,7 @@ SaveDialog::SaveDialog(const Scene& scene, const String& name, const NameFunctio
       m_path(name),
       m_save(save),
       m_question(new gui::Label(Translate("SaveAsWhat"))),
-      m_name(new gui::TextField(gui::Latin1FromUtf8(StripSceneEnding(GetFileName(name))))),
+      m_name(new gui::TextField(util::Latin1FromUtf8(StripSceneEnding(GetFileName(name))))),
       m_saveButton(MakeButton("Save", [this] { Save(); })) {
     SetKey("Save");
     SetClosesAtEscape(true);
@@ -102,7 +102,7 @@ bool SaveDialog::IsOtherScene(const String& file) const {
 }
 
 void SaveDialog::Save() {
-    String file = CleanSceneName(gui::Utf8FromLatin1(m_name->GetText()));
+    String file = CleanSceneName(util::Utf8FromLatin1(m_name->GetText()));
     if (file.empty()) return;
     if (file == GetFileName(m_path)) file = m_path;
     if (IsOtherScene(file) && m_asked != file) {

@@ -6,6 +6,7 @@
 #include "gui/LookAndFeel.h"
 #include "input/Key.h"
 #include "rendering/Renderer.h"
+#include "util/Redraw.h"
 
 namespace gui {
 namespace {
@@ -64,6 +65,7 @@ void AbstractButton::OnPressed() {
 }
 
 void AbstractButton::SetEnabled(bool enabled) {
+    if (enabled != m_enabled) util::Redraw::Request();
     m_enabled = enabled;
     if (!enabled) m_pressed = false;
 }
@@ -84,6 +86,7 @@ Button::Button(const String& text, const String& name) : AbstractButton(name) {
 }
 
 void Button::SetText(const String& text) {
+    util::Redraw::Request();
     m_text = FormatText(GetTextFormat(), text);
     const Border& border = GetBorder();
     SetSize(m_text.m_width + 2 * TEXT_MARGIN,

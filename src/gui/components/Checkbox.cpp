@@ -6,6 +6,7 @@
 #include "gui/LookAndFeel.h"
 #include "gui/components/Images.h"
 #include "script/Conversions.h"
+#include "util/Redraw.h"
 
 namespace gui {
 
@@ -13,8 +14,13 @@ void AbstractToggleButton::OnPressed() {
     SetState(m_state != On ? On : Off);
 }
 
-void AbstractToggleButton::SetState(State state) {
+void AbstractToggleButton::SetStateSilent(State state) {
+    if (state != m_state) util::Redraw::Request();
     m_state = state;
+}
+
+void AbstractToggleButton::SetState(State state) {
+    SetStateSilent(state);
     AbstractButton::OnPressed();
 }
 

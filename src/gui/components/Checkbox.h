@@ -21,7 +21,7 @@ class AbstractToggleButton : public AbstractButton {
 
     State GetToggleState() const { return m_state; }
     virtual void SetState(State state);  // fires the press callbacks
-    void SetStateSilent(State state) { m_state = state; }
+    void SetStateSilent(State state);
 
   private:
     State m_state = Off;

@@ -1,6 +1,7 @@
 #include "gui/components/Label.h"
 
 #include "gui/LookAndFeel.h"
+#include "util/Redraw.h"
 
 namespace gui {
 
@@ -10,6 +11,7 @@ Label::Label(const String& text, const String& name) : Component(name) {
 
 // One line makes a row; more lines keep its margins.
 void Label::SetText(const String& text) {
+    util::Redraw::Request();
     m_text = FormatText(GetTextFormat(), text);
     const float width = m_fixedWidth > 0 ? m_fixedWidth : m_text.m_width + 2 * TEXT_MARGIN;
     SetSize(width, m_text.m_height + ROW_HEIGHT - GetTextFormat().m_lineHeight);

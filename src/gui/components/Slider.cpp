@@ -11,6 +11,7 @@
 #include "rendering/Renderer.h"
 #include "script/Conversions.h"
 #include "util/Assert.h"
+#include "util/Redraw.h"
 
 // With the track from x = M to x = w - M, M being the margin, and the fraction t of the track
 //
@@ -46,8 +47,13 @@ Slider::Slider(double min, double max, const String& name) : Component(name), m_
 
 void Slider::SetValue(double value) {
     if (IsSame(value, GetValue())) return;
-    m_value = value;
+    SetValueSilent(value);
     FireChange();
+}
+
+void Slider::SetValueSilent(double value) {
+    if (!IsSame(value, m_value)) util::Redraw::Request();
+    m_value = value;
 }
 
 void Slider::SetDefault(double value) {

@@ -16,7 +16,7 @@ class Slider : public Component {
 
     virtual double GetValue() const { return m_value; }
     virtual void SetValue(double value);  // tells of a change
-    virtual void SetValueSilent(double value) { m_value = value; }
+    virtual void SetValueSilent(double value);
     virtual void SetDefault(double value);       // where a middle click goes
     virtual void SetLabelText(const String&) {}  // for sliders that show a text of their own
     virtual void FireChange();

@@ -8,6 +8,7 @@
 #include "input/Key.h"
 #include "script/Conversions.h"
 #include "util/Clock.h"
+#include "util/Redraw.h"
 
 namespace gui {
 
@@ -84,13 +85,22 @@ size_t TextField::GetCursorAt(float x) const {
 void TextField::DrawComp() {
     Component::DrawComp();
     DrawText(GetTextFormat(), TEXT_MARGIN, std::floor((GetSize().y - m_text.m_height) / 2), m_text);
-    if (HasFocus()) DrawCursor();
+    if (IsCursorShown()) DrawCursor();
     Focus::DrawRing(*this);
 }
 
+void TextField::Update(float dt) {
+    Component::Update(dt);
+    if (IsCursorShown() != m_cursorShown) util::Redraw::Request();
+    m_cursorShown = IsCursorShown();
+}
+
 // Half a second on, half a second off.
+bool TextField::IsCursorShown() const {
+    return HasFocus() && std::lround(2 * (util::Clock::Now() - m_lastInput)) % 2 == 0;
+}
+
 void TextField::DrawCursor() const {
-    if (std::lround(2 * (util::Clock::Now() - m_lastInput)) % 2 != 0) return;
     const FormattedText bar = FormatText(GetTextFormat(), "|");
     const float x = GetCursorX(m_inputer->GetCursor()) - bar.m_width / 2;
     DrawText(GetTextFormat(), std::floor(x), std::floor((GetSize().y - bar.m_height) / 2), bar);

@@ -14,6 +14,7 @@ class TextField : public Component {
     void OnKeyEvent(KeyEvent& event) override;
     void OnClick(ClickEvent& event) override;
     void OnFocus(bool focused) override;
+    void Update(float dt) override;
     void DrawComp() override;
     void SetTextFormat(const TextFormat& format) override;
     bool TakesMouse() const override { return true; }
@@ -35,11 +36,13 @@ class TextField : public Component {
     void Format();
     float GetCursorX(size_t cursor) const;
     size_t GetCursorAt(float x) const;
+    bool IsCursorShown() const;
     void DrawCursor() const;
 
     const TextInputerPtr m_inputer;
     FormattedText m_text;
     float m_minWidth = 160;  // GUI units
+    bool m_cursorShown = false;
     double m_lastInput = 0;  // seconds; the cursor blinks from here
     util::CallbackSet m_onChange;
     util::CallbackSet m_onLostFocus;

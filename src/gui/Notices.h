@@ -1,0 +1,35 @@
+#pragma once
+
+#include <deque>
+
+#include "gui/Component.h"
+
+namespace gui {
+
+// Warnings and errors at the window's lower edge for some seconds, for a user who does not watch the console.
+class Notices : public Component {
+  public:
+    Notices();
+
+    // A line of the log; only warnings and errors are shown, without their prefix.
+    void Add(const String& line);
+
+    void Update(float dt) override;
+    void DrawComp() override;
+    bool IsVisible() const override { return !m_notices.empty(); }
+    const char* GetKind() const override { return "Notices"; }
+    String GetShownText() const override;
+
+  private:
+    struct Notice {
+        FormattedText text;
+        math::Vec4 color;
+        double end;  // seconds
+    };
+    void DrawNotice(const Notice& notice, float bottom) const;
+
+    std::deque<Notice> m_notices;  // oldest first
+};
+using NoticesPtr = util::SharedPtr<Notices>;
+
+}  // namespace gui
