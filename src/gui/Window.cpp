@@ -13,10 +13,10 @@ namespace {
 
 using math::Vec2;
 
-// GUI units, from the outer corner of the frame.
-constexpr Vec2 TITLE_PLACE(4, 6);
+// GUI units, from the outer corner of the frame; the title is in line with the text of a label.
+constexpr Vec2 TITLE_PLACE(10, 6);
 constexpr float CLOSE_BUTTON_MARGIN = 3;  // to the upper and the right edge
-constexpr float TITLE_ROOM = 12;          // beside the title
+constexpr float TITLE_ROOM = 18;          // beside the title
 constexpr float CLOSE_BUTTON_ROOM = 8;    // beside the button
 constexpr float LEAST_VIEW = 64;          // a smaller parent has not been given its size yet
 

@@ -65,8 +65,8 @@ void Context::SetViewport(int width, int height) {
     Renderer::Instance().RestoreColor();
 }
 
-void Context::CopyTexSubImage(int width, int height) {
-    s_copyTexSubImage(GL_TEXTURE_2D, 0, 0, 0, 0, 0, width, height);
+void Context::CopyTexSubImage(math::Vec2i min, math::Vec2i size) {
+    s_copyTexSubImage(GL_TEXTURE_2D, 0, min.x, min.y, min.x, min.y, size.x, size.y);
 }
 
 void Context::ReadPixels(int width, int height, unsigned int format, void* pixels) {

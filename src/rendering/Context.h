@@ -43,7 +43,8 @@ class Context {
 
     // Both read the present frame. The library may draw into a frame buffer of its own, which only the
     // functions that it hands out itself know of; the linked ones would give the picture of the last swap.
-    static void CopyTexSubImage(int width, int height);  // lower left of the frame into the bound texture
+    // Of the frame into the same place of the bound texture, from the lower left.
+    static void CopyTexSubImage(math::Vec2i min, math::Vec2i size);
     static void ReadPixels(int width, int height, unsigned int format,
                            void* pixels);  // bytes, packed tightly
 

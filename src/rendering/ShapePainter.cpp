@@ -16,6 +16,16 @@ using math::Vec2;
 using math::Vec3;
 using math::Vec4;
 
+// A convex outline in the view, small enough for the stack.
+struct PlaneOutline {
+    Vec2 points[8];
+    size_t count = 0;
+
+    void Add(Vec2 point) {
+        if (count < 8) points[count++] = point;
+    }
+};
+
 namespace {
 
 constexpr float RIM_BRIGHTNESS = 0.35f;  // of the rim's colour, as a part of the fill's
@@ -25,7 +35,13 @@ constexpr float MAX_CIRCLE_RIM = 0.2f;   // in radii, for a small circle
 constexpr float SPOT_PLACE = 0.6f;
 constexpr float SPOT_RADIUS = 0.11f;
 constexpr float SPOT_DARKNESS = 0.35f;
-constexpr float DISC_SCALE = 128.0f / 127;  // the picture's disc leaves a texel free on each side of 256
+// The ground gets darker with its depth, and lighter just below its rim, as if grass grew there; the shader
+// has the same numbers.
+constexpr float DEEP_BRIGHTNESS = 0.6f;
+constexpr float DEPTH_FALLOFF = 0.3f;  // part of the view's height in which the brightness comes 1/e nearer
+constexpr float GRASS_BRIGHTNESS = 0.28f;
+constexpr float GRASS_START = 1, GRASS_END = 4;  // depths, in widths of the rim
+constexpr float DISC_SCALE = 128.0f / 127;       // the picture's disc leaves a texel free on each side of 256
 constexpr Vec2 TEX_COORDS[4] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
 
 Vec4 Darkened(const Vec4& color, float brightness) {
@@ -41,23 +57,13 @@ void DrawSquare(const math::RigidTransform& transform, float halfSide) {
 
 // ---- planes -------------------------------------------------------------------------------------------
 
-// A convex outline in the view, small enough for the stack.
-struct Outline {
-    Vec2 points[8];
-    size_t count = 0;
-
-    void Add(Vec2 point) {
-        if (count < 8) points[count++] = point;
-    }
-};
-
 float PlaneDistance(const Vec3& plane, Vec2 p) {
     return plane.x * p.x + plane.y * p.y + plane.z;
 }
 
 // What lies at distances up to `limit`, or with `above` from there on (Sutherland and Hodgman, 1974).
-Outline Clip(const Outline& outline, const Vec3& plane, float limit, bool above) {
-    Outline result;
+PlaneOutline Clip(const PlaneOutline& outline, const Vec3& plane, float limit, bool above) {
+    PlaneOutline result;
     for (size_t i = 0; i < outline.count; ++i) {
         const Vec2 a = outline.points[i], b = outline.points[(i + 1) % outline.count];
         const float da = (PlaneDistance(plane, a) - limit) * (above ? -1.0f : 1.0f);
@@ -68,13 +74,21 @@ Outline Clip(const Outline& outline, const Vec3& plane, float limit, bool above)
     return result;
 }
 
-Outline ViewOutline(const math::BoundingBox2f& box) {
-    Outline outline;
+PlaneOutline ViewOutline(const math::BoundingBox2f& box) {
+    PlaneOutline outline;
     outline.Add(box.min);
     outline.Add({box.max.x, box.min.y});
     outline.Add(box.max);
     outline.Add({box.min.x, box.max.y});
     return outline;
+}
+
+// What the fill is multiplied by at a depth; `rim` is the rim's width.
+float GroundBrightness(float depth, float rim, float falloff) {
+    const float t =
+        rim > 0 ? std::clamp((depth / rim - GRASS_START) / (GRASS_END - GRASS_START), 0.0f, 1.0f) : 1;
+    const float grass = GRASS_BRIGHTNESS * (1 - t * t * (3 - 2 * t));
+    return (DEEP_BRIGHTNESS + (1 - DEEP_BRIGHTNESS) * std::exp(-depth / falloff)) * (1 + grass);
 }
 
 // A stretch of the view between two distances, its colour going over from one to the other.
@@ -83,8 +97,8 @@ struct Band {
     Vec4 lowColor, highColor;
 };
 
-void DrawBand(const Outline& view, const Vec3& plane, const Band& band) {
-    const Outline part = Clip(Clip(view, plane, band.high, false), plane, band.low, true);
+void DrawBand(const PlaneOutline& view, const Vec3& plane, const Band& band) {
+    const PlaneOutline part = Clip(Clip(view, plane, band.high, false), plane, band.low, true);
     if (part.count < 3 || !(band.high > band.low)) return;
     Vec4 colors[8];
     for (size_t i = 0; i < part.count; ++i) {
@@ -107,7 +121,8 @@ ShapePainter::ShapeShader::ShapeShader(const String& name)
       m_pixelSize(new Uniform(m_shader, "PixelSize")),
       m_distSampler(new Uniform(m_shader, "DistSampler")),
       m_distScale(new Uniform(m_shader, "DistScale")),
-      m_radius(new Uniform(m_shader, "Radius")) {}
+      m_radius(new Uniform(m_shader, "Radius")),
+      m_falloff(new Uniform(m_shader, "Falloff")) {}
 
 bool ShapePainter::ShapeShader::IsUsable() const {
     return Context::UseShaders() && m_shader->Get();
@@ -265,7 +280,7 @@ void ShapePainter::DrawPlane(const Vec3& plane, const Vec3& color) {
 }
 
 void ShapePainter::DrawPlaneByShader(const Vec3& plane) const {
-    const Outline solid = Clip(ViewOutline(m_view.box), plane, 0, false);
+    const PlaneOutline solid = Clip(ViewOutline(m_view.box), plane, 0, false);
     Vec2 texCoords[8];
     for (size_t i = 0; i < solid.count; ++i) {
         texCoords[i] = {PlaneDistance(plane, solid.points[i]),
@@ -275,7 +290,34 @@ void ShapePainter::DrawPlaneByShader(const Vec3& plane) const {
     const ScopedShader shader(*m_planeShader.m_shader->Get());
     m_planeShader.SetCommon(Renderer::Instance().GetColor(), m_view.borders ? m_view.borderWidth : 0,
                             m_view.pixelSize, 0);
+    m_planeShader.m_falloff->Set(GetFalloff());
     Renderer::Instance().DrawPolygon(solid.points, texCoords, solid.count);
+}
+
+float ShapePainter::GetFalloff() const {
+    return DEPTH_FALLOFF * m_view.box.GetSize().y;
+}
+
+// Below the rim: straight pieces of the curve of brightness, the last one without end.
+void ShapePainter::DrawGround(const PlaneOutline& view, const Vec3& plane, float width) const {
+    const Vec4 fill = Renderer::Instance().GetColor();
+    const float falloff = GetFalloff(), rim = m_view.borders ? width : 0, grassEnd = GRASS_END * width;
+    const float depths[] = {width,
+                            width * 1.75f,
+                            width * 3.25f,
+                            grassEnd,
+                            grassEnd + 0.3f * falloff,
+                            grassEnd + 0.8f * falloff,
+                            grassEnd + 1.6f * falloff,
+                            grassEnd + 3.2f * falloff};
+    for (size_t i = 0; i + 1 < std::size(depths); ++i) {
+        DrawBand(view, plane,
+                 {-depths[i + 1], -depths[i], Darkened(fill, GroundBrightness(depths[i + 1], rim, falloff)),
+                  Darkened(fill, GroundBrightness(depths[i], rim, falloff))});
+    }
+    constexpr float DEEP = 1e30f;
+    const Vec4 deep = Darkened(fill, DEEP_BRIGHTNESS);
+    DrawBand(view, plane, {-DEEP, -depths[std::size(depths) - 1], deep, deep});
 }
 
 // From the depth to the edge: fill, softening, rim, and the last pixel fading out.
@@ -286,11 +328,11 @@ void ShapePainter::DrawPlaneByBands(const Vec3& plane) const {
     const Vec4 fill = Renderer::Instance().GetColor();
     const Vec4 rim = m_view.borders ? Darkened(fill, RIM_BRIGHTNESS) : fill;
     const Vec4 clear{rim.x, rim.y, rim.z, 0};
-    const Outline view = ViewOutline(m_view.box);
+    const PlaneOutline view = ViewOutline(m_view.box);
     const ScopedCapability untextured(GL_TEXTURE_2D, false);
-    constexpr float DEEP = -1e30f;
-    DrawBand(view, plane, {DEEP, -width, fill, fill});
-    DrawBand(view, plane, {-width, std::min(softEnd, -pixel), fill, rim});
+    DrawGround(view, plane, width);
+    const Vec4 top = Darkened(fill, GroundBrightness(width, m_view.borders ? width : 0, GetFalloff()));
+    DrawBand(view, plane, {-width, std::min(softEnd, -pixel), top, rim});
     DrawBand(view, plane, {std::min(softEnd, -pixel), -pixel, rim, rim});
     DrawBand(view, plane, {-pixel, 0, rim, clear});
 }

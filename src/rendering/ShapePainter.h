@@ -11,6 +11,8 @@
 
 namespace rendering {
 
+struct PlaneOutline;
+
 // What all shapes of a frame have in common. Lengths in world units.
 struct ShapeView {
     math::BoundingBox2f box;  // the visible part of the world
@@ -56,6 +58,7 @@ class ShapePainter : public util::Pointee, public util::Singleton<ShapePainter> 
         UniformPtr m_borderSampler, m_color, m_width, m_pixelSize;
         UniformPtr m_distSampler, m_distScale;  // polygon
         UniformPtr m_radius;                    // circle
+        UniformPtr m_falloff;                   // plane
 
         explicit ShapeShader(const String& name);
         bool IsUsable() const;
@@ -73,6 +76,8 @@ class ShapePainter : public util::Pointee, public util::Singleton<ShapePainter> 
     void DrawBoxQuad() const;
     void DrawPlaneByShader(const math::Vec3& plane) const;
     void DrawPlaneByBands(const math::Vec3& plane) const;
+    void DrawGround(const PlaneOutline& view, const math::Vec3& plane, float width) const;
+    float GetFalloff() const;  // of the brightness with the depth, world units
 
     ShapeView m_view;
     math::Vec2 m_corners[4];  // of the polygon at hand, in the world

@@ -207,14 +207,15 @@ ImageRGBA32Ptr Texture::Read() const {
     return image;
 }
 
-void Texture::Copy(int x, int y) {
+void Texture::Copy(math::Vec2i min, math::Vec2i max) {
     PROFILE_SECTION("Texture::Copy");
     const math::Vec2i frame = Context::GetSize();
-    const int width = std::min({x, frame.x, static_cast<int>(m_width)});
-    const int height = std::min({y, frame.y, static_cast<int>(m_height)});
-    if (m_id == 0 || width <= 0 || height <= 0) return;
+    const math::Vec2i from(std::max(min.x, 0), std::max(min.y, 0));
+    const math::Vec2i size(std::min({max.x, frame.x, static_cast<int>(m_width)}) - from.x,
+                           std::min({max.y, frame.y, static_cast<int>(m_height)}) - from.y);
+    if (m_id == 0 || size.x <= 0 || size.y <= 0) return;
     const ScopedBinding binding(m_id);
-    Context::CopyTexSubImage(width, height);
+    Context::CopyTexSubImage(from, size);
 }
 
 // ---- from images and files ----------------------------------------------------------------------------

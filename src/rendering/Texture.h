@@ -58,7 +58,9 @@ class Texture : public GraphicsResource {
     ImageRGBA32Ptr Read() const;
 
     // Copies the frame from its lower left corner; at most the texture's size and the viewport's.
-    void Copy(int x, int y);
+    void Copy(int x, int y) { Copy({0, 0}, {x, y}); }
+    // A part of the frame, to the same place here; pixels from the lower left.
+    void Copy(math::Vec2i min, math::Vec2i max);
 
     uint32_t GetWidth() const { return m_width; }
     uint32_t GetHeight() const { return m_height; }

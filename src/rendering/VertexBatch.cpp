@@ -43,6 +43,22 @@ void VertexBatch::AddSprite(math::Vec2 center, math::Vec2 u, math::Vec2 v, const
     AddQuad(corners, TEX_COORDS, color);
 }
 
+void VertexBatch::AddRoundSprite(math::Vec2 center, math::Vec2 u, math::Vec2 v) {
+    constexpr float T = 0.41421356f;  // tan(pi / 8)
+    static constexpr math::Vec2 CORNERS[8] = {{-T, -1}, {T, -1}, {1, -T}, {1, T},
+                                              {T, 1},   {-T, 1}, {-1, T}, {-1, -T}};
+    static constexpr int QUADS[3][4] = {{0, 1, 4, 5}, {1, 2, 3, 4}, {0, 5, 6, 7}};
+    for (const auto& quad : QUADS) {
+        math::Vec2 corners[4], texCoords[4];
+        for (int i = 0; i < 4; ++i) {
+            const math::Vec2 corner = CORNERS[quad[i]];
+            corners[i] = center + u * corner.x + v * corner.y;
+            texCoords[i] = (corner + math::Vec2(1, 1)) * 0.5f;
+        }
+        AddQuad(corners, texCoords);
+    }
+}
+
 void VertexBatch::Draw() const {
     Draw(0, GetQuadCount());
 }

@@ -111,8 +111,11 @@ TEST_F(EntityTest, ClonesShareNothingThatMoves) {
 }
 
 TEST_F(EntityTest, NewColoursAreBrightButNotGlaring) {
+    math::Vec3 previous;
     for (int i = 0; i < 50; ++i) {
         const math::Vec3 color = GetScene().GetNextColor();
+        EXPECT_NE(color, previous);
+        previous = color;
         const float high = std::max({color.x, color.y, color.z}), low = std::min({color.x, color.y, color.z});
         EXPECT_GE((high + low) / 2, 0.449f);
         EXPECT_LE((high + low) / 2, 0.701f);

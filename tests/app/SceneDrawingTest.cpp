@@ -56,6 +56,7 @@ class SceneDrawingTest : public test::GlTest {
         app.GetDrawSettings().m_drawClouds->Set(false);
         app.Update(0);
         physics::SPH::Instance().m_radius->Set(DROP_RADIUS);
+        FindBackground().m_horizonColor->Set(FindBackground().m_skyColor->Get());
     }
 
     void TearDown() override {
@@ -158,13 +159,15 @@ TEST_F(SceneDrawingTest, WaterIsWhereTheDropsAreOnEveryPath) {
     }
 }
 
-TEST_F(SceneDrawingTest, TheShadersWaterStandsOutFromTheSky) {
+TEST_F(SceneDrawingTest, WaterStandsOutFromTheSkyWithAndWithoutShaders) {
     AddBlockOfWater();
-    UseShaders(true);
-    const ImageRGBA32Ptr frame = Draw();
-    double best = 0;
-    for (size_t x = 64; x < SIZE; ++x) best = std::fmax(best, Contrast((*frame)(x, 64), SKY));
-    EXPECT_GE(best, 3);
+    for (const bool shaders : {true, false}) {
+        UseShaders(shaders);
+        const ImageRGBA32Ptr frame = Draw();
+        double best = 0;
+        for (size_t x = 64; x < SIZE; ++x) best = std::fmax(best, Contrast((*frame)(x, 64), SKY));
+        EXPECT_GE(best, 3) << shaders;
+    }
 }
 
 TEST_F(SceneDrawingTest, DropsStretchAlongTheirVelocity) {
@@ -178,20 +181,38 @@ TEST_F(SceneDrawingTest, DropsStretchAlongTheirVelocity) {
     EXPECT_GT(extent(0, 1), extent(1, 0) * 2);
 }
 
-TEST_F(SceneDrawingTest, SelectedShapesPulse) {
-    const app::EntityPtr circle = AddCircle({0, 0}, {0.4f, 0.4f, 0.4f});
+TEST_F(SceneDrawingTest, SelectionBrightensEveryColourAndHasALineThatShowsOnIt) {
     static double s_now;
     util::Clock::SetSource([] { return s_now; });
-    EXPECT_NEAR((*Draw())(64, 64).x, 102, 1);
-    App::Instance().GetSelection().Add(circle);
-    s_now = std::acos(-1.0) / 10;  // brightest: 1.5, in the colour 1, 0.5, 0.5
-    RGBA32 middle = (*Draw())(64, 64);
-    EXPECT_NEAR(middle.x, 153, 1);
-    EXPECT_NEAR(middle.y, 77, 1);
-    s_now *= 3;  // darkest: 0.5
-    middle = (*Draw())(64, 64);
-    EXPECT_NEAR(middle.x, 51, 1);
+    for (const math::Vec3 color :
+         {math::Vec3(0.1f, 0.2f, 0.8f), {0.4f, 0.4f, 0.4f}, {1, 0.5f, 0.5f}, {1, 1, 1}}) {
+        const app::EntityPtr circle = AddCircle({0, 0}, color);
+        const RGBA32 plain = (*Draw())(64, 64);
+        App::Instance().GetSelection().Add(circle);
+        double contrast = 0;
+        for (const double time : {std::acos(-1.0) / 10, std::acos(-1.0) * 3 / 10}) {  // brightest, darkest
+            s_now = time;
+            const ImageRGBA32Ptr frame = Draw();
+            const RGBA32 middle = (*frame)(64, 64);
+            EXPECT_GE(middle.x, plain.x);
+            EXPECT_GE(middle.y, plain.y);
+            EXPECT_GE(middle.z, plain.z);
+            for (size_t x = 64; x < 84; ++x) contrast = std::fmax(contrast, Contrast((*frame)(x, 64), plain));
+        }
+        EXPECT_GT(contrast, 3) << plain.x << " " << plain.y << " " << plain.z;
+        App::Instance().Clear();
+    }
     util::Clock::SetSource(nullptr);
+}
+
+TEST_F(SceneDrawingTest, TheSkyGoesOverFromTheSkysColourToTheHorizons) {
+    FindBackground().m_skyColor->Set({0.2f, 0.4f, 1, 1});
+    FindBackground().m_horizonColor->Set({1, 0.4f, 0, 1});
+    const ImageRGBA32Ptr frame = Draw();
+    EXPECT_NEAR((*frame)(10, 127).x, 51, 2);
+    EXPECT_NEAR((*frame)(10, 64).x, 153, 3);
+    EXPECT_NEAR((*frame)(10, 0).z, 0, 2);
+    FindBackground().m_skyColor->Set({0.3f, 0.4f, 1, 1});
 }
 
 TEST_F(SceneDrawingTest, ShapesOutsideTheViewAreLeftOut) {
@@ -218,6 +239,7 @@ TEST_F(SceneDrawingTest, FadingBringsTheLastFrameBackAndTakesNoMemoryUntilUsed) 
     Draw();
     app.Clear();
     skyColor->Set({0.3f, 0.4f, 1, 0});
+    FindBackground().m_horizonColor->Set({0.3f, 0.4f, 1, 0});
     EXPECT_EQ((*Draw())(64, 64).x, 255);
     EXPECT_NEAR((*Draw())(10, 10).x, 77, 1);  // the sky of the opaque frame, still there
     skyColor->Set({0.3f, 0.4f, 1, 1});

@@ -172,6 +172,7 @@ TEST_F(ShapePainterTest, TheRimHasAConstantWidthAndCanBeLeftOut) {
         const ImageRGBA32Ptr image = Picture(shaders, draw);
         EXPECT_NEAR((*image)(30, 62).x, 89, 6) << shaders;
         EXPECT_EQ((*image)(30, 58).x, 255) << shaders;
+        EXPECT_LT((*image)(30, 4).x, 210) << "the deep is darker";
     }
     rendering::ShapeView view = ShapePainter::Instance().GetView();
     view.borders = false;

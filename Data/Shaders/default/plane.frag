@@ -5,7 +5,12 @@ uniform sampler2D BorderSampler;  // brightness of the rim along the radius of a
 uniform vec4 Color;
 uniform float Width;      // of the rim; 0 draws none
 uniform float PixelSize;  // side of a pixel
+uniform float Falloff;    // depth in which the brightness comes 1/e nearer to that of the deep
 
+const float DEEP_BRIGHTNESS = 0.6;
+const float GRASS_BRIGHTNESS = 0.28;  // more, just below the rim
+const float GRASS_START = 1.0;        // depths, in widths of the rim
+const float GRASS_END = 4.0;
 const float RIM_START = 0.8;  // part of the radius at which the picture's rim begins
 
 // d: signed distance, negative inside.
@@ -15,8 +20,13 @@ vec3 Rim(float d) {
     return texture2D(BorderSampler, vec2(0.5 + 0.49 * (RIM_START + (1.0 - RIM_START) * k), 0.5)).rgb;
 }
 
+float Ground(float depth) {
+    float t = Width > 0.0 ? smoothstep(GRASS_START, GRASS_END, depth / Width) : 1.0;
+    return (DEEP_BRIGHTNESS + (1.0 - DEEP_BRIGHTNESS) * exp(-depth / Falloff)) * (1.0 + GRASS_BRIGHTNESS * (1.0 - t));
+}
+
 void main() {
     float d = gl_TexCoord[0].s;
     float coverage = clamp(-d / PixelSize, 0.0, 1.0);
-    gl_FragColor = vec4(Color.rgb * Rim(d), Color.a * coverage);
+    gl_FragColor = vec4(min(Color.rgb * Ground(max(-d, 0.0)), 1.0) * Rim(d), Color.a * coverage);
 }

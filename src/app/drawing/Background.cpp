@@ -27,6 +27,13 @@ constexpr float MIN_CLOUD_SPEED = 0.1f, MAX_CLOUD_SPEED = 0.2f;  // sizes per se
 constexpr float SCREEN_WIDTH = 2048, SCREEN_HEIGHT = 1280;  // GUI units
 constexpr float ONE_OVER_PARALLAX = 1.4285715f;
 
+// Clouds brought into a view: their middles from the upper left, in parts of the view, and their width.
+struct CloudPlace {
+    float x, y, width;
+};
+constexpr CloudPlace CLOUD_PLACES[] = {
+    {0.14f, 0.17f, 0.24f}, {0.47f, 0.09f, 0.17f}, {0.78f, 0.21f, 0.27f}, {0.62f, 0.34f, 0.13f}};
+
 const char* const FOLDER = "background/";
 const char* const MASKS[] = {"*.png", "*.tga", "*.bmp", "*.jpg"};
 
@@ -50,6 +57,7 @@ Background::Background(const View& view, const script::AttribPtr<bool>& drawClou
     : Component("Background"),
       m_opacity(script::DeclareAttrib(*this, "opacity", 0.9f)),
       m_skyColor(script::DeclareAttrib(*this, "skyColor", Vec4(0.3f, 0.4f, 1, 1))),
+      m_horizonColor(script::DeclareAttrib(*this, "horizonColor", Vec4(0.8f, 0.9f, 1, 1))),
       m_view(view),
       m_drawClouds(drawClouds) {
     FindTextures();
@@ -109,8 +117,13 @@ void Background::Draw() {
 void Background::DrawSky() {
     PROFILE_SECTION("Draw sky color");
     const rendering::ScopedCapability untextured(GL_TEXTURE_2D, false);
-    Renderer::Instance().SetColor(m_skyColor->Get());
-    Renderer::Instance().DrawQuad({0, 0}, GetSize());
+    const Vec4& sky = m_skyColor->Get();
+    const Vec4& horizon = m_horizonColor->Get();
+    const rendering::ScopedCapability blended(GL_BLEND, sky.w < 1 || horizon.w < 1);
+    const Vec2 size = GetSize();
+    const Vec2 corners[4] = {{0, 0}, {size.x, 0}, size, {0, size.y}};
+    const Vec4 colors[4] = {sky, sky, horizon, horizon};
+    Renderer::Instance().DrawColored(corners, colors, 4);
 }
 
 void Background::DrawClouds() {
@@ -120,6 +133,7 @@ void Background::DrawClouds() {
     math::BoundingBox2f view;
     view.Extend(fromGUI({0, 0}));
     view.Extend(fromGUI(GetSize()));
+    if (IsViewOfNewScene()) BringClouds(view);
     CollectClouds(view);
     Renderer::Instance().MultMatrix(toGUI);
     Renderer::Instance().SetColor({1, 1, 1, m_opacity->Get()});
@@ -138,6 +152,32 @@ void Background::WrapClouds(Vec2 center) {
     for (Cloud& cloud : m_clouds) {
         cloud.position.x = Wrap(cloud.position.x, center.x, m_wrapWidth);
         cloud.position.y = Wrap(cloud.position.y, center.y, m_wrapHeight);
+    }
+}
+
+// Once the view has come to rest on the scene.
+bool Background::IsViewOfNewScene() {
+    if (m_sceneFits == m_view.GetSceneFits() || m_view.GetWorldToGUI() != m_view.GetTargetWorldToGUI())
+        return false;
+    m_sceneFits = m_view.GetSceneFits();
+    return true;
+}
+
+void Background::BringClouds(const math::BoundingBox2f& view) {
+    CollectClouds(view);
+    bool isEmpty = true;
+    for (rendering::VertexBatch& batch : m_batches) {
+        isEmpty = isEmpty && batch.IsEmpty();
+        batch.Clear();
+    }
+    if (!isEmpty) return;
+    const Vec2 size = view.GetSize();
+    for (size_t i = 0; i < std::size(CLOUD_PLACES); ++i) {
+        const CloudPlace& place = CLOUD_PLACES[i];
+        Cloud& cloud = m_clouds[i];
+        cloud.velocity *= place.width * size.x / cloud.size;
+        cloud.size = place.width * size.x;
+        cloud.position = {view.min.x + place.x * size.x, view.max.y - place.y * size.y};
     }
 }
 

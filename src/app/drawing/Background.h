@@ -12,9 +12,9 @@
 
 namespace app {
 
-// The sky with its clouds, behind the world. Clouds lie in a plane farther away, so they move at 0.7 of the
-// world's speed on the screen, and they drift with the simulation: they stop when it stops and wrap round in
-// a box about the view.
+// The sky, paler toward its lower edge, with its clouds, behind the world. Clouds lie in a plane farther
+// away, so they move at 0.7 of the world's speed on the screen, and they drift with the simulation: they stop
+// when it stops and wrap round in a box about the view.
 //
 // It is a component for the sake of its size and its place in scripts ("App.Background"), not a child of
 // anything: the renderer of the scene updates it and draws it first.
@@ -36,8 +36,9 @@ class Background : public gui::Component {
     // Part of the world's speed at which the clouds move on the screen.
     static constexpr float PARALLAX = 0.7f;
 
-    const script::AttribPtr<float> m_opacity;  // of the clouds
-    const script::AttribPtr<math::Vec4> m_skyColor;
+    const script::AttribPtr<float> m_opacity;            // of the clouds
+    const script::AttribPtr<math::Vec4> m_skyColor;      // at the upper edge
+    const script::AttribPtr<math::Vec4> m_horizonColor;  // at the lower edge
 
   private:
     const View& m_view;
@@ -45,6 +46,9 @@ class Background : public gui::Component {
     void FindTextures();
     void CreateClouds();
     void WrapClouds(math::Vec2 center);
+    // Some clouds come into a view that has just been fitted to a scene and shows none.
+    void BringClouds(const math::BoundingBox2f& view);
+    bool IsViewOfNewScene();
     void DrawSky();
     void DrawClouds();
     void CollectClouds(const math::BoundingBox2f& view);
@@ -54,6 +58,7 @@ class Background : public gui::Component {
     std::vector<Cloud> m_clouds;                             // none until the first Update
     float m_wrapWidth = 0;                                   // world units
     float m_wrapHeight = 0;
+    uint32_t m_sceneFits = 0;  // of the view, when it was last looked at
 };
 
 }  // namespace app

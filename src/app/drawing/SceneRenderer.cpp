@@ -4,6 +4,7 @@
 
 #include "app/drawing/Background.h"
 #include "app/drawing/DebugViews.h"
+#include "app/drawing/SelectionPainter.h"
 #include "app/drawing/WaterPainter.h"
 #include "app/entities/GeomEntity.h"
 #include "app/scene/Scene.h"
@@ -29,7 +30,9 @@ namespace {
 
 constexpr Vec4 WHITE{1, 1, 1, 1};
 constexpr float PULSE_SPEED = 5;        // rad/s
-constexpr float PULSE_STRENGTH = 0.5f;  // of the brightness
+constexpr float SELECTION_WIDTH = 7;    // of the line round what is selected, pixels at a scale of one
+constexpr float SELECTION_GLOW = 0.3f;  // of the way to white that a selected shape's colour goes at most
+constexpr float DESIGN_DPI = 86;        // of the screen that widths in centimetres were chosen for
 constexpr float CONTACT_NORMAL = 20;    // GUI units
 
 void BlendByAlpha() {
@@ -37,9 +40,16 @@ void BlendByAlpha() {
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
 }
 
-// The colour of selected shapes goes up and down.
+// What is selected goes up and down in brightness: between 0 and 1.
 float GetPulse() {
-    return 1 + static_cast<float>(std::sin(util::Clock::Now() * PULSE_SPEED)) * PULSE_STRENGTH;
+    return 0.5f + 0.5f * static_cast<float>(std::sin(util::Clock::Now() * PULSE_SPEED));
+}
+
+// What takes a colour some way to white when it is multiplied with it. Never below 1, so that no colour gets
+// darker; black, which cannot be brightened by a factor, stays black.
+Vec3 GetGlow(const Vec3& color, float part) {
+    const auto factor = [part](float c) { return c > 0 ? std::max(1.0f, (c + (1 - c) * part) / c) : 1; };
+    return {factor(color.x), factor(color.y), factor(color.z)};
 }
 
 float GetGUIScale() {
@@ -57,7 +67,8 @@ SceneRenderer::SceneRenderer(const Scene& scene, const View& view, script::Refle
       m_view(view),
       m_settings(owner),
       m_background(new Background(view, m_settings.m_drawClouds)),
-      m_waterPainter(new WaterPainter(m_settings.m_waterFanceyFactor)) {}
+      m_waterPainter(new WaterPainter(m_settings.m_waterFanceyFactor)),
+      m_selectionPainter(new SelectionPainter) {}
 
 SceneRenderer::~SceneRenderer() = default;
 
@@ -82,11 +93,12 @@ void SceneRenderer::Draw(const std::function<void()>& drawOver) {
     m_background->Draw();
     if (!GetParticles().empty()) DrawWater();
 
-    glLineWidth(m_settings.m_lineWidth->Get());
-    glPointSize(m_settings.m_pointSize->Get());
+    glLineWidth(m_settings.m_lineWidth->Get() * GetGUIScale());
+    glPointSize(m_settings.m_pointSize->Get() * GetGUIScale());
     BlendByAlpha();
     Renderer::Instance().MultMatrix(m_view.GetWorldToGUI());
     DrawEntities();
+    DrawSelection();
     DrawDebugViews();
     drawOver();
     rendering::ShapePainter::Instance().Flush();
@@ -130,29 +142,39 @@ void SceneRenderer::DrawEntities() {
     rendering::ShapeView view;
     view.box = m_view.GetViewBox();
     view.pixelSize = m_view.GetWorldPerGUI() / GetGUIScale();
-    view.borderWidth = m_settings.m_borderWidth->Get() * m_view.GetCmToWorld();
+    view.borderWidth = m_settings.m_borderWidth->Get() * m_view.GetCmToWorld() * GetLineGrowth();
     view.borders = m_settings.m_borders->Get();
     rendering::ShapePainter& painter = rendering::ShapePainter::Instance();
     painter.SetView(view);
 
-    const float pulse = GetPulse();
     for (const EntityPtr& entity : m_scene.GetEntities()) {
-        if (entity->GetBoundingBox().Overlaps(view.box)) DrawEntity(*entity, pulse);
+        if (entity->GetBoundingBox().Overlaps(view.box)) DrawEntity(*entity);
     }
     painter.Flush();
     Renderer::Instance().SetColor(WHITE);
 }
 
-void SceneRenderer::DrawEntity(Entity& entity, float pulse) {
+void SceneRenderer::DrawEntity(Entity& entity) {
     const bool isSelected = m_scene.GetSelection().Has(&entity);
-    const float tint = isSelected ? pulse : 1;
-    const Vec3 selected = m_settings.m_selectColor->Get();
-    entity.SetTint({tint, tint, tint});
-    Renderer::Instance().SetColor(isSelected ? Vec4(selected.x, selected.y, selected.z, 1) : WHITE);
+    entity.SetTint(isSelected ? GetGlow(entity.GetColor(), GetPulse() * SELECTION_GLOW) : Vec3(1, 1, 1));
     entity.Draw();
     if (const auto* const shape = dynamic_cast<const FiniteGeomEntity*>(&entity)) {
         DrawDebugLayers(*shape->GetGeom(), m_settings);
     }
+}
+
+// Between the chosen colour and white: at one of them it shows on whatever colour is under it.
+void SceneRenderer::DrawSelection() {
+    const Vec3 chosen = m_settings.m_selectColor->Get();
+    const Vec3 color = chosen * GetGlow(chosen, GetPulse());
+    m_selectionPainter->Draw(m_scene.GetSelection(), m_view.GetViewBox(),
+                             SELECTION_WIDTH * m_view.GetWorldPerGUI(), color);
+}
+
+// Lines in centimetres follow App.DPI. Where only the scale of the interface was raised for a fine screen,
+// they grow with that.
+float SceneRenderer::GetLineGrowth() const {
+    return std::max(1.0f, GetGUIScale() * DESIGN_DPI / m_view.GetDPI());
 }
 
 void SceneRenderer::DrawDebugViews() {
@@ -180,7 +202,7 @@ void SceneRenderer::DrawFade() {
     glScalef(scale.x, scale.y, 1);
     glTranslatef(-middle.x, -middle.y, 0);
     Renderer::Instance().SetColor({color.x, color.y, color.z, 1});
-    DrawFrameQuad(m_view.GetSize(), GetGUIScale());
+    DrawFrameQuad(GetWholeFrame(), m_view.GetSize(), GetGUIScale());
     Renderer::Instance().SetColor(WHITE);
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 
 #include "app/Fwd.h"
 #include "app/drawing/DrawSettings.h"
@@ -10,6 +11,7 @@
 
 namespace app {
 
+class SelectionPainter;
 class WaterPainter;
 struct WaterView;
 
@@ -37,7 +39,9 @@ class SceneRenderer {
     void CaptureFade();
     void DrawWater();
     void DrawEntities();
-    void DrawEntity(Entity& entity, float pulse);
+    void DrawEntity(Entity& entity);
+    void DrawSelection();
+    float GetLineGrowth() const;
     void DrawDebugViews();
 
     const Scene& m_scene;
@@ -45,6 +49,7 @@ class SceneRenderer {
     const DrawSettings m_settings;
     const BackgroundPtr m_background;
     const util::SharedPtr<WaterPainter> m_waterPainter;
+    const std::unique_ptr<SelectionPainter> m_selectionPainter;
     rendering::TextureMentorPtr m_fadeTexture;  // the last frame; null until fading is first asked for
     uint32_t m_fadeGeneration = 0;              // of the context that m_fadeTexture has a frame of
 };

@@ -24,9 +24,61 @@ namespace {
 constexpr uint32_t FRAME_TEXTURE_SIDE = 2048;  // texels
 constexpr float SPRITE_SIDE = 8;               // particle radii
 
+// Without shaders; the shader has a colour of its own.
+constexpr math::Vec4 RIM_COLOR{0.88f, 0.96f, 1, 1};
+constexpr float RIM_SHARE = 0.45f;  // of the field's range above the cutoff
+constexpr float CUT_GAIN = 4;       // the greatest scale of a texture unit
+
+// For a scope the texture unit makes the present colour opaque where the texture's alpha is above `cutoff`,
+// with an edge as soft as a slope of CUT_GAIN.
+class ScopedCut {
+  public:
+    explicit ScopedCut(float cutoff) {
+        const GLfloat constant[4] = {0, 0, 0, cutoff};
+        glTexEnvfv(GL_TEXTURE_ENV, GL_TEXTURE_ENV_COLOR, constant);
+        Set(GL_TEXTURE_ENV_MODE, GL_COMBINE);
+        Set(GL_COMBINE_RGB, GL_REPLACE);
+        Set(GL_SOURCE0_RGB, GL_PRIMARY_COLOR);
+        Set(GL_OPERAND0_RGB, GL_SRC_COLOR);
+        Set(GL_COMBINE_ALPHA, GL_SUBTRACT);
+        Set(GL_SOURCE0_ALPHA, GL_TEXTURE);
+        Set(GL_OPERAND0_ALPHA, GL_SRC_ALPHA);
+        Set(GL_SOURCE1_ALPHA, GL_CONSTANT);
+        Set(GL_OPERAND1_ALPHA, GL_SRC_ALPHA);
+        SetGains(CUT_GAIN);
+    }
+    ~ScopedCut() {
+        SetGains(1);
+        Set(GL_TEXTURE_ENV_MODE, GL_MODULATE);
+    }
+    ScopedCut(const ScopedCut&) = delete;
+    ScopedCut& operator=(const ScopedCut&) = delete;
+
+  private:
+    static void Set(GLenum name, GLint value) { glTexEnvi(GL_TEXTURE_ENV, name, value); }
+    static void SetGains(float alpha) {
+        glTexEnvf(GL_TEXTURE_ENV, GL_RGB_SCALE, 1);
+        glTexEnvf(GL_TEXTURE_ENV, GL_ALPHA_SCALE, alpha);
+    }
+};
+
 void ClearToBlack() {
     glClearColor(0, 0, 0, 0);
-    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    glClear(GL_COLOR_BUFFER_BIT);
+}
+
+// The pixels that a box of the world covers, rounded outward.
+FrameRegion GetRegion(const math::BoundingBox2f& box, const WaterView& view) {
+    const FrameRegion frame = GetWholeFrame();
+    if (!box.IsFinite()) return {};
+    const Vec2 a = view.worldToGUI(box.min), b = view.worldToGUI(box.max);
+    const auto toPixel = [&view](float gui, int limit) {
+        return static_cast<int>(std::clamp(gui * view.guiScale, 0.0f, static_cast<float>(limit)));
+    };
+    return {{toPixel(std::min(a.x, b.x) - 1, frame.max.x),
+             toPixel(view.size.y - std::max(a.y, b.y) - 1, frame.max.y)},
+            {toPixel(std::max(a.x, b.x) + 2, frame.max.x),
+             toPixel(view.size.y - std::min(a.y, b.y) + 2, frame.max.y)}};
 }
 
 // A maximum below 1 makes the bounds change places.
@@ -44,14 +96,19 @@ rendering::TextureMentorPtr MakeFrameTexture() {
     });
 }
 
-void DrawFrameQuad(Vec2 size, float guiScale) {
+FrameRegion GetWholeFrame() {
     constexpr int SIDE = FRAME_TEXTURE_SIDE;
     const math::Vec2i frame = rendering::Context::GetSize();
-    const float width = static_cast<float>(std::min(frame.x, SIDE));
-    const float height = static_cast<float>(std::min(frame.y, SIDE));
-    const Vec2 texCoord = Vec2(width, height) / static_cast<float>(SIDE);
-    Renderer::Instance().DrawQuad({0, size.y - height / guiScale}, {width / guiScale, size.y},
-                                  {0, texCoord.y}, {texCoord.x, 0});
+    return {{0, 0}, {std::min(frame.x, SIDE), std::min(frame.y, SIDE)}};
+}
+
+void DrawFrameQuad(const FrameRegion& region, Vec2 size, float guiScale) {
+    const Vec2 min(static_cast<float>(region.min.x), static_cast<float>(region.min.y));
+    const Vec2 max(static_cast<float>(region.max.x), static_cast<float>(region.max.y));
+    constexpr float SIDE = FRAME_TEXTURE_SIDE;
+    Renderer::Instance().DrawQuad({min.x / guiScale, size.y - max.y / guiScale},
+                                  {max.x / guiScale, size.y - min.y / guiScale}, {min.x / SIDE, max.y / SIDE},
+                                  {max.x / SIDE, min.y / SIDE});
 }
 
 WaterPainter::WaterPainter(const script::AttribPtr<float>& fanceyFactor)
@@ -70,6 +127,8 @@ void WaterPainter::DrawField(const physics::ParticleList& particles, const Water
     if (!m_metaTexture) m_metaTexture = MakeFrameTexture();
     const rendering::TexturePtr field = m_metaTexture->Get(), sprite = m_metaBallTexture->Get();
     if (!field || !sprite) return;
+    CollectSprites(particles, view);
+    if (m_region.IsEmpty()) return m_sprites.Clear();
     const rendering::ScopedMatrix matrix;
     const rendering::ScopedAttribs attribs;
     ClearToBlack();
@@ -81,11 +140,10 @@ void WaterPainter::DrawField(const physics::ParticleList& particles, const Water
     Renderer::Instance().MultMatrix(view.worldToGUI);
     {
         PROFILE_SECTION("Drawing particles");
-        CollectSprites(particles, view);
         const rendering::ScopedTexture bound(sprite);
         m_sprites.DrawAndClear();
     }
-    field->Copy(FRAME_TEXTURE_SIDE, FRAME_TEXTURE_SIDE);
+    field->Copy(m_region.min, m_region.max);
     ClearToBlack();
 }
 
@@ -94,26 +152,30 @@ void WaterPainter::CollectSprites(const physics::ParticleList& particles, const 
     math::BoundingBox2f box = view.box;
     // The square is no distance; how water behaves at the edge of the screen has been tuned with it.
     box.Grow(half * view.maxElongation * (half * view.maxElongation));
+    math::BoundingBox2f drops;
     for (const physics::ParticlePtr& particle : particles) {
         const Vec2 position = particle->m_pos, velocity = particle->m_vel;
         if (!box.Contains(position)) continue;
+        drops.Extend(position);
         const float speed = math::Length(velocity);
         const Vec2 heading = speed > 0 ? velocity / speed : Vec2(1, 0);
         const float stretch = Stretch(speed, view);
-        m_sprites.AddSprite(position, heading * (half * stretch),
-                            math::Perpendicular(heading) * (half / stretch));
+        m_sprites.AddRoundSprite(position, heading * (half * stretch),
+                                 math::Perpendicular(heading) * (half / stretch));
     }
+    if (!m_sprites.IsEmpty()) drops.Grow(half * std::max(1.0f, view.maxElongation));
+    m_region = GetRegion(drops, view);
 }
 
 // ---- the surface -----------------------------------------------------------------------------------------
 
 void WaterPainter::DrawSurface(const WaterView& view) {
-    if (!m_metaTexture || !m_metaTexture->Get()) return;
+    if (m_region.IsEmpty() || !m_metaTexture || !m_metaTexture->Get()) return;
     const rendering::ScopedTexture field(m_metaTexture->Get());
     if (rendering::Context::UseShaders() && m_waterShader->Get()) {
         DrawSurfaceByShader(view);
     } else {
-        DrawSurfaceByAlphaTest(view);
+        DrawSurfaceByUnit(view);
     }
 }
 
@@ -121,16 +183,24 @@ void WaterPainter::DrawSurfaceByShader(const WaterView& view) {
     const rendering::ScopedShader shader(*m_waterShader->Get());
     m_cutoff->Set(view.cutoff);
     m_color->Set(view.color);
-    DrawFrameQuad(view.size, view.guiScale);
+    DrawFrameQuad(m_region, view.size, view.guiScale);
 }
 
-// The hard cut is the look of this path: opaque where the field, dimmed by the colour's alpha, passes.
-void WaterPainter::DrawSurfaceByAlphaTest(const WaterView& view) {
-    const rendering::ScopedColor color(view.color);
-    const rendering::ScopedCapability noBlending(GL_BLEND, false);
-    const rendering::ScopedCapability alphaTest(GL_ALPHA_TEST, true);
-    glAlphaFunc(GL_GREATER, view.cutoff);
-    DrawFrameQuad(view.size, view.guiScale);
+// Two layers in plain colours, opaque but for their edges: the rim, and from a higher field on the water.
+void WaterPainter::DrawSurfaceByUnit(const WaterView& view) {
+    Renderer& renderer = Renderer::Instance();
+    const math::Vec4 kept = renderer.GetColor();
+    {
+        const ScopedCut cut(view.cutoff);
+        renderer.SetColor(RIM_COLOR);
+        DrawFrameQuad(m_region, view.size, view.guiScale);
+    }
+    {
+        const ScopedCut cut(view.cutoff + (1 - view.cutoff) * RIM_SHARE);
+        renderer.SetColor({view.color.x, view.color.y, view.color.z, 1});
+        DrawFrameQuad(m_region, view.size, view.guiScale);
+    }
+    renderer.SetColor(kept);
 }
 
 void WaterPainter::DrawDiscs(const physics::ParticleList& particles, const WaterView& view) {

@@ -25,6 +25,19 @@ struct WaterView {
     math::Vec4 color;
 };
 
+// A part of the frame, in pixels from its lower left corner; empty unless max is greater in both.
+struct FrameRegion {
+    math::Vec2i min, max;
+    bool IsEmpty() const { return max.x <= min.x || max.y <= min.y; }
+};
+
+// A texture that frames are copied into, 2048 by 2048.
+rendering::TextureMentorPtr MakeFrameTexture();
+FrameRegion GetWholeFrame();  // or what a frame texture covers of it
+// A region of a frame texture at the place in the frame that it was copied from. `size` of the frame in GUI
+// units, y down.
+void DrawFrameQuad(const FrameRegion& region, math::Vec2 size, float guiScale);
+
 // Draws the particles as one smooth body of water: metaballs in screen space (after J. Blinn, ACM TOG 1,
 // 1982). Each particle adds a soft sprite to the field; where the sum exceeds a threshold there is water.
 // The frame buffer serves as the scratch paper for the field, before anything else of the frame is drawn, so
@@ -35,15 +48,16 @@ class WaterPainter : public util::Pointee {
 
     // Adds up the field in the frame buffer, keeps it and leaves the buffer black.
     void DrawField(const physics::ParticleList& particles, const WaterView& view);
-    // Over what is there: with the shader, or by an alpha test.
+    // Over what is there: with the shader, or by a texture unit.
     void DrawSurface(const WaterView& view);
     // The plain way: one soft disc for each particle.
     void DrawDiscs(const physics::ParticleList& particles, const WaterView& view);
 
   private:
+    // Fills m_sprites and m_region.
     void CollectSprites(const physics::ParticleList& particles, const WaterView& view);
     void DrawSurfaceByShader(const WaterView& view);
-    void DrawSurfaceByAlphaTest(const WaterView& view);
+    void DrawSurfaceByUnit(const WaterView& view);
 
     rendering::TextureMentorPtr m_metaTexture;      // the field; made with the first water
     rendering::TextureMentorPtr m_metaBallTexture;  // one drop's field
@@ -52,12 +66,7 @@ class WaterPainter : public util::Pointee {
     rendering::UniformPtr m_cutoff;
     rendering::UniformPtr m_color;
     rendering::VertexBatch m_sprites;  // of this frame
+    FrameRegion m_region;              // where they are
 };
-
-// A texture that frames are copied into, 2048 by 2048.
-rendering::TextureMentorPtr MakeFrameTexture();
-// The whole component, or what a frame texture covers of it, in GUI units with y down; the texture's lower
-// edge at the frame's lower edge.
-void DrawFrameQuad(math::Vec2 size, float guiScale);
 
 }  // namespace app

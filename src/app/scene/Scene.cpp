@@ -1,16 +1,36 @@
 #include "app/scene/Scene.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "app/entities/Chain.h"
 #include "app/entities/GeomEntity.h"
-#include "math/Color.h"
 #include "physics/Body.h"
 #include "physics/Simulation.h"
 #include "util/Assert.h"
 #include "util/Exception.h"
 
 namespace app {
+
+namespace {
+
+// Of like strength and lightness, so that any two of them go together; red, green, blue.
+constexpr math::Vec3 PALETTE[] = {
+    {0.91f, 0.39f, 0.35f},  // coral
+    {0.94f, 0.58f, 0.31f},  // tangerine
+    {0.95f, 0.76f, 0.31f},  // sun
+    {0.61f, 0.80f, 0.36f},  // lime
+    {0.35f, 0.70f, 0.41f},  // leaf
+    {0.25f, 0.72f, 0.69f},  // teal
+    {0.29f, 0.56f, 0.85f},  // blue
+    {0.42f, 0.48f, 0.85f},  // indigo
+    {0.64f, 0.45f, 0.84f},  // violet
+    {0.90f, 0.48f, 0.66f},  // pink
+    {0.71f, 0.51f, 0.35f},  // wood
+};
+constexpr int PALETTE_SIZE = static_cast<int>(std::size(PALETTE));
+
+}  // namespace
 
 Scene::Scene() : m_selection(*this) {}
 Scene::~Scene() = default;
@@ -187,10 +207,13 @@ void Scene::ReleaseBodies(const physics::BodyList& bodies) {
 }
 
 math::Vec3 Scene::GetNextColor() {
-    const float hue = m_random.GetUniform(0, 360);
-    const float saturation = m_random.GetUniform(0.5f, 0.9f);
-    const float lightness = m_random.GetUniform(0.45f, 0.7f);
-    return math::HSLtoRGB({hue, saturation, lightness});
+    // Never one of the last two again: what is drawn in a row is told apart.
+    int index = 0;
+    do {
+        index = m_random.GetUniformInt(0, PALETTE_SIZE);
+    } while (index == m_lastColors[0] || index == m_lastColors[1]);
+    m_lastColors = {index, m_lastColors[0]};
+    return PALETTE[index];
 }
 
 // ---- the file

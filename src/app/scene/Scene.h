@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+
 #include "app/Fwd.h"
 #include "app/scene/Selection.h"
 #include "math/BoundingBox.h"
@@ -84,6 +86,7 @@ class Scene {
     Selection m_selection;
     EntityPtr m_trackedEntity;
     util::Random m_random;
+    std::array<int, 2> m_lastColors{-1, -1};  // the latest first; places in the palette
     String m_name;
     util::CallbackSet m_onNameChange;
 };

@@ -80,6 +80,7 @@ void View::SetDefaultView(bool animate) {
 }
 
 void View::ZoomToScene(const Scene& scene) {
+    ++m_sceneFits;
     const math::BoundingBox2f box = scene.GetExtent();
     // Planes alone have no extent to fit, and without a size there is nothing to fit it into.
     if (!box.IsFinite() || !(m_size.x > 0) || !(m_size.y > 0)) return SetDefaultView(true);

@@ -43,6 +43,7 @@ class View {
     void Pan(float x, float y, bool animate = true);
     // To all entities with finite extents; to the default view when there are none.
     void ZoomToScene(const Scene& scene);
+    uint32_t GetSceneFits() const { return m_sceneFits; }  // how often it has gone to a scene
     void SetDefaultView(bool animate);
     // Brings the tracked entity to the middle; one without finite extents is not tracked any more.
     void Follow(Scene& scene);
@@ -54,12 +55,14 @@ class View {
     math::BoundingBox2f GetViewBox() const;  // the visible part of the world
     float GetWorldPerGUI() const;            // world units per GUI unit, from the inverse of the view
     float GetCmToWorld() const;              // world units per centimetre on the screen
+    float GetDPI() const { return m_dpi->Get(); }
 
   private:
     const script::AttribPtr<float> m_dpi;
     util::Interpolator<math::TMatrix3<float>> m_view;
     math::TMatrix3<float> m_worldToGUI;  // the present value of m_view
     math::Vec2 m_size;
+    uint32_t m_sceneFits = 0;
 };
 
 }  // namespace app
