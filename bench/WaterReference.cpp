@@ -18,6 +18,14 @@ void WaterReference::Pass() {
     FindPairs();
     SumDensities();
     SumForces();
+    Predict();
+    for (int sweep = 0; sweep < m_settings.sweeps; ++sweep) {
+        CalcShifts();
+        Correct();
+    }
+    CalcShifts();
+    const float dt = m_settings.timeStep;
+    for (Drop& drop : m_drops) drop.force += drop.shift * (m_mass / (dt * dt));
 }
 
 void WaterReference::FillGrid() {
@@ -68,40 +76,93 @@ void WaterReference::PairCells(int x, int y, int otherX, int otherY) {
 void WaterReference::TestPair(uint32_t i, uint32_t j) {
     const Vec2 delta = m_drops[j].pos - m_drops[i].pos;
     const float distSq = math::LengthSquared(delta);
-    if (distSq < m_h * m_h) m_pairs.push_back({i, j, std::sqrt(distSq), delta});
+    if (distSq < m_h * m_h) m_pairs.push_back({i, j, std::sqrt(distSq), delta, {}});
 }
 
 void WaterReference::SumDensities() {
-    const float norm = 315 / (64 * math::PI * std::pow(m_h, 9.0f)) * m_mass;
-    for (Drop& drop : m_drops) drop.density = norm * std::pow(m_h, 6.0f);
-    for (const Pair& pair : m_pairs) {
-        const float q = m_h * m_h - pair.dist * pair.dist;
-        m_drops[pair.i].density += norm * q * q * q;
-        m_drops[pair.j].density += norm * q * q * q;
+    const float norm = 7 / (math::PI * m_h * m_h) * m_mass;
+    const float gradientNorm = 140 / (math::PI * std::pow(m_h, 4.0f)) * m_mass;
+    for (Drop& drop : m_drops) drop.density = norm;
+    for (Pair& pair : m_pairs) {
+        const float q = pair.dist / m_h;
+        const float u = 1 - q;
+        const float w = norm * u * u * u * u * (1 + 4 * q);
+        m_drops[pair.i].density += w;
+        m_drops[pair.j].density += w;
+        pair.gradient = pair.delta * (gradientNorm * u * u * u);
     }
-    const float c = m_settings.soundSpeed;
-    for (Drop& drop : m_drops) drop.pressure = c * c * (drop.density - m_settings.density);
 }
 
 void WaterReference::SumForces() {
-    const float norm = 45 / (math::PI * std::pow(m_h, 6.0f));
-    for (Drop& drop : m_drops) drop.pressureSum = drop.viscositySum = Vec2();
+    const float norm = 40 / (math::PI * std::pow(m_h, 5.0f));
+    for (Drop& drop : m_drops) drop.viscositySum = Vec2();
     for (const Pair& pair : m_pairs) {
         Drop& a = m_drops[pair.i];
         Drop& b = m_drops[pair.j];
-        const float q = m_h - pair.dist;
-        const float inverse = 1 / (a.density * b.density);
-        const Vec2 pressure = pair.delta * ((a.pressure + b.pressure) / 2 * inverse * norm * q * q);
-        const Vec2 viscosity = (b.vel - a.vel) * (norm * q * inverse);
-        a.pressureSum += pressure;
-        b.pressureSum -= pressure;
+        const Vec2 viscosity = (b.vel - a.vel) * (norm * (m_h - pair.dist) / (a.density * b.density));
         a.viscositySum += viscosity;
         b.viscositySum -= viscosity;
     }
+    for (Drop& drop : m_drops) drop.force = drop.viscositySum * (m_settings.viscosity * m_mass * m_mass);
+}
+
+void WaterReference::Predict() {
+    const float dt = m_settings.timeStep;
     for (Drop& drop : m_drops) {
-        drop.force +=
-            (drop.pressureSum * -m_settings.pressMultiplier + drop.viscositySum * m_settings.viscosity) *
-            (m_mass * m_mass);
+        drop.expected = drop.density;
+        drop.response = 0;
+        drop.gradientSum = Vec2();
+        drop.previous = drop.pressure;
+    }
+    for (const Pair& pair : m_pairs) {
+        Drop& a = m_drops[pair.i];
+        Drop& b = m_drops[pair.j];
+        const Vec2 apart = (a.vel + a.force * (dt / m_mass)) - (b.vel + b.force * (dt / m_mass));
+        const float change = dt * math::Dot(pair.gradient, apart);
+        const float square = math::LengthSquared(pair.gradient);
+        a.expected += change;
+        b.expected += change;
+        a.response += square;
+        b.response += square;
+        a.gradientSum += pair.gradient;
+        b.gradientSum -= pair.gradient;
+    }
+    for (Drop& drop : m_drops) {
+        drop.response =
+            dt * dt / (drop.density * drop.density) * (math::LengthSquared(drop.gradientSum) + drop.response);
+    }
+}
+
+void WaterReference::CalcShifts() {
+    const float dt = m_settings.timeStep;
+    for (Drop& drop : m_drops) drop.shift = Vec2();
+    for (const Pair& pair : m_pairs) {
+        Drop& a = m_drops[pair.i];
+        Drop& b = m_drops[pair.j];
+        const float share =
+            dt * dt * (a.pressure / (a.density * a.density) + b.pressure / (b.density * b.density));
+        a.shift -= pair.gradient * share;
+        b.shift += pair.gradient * share;
+    }
+}
+
+void WaterReference::Correct() {
+    const float c = m_settings.soundSpeed;
+    const float softness = 1 / (c * c * m_settings.pressMultiplier);
+    for (Drop& drop : m_drops) drop.change = 0;
+    for (const Pair& pair : m_pairs) {
+        Drop& a = m_drops[pair.i];
+        Drop& b = m_drops[pair.j];
+        const float change = math::Dot(pair.gradient, a.shift - b.shift);
+        a.change += change;
+        b.change += change;
+    }
+    for (Drop& drop : m_drops) {
+        const float missing = drop.expected + drop.change - m_settings.density - drop.pressure * softness;
+        const float next = drop.pressure + 0.9f * missing / (softness + drop.response) +
+                           0.4f * (drop.pressure - drop.previous);
+        drop.previous = drop.pressure;
+        drop.pressure = std::max(next, 0.0f);
     }
 }
 

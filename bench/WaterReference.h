@@ -14,20 +14,27 @@ struct WaterSettings {
     float soundSpeed;
     float viscosity;  // multiplier included
     float pressMultiplier;
+    float timeStep;  // s
+    int sweeps;
 };
 
-// The fluid equations in plain form: one array of structs, a grid over the box of all drops, a list of
-// pairs. What the engine's pass is measured against.
+// The fluid equations without bodies in plain form: one array of structs, a grid over the box of all drops, a
+// list of pairs. What the engine's pass is measured against.
 class WaterReference {
   public:
     struct Drop {
         math::Vec2 pos;
         math::Vec2 vel;
         math::Vec2 force;
-        math::Vec2 pressureSum;
         math::Vec2 viscositySum;
+        math::Vec2 gradientSum;
+        math::Vec2 shift;
         float density;
+        float expected;
+        float response;
+        float change;
         float pressure;
+        float previous;
     };
 
     WaterReference(const WaterSettings& settings, std::vector<Drop> drops);
@@ -42,6 +49,7 @@ class WaterReference {
         uint32_t j;
         float dist;
         math::Vec2 delta;
+        math::Vec2 gradient;
     };
 
     void FillGrid();
@@ -50,6 +58,9 @@ class WaterReference {
     void TestPair(uint32_t i, uint32_t j);
     void SumDensities();
     void SumForces();
+    void Predict();
+    void CalcShifts();
+    void Correct();
     const std::vector<uint32_t>* GetCell(int x, int y) const;
 
     WaterSettings m_settings;

@@ -21,8 +21,8 @@ BARS = {
     "stack/20": ("box2d", 1.0),
     "mixed/300": ("box2d", 0.5),
     "polygon/100": ("bruteforce", 0.5),
-    "water/4000": ("reference", 2.0),
-    "water/16000": ("reference", 2.5),
+    "water/4000": ("reference", 0.85),
+    "water/16000": ("reference", 0.85),
 }
 # Whole step per contact point and sweep, in nanoseconds.
 PER_CONTACT_BAR = 20

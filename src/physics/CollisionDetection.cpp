@@ -47,19 +47,10 @@ void Collider::AssignBodies(const BodyList& bodies, const ParticleList& particle
     }
 }
 
-// Particles do not push their place into their geoms, so it is taken from themselves.
 void Collider::AssignParticles(const ParticleList& particles) {
-    constexpr real RADIUS_FACTOR = 0.1f;
     m_particles.clear();
-    m_particlePos.clear();
-    if (particles.empty()) return;
-    m_particleRadius = SPH::Instance().m_radius->Get() * RADIUS_FACTOR;
     m_particles.reserve(particles.size());
-    m_particlePos.reserve(particles.size());
-    for (const ParticlePtr& particle : particles) {
-        m_particles.push_back(particle.Get());
-        m_particlePos.push_back(particle.Get()->m_pos);
-    }
+    for (const ParticlePtr& particle : particles) m_particles.push_back(particle.Get());
 }
 
 void Collider::AssignGeom(AbstractBody* body, Geom* geom) {

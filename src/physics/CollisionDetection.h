@@ -73,19 +73,13 @@ class Collider {
     static void CircleOutsidePolygon(const CircleRec& a, const PolygonRec& b, ContactPool& out);
     static void VerticesInside(Polygon* owner, Polygon* other, ContactPool& out);
 
-    math::BoundingBox2f GetWaterBox() const;
-    void PlanesInWater(const math::BoundingBox2f& water, ContactPool& out) const;
-    void CirclesInWater(const math::BoundingBox2f& water, ContactPool& out) const;
-    void PolygonsInWater(const math::BoundingBox2f& water, ContactPool& out) const;
     template <class Shape>
-    void TestParticles(Shape* shape, const math::BoundingBox2f& box, ContactPool& out) const;
+    void CollideWaterWith(Shape& shape, ContactPool& out) const;
 
     util::VectorPOD<PlaneRec> m_planes;
     util::VectorPOD<PolygonRec> m_polygons;
     util::VectorPOD<CircleRec> m_circles;
     util::VectorPOD<Particle*> m_particles;
-    util::VectorPOD<math::Vec2> m_particlePos;  // of the particles, in their order
-    math::real m_particleRadius = 0;            // m, for collision; a tenth of the water's radius
 
     PairSweep m_sweep;  // over circles, then polygons
 };

@@ -14,22 +14,12 @@ int32_t CellIndex(math::real coordinate, math::real cellsPerMetre) {
     return static_cast<int32_t>(std::min(std::max(cell, -FARTHEST), FARTHEST));
 }
 
-// Rows and columns shifted to be unsigned, so that keys order like (column, row). Rows stay away from the
-// ends of their half, so that a key plus or minus 1 is the neighbour in the column.
-static uint64_t CellKey(int32_t column, int32_t row) {
-    constexpr uint32_t ORIGIN = 0x80000000u;
-    return (uint64_t(static_cast<uint32_t>(column) + ORIGIN) << 32) | (static_cast<uint32_t>(row) + ORIGIN);
-}
-
-void NeighborGrid::Build(const util::VectorPOD<math::Vec2>& points, math::real radius, math::real cellSize) {
-    SortPoints(points, 1 / cellSize);
-    FindPairs(radius);
-}
-
-void NeighborGrid::SortPoints(const util::VectorPOD<math::Vec2>& points, math::real cellsPerMetre) {
+void NeighborGrid::Sort(const util::VectorPOD<math::Vec2>& points, math::real cellSize) {
+    m_cellsPerMetre = 1 / cellSize;
+    m_pairCount = 0;
     m_keys.Clear(points.size());
     for (const math::Vec2 p : points) {
-        m_keys.Add(CellKey(CellIndex(p.x, cellsPerMetre), CellIndex(p.y, cellsPerMetre)));
+        m_keys.Add(MakeKey(CellIndex(p.x, m_cellsPerMetre), CellIndex(p.y, m_cellsPerMetre)));
     }
     const util::VectorPOD<Keys::Item>& items = m_keys.Sort();
     m_order.resize(points.size());
@@ -75,33 +65,39 @@ void NeighborGrid::FindPairs(math::real radius) {
         const uint32_t besideEnd = beside == besideStop ? 0 : besideStop[-1].end;
 
         for (uint32_t i = cell->begin; i < cell->end; ++i) {
-            ReservePairs((ownEnd - i) + (besideEnd - besideBegin));
-            PairWith(i, i + 1, ownEnd, radius * radius);
-            PairWith(i, besideBegin, besideEnd, radius * radius);
+            const size_t most = m_pairCount + MAX_PARTNERS;
+            PairWith(i, i + 1, ownEnd, radius * radius, most);
+            PairWith(i, besideBegin, besideEnd, radius * radius, most);
         }
     }
 }
 
 // Writes every candidate and keeps it by moving on: whether a point is near is a coin toss to the
-// processor's branch prediction.
-void NeighborGrid::PairWith(uint32_t i, uint32_t begin, uint32_t end, math::real radiusSq) {
+// processor's branch prediction. Whether there are enough is asked once in a while.
+void NeighborGrid::PairWith(uint32_t i, uint32_t begin, uint32_t end, math::real radiusSq, size_t most) {
+    constexpr uint32_t BLOCK = 64;
     const math::Vec2* const points = m_points.data();
-    uint32_t* const first = m_first.data();
-    uint32_t* const second = m_second.data();
-    math::Vec2* const deltas = m_delta.data();
-    math::real* const distSqs = m_distSq.data();
     const math::Vec2 p = points[i];
-    size_t count = m_pairCount;
-    for (uint32_t j = begin; j < end; ++j) {
-        const math::Vec2 delta = points[j] - p;
-        const math::real distSq = math::LengthSquared(delta);
-        first[count] = i;
-        second[count] = j;
-        deltas[count] = delta;
-        distSqs[count] = distSq;
-        count += distSq < radiusSq ? 1 : 0;
+    while (begin < end && m_pairCount < most) {
+        const uint32_t stop = end - begin < BLOCK ? end : begin + BLOCK;
+        ReservePairs(BLOCK);
+        uint32_t* const first = m_first.data();
+        uint32_t* const second = m_second.data();
+        math::Vec2* const deltas = m_delta.data();
+        math::real* const distSqs = m_distSq.data();
+        size_t count = m_pairCount;
+        for (uint32_t j = begin; j < stop; ++j) {
+            const math::Vec2 delta = points[j] - p;
+            const math::real distSq = math::LengthSquared(delta);
+            first[count] = i;
+            second[count] = j;
+            deltas[count] = delta;
+            distSqs[count] = distSq;
+            count += distSq < radiusSq ? 1 : 0;
+        }
+        m_pairCount = std::min(count, most);
+        begin = stop;
     }
-    m_pairCount = count;
 }
 
 void NeighborGrid::ReservePairs(size_t more) {

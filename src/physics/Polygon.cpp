@@ -50,6 +50,24 @@ Vec3 CalcBoundingCircle(const Vec2List& vertices) {
     return {middle.x, middle.y, radius};
 }
 
+Vec2 ToBox(const OBB2D& box, Vec2 p) {
+    const Vec2 r = p - box.center;
+    return {math::Dot(box.axis[0], r), math::Dot(box.axis[1], r)};
+}
+
+bool Contains(const OBB2D& box, Vec2 p) {
+    const Vec2 q = ToBox(box, p);
+    return std::fabs(q.x) <= box.halfSize.x && std::fabs(q.y) <= box.halfSize.y;
+}
+
+// From the nearest point of a box to a point outside it.
+Vec2 GetWayOut(const OBB2D& box, Vec2 p) {
+    const Vec2 q = ToBox(box, p);
+    const real x = q.x - std::clamp(q.x, -box.halfSize.x, box.halfSize.x);
+    const real y = q.y - std::clamp(q.y, -box.halfSize.y, box.halfSize.y);
+    return x * box.axis[0] + y * box.axis[1];
+}
+
 [[noreturn]] void ThrowTooManyVertices() {
     THROW(BadDataException, "Too many vertices");
 }
@@ -217,6 +235,18 @@ Vec2 Polygon::GetNormal(Vec2 point) const {
     if (std::fabs(math::Dot(m_obb.axis[0], r)) > m_obb.halfSize.x) return Vec2();
     if (std::fabs(math::Dot(m_obb.axis[1], r)) > m_obb.halfSize.y) return Vec2();
     return GetTransform().Rotate(math::Normalized(m_map->SampleGradient(p)));
+}
+
+real Polygon::GetFieldDistance(Vec2 point) const {
+    const Vec2 p = GetInvTransform()(point);
+    if (Contains(m_map->GetBox(), p)) return m_map->SampleDistance(p);
+    return math::Length(GetWayOut(m_obb, p));
+}
+
+Vec2 Polygon::GetFieldNormal(Vec2 point) const {
+    const Vec2 p = GetInvTransform()(point);
+    const bool isMapped = Contains(m_map->GetBox(), p);
+    return GetTransform().Rotate(math::Normalized(isMapped ? m_map->SampleGradient(p) : GetWayOut(m_obb, p)));
 }
 
 // The arithmetic of Distance up to the map, without branches, so that it runs on several points at a time.

@@ -65,6 +65,11 @@ class Polygon : public Geom {
     // Pairs of a given line and an edge that cross.
     size_t CountIntersections(const LineList& lines) const;
 
+    // The distance and the unit direction outward at any point: from the map as far as it reaches, some way
+    // round the tight box; beyond, those from the tight box.
+    math::real GetFieldDistance(math::Vec2 point) const;
+    math::Vec2 GetFieldNormal(math::Vec2 point) const;
+
     // GetDistance without the virtual call, for loops over vertices.
     math::real Distance(math::Vec2 point) const;
     // Which of BLOCK points lie in the tight box; the distance of the others is positive.

@@ -1,21 +1,25 @@
-// Smoothed-particle hydrodynamics after Müller, Charypar, Gross, "Particle-based fluid simulation for
-// interactive applications" (2003), with two decisions of its own.
+// Smoothed-particle hydrodynamics in the plane, after Müller, Charypar, Gross, "Particle-based fluid
+// simulation for interactive applications" (2003), with the smooth kernel of Wendland (1995) and pressures by
+// a density solve (WaterPressure.cpp).
 //
 // Letters: r distance and d position of the neighbour j less that of the particle i, h the kernel radius, m
-// the mass of a particle, rho density, p pressure, v velocity, c speed of sound. With r < h:
-//   W(r) = 315 / (64 pi h^9) (h^2 - r^2)^3      density
-//   G(r) = 45 / (pi h^6) (h - r)^2              gradient
-//   L(r) = 45 / (pi h^6) (h - r)                viscosity
-//   rho_i = sum m W(r), the particle itself included;  p_i = c^2 (rho_i - density)
+// the mass of a particle, rho density, p pressure, v velocity, c speed of sound. With r < h and q = r / h:
+//   W(r) = 7 / (pi h^2) (1 - q)^4 (1 + 4 q)     density
+//   G(r) = 140 / (pi h^4) (1 - q)^3             gradient: that of W is -G d
+//   L(r) = 40 / (pi h^5) (h - r)                viscosity
+//   rho_i = sum m W(r), the particle itself included, and the touched bodies;
+//   p_i = pressMultiplier c^2 (rho_i - density) and at least 0, of the density at the end of the step
 //   C  = (p_i + p_j) / (2 rho_i rho_j), or p_j / rho_j^2 + p_i / rho_i^2
 //   SP = sum C G(r) d;  SN = sum G(r) d / rho_j;  SV = sum (v_j - v_i) L(r) / (rho_i rho_j)
 //   surfaceNormal = surfaceTension m SN
-//   force = m (-m pressMultiplier SP + viscMultiplier viscosity m SV + surfaceNormal)
-// The decisions: G acts on d and not on d / r, so that the force fades as particles come close; and the self
-// term stays in rho, so that a lone particle (12.3 with the defaults) is far above the density at rest,
-// pressure always pushes, and no division meets a zero.
+//   force = m (-m SP + viscMultiplier viscosity m SV + surfaceNormal)
+// In water at rest drops lie sqrt(pi) radius apart, so each has its mass in its share of the area, and what
+// floats displaces its own mass. G acts on d, not on d / r, so no division meets a zero.
 //
-// C, d and v_j - v_i only change sign when i and j change places, so each pair is visited once.
+// A body that is near, at the distance s from its surface with the normal n, counts as water at rest behind a
+// straight line: the share of the kernel beyond the line, with u = 1 - s / h,
+//   F = u^5 (1.5 - u), with the slope F' = -1.5 / h u^4 (5 - 4 u), continued to 1 - F inside,
+// adds density F to rho_i (of the share BODY_SHARE), and pressure pushes along -density F' n.
 
 #include "physics/SPH.h"
 
@@ -23,60 +27,78 @@
 #include <cmath>
 #include <sstream>
 
+#include "physics/Body.h"
+#include "physics/WaterTouch.h"
 #include "util/ProfileTree.h"
 #include "util/Random.h"
 
 namespace physics {
 
+using math::real;
+using math::Vec2;
+using script::DeclareAttrib;
+using script::Range;
+
 SPH::SPH()
     : Reflected("SPH"),
-      m_radius(script::DeclareAttrib(*this, "radius", 0.05f)),
-      m_influence(script::DeclareAttrib(*this, "influence", 2.0f)),
-      m_specialPressure(script::DeclareAttrib(*this, "specialPressure", true)),
-      m_vaporizeTime(script::DeclareAttrib(*this, "vaporizeTime", 5.0f)),
-      m_friction(script::DeclareAttrib(*this, "friction", 0.01f)),
-      m_restitution(script::DeclareAttrib(*this, "restitution", 0.0f)),
-      m_soundSpeed(script::DeclareAttrib(*this, "soundSpeed", 20.0f)),
-      m_density(script::DeclareAttrib(*this, "density", 1.0f)),
-      m_viscosity(script::DeclareAttrib(*this, "viscosity", 0.5f)),
-      m_pressMultiplier(script::DeclareAttrib(*this, "pressMultiplier", 1.0f)),
-      m_viscMultiplier(script::DeclareAttrib(*this, "viscMultiplier", 1.0f)),
-      m_surfaceTension(script::DeclareAttrib(*this, "surfaceTension", 0.0f)),
-      m_jitter(script::DeclareAttrib(*this, "jitter", 0.0f)),
-      m_bucketSize(script::DeclareAttrib(*this, "bucketSize", 2.0f)) {}
+      m_radius(DeclareAttrib(*this, "radius", 0.05f, Range<float>{0.001f, 10})),
+      m_influence(DeclareAttrib(*this, "influence", 4.0f, Range<float>{0.5f, 8})),
+      m_specialPressure(DeclareAttrib(*this, "specialPressure", false)),
+      m_vaporizeTime(DeclareAttrib(*this, "vaporizeTime", 5.0f, Range<float>{0, 1e9f})),
+      m_friction(DeclareAttrib(*this, "friction", 0.01f, Range<float>{0, 1000})),
+      m_restitution(DeclareAttrib(*this, "restitution", 0.0f, Range<float>{0, 1})),
+      m_soundSpeed(DeclareAttrib(*this, "soundSpeed", 20.0f, Range<float>{0, 1000})),
+      m_density(DeclareAttrib(*this, "density", 1.0f, Range<float>{0.001f, 10000})),
+      m_viscosity(DeclareAttrib(*this, "viscosity", 0.02f, Range<float>{0, 1000})),
+      m_pressMultiplier(DeclareAttrib(*this, "pressMultiplier", 1.0f, Range<float>{0, 1000})),
+      m_viscMultiplier(DeclareAttrib(*this, "viscMultiplier", 1.0f, Range<float>{0, 1000})),
+      m_surfaceTension(DeclareAttrib(*this, "surfaceTension", 0.0f, Range<float>{-1000, 1000})),
+      m_jitter(DeclareAttrib(*this, "jitter", 0.0f, Range<float>{0, 10000})),
+      m_bucketSize(DeclareAttrib(*this, "bucketSize", 2.0f, Range<float>{0.1f, 100})),
+      m_pressureSweeps(DeclareAttrib(*this, "pressureSweeps", 4, Range<int>{0, 1000})) {}
 
-void SPH::Update(const ParticleList& particles, math::real dt) {
+void SPH::Sort(const ParticleList& particles) {
+    PROFILE_SECTION("Sorting particles");
+    m_points.clear();
+    m_points.reserve(particles.size());
+    for (const ParticlePtr& particle : particles) m_points.push_back(particle.Get()->m_pos);
+    // Cells wider than the kernel find the same neighbours at a higher price. Narrower ones lose some, which
+    // is allowed.
+    m_grid.Sort(m_points, m_radius->Get() * m_influence->Get() * std::min(m_bucketSize->Get(), 1.0f));
+}
+
+void SPH::Update(const ParticleList& particles, const BodyList& bodies, real dt) {
     if (particles.empty()) return;
     PROFILE_SECTION("SPH::Update");
-    if (!IsUsable()) {
-        for (const ParticlePtr& particle : particles) particle.Get()->m_neighbors = {};
-        return;
-    }
     const Kernel kernel = MakeKernel();
     SetMaterials(particles);
     FindNeighbors(particles, kernel);
-    CalcSPHForces(kernel);
-    Evaporate(particles, dt);
+    FindTouches(bodies, kernel);
+    CalcDensities();
+    AddInnerForces(kernel, dt);
     Jitter(particles, kernel.particleMass);
+    SolvePressure(bodies, kernel, dt);
+    StoreResults(dt);
+    Evaporate(dt);
     CalcStatistics();
     m_sorted.clear();
     ShowStatistics();
 }
 
-// With a radius, kernel or density that is not above 0 there is nothing to compute but zeros divided by
-// zeros.
-bool SPH::IsUsable() const {
-    return m_radius->Get() > 0 && m_influence->Get() > 0 && m_density->Get() > 0;
+real SPH::GetContactRadius() const {
+    constexpr real SHARE = 0.1f;
+    return m_radius->Get() * SHARE;
 }
 
 SPH::Kernel SPH::MakeKernel() const {
-    constexpr math::real PI_64 = 201.06194f;
-    const math::real h = m_radius->Get() * m_influence->Get();
-    const math::real h3 = h * h * h;
+    const real h = m_radius->Get() * m_influence->Get();
+    const real h2 = h * h;
     Kernel kernel;
     kernel.h = h;
-    kernel.poly6Norm = 1 / (PI_64 * (h3 * h3 * h3));
-    kernel.spikyNorm = 1 / (math::PI * (h3 * h3));
+    kernel.weightNorm = 7 / (math::PI * h2);
+    kernel.gradientNorm = 140 / (math::PI * (h2 * h2));
+    kernel.viscousNorm = 40 / (math::PI * (h2 * h2 * h));
+    kernel.restDensity = m_density->Get();
     kernel.particleMass = m_density->Get() * (m_radius->Get() * m_radius->Get() * math::PI);
     return kernel;
 }
@@ -84,10 +106,10 @@ SPH::Kernel SPH::MakeKernel() const {
 // Changed settings reach all water at once.
 void SPH::SetMaterials(const ParticleList& particles) const {
     PROFILE_SECTION("Update rad/density");
-    const math::real radius = m_radius->Get();
-    const math::real density = m_density->Get();
-    const math::real friction = m_friction->Get();
-    const math::real restitution = m_restitution->Get();
+    const real radius = m_radius->Get();
+    const real density = m_density->Get();
+    const real friction = m_friction->Get();
+    const real restitution = m_restitution->Get();
     for (const ParticlePtr& particle : particles) {
         particle.Get()->SetMaterial(radius, density, friction, restitution);
     }
@@ -97,45 +119,53 @@ void SPH::SetMaterials(const ParticleList& particles) const {
 
 void SPH::FindNeighbors(const ParticleList& particles, const Kernel& kernel) {
     PROFILE_SECTION("FindNeighbors");
-    m_points.clear();
-    m_points.reserve(particles.size());
-    for (const ParticlePtr& particle : particles) m_points.push_back(particle.Get()->m_pos);
-    // Cells wider than the kernel find the same neighbours at a higher price. Narrower ones lose some, which
-    // is allowed.
-    const math::real cellSize = kernel.h * std::min(m_bucketSize->Get(), 1.0f);
-    {
-        PROFILE_SECTION("Hashing particles");
-        m_grid.Build(m_points, kernel.h, cellSize);
-        SortStates(particles);
-    }
-    PROFILE_SECTION("Building neighbor lists");
+    m_grid.FindPairs(kernel.h);
+    TakeDrops(particles, kernel);
     CalcKernels(kernel);
-    StoreNeighbors();
+    CountNeighbors();
 }
 
-void SPH::SortStates(const ParticleList& particles) {
+void SPH::TakeDrops(const ParticleList& particles, const Kernel& kernel) {
+    const real self = kernel.weightNorm * kernel.particleMass;
     const util::VectorPOD<uint32_t>& order = m_grid.GetOrder();
     m_sorted.resize(particles.size());
-    m_states.resize(particles.size());
+    m_drops.resize(particles.size());
     for (size_t i = 0; i < order.size(); ++i) {
         m_sorted[i] = particles[order[i]].Get();
-        m_states[i].vel = m_sorted[i]->m_vel;
+        m_drops[i] = {m_sorted[i]->m_vel, self, m_sorted[i]->m_pressure, Vec2()};
     }
+}
+
+// Drops in one and the same place have no direction apart; they get one by their numbers.
+static Vec2 MakeDirection(uint32_t i, uint32_t j, real length) {
+    const real angle = static_cast<real>((i * 2376512323u + j * 3625334849u) >> 16);
+    return {length * std::cos(angle), length * std::sin(angle)};
 }
 
 void SPH::CalcKernels(const Kernel& kernel) {
+    constexpr real CLOSEST = 0.001f;  // kernel radii
     const size_t pairs = m_grid.GetPairCount();
     m_dist.resize(pairs);
     m_weights.resize(pairs);
-    const math::real* const distSq = m_grid.GetDistSq();
-    math::real* const dist = m_dist.data();
-    math::real* const weights = m_weights.data();
-    const math::real hSq = kernel.h * kernel.h;
-    const math::real norm = 315 * kernel.poly6Norm * kernel.particleMass;
+    m_gradients.resize(pairs);
+    const real* const distSq = m_grid.GetDistSq();
+    const Vec2* const deltas = m_grid.GetDelta();
+    const real inverseH = 1 / kernel.h;
+    const real weightNorm = kernel.weightNorm * kernel.particleMass;
+    const real gradientNorm = kernel.gradientNorm * kernel.particleMass;
     for (size_t p = 0; p < pairs; ++p) {
-        const math::real q = hSq - distSq[p];
-        dist[p] = std::sqrt(distSq[p]);
-        weights[p] = norm * (q * q * q);
+        const real dist = std::sqrt(distSq[p]);
+        const real q = dist * inverseH;
+        const real u = std::max(1 - q, 0.0f);
+        const real u3 = u * u * u;
+        m_dist[p] = dist;
+        m_weights[p] = weightNorm * (u3 * u) * (1 + 4 * q);
+        m_gradients[p] = deltas[p] * (gradientNorm * u3);
+    }
+    for (size_t p = 0; p < pairs; ++p) {
+        if (distSq[p] > 0) continue;
+        const Vec2 apart = MakeDirection(m_grid.GetFirst()[p], m_grid.GetSecond()[p], CLOSEST * kernel.h);
+        m_gradients[p] = apart * gradientNorm;
     }
 }
 
@@ -151,140 +181,178 @@ void SPH::CountNeighbors() {
     }
 }
 
-// Gives each particle its stretch of the array and its first neighbour: itself.
-void SPH::LayOutNeighbors() {
-    m_neighbors.resize(m_sorted.size() + 2 * m_grid.GetPairCount());
-    m_cursors.resize(m_sorted.size());
-    uint32_t begin = 0;
-    for (size_t i = 0; i < m_sorted.size(); ++i) {
-        m_neighbors[begin] = {m_sorted[i], 0, math::Vec2()};
-        m_sorted[i]->m_neighbors = Particle::NeighborList(&m_neighbors[begin], m_counts[i]);
-        m_cursors[i] = begin + 1;
-        begin += m_counts[i];
+// ---- bodies --------------------------------------------------------------------------------------------
+
+void SPH::FindTouches(const BodyList& bodies, const Kernel& kernel) {
+    PROFILE_SECTION("Finding touches");
+    m_touches.clear();
+    for (uint32_t b = 0; b < bodies.size(); ++b) {
+        const Body& body = *bodies[b].Get();
+        for (const BodyPart& part : body.GetParts()) {
+            const Geom& geom = *part.geom.Get();
+            if (!geom.m_collideWater) continue;
+            VisitNearGeom(m_grid, geom, kernel.h, [&](uint32_t drop, const Probe& probe) {
+                AddTouch(kernel, body, b, drop, probe.distance, probe.normal);
+            });
+        }
     }
 }
 
-void SPH::StoreNeighbors() {
-    CountNeighbors();
-    LayOutNeighbors();
-    const size_t pairs = m_grid.GetPairCount();
-    const uint32_t* const first = m_grid.GetFirst();
-    const uint32_t* const second = m_grid.GetSecond();
-    const math::Vec2* const deltas = m_grid.GetDelta();
-    for (size_t p = 0; p < pairs; ++p) {
-        m_neighbors[m_cursors[first[p]]++] = {m_sorted[second[p]], m_dist[p], deltas[p]};
-        m_neighbors[m_cursors[second[p]]++] = {m_sorted[first[p]], m_dist[p], -deltas[p]};
-    }
+// A body as dense as water would keep drops a little farther away than they keep from each other, and
+// displace too much; this share of the density was measured by what floats.
+constexpr real BODY_SHARE = 0.95f;
+
+void SPH::AddTouch(const Kernel& kernel, const Body& body, uint32_t bodyIndex, uint32_t drop, real distance,
+                   Vec2 normal) {
+    const real u = 1 - std::min(std::fabs(distance) / kernel.h, 1.0f);
+    const real u4 = u * u * u * u;
+    const real outside = u4 * u * (1.5f - u);
+    const real slope = 1.5f * u4 * (5 - 4 * u) / kernel.h;
+    const real density = BODY_SHARE * kernel.restDensity;
+    m_drops[drop].density += density * (distance < 0 ? 1 - outside : outside);
+    const Vec2 gradient = normal * (density * slope);
+    m_touches.push_back({drop, bodyIndex, gradient, gradient, m_grid.GetSortedPoints()[drop] - body.m_pos});
 }
 
 // ---- forces --------------------------------------------------------------------------------------------
 
-void SPH::CalcSPHForces(const Kernel& kernel) {
-    PROFILE_SECTION("CalcSPHForces");
-    CalcDensities(kernel);
-    const bool surface = m_surfaceTension->Get() != 0;
-    if (m_specialPressure->Get()) {
-        surface ? SumPairs<true, true>(kernel) : SumPairs<true, false>(kernel);
-    } else {
-        surface ? SumPairs<false, true>(kernel) : SumPairs<false, false>(kernel);
-    }
-    StoreResults(kernel.particleMass);
-}
-
-void SPH::CalcDensities(const Kernel& kernel) {
-    const math::real hSq = kernel.h * kernel.h;
-    const math::real self = 315 * kernel.poly6Norm * (hSq * hSq * hSq) * kernel.particleMass;
-    for (State& state : m_states) state.density = self;
+void SPH::CalcDensities() {
     const size_t pairs = m_grid.GetPairCount();
     const uint32_t* const first = m_grid.GetFirst();
     const uint32_t* const second = m_grid.GetSecond();
     for (size_t p = 0; p < pairs; ++p) {
-        m_states[first[p]].density += m_weights[p];
-        m_states[second[p]].density += m_weights[p];
-    }
-    const math::real soundSpeed = m_soundSpeed->Get();
-    const math::real restDensity = m_density->Get();
-    for (State& state : m_states) {
-        state.pressure = soundSpeed * soundSpeed * (state.density - restDensity);
+        m_drops[first[p]].density += m_weights[p];
+        m_drops[second[p]].density += m_weights[p];
     }
 }
 
-template <bool SPECIAL, bool SURFACE>
+// Viscosity and surface tension, which pressure then takes into account like gravity.
+void SPH::AddInnerForces(const Kernel& kernel, real dt) {
+    PROFILE_SECTION("Inner forces");
+    const bool hasSurface = m_surfaceTension->Get() != 0;
+    hasSurface ? SumPairs<true>(kernel) : SumPairs<false>(kernel);
+    const real m = kernel.particleMass;
+    const real viscosity = GetViscosity(kernel, dt) * m;
+    const real surface = m_surfaceTension->Get() * m;
+    for (size_t i = 0; i < m_sorted.size(); ++i) {
+        Particle& particle = *m_sorted[i];
+        particle.m_surfaceNormal = m_sums[i].surface * surface;
+        if (particle.IsImmovable()) continue;
+        particle.m_force += m * (viscosity * m_sums[i].viscosity + particle.m_surfaceNormal);
+    }
+}
+
+// Friction between drops levels their velocities at the rate viscosity (sum m L / rho^2), which in water at
+// rest is 40 viscosity / (3 density h^2). A step may level them, not throw them about.
+real SPH::GetViscosity(const Kernel& kernel, real dt) const {
+    const real wanted = m_viscMultiplier->Get() * m_viscosity->Get();
+    const real greatest = kernel.restDensity * kernel.h * kernel.h * 3 / 40 / dt;
+    return dt > 0 ? std::min(wanted, greatest) : wanted;
+}
+
+template <bool SURFACE>
 void SPH::SumPairs(const Kernel& kernel) {
     m_sums.clear();
-    m_sums.resize(m_states.size());
+    m_sums.resize(m_drops.size());
     const size_t pairs = m_grid.GetPairCount();
     const uint32_t* const first = m_grid.GetFirst();
     const uint32_t* const second = m_grid.GetSecond();
-    const math::Vec2* const deltas = m_grid.GetDelta();
-    const math::real norm = 45 * kernel.spikyNorm;
-    const math::real h = kernel.h;
+    const real massInv = 1 / kernel.particleMass;
     for (size_t p = 0; p < pairs;) {
         const uint32_t i = first[p];
-        const State a = m_states[i];
+        const WaterPressure::Drop a = m_drops[i];
         Sums own = m_sums[i];
         for (; p < pairs && first[p] == i; ++p) {
-            const State& b = m_states[second[p]];
+            const WaterPressure::Drop& b = m_drops[second[p]];
             Sums& other = m_sums[second[p]];
-            const math::Vec2 d = deltas[p];
-            const math::real inverse = 1 / (a.density * b.density);
-            const math::real c =
-                SPECIAL ? (a.pressure + b.pressure) * 0.5f * inverse
-                        : b.pressure / (b.density * b.density) + a.pressure / (a.density * a.density);
-            const math::real l = norm * (h - m_dist[p]);
-            const math::real g = l * (h - m_dist[p]);
-            const math::Vec2 pressure = d * (c * g);
-            const math::Vec2 viscosity = (b.vel - a.vel) * (l * inverse);
-            own.pressure += pressure;
-            other.pressure -= pressure;
+            const real l = kernel.viscousNorm * (kernel.h - m_dist[p]);
+            const Vec2 viscosity = (b.vel - a.vel) * (l / (a.density * b.density));
             own.viscosity += viscosity;
             other.viscosity -= viscosity;
             if (SURFACE) {
-                own.surface += d * (g / b.density);
-                other.surface -= d * (g / a.density);
+                const Vec2 gradient = m_gradients[p] * massInv;
+                own.surface += gradient / b.density;
+                other.surface -= gradient / a.density;
             }
         }
         m_sums[i] = own;
     }
 }
 
-void SPH::StoreResults(math::real m) {
-    const math::real pressure = -m * m_pressMultiplier->Get();
-    const math::real viscosity = m_viscMultiplier->Get() * m_viscosity->Get() * m;
-    const math::real surface = m_surfaceTension->Get() * m;
+void SPH::SolvePressure(const BodyList& bodies, const Kernel& kernel, real dt) {
+    PROFILE_SECTION("Pressure");
+    constexpr real LONGEST = 0.5f;  // kernel radii in a step
+    const real stiffness = m_pressMultiplier->Get() * m_soundSpeed->Get() * m_soundSpeed->Get();
+    if (!(dt > 0 && stiffness > 0)) {
+        for (WaterPressure::Drop& drop : m_drops) drop.pressure = 0;
+        return;
+    }
+    for (size_t i = 0; i < m_drops.size(); ++i) {
+        const Particle& particle = *m_sorted[i];
+        m_drops[i].vel += dt * particle.GetMassInv() * particle.m_force;
+    }
+    ApplyFormula();
+    const WaterPressure::Settings settings = {
+        dt, kernel.restDensity, stiffness, kernel.particleMass, LONGEST * kernel.h, m_pressureSweeps->Get()};
+    const WaterPressure::Pairs pairs = {m_grid.GetPairCount(), m_grid.GetFirst(), m_grid.GetSecond(),
+                                        m_gradients.data(),
+                                        m_specialPressure->Get() ? m_pushes.data() : m_gradients.data()};
+    m_pressure.Solve(settings, pairs, m_touches, bodies, m_shares.data(), m_drops);
+}
+
+// What pressures act along, and the share of each that does: C of the one formula or of the other.
+void SPH::ApplyFormula() {
+    const bool isSpecial = m_specialPressure->Get();
+    m_shares.resize(m_drops.size());
+    for (size_t i = 0; i < m_drops.size(); ++i) {
+        m_shares[i] = isSpecial ? 1 : 1 / (m_drops[i].density * m_drops[i].density);
+    }
+    if (!isSpecial) return;
+    const size_t pairs = m_grid.GetPairCount();
+    m_pushes.resize(pairs);
+    for (size_t p = 0; p < pairs; ++p) {
+        const real a = m_drops[m_grid.GetFirst()[p]].density;
+        const real b = m_drops[m_grid.GetSecond()[p]].density;
+        m_pushes[p] = m_gradients[p] / (2 * a * b);
+    }
+    for (WaterPressure::Touch& touch : m_touches) {
+        const real density = m_drops[touch.drop].density;
+        touch.push = touch.gradient / (density * density);
+    }
+}
+
+void SPH::StoreResults(real dt) {
+    const real accelerationPerShift = dt > 0 ? 1 / (dt * dt) : 0;
     for (size_t i = 0; i < m_sorted.size(); ++i) {
         Particle& particle = *m_sorted[i];
-        const Sums& sums = m_sums[i];
-        particle.m_density = m_states[i].density;
-        particle.m_pressure = m_states[i].pressure;
-        particle.m_surfaceNormal = sums.surface * surface;
-        if (particle.IsImmovable()) continue;
-        particle.m_force +=
-            m * (pressure * sums.pressure + viscosity * sums.viscosity + particle.m_surfaceNormal);
+        const WaterPressure::Drop& drop = m_drops[i];
+        particle.m_density = drop.density;
+        particle.m_pressure = drop.pressure;
+        particle.m_neighborCount = m_counts[i];
+        if (!particle.IsImmovable()) particle.m_force += particle.m_mass * accelerationPerShift * drop.shift;
     }
 }
 
 // ---- the rest ------------------------------------------------------------------------------------------
 
 // A drop is alone when it has no neighbour but itself. Simulation removes those that were for too long.
-void SPH::Evaporate(const ParticleList& particles, math::real dt) {
+void SPH::Evaporate(real dt) {
     PROFILE_SECTION("Evaporation");
-    for (const ParticlePtr& pointer : particles) {
-        Particle& particle = *pointer.Get();
-        particle.m_vaporTime = particle.m_neighbors.size() < 2 ? particle.m_vaporTime + dt : 0;
+    for (Particle* const particle : m_sorted) {
+        particle->m_vaporTime = particle->m_neighborCount < 2 ? particle->m_vaporTime + dt : 0;
     }
 }
 
-void SPH::Jitter(const ParticleList& particles, math::real particleMass) const {
+void SPH::Jitter(const ParticleList& particles, real particleMass) const {
     PROFILE_SECTION("Jitter");
-    const math::real jitter = m_jitter->Get();
+    const real jitter = m_jitter->Get();
     if (jitter == 0) return;
     static util::Random random;
     for (const ParticlePtr& particle : particles) {
         if (particle.Get()->IsImmovable()) continue;
-        const math::real x = util::DrawNormal(random);
-        const math::real y = util::DrawNormal(random);
-        particle.Get()->m_force += particleMass * jitter * math::Vec2(x, y);
+        const real x = util::DrawNormal(random);
+        const real y = util::DrawNormal(random);
+        particle.Get()->m_force += particleMass * jitter * Vec2(x, y);
     }
 }
 
@@ -293,12 +361,12 @@ void SPH::CalcStatistics() {
     double neighbors = 0;
     double pressure = 0;
     double density = 0;
-    for (size_t i = 0; i < m_states.size(); ++i) {
+    for (size_t i = 0; i < m_drops.size(); ++i) {
         neighbors += m_counts[i];
-        pressure += m_states[i].pressure;
-        density += m_states[i].density;
+        pressure += m_drops[i].pressure;
+        density += m_drops[i].density;
     }
-    const double count = static_cast<double>(m_states.size());
+    const double count = static_cast<double>(m_drops.size());
     m_averageNeighborCount = static_cast<float>(neighbors / count);
     m_averagePressure = static_cast<float>(pressure / count);
     m_averageDensity = static_cast<float>(density / count);

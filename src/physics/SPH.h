@@ -6,6 +6,7 @@
 #include "physics/Fwd.h"
 #include "physics/NeighborGrid.h"
 #include "physics/Particle.h"
+#include "physics/WaterPressure.h"
 #include "script/Attributes.h"
 #include "script/Reflected.h"
 #include "util/Singleton.h"
@@ -14,18 +15,28 @@
 namespace physics {
 
 // Water as smoothed-particle hydrodynamics: the settings, and the pass that adds the fluid forces to the
-// particles. Holds no particles between passes; Simulation owns them and calls Update once per active step,
-// after the rigid bodies' forces and before the solver.
+// particles and to the bodies they touch. Holds no particles between passes; Simulation owns them, has them
+// sorted at the start of each step, and calls Update once per active step, after the rigid bodies' forces
+// and before the solver.
 //
 // The pass gathers the particles into arrays sorted by grid cell, finds each pair of neighbours once, sums
 // over the pairs and writes the results back to the particles. After the first pass scripts can call
-// AVG_neighCount, AVG_pressure, AVG_density and hashInfo. Equations: SPH.cpp.
+// AVG_neighCount, AVG_pressure, AVG_density and hashInfo. Equations: SPH.cpp, WaterPressure.cpp.
 class SPH : public script::Reflected, public util::Singleton<SPH> {
   public:
     SPH();
 
-    // The whole water step over `particles`, `dt` seconds long.
-    void Update(const ParticleList& particles, math::real dt);
+    // To be called whenever particles have moved, come or gone, before any of what follows.
+    void Sort(const ParticleList& particles);
+    // The particles as they were sorted last.
+    const NeighborGrid& GetGrid() const { return m_grid; }
+
+    // The whole water step over `particles`, sorted, among `bodies`; `dt` seconds long.
+    void Update(const ParticleList& particles, const BodyList& bodies, math::real dt);
+
+    // m: a particle's contacts with shapes begin at this distance. Pressure keeps it farther away where there
+    // is enough water to press.
+    math::real GetContactRadius() const;
 
     // Figures of the last pass: means over all particles, and the filling of the neighbour grid as text.
     float GetAverageNeighborCount() const { return m_averageNeighborCount; }
@@ -41,63 +52,65 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
     const script::AttribPtr<float> m_restitution;     // of the particles' geoms
     const script::AttribPtr<float> m_soundSpeed;      // m/s, in the equation of state
     const script::AttribPtr<float> m_density;         // kg/m^2 at rest
-    const script::AttribPtr<float> m_viscosity;
+    const script::AttribPtr<float> m_viscosity;       // kg/s
     const script::AttribPtr<float> m_pressMultiplier;
     const script::AttribPtr<float> m_viscMultiplier;
     const script::AttribPtr<float> m_surfaceTension;
-    const script::AttribPtr<float> m_jitter;      // deviation of the random acceleration, m/s^2
-    const script::AttribPtr<float> m_bucketSize;  // cell size of the grid in kernel radii
+    const script::AttribPtr<float> m_jitter;        // deviation of the random acceleration, m/s^2
+    const script::AttribPtr<float> m_bucketSize;    // cell size of the grid in kernel radii
+    const script::AttribPtr<int> m_pressureSweeps;  // of the density solve
 
   private:
     // Constants of a pass.
     struct Kernel {
         math::real h;             // m, kernel radius
-        math::real poly6Norm;     // 1 / (64 pi h^9)
-        math::real spikyNorm;     // 1 / (pi h^6)
+        math::real weightNorm;    // 7 / (pi h^2)
+        math::real gradientNorm;  // 140 / (pi h^4)
+        math::real viscousNorm;   // 40 / (pi h^5)
         math::real particleMass;  // kg
+        math::real restDensity;   // kg/m^2
     };
-    // What the sums need of a particle, in the order of the grid.
-    struct State {
-        math::Vec2 vel;
-        math::real density;
-        math::real pressure;
-    };
-    // What they give.
+    // What the sums give.
     struct Sums {
-        math::Vec2 pressure;
         math::Vec2 viscosity;
         math::Vec2 surface;
     };
 
-    bool IsUsable() const;
     Kernel MakeKernel() const;
     void SetMaterials(const ParticleList& particles) const;
     void FindNeighbors(const ParticleList& particles, const Kernel& kernel);
-    void SortStates(const ParticleList& particles);
-    void CountNeighbors();
-    void LayOutNeighbors();
-    void StoreNeighbors();
-    void CalcSPHForces(const Kernel& kernel);
+    void TakeDrops(const ParticleList& particles, const Kernel& kernel);
     void CalcKernels(const Kernel& kernel);
-    void CalcDensities(const Kernel& kernel);
-    template <bool SPECIAL, bool SURFACE>
+    void CountNeighbors();
+    void FindTouches(const BodyList& bodies, const Kernel& kernel);
+    void AddTouch(const Kernel& kernel, const Body& body, uint32_t bodyIndex, uint32_t drop,
+                  math::real distance, math::Vec2 normal);
+    void CalcDensities();
+    void AddInnerForces(const Kernel& kernel, math::real dt);
+    template <bool SURFACE>
     void SumPairs(const Kernel& kernel);
-    void StoreResults(math::real particleMass);
+    math::real GetViscosity(const Kernel& kernel, math::real dt) const;
+    void SolvePressure(const BodyList& bodies, const Kernel& kernel, math::real dt);
+    void ApplyFormula();
+    void StoreResults(math::real dt);
+    void Evaporate(math::real dt);
     void Jitter(const ParticleList& particles, math::real particleMass) const;
-    static void Evaporate(const ParticleList& particles, math::real dt);
     void CalcStatistics();
     void ShowStatistics();
 
     NeighborGrid m_grid;
-    util::VectorPOD<math::Vec2> m_points;  // positions, in the particles' order; of the last pass
+    util::VectorPOD<math::Vec2> m_points;  // positions, in the particles' order; as of the last Sort
     util::VectorPOD<Particle*> m_sorted;   // from here on in the grid's order; empty between passes
-    util::VectorPOD<State> m_states;
+    WaterPressure::Drops m_drops;
     util::VectorPOD<Sums> m_sums;
-    util::VectorPOD<uint32_t> m_counts;               // neighbours, the particle itself among them
-    util::VectorPOD<math::real> m_dist;               // per pair, m
-    util::VectorPOD<math::real> m_weights;            // per pair: density kernel times mass
-    util::VectorPOD<Particle::Neighbor> m_neighbors;  // of all particles, one list after the other
-    util::VectorPOD<uint32_t> m_cursors;              // where each particle's next neighbour goes
+    util::VectorPOD<uint32_t> m_counts;       // neighbours, the particle itself among them
+    util::VectorPOD<math::real> m_shares;     // per drop: the share of its pressure that acts
+    util::VectorPOD<math::real> m_dist;       // per pair, m
+    util::VectorPOD<math::real> m_weights;    // per pair: density kernel times mass
+    util::VectorPOD<math::Vec2> m_gradients;  // per pair: gradient kernel times mass times delta
+    util::VectorPOD<math::Vec2> m_pushes;     // per pair: what pressure acts along, where that differs
+    WaterPressure::Touches m_touches;
+    WaterPressure m_pressure;
 
     bool m_hasStatistics = false;
     float m_averageNeighborCount = 0;

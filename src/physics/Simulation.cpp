@@ -176,14 +176,8 @@ void Simulation::AddParticle(const ParticlePtr& particle) {
     m_particles.push_back(particle);
 }
 
-// Undo may hold the particle for long: it keeps nothing that lies in the water's arrays.
-static void ReleaseParticle(Particle& particle) {
-    particle.m_geom->SetBody(nullptr);
-    particle.m_neighbors = Particle::NeighborList();
-}
-
 void Simulation::ClearParticles() {
-    for (const ParticlePtr& particle : m_particles) ReleaseParticle(*particle);
+    for (const ParticlePtr& particle : m_particles) particle->m_geom->SetBody(nullptr);
     m_particles.clear();
 }
 
@@ -312,7 +306,7 @@ void Simulation::RemoveBadParticles(math::Vec2 down) {
             ++i;
             continue;
         }
-        ReleaseParticle(*m_particles[i]);
+        m_particles[i]->m_geom->SetBody(nullptr);
         m_particles[i] = m_particles.back();
         m_particles.pop_back();
     }

@@ -6,6 +6,7 @@
 #include "physics/Integration.h"
 #include "physics/Joints.h"
 #include "physics/Particle.h"
+#include "physics/SPH.h"
 #include "physics/Simulation.h"
 #include "util/ProfileTree.h"
 
@@ -14,6 +15,7 @@ namespace physics {
 void Simulation::Step(bool active) {
     RemoveBadObjects();
     RebuildAllBodies();
+    SPH::Instance().Sort(m_particles);
     if (active) CalcForces();
     CalcContacts();
     if (active && m_timeDelta->Get() > 0) SolveAndMove();

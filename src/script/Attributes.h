@@ -1,6 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <memory>
+#include <optional>
+#include <type_traits>
 
 #include "math/Vector.h"
 #include "script/ClassObject.h"
@@ -102,20 +105,41 @@ class TAttrib : public AbstractAttrib {
     ObjectPtr m_calculated;  // the resolved object of the latest CalcValue; null before the first
 };
 
+// The values that a numeric attribute takes. Those beyond are drawn to its ends, and what is no number
+// changes nothing; what was written reads back as what was taken.
+template <class T>
+struct Range {
+    T least;
+    T most;
+};
+
 // The value lives in the attribute.
 template <class T>
 class Attrib final : public TAttrib<T> {
   public:
     Attrib(const String& name, const T& defaultValue)
         : TAttrib<T>(name, defaultValue), m_value(defaultValue) {}
+    Attrib(const String& name, const T& defaultValue, const Range<T>& range)
+        : TAttrib<T>(name, defaultValue), m_value(defaultValue), m_range(range) {}
 
     T Get() const override { return m_value; }
+    const std::optional<Range<T>>& GetRange() const { return m_range; }
 
   protected:
-    void StoreNative(const T& value) override { m_value = value; }
+    void StoreNative(const T& value) override {
+        if constexpr (std::is_arithmetic_v<T>) {
+            if (m_range) {
+                if (value == value) m_value = std::clamp(value, m_range->least, m_range->most);
+                return;
+            }
+        }
+        m_value = value;
+    }
+    bool LivesElsewhere() const override { return m_range.has_value(); }
 
   private:
     T m_value;
+    const std::optional<Range<T>> m_range;
 };
 
 // The value is read and written through functions. Once the owner is gone they are not called any more, and
@@ -165,6 +189,13 @@ class AttribRemotePoker final : public TAttrib<T> {
 template <class T>
 AttribPtr<T> DeclareAttrib(ClassObject& owner, const String& name, const T& defaultValue) {
     const AttribPtr<T> attrib = new Attrib<T>(name, defaultValue);
+    owner.AddVariable(attrib);
+    return attrib;
+}
+template <class T>
+AttribPtr<T> DeclareAttrib(ClassObject& owner, const String& name, const T& defaultValue,
+                           const Range<T>& range) {
+    const AttribPtr<T> attrib = new Attrib<T>(name, defaultValue, range);
     owner.AddVariable(attrib);
     return attrib;
 }

@@ -134,13 +134,22 @@ class BruteForce {
         }
     }
 
+    static real GetFieldDistance(const Geom& geom, Vec2 p) {
+        const auto* polygon = dynamic_cast<const Polygon*>(&geom);
+        return polygon ? polygon->GetFieldDistance(p) : geom.GetDistance(p);
+    }
+    static Vec2 GetFieldNormal(const Geom& geom, Vec2 p) {
+        const auto* polygon = dynamic_cast<const Polygon*>(&geom);
+        return polygon ? polygon->GetFieldNormal(p) : geom.GetNormal(p);
+    }
+
     void Water(const Geom& geom, const physics::ParticleList& particles) {
         const real radius = physics::SPH::Instance().m_radius->Get() * 0.1f;
         if (!geom.m_collideWater) return;
         for (const physics::ParticlePtr& particle : particles) {
             const Vec2 p = particle->m_pos;
-            const real s = geom.GetDistance(p);
-            if (s < radius) Add(geom, *particle->m_geom, 0, p, geom.GetNormal(p), radius - s);
+            const real s = GetFieldDistance(geom, p);
+            if (s < radius) Add(geom, *particle->m_geom, 0, p, GetFieldNormal(geom, p), radius - s);
         }
     }
 
@@ -168,6 +177,7 @@ FoundContacts CollideByBruteForce(const physics::BodyList& bodies, const physics
 FoundContacts Collide(physics::Collider& collider, const physics::BodyList& bodies,
                       const physics::ParticleList& particles) {
     physics::ContactPool pool;
+    physics::SPH::Instance().Sort(particles);
     collider.AssignBodies(bodies, particles);
     collider.Collide(pool);
     FoundContacts found;

@@ -64,6 +64,7 @@ static void ResetSettings(physics::SPH& sph) {
     Reset(sph.m_surfaceTension);
     Reset(sph.m_jitter);
     Reset(sph.m_bucketSize);
+    Reset(sph.m_pressureSweeps);
 }
 
 World::World() : sim(physics::Simulation::Instance()), sph(physics::SPH::Instance()) {

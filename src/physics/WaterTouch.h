@@ -1,0 +1,86 @@
+#pragma once
+
+#include <cstdint>
+#include <type_traits>
+
+#include "math/BoundingBox.h"
+#include "math/Geometry.h"
+#include "math/Vector.h"
+#include "physics/Geom.h"
+#include "physics/LooseBox.h"
+#include "physics/NeighborGrid.h"
+#include "physics/Polygon.h"
+
+// Which drops of water are near a shape: what the water's pressure and its contacts both ask.
+namespace physics {
+
+// How a point lies to a shape.
+struct Probe {
+    math::real distance;  // m, negative inside
+    math::Vec2 normal;    // unit, out of the shape; zero where the shape has none
+};
+
+// The boxes hold all points closer than `reach` to the shape. The probes tell whether a point is closer than
+// `reach`, and how it lies if so.
+inline math::BoundingBox2f GetProbeBox(const Circle& circle, math::real reach) {
+    math::BoundingBox2f box = LooseBox(circle.GetPos(), math::Vec2(circle.m_radius, circle.m_radius));
+    box.Grow(reach);
+    return box;
+}
+inline bool ProbePoint(const Circle& circle, math::Vec2 point, math::real reach, Probe& probe) {
+    const math::Vec2 out = point - circle.GetPos();
+    if (!(math::LengthSquared(out) < (circle.m_radius + reach) * (circle.m_radius + reach))) return false;
+    probe = {math::Length(out) - circle.m_radius, math::Normalized(out)};
+    return probe.distance < reach;
+}
+
+inline math::BoundingBox2f GetProbeBox(const Polygon& polygon, math::real reach) {
+    math::BoundingBox2f box = LooseBox(polygon.GetWorldOBB());
+    box.Grow(reach);
+    return box;
+}
+inline bool ProbePoint(const Polygon& polygon, math::Vec2 point, math::real reach, Probe& probe) {
+    probe.distance = polygon.GetFieldDistance(point);
+    if (!(probe.distance < reach)) return false;
+    probe.normal = polygon.GetFieldNormal(point);
+    return true;
+}
+
+inline bool ProbePoint(const Plane& plane, math::Vec2 point, math::real reach, Probe& probe) {
+    probe = {plane.Distance(point), plane.GetNormal()};
+    return probe.distance < reach;
+}
+
+// Calls visit(place, probe) for each point closer than `reach` to the shape, in the order of the grid.
+template <class Shape, class Visit>
+void VisitNear(const NeighborGrid& grid, const Shape& shape, math::real reach, Visit visit) {
+    const math::Vec2* const points = grid.GetSortedPoints().data();
+    const auto test = [&](uint32_t begin, uint32_t end) {
+        Probe probe;
+        for (uint32_t i = begin; i < end; ++i) {
+            if (ProbePoint(shape, points[i], reach, probe)) visit(i, probe);
+        }
+    };
+    if constexpr (std::is_same_v<Shape, Plane>) {
+        test(0, static_cast<uint32_t>(grid.GetSize()));
+    } else {
+        grid.VisitBox(GetProbeBox(shape, reach), test);
+    }
+}
+
+// The same for a shape of any kind; one that collides with nothing is near nothing.
+template <class Visit>
+void VisitNearGeom(const NeighborGrid& grid, const Geom& geom, math::real reach, Visit visit) {
+    switch (geom.GetKind()) {
+        case Geom::Kind::CIRCLE:
+            return VisitNear(grid, static_cast<const Circle&>(geom), reach, visit);
+        case Geom::Kind::POLYGON:
+            return VisitNear(grid, static_cast<const Polygon&>(geom), reach, visit);
+        case Geom::Kind::PLANE:
+            return VisitNear(grid, static_cast<const Plane&>(geom), reach, visit);
+        case Geom::Kind::OTHER:
+            return;
+    }
+}
+
+}  // namespace physics
