@@ -72,7 +72,8 @@ AppGUI::AppGUI(App& app, const AppGUI* previous)
              app.m_maxSPHSpawn,
              *this,
              app},
-      m_windows(*this, app.GetGUISettings().m_windows) {
+      m_windows(*this, app.GetGUISettings().m_windows),
+      m_hints(new Hints(app.GetGUISettings().m_hintsDone)) {
     SetFillParent(true);
     FollowSelectedTool();
     AddToolCommands();
@@ -80,7 +81,9 @@ AppGUI::AppGUI(App& app, const AppGUI* previous)
     AddFileCommands();
     AddViewCommands();
     AddWindowCommands();
+    LoadKeys();
     AddWindows();
+    AddHints();
     const util::WeakPtr<util::Pointee> self(this);
     Undoer::Instance().GetOnInterrupt().Add(new util::Callback([this] { BreakOff(); }, self));
     m_app.GetGUISettings().m_tool->AddOnChange(new util::Callback([this] { FollowSelectedTool(); }, self));
@@ -89,6 +92,13 @@ AppGUI::AppGUI(App& app, const AppGUI* previous)
 
 AppGUI::~AppGUI() noexcept(false) {
     ClosePopup();
+}
+
+void AppGUI::LoadKeys() {
+    const script::AttribPtr<String> keys = m_app.GetGUISettings().m_keys;
+    m_commands.ReadKeys(keys->Get());
+    m_commands.GetOnKeyChange().Add(new util::Callback([this, keys] { keys->Set(m_commands.WriteKeys()); },
+                                                       util::WeakPtr<util::Pointee>(this)));
 }
 
 // The history is about to put another scene in the place of this one.

@@ -5,6 +5,7 @@
 #include "app/Fwd.h"
 #include "app/drawing/SceneThumbnail.h"
 #include "app/tools/Tool.h"
+#include "app/widgets/Hints.h"
 #include "app/windows/Commands.h"
 #include "app/windows/Desk.h"
 #include "app/windows/WindowSet.h"
@@ -98,7 +99,9 @@ class AppGUI : public gui::Component {
     void AddFileCommands();
     void AddViewCommands();
     void AddWindowCommands();
+    void LoadKeys();
     void AddWindows();
+    void AddHints();
     void OpenPopup(math::Vec2 place);
     bool ClosePopup();  // whether there was one
     void BreakOff();
@@ -126,6 +129,7 @@ class AppGUI : public gui::Component {
     WindowSet m_windows;
     util::WeakPtr<gui::Window> m_dialog;
     gui::WindowPtr m_popup;  // null for none; torn off it belongs to this component alone
+    const util::SharedPtr<Hints> m_hints;
     SceneThumbnail m_thumbnail;
 };
 

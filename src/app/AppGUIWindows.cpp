@@ -7,12 +7,17 @@
 #include "app/files/SceneLoader.h"
 #include "app/history/Snapshot.h"
 #include "app/history/Undoer.h"
+#include "app/scene/AppGUISettings.h"
+#include "app/widgets/SimPlayPauseButton.h"
 #include "app/windows/ControlWindow.h"
 #include "app/windows/Dialogs.h"
 #include "app/windows/EntityPopup.h"
+#include "app/windows/KeysWindow.h"
 #include "app/windows/MenuWindows.h"
+#include "app/windows/SettingsWindow.h"
 #include "app/windows/StatsWindow.h"
 #include "app/windows/Toolbar.h"
+#include "gui/Focus.h"
 #include "gui/GUI.h"
 #include "input/Key.h"
 #include "input/WindowHost.h"
@@ -21,6 +26,13 @@
 
 // The commands of the interface and its windows.
 namespace app {
+namespace {
+
+// GUI units: what a window with a long list leaves free, and how high the list is at least.
+constexpr float LIST_ROOM = 140;
+constexpr float MIN_LIST_HEIGHT = 100;
+
+}  // namespace
 
 // ---- commands
 
@@ -66,6 +78,8 @@ void AppGUI::AddWindowCommands() {
     m_commands.Add({"FileButton", "file/open", 0, false, toggle("File")});
     m_commands.Add({"OptionsButton", "file/options", 0, false, toggle("Options")});
     m_commands.Add({"GalleryButton", "file/gallery", 0, false, toggle("Gallery")});
+    m_commands.Add({"AllSettings", "file/options", 0, false, toggle("Settings")});
+    m_commands.Add({"KeysTitle", "file/keys", 0, false, toggle("Keys")});
     m_commands.Add({"ShowStats", "file/stats", 0, false, toggle("Statistics")});
     m_commands.Add({"ToolbarTitle", "tools/brush", 0, false, toggle("Tools")});
     m_commands.Add({"ControlTitle", "tools/play", 0, false, toggle("Control")});
@@ -109,14 +123,25 @@ void AppGUI::AddWindows() {
     m_windows.Add("File", Dock::BesideTools, false, [this] { return MakeFileWindow(m_desk); });
     m_windows.Add("Options", Dock::BesideTools, false, [this] { return MakeOptionsWindow(m_desk); });
     m_windows.Add("Gallery", Dock::Middle, false, [this, load] { return MakeGallery(m_desk, load); });
+    const auto getListHeight = [this] { return std::max(GetSize().y - LIST_ROOM, MIN_LIST_HEIGHT); };
+    m_windows.Add("Settings", Dock::Middle, false, [=] { return new SettingsWindow(getListHeight()); });
+    m_windows.Add("Keys", Dock::Middle, false, [=] { return new KeysWindow(m_commands, getListHeight()); });
     m_windows.Add("Statistics", Dock::TopRight, false, [this] { return new StatsWindow(m_scene); });
     m_windows.Restore();
+}
+
+// What newcomers get: hints in the picture, and an eye-catcher on the button that starts the world.
+void AppGUI::AddHints() {
+    AddChild(m_hints);
+    auto* const control = dynamic_cast<ControlWindow*>(m_windows.Get("Control"));
+    if (control != nullptr && m_hints->IsPending(Hints::Play)) control->GetPlayButton().Pulse();
 }
 
 // Above everything, its corner where the mouse is.
 void AppGUI::OpenPopup(math::Vec2 place) {
     ClosePopup();
     m_popup = new EntityPopup(m_desk);
+    if (!m_scene.GetSelection().IsEmpty()) m_hints->Finish(Hints::Popup);
     m_app.AddChild(m_popup);
     const math::Vec2 room = m_app.GetSize() - m_popup->GetOuterSize();
     const math::Vec2 inside =
@@ -140,6 +165,8 @@ void AppGUI::OpenDialog(const gui::WindowPtr& dialog) {
     dialog->AddCloseButton();
     AddChild(dialog);
     PlaceInMiddle(*dialog, *this);
+    gui::Focus::Set(nullptr);
+    gui::Focus::Move(*dialog, false);  // so that escape and the arrows are its own
 }
 
 void AppGUI::OpenSaveDialog() {

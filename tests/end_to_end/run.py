@@ -167,9 +167,11 @@ def case_crash_and_recover(session):
 
 def case_clean_exit(session):
     """SIGTERM saves scene and configuration and takes the autosaves away; the next start goes on there.
-    Ctrl+s saves under a free name."""
+    Ctrl+s and return save under a free name."""
     start_boxes(session)
     session.chord("ctrl", "s")
+    session.wait_frames()
+    session.key("Return")
     wait_for("the saved scene", lambda: session.read("Scenes/scene-1.vxa"))
     wait_for("its name in the title", lambda: session.title().startswith("scene-1.vxa - Vexa beta 3.5"))
     session.quit()

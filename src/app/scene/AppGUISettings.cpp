@@ -10,6 +10,7 @@ AppGUISettings::AppGUISettings()
       m_leftClickMenus(script::DeclareAttrib(*this, "leftClickMenus", false)),
       m_drawHingesWhenRunning(script::DeclareAttrib(*this, "drawHingesWhenRunning", true)),
       m_windows(script::DeclareAttrib(*this, "windows", "")),
+      m_keys(script::DeclareAttrib(*this, "keys", "")),
       m_hintsDone(script::DeclareAttrib(*this, "hintsDone", "")) {}
 
 }  // namespace app

@@ -16,7 +16,8 @@ class AppGUISettings : public script::Reflected {
     const script::AttribPtr<bool> m_drawInside;      // drawing tools may start on an entity
     const script::AttribPtr<bool> m_leftClickMenus;  // a left click opens the popup as well
     const script::AttribPtr<bool> m_drawHingesWhenRunning;
-    const script::AttribPtr<String> m_windows;    // which are open, and where; see WindowSet
+    const script::AttribPtr<String> m_windows;  // which are open, and where; see WindowSet
+    const script::AttribPtr<String> m_keys;     // of commands that have not their built-in one; see Commands
     const script::AttribPtr<String> m_hintsDone;  // the hints of the first minute that are not shown again
 };
 

@@ -15,10 +15,10 @@
 namespace app {
 namespace {
 
-constexpr float SIZE = 32;             // GUI units
-constexpr double PULSE_TIME = 2.4;     // seconds
-constexpr double PULSE_COUNT = 2;      // within that time
-constexpr float PULSE_GROWTH = 0.35f;  // of the picture, at its largest
+constexpr float SIZE = 32;            // GUI units
+constexpr double PULSE_TIME = 2.4;    // seconds
+constexpr double PULSE_COUNT = 2;     // within that time
+constexpr float PULSE_GROWTH = 1.2f;  // of the picture, at its largest
 
 }  // namespace
 

@@ -1,18 +1,60 @@
 #include "app/windows/Commands.h"
 
 #include <algorithm>
+#include <sstream>
 
 #include "app/Language.h"
 #include "input/Key.h"
 #include "util/Exception.h"
+#include "util/Guarded.h"
 
 namespace app {
+namespace {
 
-const Command& Commands::Find(const String& name) const {
+const String CTRL = "ctrl+";
+
+}  // namespace
+
+Command* Commands::FindByName(const String& name) {
     const auto found = std::find_if(m_commands.begin(), m_commands.end(),
                                     [&](const Command& command) { return name == command.m_name; });
-    if (found == m_commands.end()) THROW(BadDataException, "Unknown command \"" + name + "\"");
+    return found == m_commands.end() ? nullptr : &*found;
+}
+
+const Command& Commands::Find(const String& name) const {
+    const Command* const found = const_cast<Commands*>(this)->FindByName(name);
+    if (found == nullptr) THROW(BadDataException, "Unknown command \"" + name + "\"");
     return *found;
+}
+
+// ---- keys
+
+bool Commands::SetKey(const String& name, int key, bool ctrl) {
+    Command* const command = FindByName(name);
+    const Command* const owner = FindByKey(key, ctrl);
+    if (command == nullptr || (owner != nullptr && owner != command)) return false;
+    command->m_key = key;
+    command->m_ctrl = ctrl;
+    m_changed.insert(name);
+    m_onKeyChange.CallAll();
+    return true;
+}
+
+String Commands::WriteKeys() const {
+    String text;
+    for (const String& name : m_changed)
+        text += (text.empty() ? "" : " ") + name + " " + GetKeyText(Find(name));
+    return text;
+}
+
+void Commands::ReadKeys(const String& text) {
+    std::istringstream in(text);
+    String name, key;
+    while (in >> name >> key) {
+        const bool ctrl = key.compare(0, CTRL.size(), CTRL) == 0;
+        util::Guarded(
+            [&] { SetKey(name, gui::Key::GetKeyFromName(ctrl ? key.substr(CTRL.size()) : key), ctrl); });
+    }
 }
 
 const Command* Commands::FindByKey(int key, bool ctrl) const {
@@ -41,7 +83,7 @@ bool Commands::HandleKey(const gui::KeyEvent& event) {
 
 String GetKeyText(const Command& command) {
     if (command.m_key == 0) return String();
-    return (command.m_ctrl ? "ctrl+" : "") + gui::Key::GetKeyName(command.m_key);
+    return (command.m_ctrl ? CTRL : String()) + gui::Key::GetKeyName(command.m_key);
 }
 
 String MakeToolTip(const Command& command, const String& tip) {

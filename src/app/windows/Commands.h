@@ -1,9 +1,11 @@
 #pragma once
 
 #include <functional>
+#include <set>
 #include <vector>
 
 #include "input/InputEvents.h"
+#include "util/Callback.h"
 #include "util/String.h"
 
 namespace app {
@@ -29,13 +31,24 @@ class Commands {
     void Run(const String& name) const { Find(name).m_run(); }
     const std::vector<Command>& GetAll() const { return m_commands; }
 
+    // Gives the command another key. False, and nothing changes, when another command has that one.
+    bool SetKey(const String& name, int key, bool ctrl);
+    // The keys that are not the built-in ones, as text and back: "SaveScene ctrl+k", one after the other.
+    // What cannot be read is left out.
+    String WriteKeys() const;
+    void ReadKeys(const String& text);
+    util::CallbackSet& GetOnKeyChange() { return m_onKeyChange; }
+
     // Whether the event was a key of a command, which has run then.
     bool HandleKey(const gui::KeyEvent& event);
 
   private:
     const Command* FindByKey(int key, bool ctrl) const;
+    Command* FindByName(const String& name);
 
     std::vector<Command> m_commands;
+    std::set<String> m_changed;  // names of commands with a key of the user's
+    util::CallbackSet m_onKeyChange;
     int m_armedKey = 0;  // the plain letter that is down and was taken by nobody; 0 for none
 };
 

@@ -120,6 +120,8 @@ gui::WindowPtr MakeOptionsWindow(const Desk& desk) {
         MakeCheckRow("DrawBorders", drawing.m_borders),
         MakeSpeedRow(),
         MakeScaleRow(),
+        MakeCommandRow(desk, "AllSettings", "..."),
+        MakeCommandRow(desk, "KeysTitle", "..."),
         MakeCommandRow(desk, "ShowStats"),
     };
     for (const ComponentPtr& row : rows) {

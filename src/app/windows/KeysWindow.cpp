@@ -1,0 +1,101 @@
+#include "app/windows/KeysWindow.h"
+
+#include "app/Language.h"
+#include "app/windows/Rows.h"
+#include "gui/LookAndFeel.h"
+#include "gui/components/Button.h"
+#include "gui/components/Label.h"
+#include "gui/components/ScrollArea.h"
+#include "input/Key.h"
+
+namespace app {
+namespace {
+
+constexpr float NAME_WIDTH = 260;  // GUI units
+constexpr float KEY_WIDTH = 130;
+
+// Keys that need no command: built into the interface.
+const std::pair<const char*, const char*> FIXED_KEYS[] = {{"KeyCancel", "escape"},
+                                                          {"KeyPan", "left, right, up, down"},
+                                                          {"KeyWheel", "scrollup, scrolldown"},
+                                                          {"KeyConsole", "f11"}};
+
+gui::ComponentPtr MakeName(const String& text) {
+    const gui::LabelPtr label = new gui::Label(text);
+    label->SetFixedWidth(NAME_WIDTH);
+    return label;
+}
+
+gui::ComponentPtr MakeFixedRow(const String& name, const String& key) {
+    const gui::LabelPtr label = new gui::Label(key);
+    label->SetFixedWidth(KEY_WIDTH);
+    return MakeRow({MakeName(name), label});
+}
+
+bool IsModifier(int key) {
+    return key >= gui::Key::RightShift && key <= gui::Key::LeftMeta;
+}
+
+}  // namespace
+
+KeysWindow::KeysWindow(Commands& commands, float maxHeight)
+    : Window(Translate("KeysTitle"), MakeRowLayout()),
+      m_commands(commands),
+      m_rows(new gui::Component("Keys", MakeRowLayout())),
+      m_message(new gui::Label) {
+    SetKey("KeysTitle");
+    Fill();
+    AddChild(new gui::ScrollArea(m_rows, maxHeight));
+    AddChild(m_message);
+}
+
+KeysWindow::~KeysWindow() noexcept(false) = default;
+
+void KeysWindow::Fill() {
+    m_isStale = false;
+    m_rows->RemoveAllChildren();
+    for (const Command& command : m_commands.GetAll()) {
+        const char* const name = command.m_name;
+        const String key = m_awaited == name ? Translate("PressAKey") : GetKeyText(command);
+        const gui::ButtonPtr button = new gui::Button(key.empty() ? "-" : key);
+        button->SetSize(KEY_WIDTH, button->GetSize().y);
+        button->SetKey(name);
+        button->GetOnPress().Add(
+            new util::Callback([this, name] { Await(name); }, util::WeakPtr<util::Pointee>(this)));
+        m_rows->AddChild(MakeRow({MakeName(Translate(name)), button}));
+    }
+    for (const auto& [name, key] : FIXED_KEYS) m_rows->AddChild(MakeFixedRow(Translate(name), key));
+}
+
+void KeysWindow::Await(const char* command) {
+    m_awaited = command;
+    m_message->SetText(Translate("PressAKey"));
+    m_isStale = true;
+}
+
+// Rows are not taken away while one of their own buttons is at work.
+void KeysWindow::Update(float dt) {
+    if (m_isStale) Fill();
+    Window::Update(dt);
+}
+
+void KeysWindow::OnKeyEvent(gui::KeyEvent& event) {
+    const bool isKeyboard = event.m_key < gui::Key::LeftMouse;
+    if (m_awaited.empty() || !isKeyboard || !event.m_pressed || event.m_handled || IsModifier(event.m_key)) {
+        Window::OnKeyEvent(event);
+        return;
+    }
+    event.m_handled = true;
+    Take(event);
+}
+
+void KeysWindow::Take(const gui::KeyEvent& event) {
+    const String command = m_awaited;
+    m_awaited.clear();
+    m_isStale = true;
+    m_message->SetText(String());
+    if (event.m_key == gui::Key::Escape) return;
+    if (!m_commands.SetKey(command, event.m_key, event.m_ctrl)) m_message->SetText(Translate("KeyTaken"));
+}
+
+}  // namespace app

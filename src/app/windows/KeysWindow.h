@@ -1,0 +1,30 @@
+#pragma once
+
+#include "app/windows/Commands.h"
+#include "gui/Window.h"
+
+namespace app {
+
+// All keys, from the live table of commands. Press a row, then
+// the key that shall do it; escape leaves it as it was.
+class KeysWindow : public gui::Window {
+  public:
+    KeysWindow(Commands& commands, float maxHeight);  // of the list, GUI units
+    ~KeysWindow() noexcept(false) override;
+
+    void Update(float dt) override;
+    void OnKeyEvent(gui::KeyEvent& event) override;
+
+  private:
+    void Fill();
+    void Await(const char* command);
+    void Take(const gui::KeyEvent& event);
+
+    Commands& m_commands;
+    const gui::ComponentPtr m_rows;
+    gui::LabelPtr m_message;
+    String m_awaited;  // the command whose key is to be pressed; empty for none
+    bool m_isStale = false;
+};
+
+}  // namespace app

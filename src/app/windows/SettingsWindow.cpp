@@ -1,0 +1,205 @@
+#include "app/windows/SettingsWindow.h"
+
+#include <algorithm>
+#include <cctype>
+#include <set>
+
+#include "app/Language.h"
+#include "app/windows/Rows.h"
+#include "gui/LookAndFeel.h"
+#include "gui/components/AttribWidgets.h"
+#include "gui/components/Label.h"
+#include "gui/components/ScrollArea.h"
+#include "gui/components/TextField.h"
+#include "script/Parser.h"
+#include "script/Scopes.h"
+#include "util/Guarded.h"
+
+namespace app {
+namespace {
+
+using gui::ComponentPtr;
+using script::AbstractAttribPtr;
+using script::ObjectPtr;
+
+// GUI units; together less than a small screen is wide.
+constexpr float OBJECT_WIDTH = 116;
+constexpr float NAME_WIDTH = 190;
+constexpr float VALUE_WIDTH = 120;
+constexpr float DEFAULT_WIDTH = 96;
+constexpr size_t MAX_FOUND = 40;       // rows of a search
+constexpr size_t MAX_VALUE_TEXT = 14;  // characters of a default that are shown
+
+// The default as an object, for the attribute types that there are; null for none of them.
+template <class T>
+ObjectPtr GetDefaultAs(const AbstractAttribPtr& attrib) {
+    const auto typed = util::DynamicCast<script::TAttrib<T>>(attrib);
+    return typed ? script::ValueToObject(typed->GetDefault()) : ObjectPtr();
+}
+
+template <class... Types>
+ObjectPtr FindDefault(const AbstractAttribPtr& attrib) {
+    ObjectPtr found;
+    ((found = found ? found : GetDefaultAs<Types>(attrib)), ...);
+    return found;
+}
+
+ObjectPtr GetDefault(const AbstractAttribPtr& attrib) {
+    return FindDefault<bool, int, unsigned int, float, String, math::TVector2<float>, math::TVector2<int>,
+                       math::TVector3<float>, math::TVector4<float>>(attrib);
+}
+
+void Collect(script::ClassObject& object, const String& path, std::set<script::ClassObject*>& seen,
+             std::vector<Setting>& found) {
+    if (!seen.insert(&object).second) return;
+    for (const script::VariablePtr& variable : object.GetVariables()) {
+        const auto attrib = util::DynamicCast<script::AbstractAttrib>(variable);
+        if (attrib && !path.empty()) found.push_back({path, variable->GetName(), attrib});
+    }
+    for (const script::VariablePtr& variable : object.GetVariables()) {
+        if (util::DynamicCast<script::AbstractAttrib>(variable)) continue;
+        const ObjectPtr value = variable->GetValue();
+        if (!util::DynamicCast<script::Reflected>(value)) continue;
+        const String name = variable->GetName();
+        Collect(*value->AsClass(), path.empty() ? name : path + "." + name, seen, found);
+    }
+}
+
+String ToLower(String text) {
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
+    return text;
+}
+
+// What a person types, run as the assignment that it stands for.
+void Assign(const Setting& setting, const String& text) {
+    util::Guarded([&] {
+        script::Parser::Instance().Execute(setting.m_object + "." + setting.m_name + " = " + text + ";");
+    });
+}
+
+// The value as source text, to be edited.
+class ValueField : public gui::TextField {
+  public:
+    explicit ValueField(const Setting& setting) : TextField(String(), "ValueField"), m_setting(setting) {
+        SetMinWidth(VALUE_WIDTH);
+        const util::WeakPtr<util::Pointee> self(this);
+        GetOnEnter().Add(new util::Callback([this] { Assign(m_setting, GetText()); }, self));
+        GetOnLostFocus().Add(new util::Callback([this] { ShowValue(); }, self));
+        ShowValue();
+    }
+
+    void Update(float dt) override {
+        TextField::Update(dt);
+        if (!HasFocus()) ShowValue();
+    }
+
+  private:
+    void ShowValue() {
+        const String text = m_setting.m_attrib->GetValue()->ToCode();
+        if (text != GetText()) SetText(text);
+    }
+
+    const Setting m_setting;
+};
+
+ComponentPtr MakeValue(const Setting& setting) {
+    const auto flag = util::DynamicCast<script::TAttrib<bool>>(setting.m_attrib);
+    if (!flag) return new ValueField(setting);
+    const util::SharedPtr<gui::AttribCheckbox> check = new gui::AttribCheckbox(String(), flag);
+    const ComponentPtr cell = new gui::Component("Cell");
+    cell->SetSize(VALUE_WIDTH + 2 * gui::TEXT_MARGIN, gui::ROW_HEIGHT);
+    cell->AddChild(check);
+    return cell;
+}
+
+gui::LabelPtr MakeCell(const String& text, float width) {
+    const gui::LabelPtr label = new gui::Label(text);
+    label->SetFixedWidth(width);
+    return label;
+}
+
+ComponentPtr MakeSettingRow(const Setting& setting, bool withPath) {
+    const ObjectPtr standard = GetDefault(setting.m_attrib);
+    String text = standard ? standard->ToCode() : String();
+    if (text.size() > MAX_VALUE_TEXT) text = text.substr(0, MAX_VALUE_TEXT - 2) + "..";
+    const auto attrib = setting.m_attrib;
+    const gui::ButtonPtr reset = MakeButton("Reset", [attrib, standard] {
+        if (standard) attrib->SetValue(standard);
+    });
+    const ComponentPtr row =
+        app::MakeRow({MakeCell(withPath ? setting.m_object + "." + setting.m_name : setting.m_name,
+                               withPath ? NAME_WIDTH + OBJECT_WIDTH / 2 : NAME_WIDTH),
+                      MakeValue(setting), MakeCell(text, DEFAULT_WIDTH), reset});
+    row->SetKey(setting.m_object + "." + setting.m_name);
+    return row;
+}
+
+}  // namespace
+
+std::vector<Setting> FindSettings() {
+    std::vector<Setting> found;
+    std::set<script::ClassObject*> seen;
+    Collect(*script::Parser::Instance().GetRootClosure(), String(), seen, found);
+    return found;
+}
+
+SettingsWindow::SettingsWindow(float maxHeight)
+    : Window(Translate("AllSettingsTitle"), MakeRowLayout()),
+      m_search(new gui::TextField),
+      m_rows(new gui::Component("Settings", MakeRowLayout())),
+      m_scroll(new gui::ScrollArea(m_rows, maxHeight)) {
+    SetKey("AllSettingsTitle");
+    m_search->SetKey("Search");
+    AddChild(app::MakeRow({new gui::Label(Translate("Search")), m_search}));
+    const ComponentPtr objects = new gui::Component("Objects", MakeRowLayout());
+    std::set<String> names;
+    for (const Setting& setting : FindSettings()) {
+        if (!names.insert(setting.m_object).second) continue;
+        if (m_object.empty()) m_object = setting.m_object;
+        const String object = setting.m_object;
+        const gui::ButtonPtr button = new gui::Button(object);
+        button->SetKey(object);
+        button->SetLeftAligned(true);
+        button->GetOnPress().Add(
+            new util::Callback([this, object] { ShowObject(object); }, util::WeakPtr<util::Pointee>(this)));
+        objects->AddChild(button);
+    }
+    AddChild(app::MakeRow({objects, m_scroll}));
+    Fill();
+}
+
+SettingsWindow::~SettingsWindow() noexcept(false) = default;
+
+void SettingsWindow::ShowObject(const String& path) {
+    m_object = path;
+    m_search->SetText(String());
+    m_isStale = true;
+}
+
+// Rows are not taken away while one of their own buttons is at work.
+void SettingsWindow::Update(float dt) {
+    if (m_isStale || m_search->GetText() != m_shownSearch) Fill();
+    Window::Update(dt);
+}
+
+void SettingsWindow::Fill() {
+    m_isStale = false;
+    m_shownSearch = m_search->GetText();
+    const String wanted = ToLower(m_shownSearch);
+    m_rows->RemoveAllChildren();
+    m_rows->AddChild(app::MakeRow({MakeCell(Translate("SettingName"), NAME_WIDTH),
+                                   MakeCell(Translate("SettingValue"), VALUE_WIDTH + 2 * gui::TEXT_MARGIN),
+                                   MakeCell(Translate("SettingDefault"), DEFAULT_WIDTH)}));
+    size_t count = 0;
+    for (const Setting& setting : FindSettings()) {
+        const String path = setting.m_object + "." + setting.m_name;
+        const bool matches =
+            wanted.empty() ? setting.m_object == m_object : ToLower(path).find(wanted) != String::npos;
+        if (!matches || count++ >= MAX_FOUND) continue;
+        m_rows->AddChild(MakeSettingRow(setting, !wanted.empty()));
+    }
+    if (count == 0) m_rows->AddChild(new gui::Label(Translate("NothingFound")));
+    m_scroll->ScrollTo(0.0f);
+}
+
+}  // namespace app
