@@ -70,6 +70,7 @@ AppGUI::AppGUI(App& app, const AppGUI* previous)
              app.GetDrawSettings(),
              FindShaderSwitch(),
              app.m_maxSPHSpawn,
+             app.m_DPI,
              *this,
              app},
       m_windows(*this, app.GetGUISettings().m_windows),

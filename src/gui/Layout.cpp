@@ -63,6 +63,14 @@ void PushToEnd(Component& child, bool isVertical, Vec2 end) {
     }
 }
 
+// An owner that would not become as narrow as its children, a window for its title, has them fill it.
+void FillWidened(const Component& owner, const ComponentList& children, bool isVertical, Vec2 extent) {
+    const Vec2 size = owner.GetSize();
+    if (isVertical ? size.x <= extent.x : size.y <= extent.y) return;
+    const NotificationPause pause(children);
+    for (const ComponentPtr& child : children) Stretch(*child, isVertical, size);
+}
+
 }  // namespace
 
 void ListLayout::Apply(Component& owner, const ComponentList& children) {
@@ -80,6 +88,7 @@ void ListLayout::Apply(Component& owner, const ComponentList& children) {
         }
     }
     owner.SetSize(extent.x, extent.y);
+    if (m_flags & StretchCross) FillWidened(owner, children, isVertical, extent);
 }
 
 }  // namespace gui

@@ -54,7 +54,8 @@ gui::ComponentPtr MakeLine(const HintText& hint) {
 }  // namespace
 
 Hints::Hints(const script::TAttribPtr<String>& done)
-    : Component("Hints", new gui::ListLayout(gui::ListLayout::Vertical)), m_done(done) {
+    : Component("Hints", new gui::ListLayout(gui::ListLayout::Vertical | gui::ListLayout::StretchCross)),
+      m_done(done) {
     for (const HintText& hint : HINTS) {
         if (IsOver(m_done->Get(), hint.m_name)) continue;
         m_entries.push_back({hint.m_kind, MakeLine(hint)});

@@ -18,6 +18,7 @@ struct Desk {
     const DrawSettings& m_drawSettings;
     script::TAttribPtr<bool> m_shaders;  // null where there is none
     script::AttribPtr<int> m_maxDrops;   // that one shape may turn into
+    script::AttribPtr<float> m_dpi;      // of the screen
     gui::Component& m_interface;         // the parent of all windows
     gui::Component& m_world;             // its parent: what is added here lies above all windows
 };

@@ -7,6 +7,7 @@
 #include "gui/components/Label.h"
 #include "gui/components/ScrollArea.h"
 #include "input/Key.h"
+#include "input/KeyBinder.h"
 
 namespace app {
 namespace {
@@ -65,6 +66,15 @@ void KeysWindow::Fill() {
         m_rows->AddChild(MakeRow({MakeName(Translate(name)), button}));
     }
     for (const auto& [name, key] : FIXED_KEYS) m_rows->AddChild(MakeFixedRow(Translate(name), key));
+    AddBoundKeys();
+}
+
+void KeysWindow::AddBoundKeys() {
+    const script::KeyBinder* const binder = script::KeyBinder::Find();
+    if (binder == nullptr) return;
+    for (const script::KeyBinding& binding : binder->GetBindings()) {
+        m_rows->AddChild(MakeFixedRow(binding.action, binding.key));
+    }
 }
 
 void KeysWindow::Await(const char* command) {

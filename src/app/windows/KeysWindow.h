@@ -5,7 +5,7 @@
 
 namespace app {
 
-// All keys, from the live table of commands. Press a row, then
+// All keys: those of the commands and those that the user has bound, from the live tables. Press a row, then
 // the key that shall do it; escape leaves it as it was.
 class KeysWindow : public gui::Window {
   public:
@@ -17,6 +17,7 @@ class KeysWindow : public gui::Window {
 
   private:
     void Fill();
+    void AddBoundKeys();
     void Await(const char* command);
     void Take(const gui::KeyEvent& event);
 

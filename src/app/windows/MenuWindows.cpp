@@ -5,6 +5,7 @@
 #include "app/Language.h"
 #include "app/drawing/DrawSettings.h"
 #include "app/scene/AppGUISettings.h"
+#include "app/widgets/InfoLabel.h"
 #include "app/windows/Rows.h"
 #include "gui/GUI.h"
 #include "gui/LookAndFeel.h"
@@ -48,6 +49,10 @@ constexpr double MAX_AIR_FRICTION = 0.5;
 constexpr double NORMAL_AIR_FRICTION = 0.01;
 constexpr double MIN_SPEED = 0.01;
 constexpr double MAX_SPEED = 10;
+constexpr double MIN_DPI = 50;
+constexpr double MAX_DPI = 400;
+constexpr float DPI_LABEL_WIDTH = 180;  // GUI units
+constexpr float DPI_SLIDER_WIDTH = 110;
 constexpr float SCALES[] = {1, 1.5f, 2, 3};  // pixels per GUI unit
 
 // Downwards is up on the slider; the sideways part of gravity stays.
@@ -93,6 +98,16 @@ ComponentPtr MakeScaleRow() {
     return MakeRow(row);
 }
 
+// Its name is long, so the value stands behind it and not behind the slider.
+ComponentPtr MakeDPIRow(const script::AttribPtr<float>& dpi) {
+    const String name = Translate("ScreenDPI");
+    const auto text = [=] { return name + ": " + std::to_string(std::lround(dpi->Get())); };
+    const gui::SliderPtr slider = new gui::AttribSlider(MIN_DPI, MAX_DPI, dpi);
+    slider->SetKey("ScreenDPI");
+    slider->SetSize(DPI_SLIDER_WIDTH, gui::ROW_HEIGHT);
+    return MakeRow({new InfoLabel(text, DPI_LABEL_WIDTH), slider});
+}
+
 }  // namespace
 
 gui::WindowPtr MakeFileWindow(const Desk& desk) {
@@ -120,6 +135,7 @@ gui::WindowPtr MakeOptionsWindow(const Desk& desk) {
         MakeCheckRow("DrawBorders", drawing.m_borders),
         MakeSpeedRow(),
         MakeScaleRow(),
+        MakeDPIRow(desk.m_dpi),
         MakeCommandRow(desk, "AllSettings", "..."),
         MakeCommandRow(desk, "KeysTitle", "..."),
         MakeCommandRow(desk, "ShowStats"),

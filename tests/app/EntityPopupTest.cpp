@@ -1,0 +1,202 @@
+#include "app/windows/EntityPopup.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "AppGUIFixture.h"
+#include "app/App.h"
+#include "app/entities/CircleEntity.h"
+#include "app/scene/AppGUISettings.h"
+#include "gui/components/Checkbox.h"
+#include "gui/components/Slider.h"
+#include "input/Key.h"
+#include "physics/Simulation.h"
+
+namespace {
+
+using app::EntityPtr;
+using gui::Key;
+using math::Vec2;
+
+// The menu by right click, its rows pressed as the user presses them.
+class EntityPopupTest : public test::AppGUIFixture {
+  protected:
+    static gui::Window* FindPopup() { return FindTopLevel("PopupTitle"); }
+
+    static gui::Window* FindTopLevel(const String& key) {
+        for (const gui::Component* parent :
+             {static_cast<gui::Component*>(&App()), static_cast<gui::Component*>(&GUI())}) {
+            for (const gui::ComponentPtr& child : parent->GetChildren()) {
+                if (child->GetKey() == key) return dynamic_cast<gui::Window*>(child.Get());
+            }
+        }
+        return nullptr;
+    }
+
+    static gui::AbstractToggleButton::State StateOf(const String& key) {
+        const auto check = util::DynamicCast<gui::AbstractToggleButton>(FindWidget(key));
+        check->Update(0.01f);
+        return check->GetToggleState();
+    }
+
+    static void DragSlider(const String& key, double value) {
+        const auto slider = util::DynamicCast<gui::Slider>(FindWidget(key));
+        ASSERT_TRUE(slider) << key;
+        slider->FireDragStart();
+        slider->SetValue(value);
+        slider->FireDragEnd();
+    }
+
+    static app::GeomEntity& Shape(const EntityPtr& entity) {
+        return *util::DynamicCast<app::GeomEntity>(entity);
+    }
+};
+
+TEST_F(EntityPopupTest, OpensOnWhatWasClickedAndClosesAtAClickElsewhere) {
+    const EntityPtr box = AddBox({0, 0});
+    EXPECT_TRUE(Click({0, 0}, Key::RightMouse));
+    EXPECT_TRUE(App().GetSelection().Has(box));
+    ASSERT_TRUE(FindPopup());
+    EXPECT_TRUE(FindWidget("Erase"));
+    EXPECT_FALSE(FindWidget("ResetView"));
+    Click({3, 3}, Key::LeftMouse);
+    EXPECT_FALSE(FindPopup());
+
+    Click({3, 3}, Key::RightMouse);
+    EXPECT_TRUE(FindWidget("ResetView"));
+    EXPECT_TRUE(FindWidget("GalleryButton"));
+    EXPECT_FALSE(FindWidget("Erase"));
+    EXPECT_FALSE(FindWidget("NoFollow")) << "nothing is followed";
+    EXPECT_TRUE(Key(Key::Escape));
+    EXPECT_FALSE(FindPopup());
+}
+
+TEST_F(EntityPopupTest, ErasesAndClones) {
+    AddBox({0, 0});
+    Click({0, 0}, Key::RightMouse);
+    PressButton("Clone");
+    ASSERT_EQ(Entities().size(), 2u);
+    EXPECT_EQ(UndoName(), "UndoClone");
+    const float cm = View().GetCmToWorld();
+    EXPECT_NEAR(PlaceOf(Entities()[1]).x, cm, 1e-4);
+    EXPECT_NEAR(PlaceOf(Entities()[1]).y, -cm, 1e-4);
+    EXPECT_FALSE(FindPopup());
+    Click({-0.4f, 0.4f}, Key::RightMouse);
+    PressButton("Erase");
+    EXPECT_EQ(Entities().size(), 1u);
+    EXPECT_EQ(UndoName(), "UndoErase");
+}
+
+TEST_F(EntityPopupTest, ChangesTheMaterialOfAllAndUndoesItAtOnce) {
+    const EntityPtr box = AddBox({0, 0}), circle = AddCircle({3, 0});
+    Shape(box).m_friction->Set(0.25f);
+    Key('a', true);
+    Click({0, 0}, Key::RightMouse);
+    PressButton("GeomMenuButton");
+    const auto friction = util::DynamicCast<gui::Slider>(FindWidget("Friction"));
+    ASSERT_TRUE(friction);
+    EXPECT_TRUE(std::isnan(friction->GetValue())) << "the two differ";
+    DragSlider("Friction", 1.5);
+    EXPECT_EQ(Shape(box).m_friction->Get(), 1.5f);
+    EXPECT_EQ(Shape(circle).m_friction->Get(), 1.5f);
+    EXPECT_EQ(UndoName(), "UndoSliderChange");
+    Key('z', true);
+    EXPECT_EQ(Shape(box).m_friction->Get(), 0.25f);
+    EXPECT_EQ(Shape(circle).m_friction->Get(), 0.5f);
+}
+
+TEST_F(EntityPopupTest, ShowsMixedStatesAndMakesThemOne) {
+    const EntityPtr box = AddBox({0, 0}), circle = AddCircle({3, 0});
+    Shape(box).m_collideSet->Set(3);
+    Key('a', true);
+    Click({0, 0}, Key::RightMouse);
+    PressButton("CollisionMenuButton");
+    using Toggle = gui::AbstractToggleButton;
+    EXPECT_EQ(StateOf("A"), Toggle::On);
+    EXPECT_EQ(StateOf("B"), Toggle::Unknown);
+    EXPECT_EQ(StateOf("C"), Toggle::Off);
+    PressButton("B");
+    EXPECT_EQ(Shape(circle).m_collideSet->Get(), 3);
+    PressButton("A");
+    EXPECT_EQ(Shape(box).m_collideSet->Get(), 2);
+    EXPECT_EQ(Shape(circle).m_collideSet->Get(), 2);
+}
+
+TEST_F(EntityPopupTest, MakesACircleOfTheSameAreaInTheSamePlace) {
+    const EntityPtr box = AddBox({0, 0}, 2);
+    AddBox({5, 0});
+    Shape(box).m_friction->Set(0.125f);
+    const math::Vec3 color = box->GetColor();
+    Click({0, 0}, Key::RightMouse);
+    PressButton("GeomMenuButton");
+    PressButton("Circle");
+    ASSERT_EQ(Entities().size(), 2u);
+    const auto circle = util::DynamicCast<app::CircleEntity>(Entities()[0]);
+    ASSERT_TRUE(circle) << "it keeps its place in the drawing order";
+    EXPECT_NEAR(circle->GetCircle()->GetArea(), 4, 0.01);
+    EXPECT_NEAR(BodyOf(circle)->m_mass, 8, 0.05);
+    EXPECT_EQ(circle->GetColor(), color);
+    EXPECT_EQ(circle->m_friction->Get(), 0.125f);
+    EXPECT_EQ(UndoName(), "UndoToCircle");
+    Key('z', true);
+    EXPECT_EQ(Entities()[0], box);
+    EXPECT_NEAR(BodyOf(box)->m_mass, 8, 0.05);
+}
+
+TEST_F(EntityPopupTest, TurnsShapesIntoWater) {
+    AddBox({0, 0});
+    Click({0, 0}, Key::RightMouse);
+    PressButton("GeomMenuButton");
+    PressButton("Liquify");
+    EXPECT_TRUE(Entities().empty());
+    EXPECT_GT(physics::Simulation::Instance().GetParticles().size(), 10u);
+    Key('z', true);
+    EXPECT_EQ(Entities().size(), 1u);
+    EXPECT_TRUE(physics::Simulation::Instance().GetParticles().empty());
+}
+
+TEST_F(EntityPopupTest, SelectsByKindAndInverts) {
+    AddBox({0, 0});
+    const EntityPtr circle = AddCircle({3, 0});
+    AddPlane();
+    Click({0, 0}, Key::RightMouse);
+    PressButton("SelectMenuButton");
+    PressButton("SelectCircle");
+    EXPECT_EQ(App().GetSelection().Get(), app::EntitySet{circle});
+    PressButton("Invert");
+    EXPECT_EQ(App().GetSelection().GetSize(), 2u);
+    EXPECT_FALSE(App().GetSelection().Has(circle));
+}
+
+TEST_F(EntityPopupTest, OrdersAndFollows) {
+    const EntityPtr box = AddBox({0, 0}), circle = AddCircle({3, 0});
+    Click({0, 0}, Key::RightMouse);
+    PressButton("MoveToFront");
+    EXPECT_EQ(Entities(), (app::EntityList{circle, box}));
+    EXPECT_EQ(UndoName(), "UndoOrder");
+    PressButton("MoveToBack");
+    EXPECT_EQ(Entities(), (app::EntityList{box, circle}));
+    PressButton("FollowObject");
+    EXPECT_EQ(Scene().GetTrackedEntity(), box);
+    Click({5, 5}, Key::LeftMouse);
+    Click({5, 5}, Key::RightMouse);
+    PressButton("NoFollow");
+    EXPECT_FALSE(Scene().GetTrackedEntity());
+}
+
+TEST_F(EntityPopupTest, GoesWithItsEntitiesAndWithTheHistory) {
+    const EntityPtr box = AddBox({0, 0});
+    Click({0, 0}, Key::RightMouse);
+    App().RemoveEntity(box);
+    App().Update(0.01f);
+    EXPECT_FALSE(FindPopup());
+    AddBox({0, 0});
+    Key('a', true);
+    Key(Key::Delete);
+    Click({3, 0}, Key::RightMouse);
+    Key('z', true);
+    EXPECT_FALSE(FindPopup()) << "undo closes it";
+}
+
+}  // namespace
