@@ -63,7 +63,10 @@ Console::Console()
 void Console::AddLine(const String& text, bool isCommand) {
     if (!isCommand) return AddLines(text, Tone::Plain);
     AddLines(text, Tone::Command);
+    const auto height = static_cast<size_t>(1 + std::count(text.begin(), text.end(), '\n'));
+    const size_t commandLine = m_lines.size() - std::min(height, m_lines.size());
     Run(text);
+    MarkFailure(commandLine);
 }
 
 void Console::AddLogLine(const String& text) {
@@ -88,11 +91,26 @@ void Console::AddLines(const String& text, Tone tone) {
 void Console::Run(const String& command) {
     m_history.Add(command);
     Log(logging::Trace, CMD_START + command);
+    m_running = true;
     const String answer = script::Parser::Instance().ExecuteToString(command);
+    m_running = false;
     if (answer.empty()) return;
     Log(logging::Trace, answer);
     m_lastAnswer = answer;
     AddLines(answer, Tone::Answer);
+}
+
+// A caret under the place where the command first failed, between the command and what was said of it.
+void Console::MarkFailure(size_t commandLine) {
+    for (const script::Failure& failure : script::Parser::Instance().GetFailures()) {
+        const size_t place = commandLine + failure.place.line;
+        if (!failure.place.IsKnown() || place > m_lines.size()) continue;
+        const FormattedText command = FormatText(GetFormat(Tone::Command), m_lines[place - 1].text);
+        const size_t index = CMD_START.size() + failure.place.column - 1;
+        const float x = command.GetCharBounds(std::min(index, command.m_text.size())).min.x;
+        m_lines.insert(m_lines.begin() + static_cast<std::ptrdiff_t>(place), {"^", Tone::Warning, x});
+        return;
+    }
 }
 
 void Console::Clear() {
@@ -157,7 +175,7 @@ void Console::OnKeyEvent(KeyEvent& event) {
 }
 
 void Console::HandleMouse(KeyEvent& event) {
-    if (!IsVisible() || !IsHit(event.m_position)) return;
+    if (!TakesMouse() || !IsHit(event.m_position)) return;
     event.m_handled = true;
     if (event.m_key == Key::ScrollUp) Scroll(WHEEL_LINES);
     if (event.m_key == Key::ScrollDown) Scroll(-WHEEL_LINES);

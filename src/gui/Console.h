@@ -39,13 +39,15 @@ class Console : public Component {
     void Update(float dt) override;
     void DrawComp() override;
     void OnKeyEvent(KeyEvent& event) override;
-    bool TakesMouse() const override { return true; }
+    // A command may press what lies behind the console.
+    bool TakesMouse() const override { return IsVisible() && !m_running; }
     bool IsVisible() const override { return GetOpenness() > 0; }
     const char* GetKind() const override { return "Console"; }
 
   private:
     void AddLines(const String& text, Tone tone);
     void Run(const String& command);
+    void MarkFailure(size_t commandLine);
 
     void HandleOpenKey(KeyEvent& event);
     bool HandleScrollKey(const KeyEvent& event);
@@ -78,6 +80,7 @@ class Console : public Component {
     double m_toggleTime = -1;  // seconds; when the present movement began
     double m_lastKeyTime = 0;  // seconds; the cursor blinks from here
     bool m_open = false;
+    bool m_running = false;  // a command
     bool m_cursorShown = false;
     float m_openness = 0;  // as of the last frame
 };

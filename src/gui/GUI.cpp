@@ -7,7 +7,6 @@
 #include "gui/Root.h"
 #include "gui/TextFormat.h"
 #include "gui/WidgetList.h"
-#include "gui/WindowPlaces.h"
 #include "input/Input.h"
 #include "logging/Logger.h"
 #include "rendering/Context.h"
@@ -54,9 +53,7 @@ GUI::GUI()
       m_clickTolerance(script::DeclareAttrib(*this, "clickTolerance", 3.5f)),
       m_clickTimeTolerance(script::DeclareAttrib(*this, "clickTimeTolerance", 0.4f)),
       m_scale(script::DeclareAttrib(*this, "scale", 1.0f)),
-      m_opaqueness(script::DeclareAttrib(*this, "opaqueness", 0.9f)),
-      m_windows(script::DeclareAttrib(*this, "windows", "")) {
-    WindowPlaces::Instance().SetStore(m_windows);
+      m_opaqueness(script::DeclareAttrib(*this, "opaqueness", 0.9f)) {
     AddCmd("widgets", [this] { return ListWidgets(*m_root, GetScale()); });
     AddCmd1("press", [this](const String& key) { PressWidget(*m_root, key); });
     AddChildren();

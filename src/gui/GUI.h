@@ -57,7 +57,6 @@ class GUI : public script::Reflected, public util::Singleton<GUI> {
     script::AttribPtr<float> m_clickTimeTolerance;  // seconds of holding that do the same
     script::AttribPtr<float> m_scale;               // pixels per GUI unit
     script::AttribPtr<float> m_opaqueness;          // alpha of the whole GUI
-    script::AttribPtr<String> m_windows;            // gui::WindowPlaces
 
     math::Vec2i m_windowSize{1024, 768};  // pixels; a guess until the first Resize
     ComponentPtr m_root;

@@ -4,7 +4,6 @@
 
 #include "gui/Focus.h"
 #include "gui/LookAndFeel.h"
-#include "gui/WindowPlaces.h"
 #include "gui/components/Button.h"
 #include "input/Key.h"
 
@@ -68,20 +67,8 @@ void Window::AddCloseButton() {
     Window::OnGeometryChanged();
 }
 
-void Window::SetPlaceKey(const String& key) {
-    m_placeKey = key;
-    const WindowPlaces& places = WindowPlaces::Instance();
-    if (const Vec2* const place = places.FindPlace(key)) {
-        const Vec2 pos = GetNearestInView(*place);
-        SetPos(pos.x, pos.y);
-        StopWobble();
-    }
-    if (!places.IsOpen(key, false)) WindowPlaces::Instance().Note(key, GetPos(), true);
-}
-
 void Window::Close() {
     m_dragging = false;
-    WindowPlaces::Instance().Note(m_placeKey, GetPos(), false);
     if (Component* const parent = GetParent()) parent->RemoveChild(this);
     m_closedCallbacks.CallAll();
 }
@@ -105,7 +92,6 @@ void Window::OnKeyEvent(KeyEvent& event) {
         if (HandlePress(event)) event.m_handled = true;
     } else if (event.m_key == Key::LeftMouse && m_dragging) {
         m_dragging = false;
-        WindowPlaces::Instance().Note(m_placeKey, GetPos(), true);
         event.m_handled = true;
     }
 }

@@ -36,11 +36,6 @@ class Window : public WobbleComponent {
     void AddCloseButton();
     const ButtonPtr& GetCloseButton() const { return m_closeButton; }  // may be null
 
-    // From now on the user's place for this window is kept from run to run under this name, a word, and so is
-    // whether it is open (gui::WindowPlaces). Takes the kept place at once: to be called when the window has
-    // been put where it stands at a first start.
-    void SetPlaceKey(const String& key);
-
     // Escape closes the window while something in it has the focus; for dialogs.
     void SetClosesAtEscape(bool closes) { m_closesAtEscape = closes; }
 

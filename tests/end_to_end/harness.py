@@ -262,12 +262,19 @@ class Session:
 
     def widgets(self):
         """The controls on the screen, topmost first, as (kind, key, text, place, size, state)."""
-        return json.loads(self.console("GUI.widgets"), strict=False)
+        number = r"(-?[\d.e+-]+)"
+        row = re.compile(r"\[(\w+), ([^,]*), (.*?), \[%s, %s\], \[%s, %s\], (.*?)\](?=, \[|\]$)" % ((number,) * 4), re.S)
+        return [(kind, key, text, (float(x), float(y)), (float(w), float(h)), to_value(state))
+                for kind, key, text, x, y, w, h, state in row.findall(self.console("GUI.widgets"))]
+
+    def find_widget(self, key):
+        found = [row for row in self.widgets() if row[1] == key]
+        return found[0] if found else None
 
     def widget(self, key):
-        found = [row for row in self.widgets() if row[1] == key]
+        found = self.find_widget(key)
         check(found, "there is no control with the key " + key)
-        return found[0]
+        return found
 
     def click_widget(self, key):
         _, _, _, place, size, _ = self.widget(key)

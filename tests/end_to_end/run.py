@@ -138,6 +138,23 @@ def case_console(session):
              lambda: session.read("Logfile.txt").count("> App.lineWidth = 7.0\n") == 2)
 
 
+def case_widgets(session):
+    """Controls are found by their keys and clicked where they stand; a script presses them too, in any language."""
+    session.append_autoexec("GUI.Console.scroll = false")
+    start_boxes(session)
+    session.click_widget("OptionsButton")
+    clouds = wait_for("the options", lambda: session.find_widget("DrawClouds"))
+    check(clouds[5] is True, "the clouds are off at first")
+    session.click_widget("DrawClouds")
+    check(session.widget("DrawClouds")[5] is False, "the check did not follow the click")
+    session.console('App.language = "German"')
+    session.console('GUI.press "DrawClouds"')
+    check(session.widget("DrawClouds")[5] is True, "the press by script did nothing")
+    check("no control" in session.console('GUI.press "Nonsense"').lower(), "a wrong key was not told")
+    session.quit()
+    check("App.drawClouds = true" in session.read("config.cfg"), "the setting did not follow")
+
+
 def case_version(session):
     """The version is told without a display, and nothing else is done."""
     done = subprocess.run([session.path("Vexa"), "-version"], cwd=session.folder, capture_output=True,

@@ -79,6 +79,17 @@ TEST_F(ConsoleTest, PrintsCommandAndAnswer) {
     EXPECT_TRUE(m_console->GetLines().empty());
 }
 
+TEST_F(ConsoleTest, MarksThePlaceOfAFailureUnderTheCommand) {
+    Open();
+    Run("1 + noSuchName");
+    ASSERT_GE(m_console->GetLines().size(), 2u);
+    const Console::Line& mark = m_console->GetLines()[1];
+    EXPECT_EQ(mark.text, "^");
+    EXPECT_EQ(mark.mark, 2 * 8) << "below the statement, behind the prompt";
+    Run("1 + 1");
+    EXPECT_EQ(m_console->GetLines()[m_console->GetLines().size() - 2].text, "> 1 + 1") << "nothing failed";
+}
+
 TEST_F(ConsoleTest, LogLinesHaveTheToneOfTheirLevel) {
     m_console->AddLogLine("!! ERROR: no caf\xC3\xA9");
     m_console->AddLogLine("-- Warning: hm");

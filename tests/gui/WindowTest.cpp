@@ -8,7 +8,6 @@
 #include "Events.h"
 #include "Fixtures.h"
 #include "gui/Draggable.h"
-#include "gui/WindowPlaces.h"
 #include "gui/components/Button.h"
 
 namespace {
@@ -52,9 +51,9 @@ class WindowTest : public testing::Test {
 
 TEST_F(WindowTest, IsAtLeastAsWideAsItsTitle) {
     m_window->SetSize(1, 50);
-    EXPECT_EQ(m_window->GetSize(), Vec2(48 + 12, 50));
+    EXPECT_EQ(m_window->GetSize(), Vec2(48 + 18, 50));
     m_window->AddCloseButton();
-    EXPECT_EQ(m_window->GetSize().x, 48 + 12 + m_window->GetCloseButton()->GetOuterSize().x + 8);
+    EXPECT_EQ(m_window->GetSize().x, 48 + 18 + m_window->GetCloseButton()->GetOuterSize().x + 8);
 }
 
 TEST_F(WindowTest, CloseButtonSitsInTheTitleBar) {
@@ -152,39 +151,6 @@ TEST_F(WindowTest, TearsOffWithoutAJump) {
         EXPECT_EQ(m_window->GetParent(), target.Get());
         EXPECT_TRUE(ReleaseKey(Key::LeftMouse, {60, 40}));
     }
-}
-
-TEST_F(WindowTest, ComesBackWhereTheUserPutIt) {
-    m_window->SetPlaceKey("Tools");
-    PressKey(Key::LeftMouse, TITLE);
-    MoveMouse({30, 40});
-    ReleaseKey(Key::LeftMouse, TITLE + Vec2(30, 40));
-    const auto reopen = [this] {
-        const WindowPtr window = new Window("mmmm");
-        m_root->AddChild(window);
-        window->SetPos(5, 5);
-        window->SetPlaceKey("Tools");
-        return window;
-    };
-    EXPECT_EQ(reopen()->GetPos(), Vec2(130, 140));
-    gui::WindowPlaces& places = gui::WindowPlaces::Instance();
-    EXPECT_TRUE(places.IsOpen("Tools", false));
-    m_window->Close();
-    EXPECT_FALSE(places.IsOpen("Tools", true));
-    EXPECT_TRUE(places.IsOpen("Other", true));
-}
-
-TEST(WindowPlaces, AreASetting) {
-    const util::SharedPtr<script::Reflected> owner = new script::Reflected("owner");
-    const auto store = script::DeclareAttrib(*owner, "windows", "File 3 4 0; nonsense; Tools 1");
-    const util::SharedPtr<gui::WindowPlaces> places = new gui::WindowPlaces;
-    places->SetStore(store);
-    ASSERT_NE(places->FindPlace("File"), nullptr);
-    EXPECT_EQ(*places->FindPlace("File"), Vec2(3, 4));
-    EXPECT_FALSE(places->IsOpen("File", true));
-    EXPECT_EQ(places->FindPlace("Tools"), nullptr);
-    places->Note("Help", {-7.4f, 80}, true);
-    EXPECT_EQ(store->Get(), "File 3 4 0; Help -7 80 1");
 }
 
 // ---- wobbling ----------------------------------------------------------------------------------------
