@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "World.h"
 #include "input/KeyBinder.h"
 #include "physics/SPH.h"
@@ -53,6 +55,12 @@ class GuestSceneTest : public World {
         return "{ " + before + "; type = \"circle\"; id = 5; radius = 0.5; color = [0.5, 0.5, 0.5]; " +
                "pos = [1.0, 2.0]; friction = " + friction + " }";
     }
+    static String FindDifference(const String& before, const String& after) {
+        const auto place = std::mismatch(before.begin(), before.end(), after.begin(), after.end());
+        const size_t at = static_cast<size_t>(place.first - before.begin());
+        const size_t line = before.rfind('\n', at) == String::npos ? 0 : before.rfind('\n', at) + 1;
+        return before.substr(line, 200) + " is now " + after.substr(line, 200);
+    }
     // Reads the scene and lets it live for some frames, and tells what is different from before.
     String FindDamage(const String& scene) {
         const String before = m_parser.GetRootCode();
@@ -66,7 +74,8 @@ class GuestSceneTest : public World {
             if (part->m_effects != 0) damage += "command of " + part->GetReflectedName() + "; ";
             part->m_effects = 0;
         }
-        if (m_parser.GetRootCode() != before) damage += "settings";
+        const String after = m_parser.GetRootCode();
+        if (after != before) damage += "settings: " + FindDifference(before, after);
         if (m_parser.ExecuteToString("(1 + 1) * 2") != "4") damage += "operators";
         // The good circle behind is there whatever the rest has done.
         if (GetScene().GetEntities().empty()) damage += "scene";
