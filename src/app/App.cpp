@@ -1,8 +1,11 @@
 #include "app/App.h"
 
+#include <map>
+
 #include "app/AppGUI.h"
 #include "app/Language.h"
 #include "app/drawing/Background.h"
+#include "app/entities/Chain.h"
 #include "app/history/Actions.h"
 #include "app/history/Undoer.h"
 #include "app/tools/Tool.h"
@@ -36,6 +39,7 @@ App::App()
       m_toolSettings(*this, m_guiSettings) {
     SetFillParent(true);
     AddReflected(m_guiSettings);
+    m_scene.SetJointIconSetting(m_guiSettings->m_drawHingesWhenRunning);
     AddReflected(m_renderer.GetBackground());
     AddCommands();
     physics::Simulation::Instance().m_running->AddOnChange(
@@ -51,6 +55,7 @@ void App::AddCommands() {
     AddCmd("undo", [] { Undoer::Instance().Undo(); });
     AddCmd("redo", [] { Undoer::Instance().Redo(); });
     AddCmd("snapshot", this, &App::TakeSnapshot);
+    AddCmd("dissolveChain", this, &App::DissolveChain);
 }
 
 // ---- each frame
@@ -109,6 +114,17 @@ void App::ClearScene() {
 
 void App::TakeSnapshot() {
     Undoer::Instance().Do(new SnapshotAction("UndoSnapshot", new Snapshot(m_scene)));
+}
+
+void App::DissolveChain() {
+    std::map<int, ChainPtr> chains;
+    for (const EntityPtr& entity : m_scene.GetSelection()) {
+        if (entity->GetChain()) chains[entity->GetChain()->GetID()] = entity->GetChain();
+    }
+    if (chains.empty()) return;
+    const SnapshotPtr before = new Snapshot(m_scene);
+    for (const auto& [_, chain] : chains) chain->Dissolve();
+    Undoer::Instance().AddRestorer(before, "UndoDissolveChain");
 }
 
 void App::RunSimulation() {

@@ -65,6 +65,8 @@ class App : public gui::Component, public util::Singleton<App> {
     void StopSimulation();
     void ClearScene();
     void TakeSnapshot();  // a mark
+    // The chains of the selected entities: their members stand for themselves from now on.
+    void DissolveChain();
 
     // ---- the interface
 

@@ -14,12 +14,15 @@
 #include "app/scene/AppGUISettings.h"
 #include "app/tools/BoxTool.h"
 #include "app/tools/BrushTool.h"
+#include "app/tools/ChainTool.h"
 #include "app/tools/CircleTool.h"
 #include "app/tools/DragTool.h"
+#include "app/tools/JointTool.h"
 #include "app/tools/MoveTool.h"
 #include "app/tools/PanTool.h"
 #include "app/tools/PlaneTool.h"
 #include "app/tools/RotateTool.h"
+#include "app/tools/SpringTool.h"
 #include "gui/GUI.h"
 #include "input/Key.h"
 #include "input/WindowHost.h"
@@ -57,7 +60,11 @@ AppGUI::AppGUI(App& app, const AppGUI* previous)
       m_panTool(new PanTool(app.GetWorkbench())),
       m_brushTool(new BrushTool(app.GetWorkbench())),
       m_lastAutosave(previous ? previous->m_lastAutosave : util::Clock::Now()),
-      m_tools{{"box", "ToolBox", "tools/box", 'x', new BoxTool(app.GetWorkbench())},
+      m_tools{{"hinge", "ToolHinge", "tools/hinge", 'h', new HingeTool(app.GetWorkbench())},
+              {"fixjoint", "ToolFixJoint", "tools/fixjoint", 'f', new FixJointTool(app.GetWorkbench())},
+              {"spring", "ToolSpring", "tools/spring", 's', new SpringTool(app.GetWorkbench())},
+              {"chain", "ToolChain", "tools/chain", 'n', new ChainTool(app.GetWorkbench())},
+              {"box", "ToolBox", "tools/box", 'x', new BoxTool(app.GetWorkbench())},
               {"circle", "ToolCircle", "tools/circle", 'c', new CircleTool(app.GetWorkbench())},
               {"plane", "ToolPlane", "tools/plane", 'p', new PlaneTool(app.GetWorkbench())},
               {"drag", "ToolDrag", "tools/drag", 'd', new DragTool(app.GetWorkbench())},

@@ -27,6 +27,10 @@ struct RigidTransform {
 
     RigidTransform Inverse() const { return {cos, -sin, -sin * y - cos * x, sin * x - cos * y}; }
 
+    friend constexpr bool operator==(const RigidTransform& a, const RigidTransform& b) {
+        return a.cos == b.cos && a.sin == b.sin && a.x == b.x && a.y == b.y;
+    }
+
     // (a * b)(p) = a(b(p)): b acts first.
     friend RigidTransform operator*(const RigidTransform& a, const RigidTransform& b) {
         const Vec2 t = a(b.GetTranslation());

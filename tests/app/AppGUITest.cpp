@@ -189,6 +189,7 @@ TEST_F(AppGUITest, Shortcuts) {
     Key('u', true);
     EXPECT_EQ(UndoCount(), steps) << "with nothing selected";
     for (const int key : {'a', 'z', 'g', 's'}) EXPECT_FALSE(Key(key)) << "without ctrl";
+    GUI().SelectTool("brush");  // "s" is a tool's letter
     EXPECT_FALSE(Key(Key::Escape)) << "nothing to cancel";
 }
 

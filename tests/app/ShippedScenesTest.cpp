@@ -55,7 +55,8 @@ TEST_P(ShippedScenes, LoseNothingInTenSeconds) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Scenes, ShippedScenes,
-                         testing::Values("welcome", "dam", "stack", "dominoes", "pile", "slope", "newton"),
+                         testing::Values("welcome", "dam", "stack", "dominoes", "pile", "slope", "newton",
+                                         "car", "bridge", "catapult", "pendulums", "piston", "wrecking"),
                          [](const auto& scene) { return String(scene.param); });
 
 }  // namespace

@@ -1,14 +1,13 @@
 #include "World.h"
 
-#include <algorithm>
-#include <cmath>
-#include <cstdlib>
-#include <cstring>
-#include <map>
+#include <limits>
 #include <sstream>
 #include <vector>
 
 #include "app/entities/Chain.h"
+#include "app/entities/FixJointEntity.h"
+#include "app/entities/HingeEntity.h"
+#include "app/entities/SpringEntity.h"
 #include "app/files/Serializer.h"
 #include "physics/Particle.h"
 #include "script/Expressions.h"
@@ -24,42 +23,6 @@ double g_now = 100;
 
 double Now() {
     return g_now;
-}
-
-// Replaces each "key = n" by a number that counts up with the n that are new; 0 stays.
-String CountThrough(const String& text, const String& key) {
-    const String lead = " " + key + " = ";
-    std::map<String, size_t> seen;
-    String result;
-    size_t at = 0;
-    for (size_t found; (found = text.find(lead, at)) != String::npos;) {
-        const size_t start = found + lead.size();
-        result += text.substr(at, found - at);
-        at = text.find_first_not_of("0123456789", start);
-        const String number = text.substr(start, at - start);
-        const size_t count = number == "0" ? 0 : seen.emplace(number, seen.size() + 1).first->second;
-        result += lead + std::to_string(count);
-    }
-    return result + text.substr(at);
-}
-
-// Takes the floating point numbers out of the text and leaves a "#" for each.
-String TakeNumbers(const String& text, std::vector<double>& numbers) {
-    String rest;
-    const char* at = text.c_str();
-    while (*at != 0) {
-        char* end = nullptr;
-        const bool starts = *at == '-' || (*at >= '0' && *at <= '9');
-        const double number = starts ? std::strtod(at, &end) : 0;
-        if (!starts || end == at || !memchr(at, '.', static_cast<size_t>(end - at))) {
-            rest += *at++;
-            continue;
-        }
-        numbers.push_back(number);
-        rest += '#';
-        at = end;
-    }
-    return rest;
 }
 
 // The words of the interface, beside the scratch folder's other data: a test may add to them.
@@ -124,6 +87,30 @@ PlaneEntityPtr World::AddPlane(math::Vec2 normal, float offset) {
     return entity;
 }
 
+template <class JointPtr>
+static JointPtr AddJoint(Scene& scene, const JointPtr& joint, math::Vec2 p0, math::Vec2 p1) {
+    joint->SetScene(&scene);
+    joint->Attach(p0, p1);
+    EXPECT_FALSE(joint->IsOrphaned());
+    joint->Rebuild();
+    scene.AddEntity(joint);
+    return joint;
+}
+
+constexpr math::real JOINT_SIZE = 0.2f;  // m
+
+HingeEntityPtr World::AddHinge(math::Vec2 pos) {
+    return AddJoint(GetScene(), HingeEntityPtr(new HingeEntity(JOINT_SIZE)), pos, pos);
+}
+
+FixJointEntityPtr World::AddFixJoint(math::Vec2 pos) {
+    return AddJoint(GetScene(), FixJointEntityPtr(new FixJointEntity(JOINT_SIZE)), pos, pos);
+}
+
+SpringEntityPtr World::AddSpring(math::Vec2 from, math::Vec2 to) {
+    return AddJoint(GetScene(), SpringEntityPtr(new SpringEntity(JOINT_SIZE)), from, to);
+}
+
 void World::Join(const GeomEntity& a, const GeomEntity& b) {
     const auto body = util::DynamicCast<physics::Body>(a.GetGeom()->GetBody());
     GetSim().RemoveBody(util::DynamicCast<physics::Body>(b.GetGeom()->GetBody()));
@@ -145,10 +132,6 @@ String World::Save() {
     return Serializer::Serialize(GetScene())->ToCode();
 }
 
-String World::SaveNumbered() {
-    return CountThrough(CountThrough(CountThrough(Save(), "id"), "body"), "chain");
-}
-
 void World::Load(const String& text) {
     GetApp().Clear();
     Serializer::Deserialize(GetScene(), text);
@@ -156,27 +139,24 @@ void World::Load(const String& text) {
 
 String World::Describe() {
     std::ostringstream out;
+    out.precision(std::numeric_limits<float>::max_digits10);
     for (const EntityPtr& entity : GetApp().GetEntities()) {
         out << entity.Get() << (GetApp().GetSelection().Has(entity) ? " selected" : "") << " chain "
             << entity->GetChain().Get() << "\n";
     }
     out << "tracked " << GetScene().GetTrackedEntity().Get() << "\n" << Save() << "\n";
     for (const physics::BodyPtr& body : GetSim().GetBodies()) {
-        out << body->GetID() << ": " << body->m_vel.x << " " << body->m_vel.y << " " << body->m_angVel
-            << "\n";
+        out << body->GetID() << ":";
+        for (const float value : {body->m_pos.x, body->m_pos.y, body->m_angle, body->m_vel.x, body->m_vel.y,
+                                  body->m_angVel, body->m_mass, body->m_inertia}) {
+            out << " " << value;
+        }
+        out << "\n";
     }
     for (const physics::ParticlePtr& particle : GetSim().GetParticles()) {
         out << particle->m_vel.x << " " << particle->m_vel.y << "\n";
     }
     return out.str();
-}
-
-void World::ExpectSameText(const String& a, const String& b) {
-    std::vector<double> x, y;
-    EXPECT_EQ(TakeNumbers(a, x), TakeNumbers(b, y));
-    for (size_t i = 0; i < std::min(x.size(), y.size()); ++i) {
-        EXPECT_NEAR(x[i], y[i], 1e-5 * std::max(1.0, std::fabs(x[i])));
-    }
 }
 
 }  // namespace app

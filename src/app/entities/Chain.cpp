@@ -34,6 +34,21 @@ void Chain::DropEmptyPlaces() {
         m_entities.end());
 }
 
+size_t Chain::GetPlaceOf(const Entity& entity) const {
+    size_t place = 0;
+    for (const EntityPtr& member : GetEntities()) {
+        if (member.Get() == &entity) break;
+        if (member->IsInScene() && member->GetChain().Get() == this) ++place;
+    }
+    return place;
+}
+
+void Chain::Dissolve() const {
+    for (const EntityPtr& member : GetEntities()) {
+        if (member->GetChain().Get() == this) member->SetChain(nullptr);
+    }
+}
+
 EntitySet Chain::GetNeighbors(const EntityPtr& ent, bool all) const {
     CODE_ASSERTION(ent);
     const EntityList living = GetEntities();

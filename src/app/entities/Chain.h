@@ -21,6 +21,10 @@ class Chain : public util::Pointee {
     size_t IndexOf(const Entity& entity) const;
     EntityList GetEntities() const;  // the living, in order
     void DropEmptyPlaces();
+    // The index of the entity among those of its scene: what has left holds no place in a file.
+    size_t GetPlaceOf(const Entity& entity) const;
+    // Every member stands for itself from now on. The chain keeps its list, which undo needs.
+    void Dissolve() const;
 
     // The two links beside an inner link, or with `all` every link of the chain. Empty for the ends and for
     // an entity that is not in the chain.

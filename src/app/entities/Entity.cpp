@@ -16,7 +16,7 @@ void Entity::Serialize(EntitySerializer& out, Purpose) const {
     out["color"] = script::ValueToObject(m_color);
     if (m_chain) {
         out["chain"] = script::ValueToObject(m_chain->GetID());
-        out["chainNr"] = script::ValueToObject(static_cast<int>(m_chain->IndexOf(*this)));
+        out["chainNr"] = script::ValueToObject(static_cast<int>(m_chain->GetPlaceOf(*this)));
     }
     if (m_hasGroup) out["group"] = script::ValueToObject(m_group);
     if (m_tracked) out["tracked"] = script::ValueToObject(true);
@@ -29,7 +29,7 @@ void Entity::SerializeAttributes(EntitySerializer& out) const {
     }
 }
 
-void Entity::Deserialize(const EntitySerializer& in) {
+void Entity::Deserialize(const EntitySerializer& in, Purpose) {
     DeserializeAttributes(in);
     if (ReadKey(in, "color", m_color)) m_hasColor = true;
     // These two are written only when they hold, so their absence is no fault.
@@ -63,6 +63,11 @@ void Entity::SetColor(math::Vec3 color) {
 void Entity::SetGroup(script::Int group) {
     m_hasGroup = group != NO_GROUP;
     m_group = group;
+}
+
+void Entity::EnterScene(Scene* scene) {
+    m_scene = scene;
+    m_inScene = true;
 }
 
 void Entity::SetChain(const ChainPtr& chain) {

@@ -25,7 +25,8 @@ class Entity : public script::Reflected {
     explicit Entity(const String& name);
     ~Entity() noexcept(false) override;
 
-    // Snapshots leave out what never changes and is costly to write, the outlines.
+    // Files hold everything. Snapshots keep shapes, places and partners to the bit by other means, and leave
+    // them out.
     enum class Purpose { FILE, SNAPSHOT };
 
     // Fetches the present body of the geom: a fixed joint may have changed it.
@@ -51,7 +52,7 @@ class Entity : public script::Reflected {
     virtual void Serialize(EntitySerializer& out, Purpose purpose) const;
     // Takes what is there. Keys that are absent leave their field alone; of those that should be there,
     // that is logged.
-    virtual void Deserialize(const EntitySerializer& in);
+    virtual void Deserialize(const EntitySerializer& in, Purpose purpose);
 
     virtual math::BoundingBox2f GetBoundingBox() const = 0;
 
@@ -88,6 +89,9 @@ class Entity : public script::Reflected {
     // The scene that it entered last; null before the first.
     Scene* GetScene() const { return m_scene; }
     void SetScene(Scene* scene) { m_scene = scene; }
+    bool IsInScene() const { return m_inScene; }
+    void EnterScene(Scene* scene);  // these two are the scene's
+    void LeaveScene() { m_inScene = false; }
 
     const ChainPtr& GetChain() const { return m_chain; }
     void SetChain(const ChainPtr& chain);
@@ -109,6 +113,7 @@ class Entity : public script::Reflected {
     script::Int m_group = NO_GROUP;
     bool m_tracked = false;
     Scene* m_scene = nullptr;
+    bool m_inScene = false;
     uint32_t m_serial;
 
     static uint32_t s_nextSerial;

@@ -84,22 +84,36 @@ void GeomEntity::Transform(const math::RigidTransform& transform) {
     body->UpdateGeoms();
 }
 
+void GeomEntity::BeginMove() {
+    Entity::BeginMove();
+    m_startTransform = m_geom->GetTransform();
+}
+
+// From here on the body is what a file would make of it.
+void GeomEntity::EndMove() {
+    Entity::EndMove();
+    const physics::BodyPtr body = BodyOf(*m_geom);
+    if (body && !(m_geom->GetTransform() == m_startTransform)) body->Settle();
+}
+
 void GeomEntity::Serialize(EntitySerializer& out, Purpose purpose) const {
     Entity::Serialize(out, purpose);
+    if (purpose == Purpose::SNAPSHOT) return;
     const physics::BodyPtr body = BodyOf(*m_geom);
     if (body) out["body"] = script::ValueToObject(static_cast<int>(body->GetID()));
     out["id"] = script::ValueToObject(static_cast<int>(m_geom->GetID()));
     out["pos"] = script::ValueToObject(m_geom->GetPos());
-    out["angle"] = script::ValueToObject(m_geom->GetTransform().GetAngle());
+    out["angle"] = script::ValueToObject(m_geom->GetAngle());
 }
 
-void GeomEntity::Deserialize(const EntitySerializer& in) {
-    Entity::Deserialize(in);
+void GeomEntity::Deserialize(const EntitySerializer& in, Purpose purpose) {
+    Entity::Deserialize(in, purpose);
+    if (purpose == Purpose::SNAPSHOT) return;
     math::Vec2 pos = m_geom->GetPos();
-    math::real angle = m_geom->GetTransform().GetAngle();
+    double angle = m_geom->GetAngle();
     ReadKey(in, "pos", pos);
     ReadKey(in, "angle", angle);
-    m_geom->SetTransform(math::RigidTransform(angle, pos));
+    m_geom->SetAngleAndPos(angle, pos);
 }
 
 FiniteGeomEntity::FiniteGeomEntity(const String& name, const physics::GeomPtr& geom)

@@ -23,10 +23,12 @@ class GeomEntity : public Entity {
 
     // Moves the geom by way of its body, so other geoms of the body follow. A body without end stays.
     void Transform(const math::RigidTransform& transform) override;
+    void BeginMove() override;
+    void EndMove() override;
 
     void Serialize(EntitySerializer& out, Purpose purpose) const override;
     // The place goes into the geom alone; a body takes it in with its next SetGeoms.
-    void Deserialize(const EntitySerializer& in) override;
+    void Deserialize(const EntitySerializer& in, Purpose purpose) override;
     math::BoundingBox2f GetBoundingBox() const override { return m_geom->GetBoundingBox(); }
 
     const physics::GeomPtr& GetGeom() const { return m_geom; }
@@ -40,7 +42,8 @@ class GeomEntity : public Entity {
 
   private:
     const physics::GeomPtr m_geom;
-    physics::BodyPtr m_body;  // a cache
+    physics::BodyPtr m_body;                // a cache
+    math::RigidTransform m_startTransform;  // of the geom at the start of a move
 };
 
 // A geom with an end: it has a mass.

@@ -17,6 +17,12 @@ rendering::Texture* MakeDistTexture(const physics::PolygonPtr& polygon, math::re
                                             rendering::Texture::ImageType::Distance());
 }
 
+script::ObjectPtr PlaceInWorld(math::Vec2 vertex, math::Vec2 pos) {
+    const script::ObjectPtr x = script::ValueToObject(double(vertex.x) + double(pos.x));
+    const script::ObjectPtr y = script::ValueToObject(double(vertex.y) + double(pos.y));
+    return script::ValueToObject(script::ObjectList{x, y});
+}
+
 }  // namespace
 
 PolyEntity::PolyEntity(const physics::PolygonPtr& polygon)
@@ -39,13 +45,15 @@ bool PolyEntity::IsInsidePolygon(const physics::Polygon& polygon) const {
     return polygon.Encloses(*m_polygon);
 }
 
-// The outline is written where it stands, but unturned: the angle has a key of its own.
+// The outline is written where it stands, but unturned: the angle has a key of its own. Sums in float would
+// round the vertices; those in double give them back exactly.
 void PolyEntity::Serialize(EntitySerializer& out, Purpose purpose) const {
     FiniteGeomEntity::Serialize(out, purpose);
     out["type"] = script::ValueToObject("polygon");
     if (purpose == Purpose::SNAPSHOT) return;
-    math::Vec2List vecs;
-    for (const math::Vec2& vertex : m_polygon->GetVertices()) vecs.push_back(vertex + m_polygon->GetPos());
+    script::ObjectList vecs;
+    for (const math::Vec2& vertex : m_polygon->GetVertices())
+        vecs.push_back(PlaceInWorld(vertex, m_polygon->GetPos()));
     out["vecs"] = script::ValueToObject(vecs);
 }
 

@@ -6,12 +6,16 @@
 #include "app/entities/Chain.h"
 #include "app/entities/CircleEntity.h"
 #include "app/entities/EntityReader.h"
+#include "app/entities/FixJointEntity.h"
+#include "app/entities/HingeEntity.h"
 #include "app/entities/PlaneEntity.h"
 #include "app/entities/PolyEntity.h"
+#include "app/entities/SpringEntity.h"
 #include "app/scene/Scene.h"
 #include "physics/Body.h"
 #include "physics/Particle.h"
 #include "physics/Simulation.h"
+#include "script/Exceptions.h"
 #include "script/Expressions.h"
 #include "script/Objects.h"
 #include "script/Parser.h"
@@ -58,6 +62,8 @@ void Guarded(const Function& function) {
 
 SceneReader::SceneReader(Scene& scene)
     : m_scene(scene),
+      m_takenGroups(scene.GetGroups()),
+      m_takenChains(scene.GetChains()),
       m_guest(new script::Guest),
       m_closure(script::Parser::Instance().MakeGuestClosure(*m_guest, "Deserialize_closure")) {}
 
@@ -70,17 +76,19 @@ void SceneReader::Read(const script::CodeBlock& code) {
             ReadStatement(statement);
         });
     }
+    SortShapes();
     const physics::WorldGeomPtr world = physics::Simulation::Instance().GetWorldGeom();
     m_geoms[world->GetID()] = world;
     // Formulas on attributes are calculated here for the first time, at the file's cost.
-    for (EntitySerializer& values : m_shapes) {
+    const auto build = [this](void (SceneReader::*step)(Record&), Record& record) {
         Guarded([&] {
             const script::GuestTurn turn(*m_guest);
-            DeserializeBody(values);
+            (this->*step)(record);
         });
-    }
+    };
+    for (Record& record : m_shapes) build(&SceneReader::DeserializeBody, record);
     BuildBodies();
-    for (const EntitySerializer& values : m_others) Guarded([&] { DeserializeNonbody(values); });
+    for (Record& record : m_others) build(&SceneReader::DeserializeNonbody, record);
     EnterScene();
     FinishChains();
 }
@@ -105,7 +113,22 @@ void SceneReader::ReadEntity(script::FunctionDeclaration& declaration) {
     }
     String type;
     ReadKey(values, "type", type);
-    (IsShape(type) ? m_shapes : m_others).push_back(values);
+    (IsShape(type) ? m_shapes : m_others).push_back({m_place++, type, values});
+}
+
+// Geoms and bodies get new numbers, but in the order of the old ones: sums and contacts run in that order,
+// and with it the last bits of a run.
+void SceneReader::SortShapes() {
+    const auto number = [](const Record& record) {
+        script::Int id = 0;
+        const auto found = record.m_values.find("id");
+        if (found != record.m_values.end()) {
+            if (const auto* const value = script::ValueOf<script::Int>(found->second)) id = *value;
+        }
+        return id;
+    };
+    std::stable_sort(m_shapes.begin(), m_shapes.end(),
+                     [&](const Record& a, const Record& b) { return number(a) < number(b); });
 }
 
 void SceneReader::ReadAssignment(const script::Assignment& assignment) {
@@ -120,17 +143,40 @@ float SceneReader::GetScale() const {
     return m_version == 0 ? OLD_SCALE : 1;
 }
 
-void SceneReader::DeserializeBody(EntitySerializer& values) {
-    String type;
-    ReadKey(values, "type", type);
-    const GeomEntityPtr entity = BuildShape(type, values);
+void SceneReader::DeserializeBody(Record& record) {
+    EntitySerializer& values = record.m_values;
+    const GeomEntityPtr entity = BuildShape(record.m_type, values);
     if (!entity) {
-        Log(logging::Warning, "Unknown body type: " + type);
+        Log(logging::Warning, "Unknown body type: " + record.m_type);
         return;
     }
+    RenumberGroup(values);
     PlaceShape(*entity, values);
     EnterShape(entity, values);
-    LinkChain(entity, values);
+    Enter(entity, record);
+}
+
+void SceneReader::Enter(const EntityPtr& entity, const Record& record) {
+    m_entities[record.m_place] = entity;
+    LinkChain(entity, record.m_values);
+}
+
+// A number that the scene has already would tie the file's group or chain to the scene's.
+script::Int SceneReader::Renumber(NumberMap& numbers, std::set<script::Int>& taken, script::Int number) {
+    const auto found = numbers.find(number);
+    if (found != numbers.end()) return found->second;
+    const script::Int fresh = taken.count(number) ? Scene::LowestFree(taken) : number;
+    taken.insert(fresh);
+    numbers[number] = fresh;
+    return fresh;
+}
+
+void SceneReader::RenumberGroup(EntitySerializer& values) {
+    if (!HasKey(values, "group")) return;
+    script::Int group = Entity::NO_GROUP;
+    ReadKey(values, "group", group);
+    if (group == Entity::NO_GROUP) return;
+    values["group"] = script::ValueToObject(Renumber(m_groups, m_takenGroups, group));
 }
 
 GeomEntityPtr SceneReader::BuildShape(const String& type, const EntitySerializer& values) const {
@@ -140,16 +186,26 @@ GeomEntityPtr SceneReader::BuildShape(const String& type, const EntitySerializer
     return nullptr;
 }
 
+// The outline stands in the file round the place of the shape. Taken from that in double, the vertices are
+// exactly those that were written.
 GeomEntityPtr SceneReader::BuildPolygon(const EntitySerializer& values) const {
-    math::Vec2List vecs;
+    script::ObjectList vecs;
     ReadKey(values, "vecs", vecs);
     if (vecs.size() > MAX_VERTICES) THROW(BadDataException, "Too many vertices in scene file");
-    for (math::Vec2& vec : vecs) {
-        vec *= GetScale();
-        CheckLength(vec);
-        CheckExtent(math::Length(vec - vecs.front()) / 2);
+    math::Vec2 pos;
+    if (HasKey(values, "pos")) ReadKey(values, "pos", pos);
+    pos *= GetScale();
+    math::Vec2List outline;
+    for (const script::ObjectPtr& object : vecs) {
+        const auto vec = script::ObjectToValue<script::ObjectList>(object);
+        if (vec.size() != 2) THROW(script::ScriptException, "Not a vector");
+        const double x = script::ObjectToValue<double>(vec[0]) * double(GetScale());
+        const double y = script::ObjectToValue<double>(vec[1]) * double(GetScale());
+        CheckLength(math::Vec2(static_cast<float>(x), static_cast<float>(y)));
+        outline.push_back({static_cast<float>(x - double(pos.x)), static_cast<float>(y - double(pos.y))});
+        CheckExtent(math::Length(outline.back() - outline.front()) / 2);
     }
-    return new PolyEntity(new physics::Polygon(vecs, physics::Simulation::Instance().GetDefaultSurface()));
+    return new PolyEntity(new physics::Polygon(outline, physics::Simulation::Instance().GetDefaultSurface()));
 }
 
 GeomEntityPtr SceneReader::BuildCircle(const EntitySerializer& values) const {
@@ -191,11 +247,11 @@ void SceneReader::PlaceShape(GeomEntity& entity, EntitySerializer& values) const
         values["pos"] = script::ValueToObject(pos);
     }
     if (HasKey(values, "angle")) {
-        float angle = 0;
+        double angle = 0;
         ReadKey(values, "angle", angle);
-        CheckLength(angle);
+        CheckLength(static_cast<float>(angle));
     }
-    entity.Deserialize(values);
+    entity.Deserialize(values, Entity::Purpose::FILE);
     if (!HasKey(values, "collide")) return;
     bool collide = true;
     ReadKey(values, "collide", collide);
@@ -210,7 +266,6 @@ void SceneReader::EnterShape(const GeomEntityPtr& entity, const EntitySerializer
     // The number 0 is the world's own. A shape without a number gets a body of its own.
     if (id == 0 && HasKey(values, "id")) Log(logging::Warning, "Couldn't find attribute id");
     if (id != 0) m_geoms[static_cast<unsigned int>(id)] = entity->GetGeom();
-    m_entities.push_back(entity);
     if (body == 0 && !HasKey(values, "body")) return;
     m_bodies[static_cast<unsigned int>(body)].insert(entity->GetGeom());
 }
@@ -228,14 +283,59 @@ void SceneReader::BuildBodies() {
     }
 }
 
-void SceneReader::DeserializeNonbody(const EntitySerializer& values) {
-    String type;
-    ReadKey(values, "type", type);
-    if (type == "water") {
-        DeserializeWater(values);
+void SceneReader::DeserializeNonbody(Record& record) {
+    if (record.m_type == "water") {
+        DeserializeWater(record.m_values);
         return;
     }
-    Log(logging::Warning, "Unknown entity: " + type);
+    const JointEntityPtr joint = BuildJoint(record.m_type, record.m_values);
+    if (!joint) {
+        Log(logging::Warning, "Unknown entity: " + record.m_type);
+        return;
+    }
+    TieJoint(*joint, record.m_values);
+    RenumberGroup(record.m_values);
+    // Brings the length of a spring at rest, for which the present one stands so far.
+    joint->Deserialize(record.m_values, Entity::Purpose::FILE);
+    Enter(joint, record);
+}
+
+JointEntityPtr SceneReader::BuildJoint(const String& type, const EntitySerializer& values) const {
+    if (type != "hinge" && type != "fixjoint" && type != "spring") return nullptr;
+    float size = 0;
+    ReadKey(values, "size", size);
+    size *= GetScale();
+    CheckLength(size);
+    if (type == "hinge") return new HingeEntity(size);
+    if (type == "fixjoint") return new FixJointEntity(size);
+    if (HasKey(values, "length")) {
+        float length = 0;
+        ReadKey(values, "length", length);
+        CheckLength(length);
+    }
+    return new SpringEntity(size);
+}
+
+void SceneReader::TieJoint(JointEntity& joint, const EntitySerializer& values) const {
+    const physics::GeomPtr geom0 = FindGeom(values, "geom0"), geom1 = FindGeom(values, "geom1");
+    CODE_ASSERTION(geom0);
+    CODE_ASSERTION(geom1);
+    math::Vec2 pos0, pos1;
+    ReadKey(values, "geom0pos", pos0);
+    ReadKey(values, "geom1pos", pos1);
+    pos0 *= GetScale();
+    pos1 *= GetScale();
+    CheckLength(pos0);
+    CheckLength(pos1);
+    joint.SetEnds({geom0, pos0}, {geom1, pos1});
+    joint.Rebuild();
+}
+
+physics::GeomPtr SceneReader::FindGeom(const EntitySerializer& values, const char* key) const {
+    script::Int id = -1;
+    ReadKey(values, key, id);
+    const auto found = m_geoms.find(static_cast<unsigned int>(id));
+    return found == m_geoms.end() ? physics::GeomPtr() : found->second;
 }
 
 void SceneReader::DeserializeWater(const EntitySerializer& values) const {
@@ -256,27 +356,21 @@ void SceneReader::LinkChain(const EntityPtr& entity, const EntitySerializer& val
         script::Int number = 0, place = 0;
         ReadKey(values, "chain", number);
         ReadKey(values, "chainNr", place);
-        FindChain(static_cast<unsigned int>(number))->AddEntity(static_cast<unsigned int>(place), entity);
+        FindChain(number)->AddEntity(static_cast<unsigned int>(place), entity);
     } catch (const std::exception& e) {
         LogException(e, WHERE);
         Log(logging::Warning, "Bad chain");
     }
 }
 
-// The file's number is kept where the scene has no such chain yet.
-ChainPtr SceneReader::FindChain(unsigned int number) {
+ChainPtr SceneReader::FindChain(script::Int number) {
     ChainPtr& chain = m_chains[number];
-    if (chain) return chain;
-    int free = m_scene.GetFreeChain();
-    for (const auto& [_, other] : m_chains) {
-        if (other) free = std::max(free, other->GetID() + 1);
-    }
-    chain = new Chain(m_scene.HasChain(static_cast<int>(number)) ? free : static_cast<int>(number));
+    if (!chain) chain = new Chain(Renumber(m_chainNumbers, m_takenChains, number));
     return chain;
 }
 
 void SceneReader::EnterScene() {
-    for (const EntityPtr& entity : m_entities) {
+    for (const auto& [_, entity] : m_entities) {
         Guarded([&] { m_scene.AddEntity(entity); });
     }
 }

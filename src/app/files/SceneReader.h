@@ -1,9 +1,11 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <vector>
 
 #include "app/Fwd.h"
+#include "app/entities/JointEntity.h"
 #include "math/Vector.h"
 #include "script/Fwd.h"
 #include "script/Guest.h"
@@ -15,7 +17,7 @@ namespace app {
 //
 // First all statements are read into maps of values, whose order then does not matter to the version; then
 // the shapes are built, then the bodies from them, then what refers to shapes; only in the end does all of it
-// enter the scene. Whatever fails costs the entity or statement that it stands in.
+// enter the scene, in the order of the file. Whatever fails costs the entity or statement that it stands in.
 class SceneReader {
   public:
     explicit SceneReader(Scene& scene);
@@ -32,23 +34,37 @@ class SceneReader {
   private:
     using GeomMap = std::map<unsigned int, physics::GeomPtr>;
     using BodyMap = std::map<unsigned int, physics::GeomSet>;
-    using ChainMap = std::map<unsigned int, ChainPtr>;
+    using ChainMap = std::map<script::Int, ChainPtr>;
+    using NumberMap = std::map<script::Int, script::Int>;
+    // The values of one entity, and which of the file's it is.
+    struct Record {
+        size_t m_place;
+        String m_type;
+        EntitySerializer m_values;
+    };
 
     void ReadStatement(const script::ExpressionPtr& statement);
     void ReadEntity(script::FunctionDeclaration& declaration);
     void ReadAssignment(const script::Assignment& assignment);
 
-    void DeserializeBody(EntitySerializer& values);
+    void SortShapes();
+    void DeserializeBody(Record& record);
+    void Enter(const EntityPtr& entity, const Record& record);
+    static script::Int Renumber(NumberMap& numbers, std::set<script::Int>& taken, script::Int number);
+    void RenumberGroup(EntitySerializer& values);
     GeomEntityPtr BuildShape(const String& type, const EntitySerializer& values) const;
     GeomEntityPtr BuildPolygon(const EntitySerializer& values) const;
     GeomEntityPtr BuildCircle(const EntitySerializer& values) const;
     GeomEntityPtr BuildPlane(const EntitySerializer& values) const;
     void PlaceShape(GeomEntity& entity, EntitySerializer& values) const;
     void EnterShape(const GeomEntityPtr& entity, const EntitySerializer& values);
-    void DeserializeNonbody(const EntitySerializer& values);
+    void DeserializeNonbody(Record& record);
+    JointEntityPtr BuildJoint(const String& type, const EntitySerializer& values) const;
+    void TieJoint(JointEntity& joint, const EntitySerializer& values) const;
+    physics::GeomPtr FindGeom(const EntitySerializer& values, const char* key) const;
     void DeserializeWater(const EntitySerializer& values) const;
     void LinkChain(const EntityPtr& entity, const EntitySerializer& values);
-    ChainPtr FindChain(unsigned int number);
+    ChainPtr FindChain(script::Int number);
 
     void BuildBodies();
     void EnterScene();
@@ -57,15 +73,18 @@ class SceneReader {
     float GetScale() const;
 
     Scene& m_scene;
-    script::GuestPtr m_guest;      // whose file it is; what all of it may take
-    script::ClosurePtr m_closure;  // in which the file's statements are evaluated
-    script::Int m_version = 0;     // 0 until the file says otherwise
-    std::vector<EntitySerializer> m_shapes;
-    std::vector<EntitySerializer> m_others;
-    GeomMap m_geoms;    // by the file's numbers; 0 is the world geom
-    BodyMap m_bodies;   // the geoms of each body, by the file's numbers
-    ChainMap m_chains;  // by the file's numbers
-    EntityList m_entities;
+    std::set<script::Int> m_takenGroups, m_takenChains;  // by the scene, and by what was read
+    script::GuestPtr m_guest;                            // whose file it is; what all of it may take
+    script::ClosurePtr m_closure;                        // in which the file's statements are evaluated
+    script::Int m_version = 0;                           // 0 until the file says otherwise
+    size_t m_place = 0;                                  // of the next entity in the file
+    std::vector<Record> m_shapes;
+    std::vector<Record> m_others;
+    GeomMap m_geoms;                         // by the file's numbers; 0 is the world geom
+    BodyMap m_bodies;                        // the geoms of each body, by the file's numbers
+    ChainMap m_chains;                       // by the file's numbers
+    NumberMap m_groups, m_chainNumbers;      // from the file's numbers to the scene's
+    std::map<size_t, EntityPtr> m_entities;  // by their places in the file
 };
 
 }  // namespace app

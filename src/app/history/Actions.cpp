@@ -8,6 +8,7 @@ namespace app {
 void EraseEntities::Do() {
     m_snapshot = new Snapshot(m_scene);
     for (const EntityPtr& entity : m_entities) m_scene.RemoveEntity(entity);
+    m_scene.SettleJoints();
 }
 
 void SimStart::Undo() {

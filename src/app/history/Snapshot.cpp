@@ -1,9 +1,10 @@
 #include "app/history/Snapshot.h"
 
+#include <algorithm>
+
 #include "app/entities/Chain.h"
-#include "app/entities/Entity.h"
+#include "app/entities/SpringEntity.h"
 #include "app/scene/Scene.h"
-#include "physics/Body.h"
 #include "physics/Particle.h"
 #include "physics/Simulation.h"
 
@@ -24,14 +25,26 @@ void Snapshot::TakeEntities() {
     for (const EntityPtr& entity : entities) {
         m_entities.push_back({entity, entity->GetChain(), {}});
         entity->Serialize(m_entities.back().m_values, Entity::Purpose::SNAPSHOT);
+        if (const auto joint = util::DynamicCast<JointEntity>(entity)) {
+            m_joints.push_back({joint, {joint->GetEnd(0), joint->GetEnd(1)}});
+        }
     }
 }
 
+// What a tool pulls at has no shape of the scene, and goes with the gesture.
+static bool HasShape(const physics::Body& body) {
+    const auto& parts = body.GetParts();
+    return std::any_of(parts.begin(), parts.end(), [](const physics::BodyPart& part) {
+        return dynamic_cast<const physics::WorldGeom*>(part.geom.Get()) == nullptr;
+    });
+}
+
 void Snapshot::TakeBodies() {
+    const physics::BodyPtr world = physics::Simulation::Instance().GetWorldBody();
     const physics::BodyList& bodies = physics::Simulation::Instance().GetBodies();
     m_bodies.reserve(bodies.size());
     for (const physics::BodyPtr& body : bodies) {
-        m_bodies.push_back({body, body->GetGeoms(), body->m_vel, body->m_angVel});
+        if (body == world || HasShape(*body)) m_bodies.push_back({body, body->GetState()});
     }
 }
 
@@ -41,33 +54,41 @@ void Snapshot::TakeParticles() {
     }
 }
 
-// Values are set twice. Places must stand before the bodies adopt the shapes; what works through a body or
-// through a tie between shapes needs those.
+// Plain values come first, while no shape has a body yet: a density would have it computed anew. The bodies
+// then take their shapes back with all that was computed, to the bit.
 void Snapshot::Restore() const {
     m_scene.Clear();
-    ResetEntities();
     RestoreValues();
     RestoreBodies();
-    RestoreValues();
+    RestoreJoints();
     RestoreScene();
     RestoreParticles();
     m_scene.GetSelection().Set(m_selection);
 }
 
-void Snapshot::ResetEntities() const {
-    for (const EntityRecord& record : m_entities) record.m_entity->ResetForRestore();
-}
-
 void Snapshot::RestoreValues() const {
-    for (const EntityRecord& record : m_entities) record.m_entity->Deserialize(record.m_values);
+    for (const EntityRecord& record : m_entities) {
+        record.m_entity->ResetForRestore();
+        record.m_entity->Deserialize(record.m_values, Entity::Purpose::SNAPSHOT);
+    }
 }
 
 void Snapshot::RestoreBodies() const {
     for (const BodyRecord& record : m_bodies) {
-        record.m_body->SetGeoms(record.m_geoms);
-        if (record.m_body->m_massInv == 0) continue;
-        record.m_body->m_vel = record.m_vel;
-        record.m_body->m_angVel = record.m_angVel;
+        record.m_body->SetState(record.m_state);
+        physics::Simulation::Instance().AddBody(record.m_body);
+    }
+}
+
+// The length of a spring at rest comes after Rebuild, which takes the present one for it.
+void Snapshot::RestoreJoints() const {
+    for (const JointRecord& record : m_joints) {
+        record.m_joint->SetEnds(record.m_ends[0], record.m_ends[1]);
+        record.m_joint->Rebuild();
+    }
+    for (const EntityRecord& record : m_entities) {
+        const auto spring = util::DynamicCast<SpringEntity>(record.m_entity);
+        if (spring) spring->Deserialize(record.m_values, Entity::Purpose::SNAPSHOT);
     }
 }
 

@@ -3,7 +3,9 @@
 #include <vector>
 
 #include "app/Fwd.h"
+#include "app/entities/JointEntity.h"
 #include "math/Vector.h"
+#include "physics/Body.h"
 #include "util/Pointee.h"
 
 namespace app {
@@ -29,11 +31,13 @@ class Snapshot : public util::Pointee {
         ChainPtr m_chain;
         EntitySerializer m_values;
     };
+    struct JointRecord {
+        JointEntityPtr m_joint;
+        JointEntity::End m_ends[2];
+    };
     struct BodyRecord {
         physics::BodyPtr m_body;
-        physics::GeomSet m_geoms;
-        math::Vec2 m_vel;
-        math::real m_angVel;
+        physics::Body::State m_state;
     };
     struct ParticleRecord {
         physics::ParticlePtr m_particle;
@@ -45,15 +49,16 @@ class Snapshot : public util::Pointee {
     void TakeBodies();
     void TakeParticles();
 
-    void ResetEntities() const;
     void RestoreValues() const;
     void RestoreBodies() const;
+    void RestoreJoints() const;
     void RestoreScene() const;
     void RestoreParticles() const;
 
     Scene& m_scene;
     std::vector<EntityRecord> m_entities;  // in scene order
-    std::vector<BodyRecord> m_bodies;      // the world body among them, or planes would get their own
+    std::vector<JointRecord> m_joints;     // in scene order
+    std::vector<BodyRecord> m_bodies;      // in the simulation's order, the world body first
     std::vector<ParticleRecord> m_particles;
     EntitySet m_selection;
 };

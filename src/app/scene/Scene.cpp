@@ -5,6 +5,7 @@
 
 #include "app/entities/Chain.h"
 #include "app/entities/GeomEntity.h"
+#include "app/entities/JointEntity.h"
 #include "physics/Body.h"
 #include "physics/Simulation.h"
 #include "util/Assert.h"
@@ -67,6 +68,7 @@ void Scene::Forget(const EntityPtr& entity) {
     m_selection.Remove(entity);
     if (entity == m_trackedEntity) m_trackedEntity = nullptr;
     entity->RemoveFromSimulation();
+    entity->LeaveScene();
 }
 
 void Scene::FlushBodies() {
@@ -103,7 +105,7 @@ bool Scene::IsPlaceholder(const physics::Body& body) {
 void Scene::AddEntity(const EntityPtr& entity) {
     CODE_ASSERTION(entity);
     if (!entity->HasColor()) entity->SetColor(GetNextColor());
-    entity->SetScene(this);
+    entity->EnterScene(this);
     m_entities.push_back(entity);
     entity->AddToSimulation();
     if (entity->IsTracked()) Track(entity);
@@ -122,7 +124,10 @@ void Scene::Clear() {
     entities.swap(m_entities);
     m_selection.Clear();
     m_trackedEntity = nullptr;
-    for (const EntityPtr& entity : entities) entity->RemoveFromSimulation();
+    for (const EntityPtr& entity : entities) {
+        entity->RemoveFromSimulation();
+        entity->LeaveScene();
+    }
 }
 
 void Scene::SetEntityOrder(const EntityList& entities) {
@@ -131,7 +136,7 @@ void Scene::SetEntityOrder(const EntityList& entities) {
 }
 
 bool Scene::HasEntity(const EntityPtr& entity) const {
-    return std::find(m_entities.begin(), m_entities.end(), entity) != m_entities.end();
+    return entity && entity->IsInScene() && entity->GetScene() == this;
 }
 
 EntityPtr Scene::GetEntityAt(math::Vec2 world) const {
@@ -157,6 +162,14 @@ GeomList Scene::GetGeomsAt(math::Vec2 world) const {
     return geoms;
 }
 
+physics::GeomPtr Scene::GetGeomAt(math::Vec2 world, const physics::BodyPtr& except) const {
+    const physics::AbstractBodyPtr body = except;
+    for (const physics::GeomPtr& geom : GetGeomsAt(world)) {
+        if (!body || geom->GetBody() != body) return geom;
+    }
+    return nullptr;
+}
+
 math::BoundingBox2f Scene::GetExtent() const {
     math::BoundingBox2f extent;
     for (const EntityPtr& entity : m_entities) {
@@ -174,26 +187,37 @@ void Scene::Track(const EntityPtr& entity) {
     if (entity) entity->SetTracked(true);
 }
 
-bool Scene::HasChain(int id) const {
-    return std::any_of(m_entities.begin(), m_entities.end(), [id](const EntityPtr& entity) {
-        return entity->GetChain() && entity->GetChain()->GetID() == id;
-    });
+std::set<int> Scene::GetGroups() const {
+    std::set<int> groups;
+    for (const EntityPtr& entity : m_entities) {
+        if (entity->HasGroup()) groups.insert(entity->GetGroup());
+    }
+    return groups;
 }
 
-int Scene::GetFreeGroup() const {
-    int free = 0;
+std::set<int> Scene::GetChains() const {
+    std::set<int> chains;
     for (const EntityPtr& entity : m_entities) {
-        if (entity->HasGroup()) free = std::max(free, entity->GetGroup() + 1);
+        if (entity->GetChain()) chains.insert(entity->GetChain()->GetID());
     }
+    return chains;
+}
+
+int Scene::LowestFree(const std::set<int>& taken) {
+    int free = 0;
+    while (taken.count(free)) ++free;
     return free;
 }
 
-int Scene::GetFreeChain() const {
-    int free = 0;
-    for (const EntityPtr& entity : m_entities) {
-        if (entity->GetChain()) free = std::max(free, entity->GetChain()->GetID() + 1);
+void Scene::SettleJoints() {
+    const EntityList entities = m_entities;
+    for (const EntityPtr& entity : entities) {
+        if (const auto joint = util::DynamicCast<JointEntity>(entity)) joint->ReplaceLostPartners();
     }
-    return free;
+}
+
+bool Scene::HidesJointIcons() const {
+    return m_jointIcons && !m_jointIcons->Get() && physics::Simulation::Instance().m_running->Get();
 }
 
 // ---- bodies

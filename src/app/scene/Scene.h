@@ -5,6 +5,7 @@
 #include "app/Fwd.h"
 #include "app/scene/Selection.h"
 #include "math/BoundingBox.h"
+#include "script/Attributes.h"
 #include "util/Callback.h"
 #include "util/Random.h"
 
@@ -41,6 +42,8 @@ class Scene {
     EntityPtr GetEntityAt(math::Vec2 world) const;     // the topmost, or null
     EntityList GetEntitiesAt(math::Vec2 world) const;  // topmost first
     GeomList GetGeomsAt(math::Vec2 world) const;       // topmost first; the world geom comes last
+    // The first of those that does not belong to that body; null when there is none.
+    physics::GeomPtr GetGeomAt(math::Vec2 world, const physics::BodyPtr& except = nullptr) const;
     // Round all entities with finite extents; not finite when there are none. Water does not count.
     math::BoundingBox2f GetExtent() const;
 
@@ -49,14 +52,24 @@ class Scene {
     Selection& GetSelection() { return m_selection; }
     const Selection& GetSelection() const { return m_selection; }
 
-    bool HasChain(int id) const;
-    // One past the greatest group or chain number in the scene.
-    int GetFreeGroup() const;
-    int GetFreeChain() const;
+    // The numbers of groups and chains that entities have, and the lowest that none has.
+    std::set<int> GetGroups() const;
+    std::set<int> GetChains() const;
+    int GetFreeGroup() const { return LowestFree(GetGroups()); }
+    int GetFreeChain() const { return LowestFree(GetChains()); }
+    static int LowestFree(const std::set<int>& taken);  // from 0 on
 
     // The one entity that the view follows; null for none. Sets and clears the entities' own flags.
     void Track(const EntityPtr& entity);
     const EntityPtr& GetTrackedEntity() const { return m_trackedEntity; }
+
+    // Joints whose partners have left take others, or retire at the next update. To be called after shapes
+    // were removed.
+    void SettleJoints();
+    // Whether the icons of hinges and fix joints are neither drawn nor picked: while the simulation runs,
+    // unless `setting` holds.
+    bool HidesJointIcons() const;
+    void SetJointIconSetting(const script::AttribPtr<bool>& setting) { m_jointIcons = setting; }
 
     // ---- bodies
 
@@ -87,6 +100,7 @@ class Scene {
     EntityPtr m_trackedEntity;
     util::Random m_random;
     std::array<int, 2> m_lastColors{-1, -1};  // the latest first; places in the palette
+    script::AttribPtr<bool> m_jointIcons;     // null: they always show
     String m_name;
     util::CallbackSet m_onNameChange;
 };

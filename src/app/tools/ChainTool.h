@@ -1,0 +1,29 @@
+#pragma once
+
+#include "app/entities/JointEntity.h"
+#include "app/tools/Tool.h"
+
+namespace app {
+
+// A drag lays a chain: round links in a row that touch, with a hinge at every touching point and one at
+// either end, to the shape there or to the ground behind the scene.
+class ChainTool : public Tool {
+  public:
+    explicit ChainTool(const Workbench& bench);
+    ~ChainTool() noexcept(false) override;
+
+    void OnDragStart(gui::DragEvent& event) override;
+    void OnDragEnd(gui::DragEvent& event) override;
+    void Draw() override;
+    bool Cancel() override;
+
+  private:
+    JointEntity::End PickAt(math::Vec2 world) const;
+    math::Vec2 GetStart() const;
+    void Build(const JointEntity::End& last, math::Vec2 to);
+
+    SnapshotPtr m_before;      // of the press; null while idle
+    JointEntity::End m_first;  // valid during a drag
+};
+
+}  // namespace app
