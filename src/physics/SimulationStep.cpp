@@ -38,6 +38,7 @@ void Simulation::SolveAndMove() {
     const auto move = [&] {
         m_sweptMotion.Limit(m_bodies, h);
         IntegratePlaces(m_allBodies, h);
+        m_sweptMotion.Release();
     };
     if (settings.leapFrog) {
         IntegrateVelocities(m_allBodies, h / 2);

@@ -28,14 +28,17 @@ constexpr int MOST_ADVANCES = 100;
 }  // namespace
 
 void SweptMotion::Limit(const BodyList& bodies, real h) {
-    for (AbstractBody* const body : m_limited) body->m_moveShare = 1;
-    m_limited.clear();
     const auto isFast = [h](const BodyPtr& body) { return IsFast(*body.Get(), h); };
     if (std::none_of(bodies.begin(), bodies.end(), isFast)) return;
     PROFILE_SECTION("Swept motion");
     m_time = h;
     Gather(bodies, h);
     TestPairs();
+}
+
+void SweptMotion::Release() {
+    for (AbstractBody* const body : m_limited) body->m_moveShare = 1;
+    m_limited.clear();
 }
 
 // The distance map knows how far the middle of a polygon is from its outline.

@@ -19,11 +19,13 @@ namespace physics {
 // left. Tried are the middles of shapes and the vertices of polygons, against the other's relative motion;
 // rotation counts as a straight way of the vertices.
 //
-// Kept from step to step for its arrays; holds no object between calls of Limit.
+// Kept from step to step for its arrays; holds no object from Release to the next Limit.
 class SweptMotion {
   public:
     // Sets m_moveShare of the bodies for a step of `h` seconds.
     void Limit(const BodyList& bodies, math::real h);
+    // Gives them their whole way again, and lets go of them: before the next step bodies may have died.
+    void Release();
 
   private:
     struct Shape {
