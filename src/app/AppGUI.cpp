@@ -155,6 +155,7 @@ void AppGUI::Guard(const Operation& operation) {
 void AppGUI::OnDragStart(gui::DragEvent& event) {
     Guard([&] {
         Component::OnDragStart(event);
+        if (!event.m_handled && event.m_key == gui::Key::LeftMouse) ClosePopup();
         GetTool().OnDragStart(event);
         if (event.m_handled) return;
         m_overrideTool = ChooseOverride(event);

@@ -50,6 +50,7 @@ void AppGUI::AddEditCommands() {
     m_commands.Add({"KeyErase", "popup/erase", gui::Key::Delete, false, [this] { EraseSelection(); }});
     m_commands.Add({"KeyGroup", "blank", 'g', true, [this] { SetGroup(true); }});
     m_commands.Add({"KeyUngroup", "blank", 'u', true, [this] { SetGroup(false); }});
+    m_commands.Add({"PopupTitle", "blank", 'e', true, [this] { OpenPopup(m_view.GetMiddle()); }});
     m_commands.Add({"EraseWater", "file/clear", 0, false, [this] { EraseWater(); }});
     m_commands.Add({"ClearScene", "file/clear", 0, false, [this] { m_app.ClearScene(); }});
 }

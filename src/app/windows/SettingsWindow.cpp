@@ -70,9 +70,13 @@ String ToLower(String text) {
     return text;
 }
 
-// What a person types, run as the assignment that it stands for.
+// What a person types, run as the assignment that it stands for; a text needs no quotes.
 void Assign(const Setting& setting, const String& text) {
     util::Guarded([&] {
+        if (util::DynamicCast<script::TAttrib<String>>(setting.m_attrib)) {
+            setting.m_attrib->SetValue(script::ValueToObject(text));
+            return;
+        }
         script::Parser::Instance().Execute(setting.m_object + "." + setting.m_name + " = " + text + ";");
     });
 }
