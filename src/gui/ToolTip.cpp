@@ -4,6 +4,8 @@
 
 #include "gui/LookAndFeel.h"
 #include "input/Input.h"
+#include "rendering/Gl.h"
+#include "rendering/Renderer.h"
 #include "util/Clock.h"
 #include "util/Redraw.h"
 
@@ -13,7 +15,8 @@ namespace {
 constexpr int TOOL_TIP_PRIORITY = 100;
 constexpr double DELAY = 0.5;                 // seconds
 constexpr math::Vec2 MOUSE_DISTANCE(14, 20);  // GUI units, beyond the cursor's picture
-constexpr float MAX_WIDTH = 320;              // GUI units
+constexpr math::Vec4 BACKGROUND(0.1f, 0.11f, 0.14f, 1);
+constexpr float MAX_WIDTH = 320;  // GUI units
 
 }  // namespace
 
@@ -52,6 +55,19 @@ void ToolTip::Show(const String& text) {
     math::Vec2 place = mouse + MOUSE_DISTANCE;
     if (place.y > room.y) place.y = mouse.y - size.y;
     SetPos(std::clamp(place.x, 0.0f, std::max(room.x, 0.0f)), std::max(place.y, 0.0f));
+}
+
+// The skin is transparent; a tip lies over other texts.
+void ToolTip::DrawComp() {
+    rendering::Renderer& renderer = rendering::Renderer::Instance();
+    const math::Vec4 kept = renderer.GetColor();
+    renderer.MultColor(BACKGROUND);
+    {
+        const rendering::ScopedCapability untextured(GL_TEXTURE_2D, false);
+        renderer.DrawQuad({0, 0}, GetSize());
+    }
+    renderer.SetColor(kept);
+    Label::DrawComp();
 }
 
 void ToolTip::Draw() {

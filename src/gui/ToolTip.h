@@ -12,6 +12,7 @@ class ToolTip : public Label {
 
     void Update(float dt) override;
     void Draw() override;
+    void DrawComp() override;
     bool IsVisible() const override { return m_visible; }
     const char* GetKind() const override { return "ToolTip"; }
 
