@@ -141,6 +141,7 @@ String World::Describe() {
     std::ostringstream out;
     out.precision(std::numeric_limits<float>::max_digits10);
     for (const EntityPtr& entity : GetApp().GetEntities()) {
+        if (!entity->IsAlive()) continue;  // the next update retires it
         out << entity.Get() << (GetApp().GetSelection().Has(entity) ? " selected" : "") << " chain "
             << entity->GetChain().Get() << "\n";
     }

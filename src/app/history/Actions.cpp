@@ -9,6 +9,7 @@ void EraseEntities::Do() {
     m_snapshot = new Snapshot(m_scene);
     for (const EntityPtr& entity : m_entities) m_scene.RemoveEntity(entity);
     m_scene.SettleJoints();
+    m_after = new Snapshot(m_scene);
 }
 
 void SimStart::Undo() {

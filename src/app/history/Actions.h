@@ -52,7 +52,8 @@ class SnapshotRestorer : public Action {
     SnapshotPtr m_after;
 };
 
-// Removes entities. Each time it is done it remembers the scene as it was just before.
+// Removes entities. What the joints beside them make of it depends on where everything is at that moment, so
+// a redo brings back what the erasure left.
 class EraseEntities : public Action {
   public:
     EraseEntities(Scene& scene, const EntitySet& entities)
@@ -60,10 +61,12 @@ class EraseEntities : public Action {
 
     void Do() override;
     void Undo() override { m_snapshot->Restore(); }
+    void Redo() override { m_after->Restore(); }
 
   private:
     Scene& m_scene;
     SnapshotPtr m_snapshot;
+    SnapshotPtr m_after;
     EntitySet m_entities;
 };
 

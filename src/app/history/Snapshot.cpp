@@ -23,6 +23,7 @@ void Snapshot::TakeEntities() {
     const EntityList& entities = m_scene.GetEntities();
     m_entities.reserve(entities.size());
     for (const EntityPtr& entity : entities) {
+        if (!entity->IsAlive()) continue;  // it waits to be retired
         m_entities.push_back({entity, entity->GetChain(), {}});
         entity->Serialize(m_entities.back().m_values, Entity::Purpose::SNAPSHOT);
         if (const auto joint = util::DynamicCast<JointEntity>(entity)) {

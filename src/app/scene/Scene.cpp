@@ -209,11 +209,17 @@ int Scene::LowestFree(const std::set<int>& taken) {
     return free;
 }
 
+// Orphans go at once: a snapshot taken between here and the next update would bring them back to life.
 void Scene::SettleJoints() {
     const EntityList entities = m_entities;
+    EntitySet orphans;
     for (const EntityPtr& entity : entities) {
-        if (const auto joint = util::DynamicCast<JointEntity>(entity)) joint->ReplaceLostPartners();
+        const auto joint = util::DynamicCast<JointEntity>(entity);
+        if (!joint) continue;
+        joint->ReplaceLostPartners();
+        if (joint->IsOrphaned()) orphans.insert(entity);
     }
+    if (!orphans.empty()) RetireDead(orphans);
 }
 
 bool Scene::HidesJointIcons() const {
