@@ -146,6 +146,13 @@ void App::OnLanguageChange() {
     m_rebuildsGUI = static_cast<bool>(m_appGUI);
 }
 
+Workbench App::GetWorkbench() {
+    const auto tell = [this](const char* key, math::Vec2 world) {
+        if (m_appGUI) m_appGUI->ShowHint(key, world);
+    };
+    return {m_scene, m_view, m_toolSettings, tell};
+}
+
 void App::CreateGUI() {
     const String language = m_language->Get();
     if (Language::Instance().GetName() != language) Language::Instance().Load(language);

@@ -74,7 +74,7 @@ class App : public gui::Component, public util::Singleton<App> {
     void CreateGUI();
     const AppGUIPtr& GetAppGUI() const { return m_appGUI; }
     AppGUISettings& GetGUISettings() const { return *m_guiSettings; }
-    Workbench GetWorkbench() { return {m_scene, m_view, m_toolSettings}; }
+    Workbench GetWorkbench();
     const DrawSettings& GetDrawSettings() const { return m_renderer.GetSettings(); }
     const ToolSettings& GetToolSettings() const { return m_toolSettings; }
     // Saves the scene for the next start and drops the autosaved one.

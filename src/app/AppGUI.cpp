@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "app/App.h"
+#include "app/Language.h"
 #include "app/drawing/DrawSettings.h"
 #include "app/entities/Entity.h"
 #include "app/files/SceneFiles.h"
@@ -23,10 +24,12 @@
 #include "app/tools/PlaneTool.h"
 #include "app/tools/RotateTool.h"
 #include "app/tools/SpringTool.h"
+#include "app/widgets/Hint.h"
 #include "gui/GUI.h"
 #include "input/Key.h"
 #include "input/WindowHost.h"
 #include "logging/Log.h"
+#include "physics/Simulation.h"
 #include "script/Parser.h"
 #include "script/Scopes.h"
 #include "util/Clock.h"
@@ -81,7 +84,9 @@ AppGUI::AppGUI(App& app, const AppGUI* previous)
              *this,
              app},
       m_windows(*this, app.GetGUISettings().m_windows),
-      m_hints(new Hints(app.GetGUISettings().m_hintsDone)) {
+      m_hints(new Hints(app.GetGUISettings().m_hintsDone)),
+      m_hint(new Hint),
+      m_autosaved(previous ? previous->m_autosaved : AutosavedState()) {
     SetFillParent(true);
     FollowSelectedTool();
     AddToolCommands();
@@ -92,6 +97,7 @@ AppGUI::AppGUI(App& app, const AppGUI* previous)
     LoadKeys();
     AddWindows();
     AddHints();
+    AddChild(m_hint);
     const util::WeakPtr<util::Pointee> self(this);
     Undoer::Instance().GetOnInterrupt().Add(new util::Callback([this] { BreakOff(); }, self));
     m_app.GetGUISettings().m_tool->AddOnChange(new util::Callback([this] { FollowSelectedTool(); }, self));
@@ -139,6 +145,10 @@ void AppGUI::FollowSelectedTool() {
     if (index == m_selectedTool) return;
     GetSelectedTool().m_tool->Cancel();
     m_selectedTool = index;
+}
+
+void AppGUI::ShowHint(const char* key, math::Vec2 world) {
+    m_hint->Show(Language::Instance().Get(key), m_view.WorldToGUI(world));
 }
 
 bool AppGUI::CancelTool() {
@@ -266,8 +276,9 @@ void AppGUI::StepHistory(bool redo) {
 }
 
 void AppGUI::EraseSelection() {
-    CancelTool();
+    // Cancelling a move brings the former selection back; what is meant is what the hand holds.
     const EntitySet selected = m_scene.GetSelection().Get();
+    CancelTool();
     if (!selected.empty()) Undoer::Instance().Do(new EraseEntities(m_scene, selected));
 }
 
@@ -334,7 +345,21 @@ void AppGUI::Autosave() {
     if (now - m_lastAutosave <= m_app.m_autosaveTime->Get()) return;
     m_lastAutosave = now;
     script::Parser::Instance().SaveRootCode(util::RunSlot::Instance().GetAutosaveConfig());
-    SaveSceneAs(util::RunSlot::Instance().GetAutosaveScene(), true);
+    const String scene = util::RunSlot::Instance().GetAutosaveScene();
+    const util::FileSystem& files = util::FileSystem::Instance();
+    const AutosavedState state = GetAutosaveState();
+    if (state == m_autosaved && files.Exists(files.GetScenesDir() + scene)) return;
+    if (SaveSceneAs(scene, true)) m_autosaved = state;
+}
+
+AppGUI::AutosavedState AppGUI::GetAutosaveState() const {
+    return {true, Undoer::Instance().GetChangeCount(), physics::Simulation::Instance().HashState(),
+            m_scene.GetTrackedEntity()};
+}
+
+bool AppGUI::AutosavedState::operator==(const AutosavedState& other) const {
+    return m_isKnown == other.m_isKnown && m_changes == other.m_changes && m_hash == other.m_hash &&
+           m_tracked == other.m_tracked;
 }
 
 // ---- each frame

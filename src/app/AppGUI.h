@@ -17,6 +17,7 @@ class MoveTool;
 class RotateTool;
 class PanTool;
 class BrushTool;
+class Hint;
 
 // A tool as the interface offers it.
 struct ToolEntry {
@@ -58,6 +59,10 @@ class AppGUI : public gui::Component {
     bool SaveSceneAs(const String& name, bool autosave);
     // What the dialog does: under the name of the scene itself to where it lies.
     bool SaveSceneNamed(const String& name);
+
+    // The text of a language key beside a place of the world, for a moment.
+    void ShowHint(const char* key, math::Vec2 world);
+    const Hint& GetHint() const { return *m_hint; }
 
     // ---- windows
 
@@ -112,6 +117,17 @@ class AppGUI : public gui::Component {
     void EraseWater();
     void ToggleFullscreen();
 
+    // By which a scene that stands still is known to be the one that was autosaved last.
+    struct AutosavedState {
+        bool m_isKnown = false;
+        uint64_t m_changes = 0;  // of the history
+        uint64_t m_hash = 0;     // of the physics
+        EntityPtr m_tracked;
+
+        bool operator==(const AutosavedState& other) const;
+    };
+    AutosavedState GetAutosaveState() const;
+
     App& m_app;
     Scene& m_scene;
     View& m_view;
@@ -131,6 +147,8 @@ class AppGUI : public gui::Component {
     gui::WindowPtr m_popup;  // null for none; torn off it belongs to this component alone
     const util::SharedPtr<Hints> m_hints;
     SceneThumbnail m_thumbnail;
+    const util::SharedPtr<Hint> m_hint;
+    AutosavedState m_autosaved;
 };
 
 }  // namespace app

@@ -7,12 +7,14 @@
 #include "AppGUIFixture.h"
 #include "app/App.h"
 #include "app/entities/GeomEntity.h"
+#include "app/files/SceneFiles.h"
 #include "app/tools/BrushTool.h"
 #include "app/tools/MoveTool.h"
 #include "app/tools/PanTool.h"
 #include "app/tools/RotateTool.h"
 #include "gui/components/TextField.h"
 #include "input/Key.h"
+#include "physics/Simulation.h"
 #include "script/Parser.h"
 #include "support/LogCapture.h"
 #include "util/Clock.h"
@@ -302,6 +304,51 @@ TEST_F(AppGUISaveTest, AutosavesInTime) {
     s_now += 2;
     GUI().Update(0.01f);
     EXPECT_TRUE(Exists("Scenes/" + AUTOSAVE_SCENE));
+}
+
+TEST_F(AppGUISaveTest, AutosavesOnlyWhatHasChanged) {
+    const String path = (m_folder / "Scenes" / AUTOSAVE_SCENE).string();
+    const auto wasWritten = [&] {
+        util::FileSystem::Instance().WriteFileAtomically(path, "marked");
+        s_now += 1000;
+        GUI().Update(0.01f);
+        return Read("Scenes/" + AUTOSAVE_SCENE) != "marked";
+    };
+    AddCircle({0, 0});
+    wasWritten();
+    EXPECT_FALSE(wasWritten());
+    AddBox({0, 2});
+    EXPECT_TRUE(wasWritten());
+    EXPECT_FALSE(wasWritten());
+    Key('a', true);
+    Key('g', true);
+    EXPECT_TRUE(wasWritten()) << "a group";
+    BodyOf(Entities().front())->m_vel = {1, 0};
+    physics::Simulation::Instance().Step(true);
+    EXPECT_TRUE(wasWritten()) << "the world ran";
+    fs::remove(path);
+    s_now += 1000;
+    GUI().Update(0.01f);
+    EXPECT_TRUE(fs::exists(path)) << "the file had gone";
+}
+
+TEST_F(AppGUISaveTest, ASceneIsSavedBackToItsFile) {
+    AddCircle({0, 0});
+    EXPECT_TRUE(GUI().SaveSceneAs("mine", true));
+    Scene().Clear();
+    const String elsewhere = (m_folder / "far.vxa").string();
+    fs::copy_file(m_folder / "Scenes" / "mine.vxa", elsewhere);
+    for (const String& name : {String("mine.vxa"), elsewhere}) {
+        Scene().SetName(GetSceneName(GetScenePath(name)));
+        EXPECT_EQ(Scene().GetName(), name);
+        AddBox({0, 2});
+        EXPECT_TRUE(GUI().SaveSceneNamed(Scene().GetName()));
+        EXPECT_NE(util::FileSystem::Instance().ReadFile(GetScenePath(name)).find("polygon"), String::npos)
+            << name;
+    }
+    for (const String& own : {AUTOSAVE_SCENE, ONEXIT_SCENE, WELCOME_SCENE}) {
+        EXPECT_EQ(GetSceneName(GetScenePath(own)), "") << own;
+    }
 }
 
 TEST_F(AppGUISaveTest, FailingAutosaveDoesNotStopTheProgram) {

@@ -35,6 +35,24 @@ Vec2List FigureEight(float firstRadius, float secondRadius) {
     return points;
 }
 
+// Round and round and inwards, without crossing itself.
+Vec2List Spiral(float turns) {
+    constexpr int STEPS = 80;
+    Vec2List points;
+    for (int i = 0; i <= STEPS; ++i) {
+        const float part = static_cast<float>(i) / STEPS, angle = turns * math::TWO_PI * part;
+        points.push_back(Vec2(std::cos(angle), std::sin(angle)) * (1.05f - 0.1f * part));
+    }
+    return points;
+}
+
+// Once round, across the start and a quarter on.
+Vec2List CrossingOvershoot() {
+    Vec2List points = Arc({0, 0}, 1, 0.1f, 0.95f);
+    Append(points, Arc({0.15f, 0}, 1, 0, 0.25f, 20));
+    return points;
+}
+
 double SignedArea(const Vec2List& outline) {
     double area = 0;
     for (size_t i = 0; i < outline.size(); ++i) {
@@ -85,7 +103,8 @@ TEST(BrushStroke, ExtractLoopAnswers) {
         {"nothing", {}, LoopResult::Open},
         {"one point", {{1, 1}}, LoopResult::Open},
         {"half circle", Arc({0, 0}, 1, 0, 0.5f), LoopResult::Open},
-        {"gap of an eighth", {{0, 0}, {3.5f, 0}, {3.5f, 1}, {1, 1}, {1, 0}}, LoopResult::Open},
+        {"gap of an eighth", {{0, 0}, {3.5f, 0}, {3.5f, 1}, {1, 1}, {1, 0.02f}}, LoopResult::Open},
+        {"an end on the first edge", {{0, 0}, {3.5f, 0}, {3.5f, 1}, {1, 1}, {1, 0}}, LoopResult::Loop},
         {"gap below an eighth", {{0, 0}, {3.5f, 0}, {3.5f, 1}, {0.9f, 1}, {0.9f, 0}}, LoopResult::Loop},
         {"five-pointed star", {{0, 0}, {1, 3}, {2, 0}, {-0.6f, 2}, {2.6f, 2}, {0, 0}}, LoopResult::Tangled},
         {"square", {{0, 0}, {1, 0}, {1, 1}, {0, 1}, {0, 0.1f}}, LoopResult::Loop},
@@ -93,6 +112,8 @@ TEST(BrushStroke, ExtractLoopAnswers) {
         {"circle", Arc({0, 0}, 1, 0, 0.98f), LoopResult::Loop},
         {"circle and a bit", Arc({0, 0}, 1, 0, 1.02f), LoopResult::Loop},
         {"figure eight", FigureEight(1, 2), LoopResult::Loop},
+        {"spiral overshot by a quarter", Spiral(1.25f), LoopResult::Loop},
+        {"circle overshot by a quarter, crossing itself", CrossingOvershoot(), LoopResult::Loop},
     };
     for (const auto& c : cases) {
         Vec2List points = c.stroke;
@@ -128,6 +149,35 @@ TEST(BrushStroke, LoopWithoutCrossingKeepsAllItsPoints) {
 }
 
 // Of two lobes the one round the half-length of the stroke is kept, whole and cut at the crossing.
+TEST(BrushStroke, WhatRunsPastItsStartIsCutThere) {
+    for (const Vec2List& stroke : {Spiral(1.05f), Spiral(1.25f), CrossingOvershoot()}) {
+        Vec2List points = stroke;
+        ASSERT_EQ(ExtractLoop(points), LoopResult::Loop);
+        EXPECT_TRUE(IsSimple(points));
+        EXPECT_NEAR(std::fabs(SignedArea(points)), math::PI, 0.4);
+    }
+}
+
+TEST(BrushStroke, FlaredLipsStay) {
+    const Vec2List vase = {{-14, 160}, {-11, 156}, {-7, 150}, {-7, 140}, {-30, 110}, {-60, 60}, {-30, 0},
+                           {30, 0},    {60, 60},   {30, 110}, {7, 140},  {7, 150},   {11, 156}, {14, 160}};
+    Vec2List points = vase;
+    ASSERT_EQ(ExtractLoop(points), LoopResult::Loop);
+    ASSERT_EQ(points.size(), vase.size());
+    for (size_t i = 0; i < points.size(); ++i) EXPECT_EQ(points[i], vase[i]) << i;
+}
+
+// Wherever on the eight the hand began.
+TEST(BrushStroke, FigureEightKeepsItsBiggerLobe) {
+    const Vec2List eight = FigureEight(1, 2);
+    for (size_t start = 0; start < eight.size(); start += 7) {
+        Vec2List points;
+        for (size_t k = 0; k < eight.size(); ++k) points.push_back(eight[(start + k) % eight.size()]);
+        ASSERT_EQ(ExtractLoop(points), LoopResult::Loop) << start;
+        EXPECT_NEAR(std::fabs(SignedArea(points)), 4 * math::PI, 0.5) << start;
+    }
+}
+
 TEST(BrushStroke, FigureEightKeepsTheLobeAtHalfLength) {
     for (const float greater : {2.0f, 4.0f}) {
         Vec2List points = FigureEight(1, greater);
@@ -194,7 +244,7 @@ TEST(BrushStroke, RandomScribblesGiveSoundOutlines) {
         const LoopResult result = ExtractLoop(points);
         if (result != LoopResult::Loop) continue;
         ++loops;
-        EXPECT_LE(PathLength(points), PathLength(stroke) * 1.0001f);
+        EXPECT_LE(PathLength(points), ClosedLength(stroke) * 1.0001f);
         for (size_t i = 1; i < points.size(); ++i) EXPECT_NE(points[i], points[i - 1]);
     }
     EXPECT_GT(loops, 50);

@@ -1,7 +1,9 @@
 #include "AppGUIFixture.h"
 #include "app/App.h"
+#include "app/Language.h"
 #include "app/entities/PolyEntity.h"
 #include "app/tools/BrushTool.h"
+#include "app/widgets/Hint.h"
 #include "input/Key.h"
 #include "physics/Body.h"
 #include "physics/Polygon.h"
@@ -105,6 +107,61 @@ TEST_F(BrushTest, LineErasesWhatItCrosses) {
         if (!c.erased.empty()) Undoer::Instance().Undo();
         ASSERT_EQ(Entities().size(), 3u) << c.name;
     }
+}
+
+// A hundred GUI units are a metre here, and a centimetre on the screen is 0.34 metres.
+TEST_F(BrushTest, SlipsEraseNothing) {
+    const EntityPtr box = AddBox({0, 0}), plane = AddPlane(), thin = AddBox({3, 0}, 0.04f);
+    const struct {
+        const char* name;
+        math::Vec2List stroke;
+        size_t erased;
+    } cases[] = {
+        {"across a corner", {{0.3f, 0.75f}, {0.75f, 0.3f}}, 0},
+        {"through exactly one vertex", {{0, 1}, {1, 0}}, 0},
+        {"out of it by a pixel only", {{-1, 0}, {0.51f, 0}}, 0},
+        {"right through", {{-1, 0}, {1, 0}}, 1},
+        {"deep through a corner", {{-0.2f, 1}, {1, -0.2f}}, 1},
+        {"through something thin", {{3, -0.4f}, {3, 0.4f}}, 1},
+        {"eight pixels over the ground line", {{-3, -2.9f}, {0, -3.08f}, {3, -2.9f}}, 0},
+        {"a little into the ground", {{2, -2}, {2, -3.3f}}, 0},
+        {"deep into the ground", {{2, -2}, {2, -4}}, 1},
+    };
+    for (const auto& c : cases) {
+        Drag(c.stroke, Key::LeftMouse);
+        EXPECT_EQ(3 - Entities().size(), c.erased) << c.name;
+        if (Entities().size() < 3) Undoer::Instance().Undo();
+    }
+}
+
+TEST_F(BrushTest, AShapeThatFillsTheViewAsksForADeepStroke) {
+    AddBox({0, 0}, 6);
+    Drag({{2.5f, 3.4f}, {3.4f, 2.5f}}, Key::LeftMouse);
+    EXPECT_EQ(Entities().size(), 1u);
+    Drag({{0, 3.5f}, {0, -3.5f}}, Key::LeftMouse);
+    EXPECT_TRUE(Entities().empty());
+}
+
+TEST_F(BrushTest, StrokesThatMeanNothingSaySo) {
+    const struct {
+        math::Vec2List stroke;
+        const char* key;
+    } cases[] = {
+        {Circle({0, 0}, 1, 0.5f), "StrokeNotClosed"},
+        {{{0, 0}, {2, 0}}, "StrokeNotClosed"},
+        {{{0, 0}, {1, 3}, {2, 0}, {-0.6f, 2}, {2.6f, 2}, {0, 0}}, "StrokeCrosses"},
+    };
+    for (const auto& c : cases) {
+        App().CreateGUI();
+        EXPECT_FALSE(GUI().GetHint().IsShown());
+        Drag(c.stroke, Key::LeftMouse);
+        EXPECT_TRUE(GUI().GetHint().IsShown()) << c.key;
+        EXPECT_EQ(GUI().GetHint().GetText(), Language::Instance().Get(c.key));
+    }
+    App().CreateGUI();
+    Drag(Circle({0, 0}, 1), Key::LeftMouse);
+    Drag({{2, 0}, {2.05f, 0}}, Key::LeftMouse);
+    EXPECT_FALSE(GUI().GetHint().IsShown()) << "a circle, or a twitch";
 }
 
 TEST_F(BrushTest, ErasingOneSelectedErasesTheSelection) {

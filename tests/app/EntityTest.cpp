@@ -75,7 +75,7 @@ TEST_F(EntityTest, ADensityWithoutMassIsIgnored) {
     }
 }
 
-TEST_F(EntityTest, TransformMovesMovableBodies) {
+TEST_F(EntityTest, TransformMovesBodiesAndPutsPlanesElsewhere) {
     const auto box = AddBox({1, -1}, {3, 1});
     box->Transform(math::RigidTransform(math::PI / 2, {0, 0}));
     EXPECT_NEAR(box->GetGeom()->GetPos().x, 0, 1e-5);
@@ -88,8 +88,8 @@ TEST_F(EntityTest, TransformMovesMovableBodies) {
 
     const auto plane = AddPlane({0, 1}, 0);
     plane->Transform(math::RigidTransform(0, {0, 5}));
-    EXPECT_TRUE(plane->IsPointInside({0, -0.1f}));
-    EXPECT_FALSE(plane->IsPointInside({0, 1}));
+    EXPECT_TRUE(plane->IsPointInside({0, 4.9f}));
+    EXPECT_FALSE(plane->IsPointInside({0, 5.1f}));
 }
 
 TEST_F(EntityTest, ClonesShareNothingThatMoves) {

@@ -361,16 +361,40 @@ TEST_F(SceneFileTest, UndoOfALoadBringsBackTheSameObjects) {
     const String before = Describe();
     ASSERT_TRUE(SceneLoader::Load(GetScene(), GetView(), "other.vxa"));
     EXPECT_FALSE(GetScene().HasEntity(triangle));
+    const String loaded = Describe();
     GetUndoer().Undo();
     EXPECT_EQ(Describe(), before);
 
-    WriteScene("other.vxa", "version = 1; " + Circle("") + Circle("id = 6;"));
-    GetUndoer().Redo();
-    EXPECT_EQ(GetApp().GetEntities().size(), 2u) << "read anew";
-    GetUndoer().Undo();
+    const String name = GetScene().GetName();
     util::FileSystem::Instance().Remove(util::FileSystem::Instance().GetScenesDir() + "other.vxa");
     GetUndoer().Redo();
-    EXPECT_TRUE(GetScene().HasEntity(triangle)) << "the file has gone, the scene stays";
+    EXPECT_EQ(Describe(), loaded) << "the file has gone, what was loaded comes back";
+    EXPECT_EQ(GetScene().GetName(), "other.vxa");
+    GetUndoer().Undo();
+    EXPECT_EQ(Describe(), before);
+    EXPECT_EQ(GetScene().GetName(), name);
+}
+
+// One ctrl+z too many never empties the world.
+TEST_F(SceneFileTest, TheFirstSceneIsTheFloorOfTheHistory) {
+    WriteScene("start.vxa", "version = 1; " + Circle(""));
+    ASSERT_TRUE(SceneLoader::LoadAtStart(GetScene(), GetView(), "start.vxa"));
+    GetUndoer().Undo();
+    EXPECT_EQ(GetScene().GetEntities().size(), 1u);
+    EXPECT_EQ(GetScene().GetName(), "start.vxa");
+}
+
+// Step by step backwards and forwards over a load, erasing and drawing.
+TEST_F(SceneFileTest, RedoAfterALoadFindsItsEntities) {
+    WriteScene("other.vxa", "version = 1; " + Circle(""));
+    ASSERT_TRUE(SceneLoader::Load(GetScene(), GetView(), "other.vxa"));
+    GetUndoer().Do(new EraseEntities(GetScene(), {GetScene().GetEntities().front()}));
+    GetUndoer().Undo();
+    GetUndoer().Undo();
+    GetUndoer().Redo();
+    EXPECT_EQ(GetScene().GetEntities().size(), 1u);
+    GetUndoer().Redo();
+    EXPECT_TRUE(GetScene().GetEntities().empty());
 }
 
 TEST_F(SceneFileTest, WhatCannotBeReadChangesNothing) {

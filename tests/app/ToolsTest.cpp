@@ -194,13 +194,71 @@ TEST_F(ToolsTest, CloneKeepsBodiesGroupsChainsAndOrder) {
     ExpectAt(b2, {1, 2}, "clone on the same body");
 }
 
-TEST_F(ToolsTest, FixedShapesStay) {
+TEST_F(ToolsTest, PlaneGoesWhereItIsPut) {
     const EntityPtr plane = AddPlane();
-    EXPECT_TRUE(Press({0, -4}, Key::LeftMouse));
-    DragTo({0, -2});
-    Release();
-    EXPECT_EQ(Scene().GetEntityAt({0, -3.1f}), plane);
+    Drag({{0, -4}, {0, -3}}, Key::LeftMouse);
+    EXPECT_EQ(Scene().GetEntityAt({0, -2.1f}), plane);
+    EXPECT_FALSE(Scene().GetEntityAt({0, -1.9f}));
+    EXPECT_EQ(UndoName(), "UndoMove");
+    // A quarter round: what was below is to the right.
+    Drag({{0, -3}, {1, -3}, {1, -2}, {0, -2}}, Key::RightMouse);
+    EXPECT_EQ(UndoName(), "UndoRotate");
+    physics::Simulation::Instance().Step(true);
+    EXPECT_FALSE(Scene().GetEntityAt({-1.5f, -3}));
+    Undoer::Instance().Undo();
+    EXPECT_EQ(Scene().GetEntityAt({-1.5f, -3}), plane);
+    Undoer::Instance().Undo();
     EXPECT_FALSE(Scene().GetEntityAt({0, -2.9f}));
+    EXPECT_EQ(UndoCount(), 0u);
+}
+
+TEST_F(ToolsTest, FixedShapesMoveEachForItself) {
+    const EntityPtr box = AddBox({0, 0}), other = AddBox({3, 0});
+    for (const EntityPtr& entity : {box, other}) {
+        const physics::BodyPtr freed = BodyOf(entity);
+        const auto geom = util::DynamicCast<GeomEntity>(entity)->GetGeom();
+        physics::Simulation::Instance().RemoveBody(freed);
+        physics::Simulation::Instance().GetWorldBody()->AddGeom(geom);
+    }
+    Drag({{0, 0}, {0, 2}}, Key::LeftMouse);
+    physics::Simulation::Instance().Step(true);
+    ExpectAt(box, {0, 2}, "moved");
+    ExpectAt(other, {3, 0}, "on the same body, but not selected");
+    Undoer::Instance().Undo();
+    ExpectAt(box, {0, 0}, "undone");
+}
+
+TEST_F(ToolsTest, WhatWasNotMovedIsAsItWas) {
+    const EntityPtr below = AddBox({0, 0}), above = AddBox({3, 0});
+    BodyOf(below)->m_vel = {1, 2};
+    Undoer::Instance().Clear();
+    for (const int button : {Key::LeftMouse, Key::RightMouse}) {
+        Press({0, 0}, button);
+        Release();
+        EXPECT_EQ(UndoCount(), 0u);
+        EXPECT_TRUE(App().GetSelection().IsEmpty());
+        EXPECT_EQ(Entities(), EntityList({below, above}));
+        EXPECT_EQ(BodyOf(below)->m_vel, Vec2(1, 2));
+    }
+    SetModifier(Key::LeftCtrl, true);
+    Press({0, 0}, Key::LeftMouse);
+    Release();
+    EXPECT_EQ(Entities(), EntityList({below, above})) << "a clone lay on its original";
+    EXPECT_EQ(UndoCount(), 0u);
+}
+
+TEST_F(ToolsTest, EscapeAndUndoBringTheOrderBack) {
+    const EntityPtr below = AddBox({0, 0}), above = AddBox({3, 0});
+    Press({0, 0}, Key::LeftMouse);
+    DragTo({0, 1});
+    Key(Key::Escape);
+    Release();
+    EXPECT_EQ(Entities(), EntityList({below, above}));
+    EXPECT_TRUE(App().GetSelection().IsEmpty());
+    Drag({{0, 0}, {0, 1}}, Key::LeftMouse);
+    EXPECT_EQ(Entities(), EntityList({above, below}));
+    Undoer::Instance().Undo();
+    EXPECT_EQ(Entities(), EntityList({below, above}));
 }
 
 TEST_F(ToolsTest, RotateTurnsAboutTheCentreOfTheSelection) {

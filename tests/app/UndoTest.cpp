@@ -136,6 +136,21 @@ TEST_F(UndoTest, ASnapshotIsAMarkInBothDirections) {
     }
 }
 
+TEST_F(UndoTest, StartsWithNothingBetweenThemAreOneStep) {
+    const auto ball = AddCircle({0, 10});
+    for (int i = 0; i < 5; ++i) {
+        GetApp().RunSimulation();
+        RunFor(20);
+        GetApp().StopSimulation();
+    }
+    EXPECT_EQ(GetUndoer().GetUndoCount(), 1u);
+    Do("an edit");
+    GetApp().RunSimulation();
+    EXPECT_EQ(GetUndoer().GetUndoCount(), 3u);
+    for (int i = 0; i < 3; ++i) GetUndoer().Undo();
+    EXPECT_EQ(ball->GetGeom()->GetPos(), Vec2(0, 10));
+}
+
 TEST_F(UndoTest, UndoOfTheStartStopsTheWorldWhereItStood) {
     const auto ball = AddCircle({0, 10});
     GetApp().RunSimulation();

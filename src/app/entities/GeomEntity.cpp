@@ -75,10 +75,16 @@ bool GeomEntity::IsInSimulation() const {
     return body && physics::Simulation::Instance().HasBody(body);
 }
 
-// A held body still moves: the tool that holds it is the one that moves it.
+// A held body still moves: the tool that holds it is the one that moves it. On an immovable body the shape
+// is put elsewhere, and the body takes that in.
 void GeomEntity::Transform(const math::RigidTransform& transform) {
     const physics::BodyPtr body = BodyOf(*m_geom);
-    if (!body || body->m_massInv == 0) return;
+    if (!body) return;
+    if (body->m_massInv == 0) {
+        m_geom->SetTransform(transform * m_geom->GetTransform());
+        body->Settle();
+        return;
+    }
     body->m_pos = transform(body->m_pos);
     body->m_angle += transform.GetAngle();
     body->UpdateGeoms();

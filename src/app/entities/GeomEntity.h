@@ -21,7 +21,8 @@ class GeomEntity : public Entity {
     void RemoveFromSimulation() override;
     bool IsInSimulation() const override;
 
-    // Moves the geom by way of its body, so other geoms of the body follow. A body without end stays.
+    // Moves the geom by way of its body, so other geoms of the body follow. On an immovable body it moves
+    // alone.
     void Transform(const math::RigidTransform& transform) override;
     void BeginMove() override;
     void EndMove() override;

@@ -28,7 +28,10 @@ bool SceneLoader::Load(Scene& scene, View& view, const String& filename, bool im
 }
 
 bool SceneLoader::LoadAtStart(Scene& scene, View& view, const String& filename) {
-    if (Load(scene, view, filename)) return true;
+    if (Load(scene, view, filename)) {
+        Undoer::Instance().Clear();
+        return true;
+    }
     const String path = GetScenePath(filename);
     const util::FileSystem& files = util::FileSystem::Instance();
     if (files.Exists(path)) files.KeepBadCopy(path);
@@ -53,15 +56,21 @@ bool SceneLoader::Read() {
 }
 
 void SceneLoader::Undo() {
+    m_loaded = new Snapshot(m_scene);
+    m_nameLoaded = m_scene.GetName();
     m_snapshot->Restore();
     m_scene.SetName(m_nameBefore);
+}
+
+void SceneLoader::Redo() {
+    m_loaded->Restore();
+    if (!m_import) physics::Simulation::Instance().m_running->SetValue(script::ValueToObject(false));
+    m_scene.SetName(m_nameLoaded);
 }
 
 void SceneLoader::Do() {
     m_nameBefore = m_scene.GetName();
     m_snapshot = new Snapshot(m_scene);
-    // A redo reads anew what the file holds by now; when it has gone, the scene stays.
-    if (!m_code && !Read()) return;
     if (!m_import) {
         m_scene.Clear();
         physics::Simulation::Instance().m_running->SetValue(script::ValueToObject(false));

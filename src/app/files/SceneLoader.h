@@ -6,21 +6,24 @@
 namespace app {
 
 // Loads a scene, or imports one into the present scene, as a step of the history. A load always stops the
-// simulation. Undo brings back the previous scene with the same entities; redo reads the file again.
+// simulation. Undo brings back the previous scene with the same entities, and redo what the
+// load had made: the file is read once.
 class SceneLoader : public Action {
   public:
     // Does it. `filename` without a slash or backslash stands for one in Scenes/. False when the file is not
     // there, or cannot be read or parsed: that is logged, and scene and history stay as they are.
     static bool Load(Scene& scene, View& view, const String& filename, bool import = false);
 
-    // For the start of the program, which has other scenes to fall back on: as Load, and a file that is
-    // there but cannot be read is copied to a name with ".bad" before anything overwrites it.
+    // For the start of the program, which has other scenes to fall back on: as Load, but no step of the
+    // history, whose floor the first scene is; and a file that is there but cannot be read is copied to a
+    // name with ".bad" before anything overwrites it.
     static bool LoadAtStart(Scene& scene, View& view, const String& filename);
 
     SceneLoader(Scene& scene, View& view, const String& filename, bool import);
 
     void Do() override;
     void Undo() override;
+    void Redo() override;
 
   private:
     bool Read();
@@ -31,7 +34,8 @@ class SceneLoader : public Action {
     String m_filename;
     script::CodeBlockPtr m_code;  // read and not yet used; null before and after
     SnapshotPtr m_snapshot;       // of the scene before
-    String m_nameBefore;
+    SnapshotPtr m_loaded;         // of what the load made; null until it is undone
+    String m_nameBefore, m_nameLoaded;
 };
 
 }  // namespace app

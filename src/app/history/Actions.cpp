@@ -12,6 +12,10 @@ void EraseEntities::Do() {
     m_after = new Snapshot(m_scene);
 }
 
+bool SimStart::Absorbs(const Action& next) const {
+    return dynamic_cast<const SimStart*>(&next) != nullptr;
+}
+
 void SimStart::Undo() {
     m_snapshot->Restore();
     physics::Simulation::Instance().m_running->Set(false);

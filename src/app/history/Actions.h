@@ -18,6 +18,9 @@ class Action : public util::Pointee {
     // Whether doing it leaves the scene alone, so that a gesture under way may go on.
     virtual bool KeepsScene() const { return false; }
 
+    // Whether `next` adds nothing to this action, so that one step undoes both.
+    virtual bool Absorbs(const Action& /*next*/) const { return false; }
+
     const char* GetName() const { return m_name; }
 
   private:
@@ -71,6 +74,7 @@ class EraseEntities : public Action {
 };
 
 // The start of the simulation: undo goes back to that moment and stops it. Redo leaves `running` as it is.
+// Starts with no other action between them are one.
 class SimStart : public Action {
   public:
     explicit SimStart(Scene& scene) : Action("UndoSimStart"), m_snapshot(new Snapshot(scene)) {}
@@ -79,6 +83,7 @@ class SimStart : public Action {
     void Undo() override;
     void Redo() override { m_snapshot->Restore(); }
     bool KeepsScene() const override { return true; }
+    bool Absorbs(const Action& next) const override;
 
   private:
     SnapshotPtr m_snapshot;

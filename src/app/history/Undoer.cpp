@@ -20,9 +20,9 @@ void Undoer::Do(const ActionPtr& action) {
     if (!action->KeepsScene()) m_onInterrupt.CallAll();
     m_redo.clear();
     action->Do();
-    m_undo.push_back(action);
+    if (m_undo.empty() || !m_undo.back()->Absorbs(*action)) m_undo.push_back(action);
     Trim();
-    m_onChange.CallAll();
+    Change();
 }
 
 // The action changes stacks before it runs: should restoring fail, a step back repairs what it left.
@@ -34,7 +34,7 @@ void Undoer::Undo() {
     m_redo.push_back(action);
     action->Undo();
     Trim();
-    m_onChange.CallAll();
+    Change();
 }
 
 void Undoer::Redo() {
@@ -45,18 +45,23 @@ void Undoer::Redo() {
     m_undo.push_back(action);
     action->Redo();
     Trim();
-    m_onChange.CallAll();
+    Change();
 }
 
 void Undoer::AddRestorer(const SnapshotPtr& before, const char* name) {
     m_redo.clear();
     m_undo.push_back(new SnapshotRestorer(name, before, new Snapshot(before->GetScene())));
-    m_onChange.CallAll();
+    Change();
 }
 
 void Undoer::Trim() {
     DropOldest(m_undo, m_limit);
     DropOldest(m_redo, m_limit);
+}
+
+void Undoer::Change() {
+    ++m_changes;
+    m_onChange.CallAll();
 }
 
 void Undoer::SetLimit(size_t limit) {
@@ -67,7 +72,7 @@ void Undoer::SetLimit(size_t limit) {
 void Undoer::Clear() {
     m_undo.clear();
     m_redo.clear();
-    m_onChange.CallAll();
+    Change();
 }
 
 const char* Undoer::GetUndoName() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <deque>
 
 #include "app/Fwd.h"
@@ -39,6 +40,8 @@ class Undoer : public util::Pointee, public util::Singleton<Undoer> {
     const char* GetRedoName() const;
     size_t GetUndoCount() const { return m_undo.size(); }
     size_t GetRedoCount() const { return m_redo.size(); }
+    // Rises with each step in either direction: whether something was edited since.
+    uint64_t GetChangeCount() const { return m_changes; }
 
     // Fired before a step of the history or a load replaces the scene: whoever has a gesture under way
     // drops it, for its entities and bodies are about to go.
@@ -47,8 +50,11 @@ class Undoer : public util::Pointee, public util::Singleton<Undoer> {
     util::CallbackSet& GetOnChange() { return m_onChange; }
 
   private:
+    void Change();
+
     std::deque<ActionPtr> m_undo;  // the last action at the back
     std::deque<ActionPtr> m_redo;
+    uint64_t m_changes = 0;
     size_t m_limit = DEFAULT_LIMIT;
     util::CallbackSet m_onInterrupt;
     util::CallbackSet m_onChange;

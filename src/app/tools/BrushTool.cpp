@@ -1,19 +1,18 @@
 #include "app/tools/BrushTool.h"
 
-#include <algorithm>
-
-#include "app/entities/PlaneEntity.h"
 #include "app/entities/PolyEntity.h"
 #include "app/history/Actions.h"
 #include "app/history/Snapshot.h"
 #include "app/history/Undoer.h"
 #include "app/scene/Scene.h"
 #include "app/scene/View.h"
+#include "app/tools/Eraser.h"
 #include "app/tools/StrokeAnalysis.h"
 #include "input/Input.h"
 #include "input/Key.h"
 #include "physics/Polygon.h"
 #include "rendering/Renderer.h"
+#include "rendering/ShapePainter.h"
 
 namespace app {
 
@@ -25,18 +24,9 @@ namespace {
 
 const math::Vec4 STROKE_COLOR(0.85f, 1.0f, 0.85f, 1.0f);
 
-// Erasing one selected entity erases all that are; a plane, easily hit by accident, goes only alone.
-EntitySet Doom(const EntitySet& crossed, const EntitySet& selected) {
-    EntitySet doomed = crossed;
-    const bool hitSelection = std::any_of(crossed.begin(), crossed.end(),
-                                          [&](const EntityPtr& entity) { return selected.count(entity); });
-    if (hitSelection) doomed.insert(selected.begin(), selected.end());
-    if (doomed.size() < 2) return doomed;
-    for (auto i = doomed.begin(); i != doomed.end();) {
-        i = util::DynamicCast<PlaneEntity>(*i) ? doomed.erase(i) : std::next(i);
-    }
-    return doomed;
-}
+const math::Vec4 DOOMED_COLOR(1, 0.3f, 0.25f, 0.75f);  // over what the stroke is about to erase
+// Shorter strokes are slips of a click, of which nothing is said. In cm on the screen.
+constexpr real LEAST_STROKE = 1;
 
 }  // namespace
 
@@ -80,11 +70,18 @@ void BrushTool::AppendPoint(Vec2 world) {
 
 void BrushTool::Draw() {
     if (!m_drawing) return;
-    const rendering::ScopedColor color(STROKE_COLOR);
     Vec2List strip = m_points;
     const Vec2 mouse = m_view.GetMousePos();
     if (mouse != strip.back()) strip.push_back(mouse);
+    if (strip.size() > 1 && TestEraseLine(strip)) DrawDoomed(FindErased(m_scene, m_view, strip));
+    const rendering::ScopedColor color(STROKE_COLOR);
     rendering::Renderer::Instance().DrawLines(strip, false);
+}
+
+void BrushTool::DrawDoomed(const EntitySet& doomed) {
+    const rendering::ScopedColor color(DOOMED_COLOR);
+    for (const EntityPtr& entity : doomed) entity->Draw();
+    rendering::ShapePainter::Instance().Flush();
 }
 
 bool BrushTool::Cancel() {
@@ -96,32 +93,38 @@ bool BrushTool::Cancel() {
 
 void BrushTool::Analyse(const Vec2List& stroke) {
     if (TestEraseLine(stroke)) {
-        EraseAlong(stroke);
+        if (!EraseAlong(stroke)) Explain("StrokeNotClosed", stroke);
         return;
     }
     const physics::PolygonPtr polygon = IsPolygon(stroke);
-    if (!polygon) return;
-    if (!SelectInside(*polygon)) CreateEntity(polygon);
+    if (polygon && !SelectInside(*polygon)) CreateEntity(polygon);
 }
 
-void BrushTool::EraseAlong(const Vec2List& stroke) {
-    physics::LineList lines;
-    for (size_t i = 1; i < stroke.size(); ++i) lines.push_back({stroke[i - 1], stroke[i]});
-    EntitySet crossed;
-    for (const EntityPtr& entity : m_scene.GetEntities()) {
-        if (entity->CrossesLines(lines)) crossed.insert(entity);
-    }
-    const EntitySet doomed = Doom(crossed, m_scene.GetSelection().Get());
+bool BrushTool::EraseAlong(const Vec2List& stroke) {
+    const EntitySet doomed = FindErased(m_scene, m_view, stroke);
     if (!doomed.empty()) Undoer::Instance().Do(new EraseEntities(m_scene, doomed));
+    return !doomed.empty();
+}
+
+void BrushTool::Explain(const char* key, const Vec2List& stroke) const {
+    if (PathLength(stroke) >= LEAST_STROKE * m_view.GetCmToWorld()) Tell(key, stroke.back());
 }
 
 physics::PolygonPtr BrushTool::IsPolygon(const Vec2List& stroke) const {
-    if (stroke.size() < 3) return nullptr;
     Vec2List loop = stroke;
-    if (ExtractLoop(loop) != LoopResult::Loop) return nullptr;
-    // A big scribble with a tiny loop at its end means nothing.
-    if (PathLength(loop) < PathLength(stroke) / 2) return nullptr;
-    return MakePolygon(loop);
+    const LoopResult result = ExtractLoop(loop);
+    if (result == LoopResult::Open) {
+        Explain("StrokeNotClosed", stroke);
+        return nullptr;
+    }
+    // A big scribble with a tiny loop in it means nothing.
+    if (result == LoopResult::Tangled || ClosedLength(loop) < PathLength(stroke) / 2) {
+        Explain("StrokeCrosses", stroke);
+        return nullptr;
+    }
+    const physics::PolygonPtr polygon = loop.size() < 3 ? nullptr : MakePolygon(loop);
+    if (!polygon) Explain("StrokeTooSmall", stroke);
+    return polygon;
 }
 
 void BrushTool::CreateEntity(const physics::PolygonPtr& polygon) {

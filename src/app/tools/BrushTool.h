@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/entities/Entity.h"
 #include "app/tools/Tool.h"
 #include "physics/Fwd.h"
 #include "physics/Line.h"
@@ -8,10 +9,10 @@ namespace app {
 
 // The free-hand tool. The shape of one left-button stroke alone decides what it does:
 //
-// - a nearly straight one erases every entity that it crosses,
+// - a nearly straight one erases every entity that it crosses, which is tinted meanwhile,
 // - a loop round entities selects them,
 // - any other loop becomes a polygon,
-// - anything else vanishes.
+// - anything else vanishes, with a word why.
 //
 // With shift down the stroke gets a straight edge to the place where shift comes up.
 class BrushTool : public Tool {
@@ -33,8 +34,11 @@ class BrushTool : public Tool {
     void AppendPoint(math::Vec2 world);
 
     void Analyse(const math::Vec2List& stroke);
-    void EraseAlong(const math::Vec2List& stroke);
-    // The polygon that the stroke means, or null.
+    bool EraseAlong(const math::Vec2List& stroke);  // whether it erased anything
+    static void DrawDoomed(const EntitySet& doomed);
+    // Tells why the stroke meant nothing, unless it is too short for a stroke.
+    void Explain(const char* key, const math::Vec2List& stroke) const;
+    // The polygon that the stroke means; null, and the user told why, for none.
     physics::PolygonPtr IsPolygon(const math::Vec2List& stroke) const;
     void CreateEntity(const physics::PolygonPtr& polygon);
 

@@ -89,11 +89,7 @@ void RotateTool::Turn(Vec2 mouse) {
 void RotateTool::OnDragEnd(gui::DragEvent& event) {
     if (!m_drag.IsTaken() || event.m_key != gui::Key::RightMouse) return;
     event.m_handled = true;
-    if (m_drag.IsHolding()) {
-        m_drag.Finish("UndoRotate");
-    } else {
-        m_drag.Drop();
-    }
+    m_drag.Finish("UndoRotate");
 }
 
 bool RotateTool::Cancel() {

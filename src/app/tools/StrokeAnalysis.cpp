@@ -1,5 +1,6 @@
 #include "app/tools/StrokeAnalysis.h"
 
+#include <algorithm>
 #include <limits>
 #include <vector>
 
@@ -24,6 +25,11 @@ constexpr real CLOSING_GAP = 1.0f / 8;
 constexpr size_t MAX_TRIMMED_PART = 4;
 // Of what is taken off, as a part of its length: a slightly shorter closing edge is not worth a long cut.
 constexpr real TRIMMING_COST = 0.25f;
+
+// Ends run side by side when they are nearer to each other than this part of the stroke's length, in
+// directions whose cosine is at least this.
+constexpr real SIDE_BY_SIDE = 1.0f / 16;
+constexpr real SAME_DIRECTION = 0.5f;
 
 // A range of segments, both ends included.
 struct SegmentRange {
@@ -56,31 +62,45 @@ std::vector<bool> MarkCrossings(const Vec2List& points) {
     return marked;
 }
 
-// The segment without a crossing whose middle lies nearest to half of the stroke's length, the earlier one
-// of equals; the number of segments when all cross.
-size_t FindMiddleSegment(const Vec2List& points, const std::vector<bool>& marked) {
-    const real half = PathLength(points) / 2;
-    real before = 0;  // length of the stroke before the segment
-    real nearest = 0;
-    size_t found = marked.size();
-    for (size_t i = 0; i < marked.size(); ++i) {
-        const real length = math::Length(points[i + 1] - points[i]);
-        const real distance = std::fabs(before + length / 2 - half);
-        before += length;
-        if (marked[i]) continue;
-        if (found != marked.size() && distance >= nearest) continue;
-        nearest = distance;
-        found = i;
+// A path and a flag for each of its segments, whether it is crossed.
+struct MarkedPath {
+    Vec2List points;
+    std::vector<bool> marked;
+};
+
+// The closed stroke, its closing edge included, as a path that begins and ends with its last crossed segment:
+// what lies between two crossings is in one piece then, wherever the hand began.
+MarkedPath MakeRing(const Vec2List& points, const std::vector<bool>& marked) {
+    const size_t n = points.size();
+    size_t start = marked.size() - 1;
+    while (!marked[start]) --start;
+    MarkedPath ring;
+    for (size_t i = 0; i <= n + 1; ++i) ring.points.push_back(points[(start + i) % n]);
+    for (size_t i = 0; i <= n; ++i) {
+        const size_t segment = (start + i) % n;
+        ring.marked.push_back(segment < marked.size() && marked[segment]);
     }
-    return found;
+    return ring;
 }
 
-// From the middle segment to the first crossing on each side, or to the ends of the stroke.
-SegmentRange GrowRange(const std::vector<bool>& marked, size_t middle) {
-    SegmentRange range{middle, middle};
-    while (range.first > 0 && !marked[range.first]) --range.first;
-    while (range.last + 1 < marked.size() && !marked[range.last]) ++range.last;
-    return range;
+// The longest stretch from one crossed segment to the next, both included; the earlier one of equals. False
+// when there is nothing between them.
+bool FindLongestStretch(const MarkedPath& path, SegmentRange& range) {
+    real longest = 0, length = 0;
+    size_t from = path.marked.size();  // the last crossed segment so far
+    for (size_t i = 0; i < path.marked.size(); ++i) {
+        if (!path.marked[i]) {
+            length += math::Length(path.points[i + 1] - path.points[i]);
+            continue;
+        }
+        if (from < i && length > longest) {
+            longest = length;
+            range = {from, i};
+        }
+        from = i;
+        length = 0;
+    }
+    return longest > 0;
 }
 
 // Where the two segments themselves cross; the endless lines through them could meet far away.
@@ -116,11 +136,28 @@ Closing MakeClosing(const Vec2List& loop, size_t from, size_t to, real dropped) 
     return {from, to, math::Length(loop[to] - loop[from]) + TRIMMING_COST * dropped};
 }
 
+// Whether the path runs past its own start, near it and in its direction. Ends that only lean towards each
+// other, as the lips of a vase, do not.
+bool RunsPastItsStart(const Vec2List& loop) {
+    const size_t last = loop.size() - 1, part = loop.size() / MAX_TRIMMED_PART;
+    const real near = SIDE_BY_SIDE * PathLength(loop);
+    for (size_t i = 0; i < part; ++i) {
+        const Vec2 u = loop[i + 1] - loop[i];
+        for (size_t j = last - part; j < last; ++j) {
+            const Vec2 v = loop[j + 1] - loop[j];
+            if (math::Length(loop[j + 1] - loop[i]) >= near) continue;
+            if (math::Dot(u, v) > SAME_DIRECTION * math::Length(u) * math::Length(v)) return true;
+        }
+    }
+    return false;
+}
+
 // A hand that runs past its start without crossing it, as in a spiral, leaves ends that lie side by side,
 // and the closing edge would cut through one of them or leave a barb. Either end, or both alike, are taken
 // back to where they close at the least cost; an outline that this does not help stays as it is.
 void TrimOverlap(Vec2List& loop) {
     const size_t last = loop.size() - 1;
+    if (!ClosingEdgeCrosses(loop, 0, last) && !RunsPastItsStart(loop)) return;
     Closing best{0, last, std::numeric_limits<real>::infinity()};
     real fromStart = 0, fromEnd = 0;  // lengths taken off so far
     const auto consider = [&](const Closing& closing) {
@@ -165,6 +202,10 @@ real PathLength(const Vec2List& points) {
     return length;
 }
 
+real ClosedLength(const Vec2List& points) {
+    return points.empty() ? 0 : PathLength(points) + math::Length(points.front() - points.back());
+}
+
 bool TestEraseLine(const Vec2List& stroke) {
     if (stroke.empty()) return false;
     const Vec2 a = stroke.front(), b = stroke.back();
@@ -176,20 +217,44 @@ bool TestEraseLine(const Vec2List& stroke) {
     return true;
 }
 
-LoopResult ExtractLoop(Vec2List& points) {
-    if (points.size() < 2) return LoopResult::Open;
-    if (math::Length(points.back() - points.front()) >= CLOSING_GAP * PathLength(points)) {
-        return LoopResult::Open;
-    }
-    const std::vector<bool> marked = MarkCrossings(points);
-    const size_t middle = FindMiddleSegment(points, marked);
-    if (middle == marked.size()) {
+namespace {
+
+bool IsClosed(const Vec2List& points) {
+    return math::Length(points.back() - points.front()) < CLOSING_GAP * PathLength(points);
+}
+
+// A stroke without a crossing whose ends lie apart is a loop all the same when it has run past its start.
+LoopResult CloseOvershot(Vec2List& points) {
+    if (points.size() < 2 * MAX_TRIMMED_PART || !RunsPastItsStart(points)) return LoopResult::Open;
+    Vec2List loop = points;
+    TrimOverlap(loop);
+    if (!IsClosed(loop)) return LoopResult::Open;
+    points.swap(loop);
+    return LoopResult::Loop;
+}
+
+// Between crossings: the biggest lobe is what the eye sees.
+LoopResult CutBiggestLobe(Vec2List& points, const MarkedPath& path) {
+    SegmentRange range{};
+    if (!FindLongestStretch(path, range)) {
         points.clear();
         return LoopResult::Tangled;
     }
-    // A loop cannot close before the second segment.
-    if (middle < 1) return LoopResult::Tangled;
-    points = CutLoop(points, marked, GrowRange(marked, middle));
+    points = CutLoop(path.points, path.marked, range);
+    return LoopResult::Loop;
+}
+
+}  // namespace
+
+LoopResult ExtractLoop(Vec2List& points) {
+    if (points.size() < 2) return LoopResult::Open;
+    const bool isClosed = IsClosed(points);
+    const std::vector<bool> marked = MarkCrossings(points);
+    const bool isCrossed = std::find(marked.begin(), marked.end(), true) != marked.end();
+    if (isCrossed)
+        return CutBiggestLobe(points, isClosed ? MakeRing(points, marked) : MarkedPath{points, marked});
+    if (!isClosed) return CloseOvershot(points);
+    points = CutLoop(points, marked, {0, marked.size() - 1});
     return LoopResult::Loop;
 }
 

@@ -22,7 +22,7 @@ constexpr size_t MAX_EDGES = 4000;
 // The greatest length of an outline's edges, in world units. A setting that would split it into more
 // pieces than MAX_EDGES, or that is no length at all, counts as the length at that many.
 math::real EdgeLimit(const math::Vec2List& outline, math::real wanted) {
-    const math::real closed = PathLength(outline) + math::Length(outline.front() - outline.back());
+    const math::real closed = ClosedLength(outline);
     const math::real least = closed / MAX_EDGES;
     return wanted > least ? wanted : least;
 }
@@ -58,6 +58,10 @@ physics::PolygonPtr Tool::MakePolygon(const math::Vec2List& outline) const {
     };
     util::Guarded(make, "", logging::Error);
     return polygon;
+}
+
+void Tool::Tell(const char* key, math::Vec2 world) const {
+    if (m_tell) m_tell(key, world);
 }
 
 void Tool::AddToScene(const EntityPtr& entity, const SnapshotPtr& before, const char* undoName) {

@@ -19,7 +19,7 @@ namespace app {
 class Tool : public gui::InputListener {
   public:
     explicit Tool(const Workbench& bench)
-        : m_scene(bench.m_scene), m_view(bench.m_view), m_settings(bench.m_settings) {}
+        : m_scene(bench.m_scene), m_view(bench.m_view), m_settings(bench.m_settings), m_tell(bench.m_tell) {}
 
     // Once a frame while the tool is the active one.
     virtual void Update() {}
@@ -42,6 +42,9 @@ class Tool : public gui::InputListener {
     // outline makes none.
     physics::PolygonPtr MakePolygon(const math::Vec2List& outline) const;
 
+    // A few words of that language key, beside the place, for a gesture that meant nothing.
+    void Tell(const char* key, math::Vec2 world) const;
+
     // Ends the making of a shape: it joins the scene and the change goes to the undoer. `before` was taken
     // at the gesture's start, `undoName` is a language key.
     void AddToScene(const EntityPtr& entity, const SnapshotPtr& before, const char* undoName);
@@ -51,6 +54,9 @@ class Tool : public gui::InputListener {
     Scene& m_scene;
     View& m_view;
     const ToolSettings& m_settings;
+
+  private:
+    const std::function<void(const char*, math::Vec2)> m_tell;
 };
 
 }  // namespace app

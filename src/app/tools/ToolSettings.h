@@ -1,6 +1,9 @@
 #pragma once
 
+#include <functional>
+
 #include "app/Fwd.h"
+#include "math/Vector.h"
 #include "script/Attributes.h"
 
 namespace app {
@@ -21,6 +24,8 @@ struct Workbench {
     Scene& m_scene;
     View& m_view;
     const ToolSettings& m_settings;
+    // Shows the user the text of a language key for a moment, beside a place in the world. May be empty.
+    std::function<void(const char* key, math::Vec2 world)> m_tell;
 };
 
 }  // namespace app
