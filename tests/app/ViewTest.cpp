@@ -126,8 +126,15 @@ TEST_F(ViewTest, ZoomToSceneFitsWhatHasAnExtent) {
     AddPlane({0, 1}, 0);
     GetApp().ZoomToScene();
     Settle();
-    ExpectNear(GetApp().GUIToWorld(GetView().GetMiddle()), {20, 5});
-    EXPECT_NEAR(GetView().GetZoom(), 800 / (24 * 1.1), 0.01);
+    const float zoom = GetView().GetZoom();
+    EXPECT_NEAR(zoom, 800 / (24 * 1.1), 0.01);
+    // In the middle, and low: what there is above a flat scene is sky, not ground under it.
+    ExpectNear(GetView().WorldToGUI({20, 3}), {400, 600 * 0.84f});
+
+    AddCircle({20, 25}, 2);  // now its height decides
+    GetApp().ZoomToScene();
+    Settle();
+    ExpectNear(GetApp().GUIToWorld(GetView().GetMiddle()), {20, 15});
 }
 
 TEST_F(ViewTest, ASceneWithoutExtentIsSeenInTheDefaultView) {

@@ -14,6 +14,7 @@ namespace {
 
 constexpr double VIEW_TIME = 0.1;     // seconds that the view takes to glide to its target
 constexpr float SCENE_MARGIN = 1.1f;  // of the scene's extent, at ZoomToScene
+constexpr float MOST_BELOW = 0.16f;   // part of the view's height left free under the scene, mostly ground
 constexpr float CM_PER_INCH = 2.54f;
 
 using Matrix = math::TMatrix3<float>;
@@ -87,7 +88,10 @@ void View::ZoomToScene(const Scene& scene) {
     const math::Vec2 extent = box.GetSize();
     const float worldPerGUI = SCENE_MARGIN * std::max(extent.x / m_size.x, extent.y / m_size.y);
     const float scale = std::clamp(1 / worldPerGUI, GetMinZoom(), GetMaxZoom());
-    SetWorldToGUI(MakeView(GetMiddle(), scale, box.GetCenter()));
+    const float height = extent.y * scale;
+    const float below = std::min((m_size.y - height) / 2, MOST_BELOW * m_size.y);
+    const math::Vec2 middle(m_size.x / 2, m_size.y - below - height / 2);
+    SetWorldToGUI(MakeView(middle, scale, box.GetCenter()));
 }
 
 math::Vec2 View::GetMousePos() const {

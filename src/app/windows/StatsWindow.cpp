@@ -1,5 +1,6 @@
 #include "app/windows/StatsWindow.h"
 
+#include <algorithm>
 #include <boost/format.hpp>
 
 #include "app/Language.h"
@@ -13,12 +14,27 @@ namespace app {
 namespace {
 
 constexpr float WIDTH = 180;  // GUI units; wide enough for all counts, so that they do not move the edge
+constexpr float SMOOTHING_TIME = 1;    // s, of the frame rate
+constexpr float REFRESH_TIME = 0.25f;  // s, or the figures could not be read
 
-String GetFrameRate() {
-    const gui::WindowHost* const host = gui::GUI::Instance().GetWindowHost();
-    const double rate = host ? host->GetFPS() : 0;
-    if (!(rate > 0)) return String();
-    return boost::str(boost::format("%.0f frames per second\n") % rate);
+String Count(size_t count, const char* one, const char* many) {
+    return std::to_string(count) + " " + Translate(count == 1 ? one : many) + "\n";
+}
+
+String GetPace(const physics::Simulation& simulation) {
+    if (!simulation.m_running->Get()) return Translate("StatStopped");
+    const float fraction = simulation.GetRealtimeFraction();
+    if (fraction >= 1) return Translate("StatRunning");
+    return boost::str(boost::format("%.0f%%, %s") % (fraction * 100) % Translate("StatSlow"));
+}
+
+String GetCounts(const physics::Simulation& simulation) {
+    constexpr size_t WORLD_BODY = 1;
+    const size_t joints = simulation.GetJoints().size() + simulation.GetHinges().size();
+    return Count(simulation.GetBodies().size() - WORLD_BODY, "StatBody", "StatBodies") +
+           Count(simulation.GetParticles().size(), "StatDrop", "StatDrops") +
+           Count(simulation.GetContacts().size(), "StatContact", "StatContacts") +
+           Count(joints, "StatJoint", "StatJoints");
 }
 
 }  // namespace
@@ -33,14 +49,28 @@ StatsWindow::StatsWindow(const Scene& scene)
 StatsWindow::~StatsWindow() noexcept(false) = default;
 
 void StatsWindow::Update(float dt) {
-    ShowText();
+    FollowFrameRate(dt);
+    m_sinceRefresh += dt;
+    if (m_sinceRefresh >= REFRESH_TIME || m_text->GetText().empty()) ShowText();
     Window::Update(dt);
 }
 
+void StatsWindow::FollowFrameRate(float dt) {
+    const gui::WindowHost* const host = gui::GUI::Instance().GetWindowHost();
+    const double rate = host ? host->GetFPS() : 0;
+    if (!(rate > 0)) return;
+    const double part = m_frameRate > 0 ? std::clamp(dt / SMOOTHING_TIME, 0.0f, 1.0f) : 1;
+    m_frameRate += (rate - m_frameRate) * part;
+}
+
 void StatsWindow::ShowText() {
-    String text = GetFrameRate() + physics::Simulation::Instance().GetStats();
-    if (!m_scene.GetName().empty()) text += "Scene: " + m_scene.GetName() + "\n";
-    if (!text.empty()) text.pop_back();
+    m_sinceRefresh = 0;
+    const physics::Simulation& simulation = physics::Simulation::Instance();
+    String text = GetCounts(simulation) + GetPace(simulation);
+    if (m_frameRate > 0) {
+        text = boost::str(boost::format("%s: %.0f\n") % Translate("InfoFPS") % m_frameRate) + text;
+    }
+    if (!m_scene.GetName().empty()) text += "\n" + Translate("StatScene") + ": " + m_scene.GetName();
     if (text == m_text->GetText()) return;
     m_text->SetText(text);
     if (m_text->GetSize().x < WIDTH) m_text->SetSize(WIDTH, m_text->GetSize().y);

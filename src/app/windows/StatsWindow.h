@@ -6,7 +6,7 @@
 
 namespace app {
 
-// What the physics says of itself, the frame rate and the name of the scene.
+// What there is in the world, whether it keeps pace with real time, the frame rate and the scene's name.
 class StatsWindow : public gui::Window {
   public:
     explicit StatsWindow(const Scene& scene);
@@ -15,10 +15,13 @@ class StatsWindow : public gui::Window {
     void Update(float dt) override;
 
   private:
+    void FollowFrameRate(float dt);
     void ShowText();
 
     const Scene& m_scene;
     gui::LabelPtr m_text;
+    double m_frameRate = 0;    // smoothed; 0 before the first
+    float m_sinceRefresh = 0;  // s
 };
 
 }  // namespace app
