@@ -129,7 +129,7 @@ TEST_F(ViewTest, ZoomToSceneFitsWhatHasAnExtent) {
     const float zoom = GetView().GetZoom();
     EXPECT_NEAR(zoom, 800 / (24 * 1.1), 0.01);
     // In the middle, and low: what there is above a flat scene is sky, not ground under it.
-    ExpectNear(GetView().WorldToGUI({20, 3}), {400, 600 * 0.84f});
+    ExpectNear(GetView().WorldToGUI({20, 3}), {400, 600 * 0.78f});
 
     AddCircle({20, 25}, 2);  // now its height decides
     GetApp().ZoomToScene();

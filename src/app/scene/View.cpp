@@ -14,7 +14,7 @@ namespace {
 
 constexpr double VIEW_TIME = 0.1;     // seconds that the view takes to glide to its target
 constexpr float SCENE_MARGIN = 1.1f;  // of the scene's extent, at ZoomToScene
-constexpr float MOST_BELOW = 0.16f;   // part of the view's height left free under the scene, mostly ground
+constexpr float MOST_BELOW = 0.22f;   // part of the view's height left free under the scene, mostly ground
 constexpr float CM_PER_INCH = 2.54f;
 
 using Matrix = math::TMatrix3<float>;
