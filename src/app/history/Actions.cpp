@@ -12,6 +12,11 @@ void EraseEntities::Do() {
     m_after = new Snapshot(m_scene);
 }
 
+void EraseEntities::Redo() {
+    m_snapshot = new Snapshot(m_scene);
+    m_after->Restore();
+}
+
 bool SimStart::Absorbs(const Action& next) const {
     return dynamic_cast<const SimStart*>(&next) != nullptr;
 }

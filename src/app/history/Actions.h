@@ -56,7 +56,7 @@ class SnapshotRestorer : public Action {
 };
 
 // Removes entities. What the joints beside them make of it depends on where everything is at that moment, so
-// a redo brings back what the erasure left.
+// a redo brings back what the erasure left. Undoing a redo goes back to the moment before it.
 class EraseEntities : public Action {
   public:
     EraseEntities(Scene& scene, const EntitySet& entities)
@@ -64,7 +64,7 @@ class EraseEntities : public Action {
 
     void Do() override;
     void Undo() override { m_snapshot->Restore(); }
-    void Redo() override { m_after->Restore(); }
+    void Redo() override;
 
   private:
     Scene& m_scene;
