@@ -16,7 +16,7 @@ cd "$here"
 log=$here/build/release/build.log
 mkdir -p build/release
 echo "Building (the first time takes a few minutes)..."
-if ! { cmake --preset release && cmake --build --preset release --target Vexa vexa_folder; } \
+if ! { cmake --preset release && cmake --build --preset release --target Vexa vexa_folder vexa-scene; } \
     >"$log" 2>&1; then
     tail -n 30 "$log" >&2
     echo "run: the build failed; all of it is in $log" >&2
