@@ -5,6 +5,7 @@
 #include "gui/LookAndFeel.h"
 #include "rendering/Renderer.h"
 #include "util/Clock.h"
+#include "util/Redraw.h"
 
 namespace app {
 
@@ -42,6 +43,7 @@ bool Hint::IsShown() const {
 
 void Hint::Draw() {
     if (!IsShown()) return;
+    util::Redraw::Request();  // until it has faded away
     math::Vec4 color = rendering::Renderer::Instance().GetColor();
     color.w *= GetAlpha();
     const rendering::ScopedColor faded(color);
