@@ -24,6 +24,12 @@ bool IsResize(const SDL_Event& event) {
 
 }  // namespace
 
+EventQueue::~EventQueue() {
+    if (s_installed != this) return;
+    SDL_SetEventFilter(nullptr);
+    s_installed = nullptr;
+}
+
 void EventQueue::Install() {
     s_installed = this;
     SDL_SetEventFilter(&TakeFromLibrary);

@@ -12,6 +12,11 @@ namespace gui {
 // steps of a resize that a later one outdates.
 class EventQueue {
   public:
+    EventQueue() = default;
+    ~EventQueue();  // the library's events go their own way again
+    EventQueue(const EventQueue&) = delete;
+    EventQueue& operator=(const EventQueue&) = delete;
+
     // From now on the library's events come here.
     void Install();
 
