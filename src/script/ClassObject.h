@@ -82,7 +82,7 @@ class ClassObject : public Object {
     // Raises what SetOwner would, before anything has changed.
     void CheckOwner(const ClassObject* owner) const;
 
-    // The part of ToExpression that this object gives, whose names begin with `path`.
+    // What this object adds to ToExpression, whose names begin with `path`.
     struct PrintWalk;
     virtual CodeBlockPtr ToAssignments(const IdentifierPtr& path, PrintWalk& walk) const;
 

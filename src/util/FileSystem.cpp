@@ -39,7 +39,7 @@ bool IsFolder(const String& path) {
     return fs::is_directory(path, error);
 }
 
-// XDG Base Directory Specification: a relative $XDG_DATA_HOME is ignored.
+// As the XDG base directories want it, a relative $XDG_DATA_HOME is ignored.
 String GetUserDataDir() {
     const char* const data = std::getenv("XDG_DATA_HOME");
     if (data != nullptr && data[0] == '/') return String(data) + "/vexa/";

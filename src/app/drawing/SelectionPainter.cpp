@@ -54,7 +54,7 @@ math::Vec2List GetCircle(Vec2 center, float radius) {
     return points;
 }
 
-// The part of a plane's edge that may be in view.
+// The stretch of a plane's edge that may be in view.
 math::Vec2List GetEdge(const math::Vec3& plane, const math::BoundingBox2f& view) {
     const Vec2 normal(plane.x, plane.y), center = view.GetCenter();
     const Vec2 middle = center - normal * (Dot(normal, center) + plane.z);
