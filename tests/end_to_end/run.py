@@ -9,36 +9,9 @@ import sys
 import time
 import traceback
 
-from harness import AUTOSAVE, ONEXIT, Failure, Session, View, box, check, ground, of_type, wait_for
-
-# Two boxes on a ground, in free space all round; the view shows x from -5.5 to 5.5.
-BOXES = [ground(0), box(-4.5, 0.5, 1), box(4.5, 0.5, 1)]
-VIEW = View(-5, 0, 5, 1)
-
-
-def circle(x, y, radius, turns=0.98, steps=48):
-    angles = [2 * math.pi * turns * i / steps for i in range(steps + 1)]
-    return [VIEW(x + radius * math.cos(a), y + radius * math.sin(a)) for a in angles]
-
-
-def line(a, b, steps=16):
-    return [VIEW(a[0] + (b[0] - a[0]) * i / steps, a[1] + (b[1] - a[1]) * i / steps)
-            for i in range(steps + 1)]
-
-
-def polygons(entities):
-    return of_type(entities, "polygon")
-
-
-def is_at(entities, place):
-    """Whether a polygon stands there, to two pixels."""
-    return any(math.dist(polygon["pos"], place) < 2 / VIEW.scale for polygon in polygons(entities))
-
-
-def start_boxes(session):
-    session.start_scene(*BOXES)
-    session.wait_scene("the loaded scene", lambda e: len(polygons(e)) == 2)
-
+import hand
+from boxes import circle, is_at, line, polygons, start_boxes
+from harness import AUTOSAVE, Failure, Session, check, of_type, wait_for
 
 def place_at_rest(session):
     """Of the newest polygon, once it has not moved from one autosave to another."""
@@ -177,6 +150,7 @@ def case_crash_and_recover(session):
     check(not os.path.exists(session.path("config.cfg")), "a killed program saved its configuration")
     session.start()
     check(session.has_said("Recovering config.autosave.cfg from previous crash"), "no word of recovery")
+    wait_for("the name of the recovered scene", lambda: session.title().startswith("test.vxa - "))
     saved = session.quit()
     check(len(polygons(saved)) == 3, "%d polygons came back" % len(polygons(saved)))
     check("App.lineWidth = 7.0" in session.read("config.cfg"), "the setting did not come back")
@@ -196,10 +170,12 @@ def case_clean_exit(session):
         check(not os.path.exists(session.path(name)), name + " was left behind")
     check(session.read("config.cfg"), "no configuration was saved")
     session.start()
+    wait_for("its name again", lambda: session.title().startswith("test.vxa - "))
     check(len(polygons(session.quit(by=signal.SIGINT))) == 2, "the scene of the last exit did not come back")
 
 
-CASES = {name[len("case_"):]: case for name, case in sorted(globals().items()) if name.startswith("case_")}
+CASES = {name[len("case_"):]: case for name, case in sorted({**globals(), **vars(hand)}.items())
+         if name.startswith("case_")}
 
 
 def run(program_folder, name):
