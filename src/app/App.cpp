@@ -40,6 +40,8 @@ App::App()
     SetFillParent(true);
     AddReflected(m_guiSettings);
     m_scene.SetJointIconSetting(m_guiSettings->m_drawHingesWhenRunning);
+    const auto noteName = [this] { m_guiSettings->m_sceneName->Set(m_scene.GetName()); };
+    m_scene.GetOnNameChange().Add(new util::Callback(noteName, this));
     AddReflected(m_renderer.GetBackground());
     AddCommands();
     physics::Simulation::Instance().m_running->AddOnChange(

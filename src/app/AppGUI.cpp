@@ -288,10 +288,23 @@ void AppGUI::SelectAll() {
     m_scene.GetSelection().Set(EntitySet(entities.begin(), entities.end()));
 }
 
+// Whether those and no others have one group.
+bool AppGUI::IsWholeGroup(const EntitySet& selected) const {
+    const script::Int group = (*selected.begin())->GetGroup();
+    if (group == Entity::NO_GROUP) return false;
+    const EntityList& entities = m_scene.GetEntities();
+    return std::all_of(entities.begin(), entities.end(), [&](const EntityPtr& entity) {
+        return (entity->GetGroup() == group) == (selected.count(entity) != 0);
+    });
+}
+
 void AppGUI::SetGroup(bool assign) {
     CancelTool();
     const EntitySet selected = m_scene.GetSelection().Get();
     if (selected.empty()) return;
+    const auto isFree = [](const EntityPtr& entity) { return !entity->HasGroup(); };
+    // What changes nothing is no step, so a key pressed twice leaves one.
+    if (assign ? IsWholeGroup(selected) : std::all_of(selected.begin(), selected.end(), isFree)) return;
     const SnapshotPtr before = new Snapshot(m_scene);
     const script::Int group = assign ? m_scene.GetFreeGroup() : Entity::NO_GROUP;
     for (const EntityPtr& entity : selected) entity->SetGroup(group);

@@ -92,6 +92,7 @@ class AppGUI : public gui::Component {
     void StepHistory(bool redo);
     void EraseSelection();
     void SelectAll();
+    bool IsWholeGroup(const EntitySet& selected) const;
     void SetGroup(bool assign);
     static String FindFreeName();
     void NoteSaved(const String& name);

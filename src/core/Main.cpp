@@ -204,12 +204,16 @@ bool LoadAskedScene(app::App& application, const String& path) {
 }
 
 void LoadFirstScene(app::App& application, const String& asked) {
+    const String lastName = application.GetGUISettings().m_sceneName->Get();
     GetSlot().KeepOrphans();
     if (LoadAskedScene(application, asked)) return;
     // An empty world would take the place of the last scene at the end of this run.
     for (const String& scene : {GetSlot().GetAutosaveScene(), ONEXIT_SCENE, WELCOME_SCENE}) {
         const String path = GetFiles().FindScene(scene);
-        if (GetFiles().Exists(path) && LoadAtStart(application, path)) return;
+        if (!GetFiles().Exists(path) || !LoadAtStart(application, path)) continue;
+        // What was read back is the scene that was open, and is saved under its name.
+        if (scene != WELCOME_SCENE) application.GetScene().SetName(lastName);
+        return;
     }
 }
 

@@ -180,6 +180,11 @@ TEST_F(AppGUITest, Shortcuts) {
     EXPECT_TRUE(Key('y', true));
     EXPECT_FALSE(a->HasGroup() || b->HasGroup());
 
+    const size_t before = UndoCount();
+    for (const int key : {'u', 'g', 'g', 'g'}) Key(key, true);
+    EXPECT_EQ(UndoCount(), before + 1) << "what changes nothing is no step";
+    Undoer::Instance().Undo();
+
     App().GetSelection().Set({b});
     EXPECT_TRUE(Key(Key::Delete));
     EXPECT_EQ(Entities(), EntityList{a});

@@ -175,7 +175,10 @@ TEST_F(UndoTest, GroupsTrackingChainsAndWaterComeBackAndGo) {
     chain->AddEntity(0, a);
     a->SetGroup(2);
     GetScene().Track(b);
-    GetSim().AddParticle(new physics::Particle({1, 1}, {2, 0}));
+    const physics::ParticlePtr drop = new physics::Particle({1, 1}, {2, 0});
+    drop->m_vaporTime = 1;
+    drop->m_pressure = 2;
+    GetSim().AddParticle(drop);
     const SnapshotPtr rich = new Snapshot(GetScene());
     const String richText = Describe();
 
@@ -186,8 +189,12 @@ TEST_F(UndoTest, GroupsTrackingChainsAndWaterComeBackAndGo) {
     EXPECT_FALSE(GetScene().GetTrackedEntity());
     EXPECT_TRUE(GetSim().GetParticles().empty());
 
+    drop->m_vaporTime = 100;  // it has dried up meanwhile
+    drop->m_pressure = 0;
     rich->Restore();
     EXPECT_EQ(Describe(), richText);
+    EXPECT_EQ(drop->m_vaporTime, 1);
+    EXPECT_EQ(drop->m_pressure, 2);
 }
 
 TEST_F(UndoTest, BodiesOfSeveralShapesAndFixedOnesComeBackWhole) {

@@ -123,6 +123,23 @@ void FixJointEntity::SplitWorld(physics::Body& world, const Links& links, const 
     }
 }
 
+void FixJointEntity::Update(float dt) {
+    JointEntity::Update(dt);
+    if (!IsMoving() && !IsOrphaned()) KeepTogether();
+}
+
+// The shapes of one body keep their distance, but for those that are fixed to the world: each of them goes
+// where a hand puts it. The joint stays with the first, or with the one that has an extent.
+void FixJointEntity::KeepTogether() {
+    constexpr math::real APART = 0.001f;  // m, more than rounding
+    if (math::Length(GetPos(0) - GetPos(1)) <= APART) return;
+    const int leader = GetEnd(0).geom->GetBoundingBox().IsFinite() ? 0 : 1;
+    End ends[2] = {GetEnd(0), GetEnd(1)};
+    End& other = ends[1 - leader];
+    other.pos = other.geom->GetInvTransform()(GetPos(leader));
+    SetEnds(ends[0], ends[1]);
+}
+
 void FixJointEntity::ResetForRestore() {
     JointEntity::ResetForRestore();
     m_fused[0] = m_fused[1] = nullptr;

@@ -17,6 +17,7 @@ class FixJointEntity : public JointEntity {
     void AddToSimulation() override;
     void RemoveFromSimulation() override;
     void ResetForRestore() override;
+    void Update(float dt) override;
 
     void Draw() override;
     void Serialize(EntitySerializer& out, Purpose purpose) const override;
@@ -28,6 +29,7 @@ class FixJointEntity : public JointEntity {
   private:
     class Links;
 
+    void KeepTogether();
     static void SplitBody(physics::Body& body, const Links& links, const physics::GeomPtr& from);
     static void SplitWorld(physics::Body& world, const Links& links, const physics::GeomSet& partners);
 

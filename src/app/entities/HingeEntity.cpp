@@ -92,6 +92,29 @@ void HingeEntity::Update(float dt) {
     if (m_hinge && m_controller->Get() == ARROW_KEYS) ObeyArrowKeys();
 }
 
+// ---- pins
+
+// The end on the ground, or -1.
+static int FindGroundEnd(const HingeEntity& hinge) {
+    const physics::GeomPtr ground = physics::Simulation::Instance().GetWorldGeom();
+    if (hinge.GetEnd(0).geom == ground) return 0;
+    return hinge.GetEnd(1).geom == ground ? 1 : -1;
+}
+
+physics::GeomPtr HingeEntity::GetPinnedGeom() const {
+    const int ground = FindGroundEnd(*this);
+    return ground < 0 ? physics::GeomPtr() : GetEnd(1 - ground).geom;
+}
+
+void HingeEntity::CarryPin(const math::RigidTransform& transform) {
+    const int ground = FindGroundEnd(*this);
+    if (ground < 0) return;
+    End ends[2] = {GetEnd(0), GetEnd(1)};
+    ends[ground].pos = ends[ground].geom->GetInvTransform()(transform(GetPos(ground)));
+    SetEnds(ends[0], ends[1]);
+    if (m_hinge) m_hinge->SetAnchor(ground, ends[ground].pos);
+}
+
 // ---- entity
 
 void HingeEntity::Draw() {

@@ -16,6 +16,12 @@ class HingeEntity : public JointEntity {
     void AddToSimulation() override;
     void RemoveFromSimulation() override;
     void Update(float dt) override;
+
+    // The shape that it pins to the ground behind the scene; null for a hinge between two shapes. Such a pin
+    // goes along when a hand moves the shape, which would otherwise jump back as soon as the world runs.
+    physics::GeomPtr GetPinnedGeom() const;
+    void CarryPin(const math::RigidTransform& transform);
+
     void Draw() override;
     void Serialize(EntitySerializer& out, Purpose purpose) const override;
     EntityPtr Clone() const override;

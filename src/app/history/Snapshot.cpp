@@ -51,7 +51,8 @@ void Snapshot::TakeBodies() {
 
 void Snapshot::TakeParticles() {
     for (const physics::ParticlePtr& particle : physics::Simulation::Instance().GetParticles()) {
-        m_particles.push_back({particle, particle->m_pos, particle->m_vel});
+        m_particles.push_back(
+            {particle, particle->m_pos, particle->m_vel, particle->m_pressure, particle->m_vaporTime});
     }
 }
 
@@ -106,6 +107,8 @@ void Snapshot::RestoreParticles() const {
         record.m_particle->m_pos = record.m_pos;
         simulation.AddParticle(record.m_particle);
         record.m_particle->m_vel = record.m_vel;
+        record.m_particle->m_pressure = record.m_pressure;
+        record.m_particle->m_vaporTime = record.m_vaporTime;
     }
 }
 

@@ -43,6 +43,8 @@ class Snapshot : public util::Pointee {
         physics::ParticlePtr m_particle;
         math::Vec2 m_pos;
         math::Vec2 m_vel;
+        math::real m_pressure;   // from which the next step starts
+        math::real m_vaporTime;  // or a drop that had dried up would do so again at once
     };
 
     void TakeEntities();

@@ -11,6 +11,7 @@ AppGUISettings::AppGUISettings()
       m_drawHingesWhenRunning(script::DeclareAttrib(*this, "drawHingesWhenRunning", true)),
       m_windows(script::DeclareAttrib(*this, "windows", "")),
       m_keys(script::DeclareAttrib(*this, "keys", "")),
-      m_hintsDone(script::DeclareAttrib(*this, "hintsDone", "")) {}
+      m_hintsDone(script::DeclareAttrib(*this, "hintsDone", "")),
+      m_sceneName(script::DeclareAttrib(*this, "scene", "")) {}
 
 }  // namespace app

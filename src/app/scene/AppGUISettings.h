@@ -19,6 +19,8 @@ class AppGUISettings : public script::Reflected {
     const script::AttribPtr<String> m_windows;  // which are open, and where; see WindowSet
     const script::AttribPtr<String> m_keys;     // of commands that have not their built-in one; see Commands
     const script::AttribPtr<String> m_hintsDone;  // the hints of the first minute that are not shown again
+    // The name of the scene that is open, see Scene::GetName: a recovered scene is still that file.
+    const script::AttribPtr<String> m_sceneName;
 };
 
 }  // namespace app

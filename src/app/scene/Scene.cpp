@@ -249,7 +249,6 @@ math::Vec3 Scene::GetNextColor() {
 // ---- the file
 
 void Scene::SetName(const String& name) {
-    if (name == m_name) return;
     m_name = name;
     m_onNameChange.CallAll();
 }

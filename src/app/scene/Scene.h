@@ -87,7 +87,7 @@ class Scene {
     // The name in Scenes/ of the file that was loaded or saved last; empty for none.
     const String& GetName() const { return m_name; }
     void SetName(const String& name);
-    util::CallbackSet& GetOnNameChange() { return m_onNameChange; }
+    util::CallbackSet& GetOnNameChange() { return m_onNameChange; }  // fired by every SetName
 
   private:
     void UpdateEntities(float dt);

@@ -14,6 +14,7 @@
 #include "input/Key.h"
 #include "physics/Geom.h"
 #include "rendering/Renderer.h"
+#include "rendering/ShapePainter.h"
 
 namespace app {
 
@@ -25,6 +26,7 @@ namespace {
 constexpr real NOMINAL_RADIUS = 1;  // cm on the screen
 constexpr real LINK_LENGTH = 0.4f;  // in nominal radii
 constexpr real MOST_LINKS = 500;    // more would not hold together, and take minutes to make
+constexpr real WAY_STEPS = 1000;    // at most, of a search for the outline
 const math::Vec4 PREVIEW_COLOR(0.85f, 1.0f, 0.85f, 1.0f);
 
 // Adds members to the scene, a link before the hinge that leads to it, so that hinges lie on top.
@@ -50,6 +52,19 @@ class ChainBuilder {
     const math::Vec3 m_color;  // of the whole chain
     const ChainPtr m_chain;
 };
+
+// How far it is from a point inside the geom to its outline, on the way to another point; that whole way
+// where it does not leave the geom, nothing from a point outside.
+real WayOut(const physics::Geom& geom, Vec2 from, Vec2 to) {
+    const real whole = math::Length(to - from), leastStep = whole / WAY_STEPS;
+    if (dynamic_cast<const physics::WorldGeom*>(&geom) != nullptr) return 0;
+    for (real at = 0; at < whole;) {
+        const real distance = geom.GetDistance(from + (to - from) * (at / whole));
+        if (distance >= 0) return at;
+        at += std::max(-distance, leastStep);
+    }
+    return whole;
+}
 
 // The same geom at another point of the world.
 JointEntity::End At(const JointEntity::End& end, Vec2 world) {
@@ -81,46 +96,68 @@ void ChainTool::OnDragEnd(gui::DragEvent& event) {
     if (!m_before || event.m_key != gui::Key::LeftMouse) return;
     event.m_handled = true;
     const Vec2 to = m_view.GUIToWorld(event.m_position);
-    const SnapshotPtr before = m_before;
-    m_before = nullptr;
-    if (math::Length(to - GetStart()) > 0) {
-        Build(PickAt(to), to);
-        Undoer::Instance().AddRestorer(before, "UndoChain");
+    const JointEntity::End last = PickAt(to);
+    const Layout layout = LayOut(last.geom, to);
+    if (layout.links > 0) {
+        Build(layout, last);
+        Undoer::Instance().AddRestorer(m_before, "UndoChain");
     }
     Cancel();
 }
 
-// The links lie from `half` to L - half along the line, in steps of a whole link.
-void ChainTool::Build(const JointEntity::End& last, Vec2 to) {
+// Of a press deep in a shape only as much counts as one link is long, or the links would lie in the shape
+// that they hang from and be thrown out of it.
+ChainTool::Layout ChainTool::LayOut(const physics::GeomPtr& last, Vec2 to) const {
     const Vec2 from = GetStart();
-    const real length = math::Length(to - from);
-    const real wanted = length / (LINK_LENGTH * NOMINAL_RADIUS * m_view.GetCmToWorld());
-    const auto links = static_cast<int>(std::clamp(std::floor(wanted + 0.5f), 2.0f, MOST_LINKS));
-    const real half = 0.5f * length / static_cast<real>(links);
-    const Vec2 along = (to - from) / length;
+    const real link = LINK_LENGTH * NOMINAL_RADIUS * m_view.GetCmToWorld();
+    const real whole = math::Length(to - from);
+    if (!(whole > 0)) return {};
+    const Vec2 along = (to - from) / whole;
+    const real skipped = std::max(WayOut(*m_first.geom, from, to) - link, 0.0f);
+    const real left = std::max(WayOut(*last, to, from) - link, 0.0f);
+    const real length = whole - skipped - left;
+    if (!(length > 0)) return {};
+    const auto links = static_cast<int>(std::clamp(std::floor(length / link + 0.5f), 2.0f, MOST_LINKS));
+    return {from + along * skipped, along, 0.5f * length / static_cast<real>(links), links};
+}
+
+// The links lie from `half` to L - half along the line, in steps of a whole link.
+void ChainTool::Build(const Layout& layout, const JointEntity::End& last) {
+    const real half = layout.half;
     physics::Surface surface = GetSurface();
     surface.density *= m_settings.m_chainDensityFactor->Get();
 
     ChainBuilder builder(m_scene);
     JointEntity::End previous = m_first;
     size_t place = 0;
-    for (int i = 0; i < links; ++i) {
-        const Vec2 joint = from + along * (2 * half * static_cast<real>(i));
-        const physics::CirclePtr circle = new physics::Circle(half, joint + along * half, surface);
+    const auto jointAt = [&](int i) {
+        return layout.from + layout.along * (2 * half * static_cast<real>(i));
+    };
+    for (int i = 0; i < layout.links; ++i) {
+        const Vec2 joint = jointAt(i);
+        const physics::CirclePtr circle = new physics::Circle(half, joint + layout.along * half, surface);
         const JointEntity::End link{circle, {}};
         builder.Add(new CircleEntity(circle), place + 1);
         builder.AddHinge(At(previous, joint), At(link, joint), half, place);
         place += 2;
         previous = link;
     }
-    builder.AddHinge(At(previous, to), last, half, place);
+    const Vec2 end = jointAt(layout.links);
+    builder.AddHinge(At(previous, end), At(last, end), half, place);
 }
 
+// The links where they will lie, as far as the mouse has come.
 void ChainTool::Draw() {
     if (!m_before) return;
+    const Vec2 mouse = m_view.GetMousePos();
+    const Layout layout = LayOut(PickAt(mouse).geom, mouse);
     const rendering::ScopedColor colored(PREVIEW_COLOR);
-    const Vec2 ends[] = {GetStart(), m_view.GetMousePos()};
-    rendering::Renderer::Instance().DrawSegments(ends, 2);
+    rendering::ShapePainter& painter = rendering::ShapePainter::Instance();
+    for (int i = 0; i < layout.links; ++i) {
+        const Vec2 center = layout.from + layout.along * (layout.half * static_cast<real>(2 * i + 1));
+        painter.DrawCircle({1, 0, center.x, center.y}, layout.half, {1, 1, 1});
+    }
+    painter.Flush();
 }
 
 bool ChainTool::Cancel() {

@@ -18,9 +18,18 @@ class ChainTool : public Tool {
     bool Cancel() override;
 
   private:
+    // Where the links of a chain lie: from `from` on, in steps of 2 * half along a line.
+    struct Layout {
+        math::Vec2 from, along;  // along is of length 1
+        math::real half = 0;     // m, of a link: its radius
+        int links = 0;           // 0 for none
+    };
+
     JointEntity::End PickAt(math::Vec2 world) const;
     math::Vec2 GetStart() const;
-    void Build(const JointEntity::End& last, math::Vec2 to);
+    // To a place over that geom.
+    Layout LayOut(const physics::GeomPtr& last, math::Vec2 to) const;
+    void Build(const Layout& layout, const JointEntity::End& last);
 
     SnapshotPtr m_before;      // of the press; null while idle
     JointEntity::End m_first;  // valid during a drag

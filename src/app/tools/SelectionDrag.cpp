@@ -1,8 +1,10 @@
 #include "app/tools/SelectionDrag.h"
 
+#include <algorithm>
 #include <set>
 
 #include "app/entities/GeomEntity.h"
+#include "app/entities/HingeEntity.h"
 #include "app/history/Cloning.h"
 #include "app/history/Snapshot.h"
 #include "app/history/Undoer.h"
@@ -43,6 +45,18 @@ void SelectionDrag::Hold() {
     m_scene.HoldBodies(m_bodies);
     m_holding = true;
     for (const EntityPtr& entity : m_entities) entity->BeginMove();
+    FindPins();
+}
+
+void SelectionDrag::FindPins() {
+    m_pins.clear();
+    for (const EntityPtr& entity : m_scene.GetEntities()) {
+        const auto hinge = util::DynamicCast<HingeEntity>(entity);
+        if (!hinge || m_scene.GetSelection().Has(entity)) continue;
+        const physics::GeomPtr pinned = hinge->GetPinnedGeom();
+        const auto isHeld = [&](const physics::BodyPtr& body) { return pinned->GetBody() == body; };
+        if (pinned && std::any_of(m_bodies.begin(), m_bodies.end(), isHeld)) m_pins.push_back(hinge);
+    }
 }
 
 // Shapes of one body move with it, but on the immovable one each stands for itself.
@@ -58,6 +72,7 @@ void SelectionDrag::Transform(const math::RigidTransform& transform) {
         }
         entity->Transform(transform);
     }
+    for (const HingeEntityPtr& pin : m_pins) pin->CarryPin(transform);
 }
 
 void SelectionDrag::Finish(const char* undoName) {
@@ -111,6 +126,7 @@ void SelectionDrag::Release() {
     m_oldSelection.clear();
     m_clones.clear();
     m_motions.clear();
+    m_pins.clear();
     m_moved = false;
     if (!m_holding) return;
     m_holding = false;

@@ -33,6 +33,7 @@ class SelectionDrag {
     void Revert();                      // lets go and puts the scene back as it was when taken
 
   private:
+    void FindPins();
     void Release();
     void PutBack();
 
@@ -49,8 +50,9 @@ class SelectionDrag {
     EntitySet m_clones;             // that this drag made
     std::vector<Motion> m_motions;  // of m_bodies, before they were held
     bool m_moved = false;
-    EntityList m_entities;       // held, in scene order
-    physics::BodyList m_bodies;  // of m_entities, each once
+    EntityList m_entities;               // held, in scene order
+    physics::BodyList m_bodies;          // of m_entities, each once
+    std::vector<HingeEntityPtr> m_pins;  // that go along, besides those among m_entities
     bool m_holding = false;
 };
 
