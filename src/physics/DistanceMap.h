@@ -1,50 +1,35 @@
 #pragma once
 
-#include <cstdint>
-
+#include "math/Matrix2.h"
 #include "math/Matrix3.h"
 #include "math/OBB2D.h"
 #include "math/Vector.h"
-#include "physics/Line.h"
-#include "util/Array2D.h"
+#include "physics/DistanceField.h"
 #include "util/Pointee.h"
-#include "util/VectorPOD.h"
+#include "util/SharedPtr.h"
 
 namespace physics {
 
-// The signed distance field of a simple outline, sampled into a grid of SIZE by SIZE cells, with the
-// direction outward and the arc length of the nearest outline point beside it. Never changes once built.
+// The signed distance field of a simple outline in the outline's own coordinates. The field itself is shared
+// by all congruent outlines, and made when something first asks for a distance.
 //
-// Cell (i, j) has its centre at the map point (i, j) exactly. The grid covers the outline's box and a margin
-// of two cells, at least 0.2 m, on each side, so that every sample inside the box has four neighbours and
-// the corners of the map lie outside the outline.
-//
-// The field is found by spreading each edge from the cells it crosses to their neighbours, nearest first: a
-// cell knows the true distance to an edge that reached it, and that is nearly always the nearest edge.
+// Cell (i, j) has its centre at the map point (i, j) exactly.
 class DistanceMap : public util::Pointee {
   public:
-    using Floats = util::Array2D<float, util::VectorPOD<float>>;
-    using Vectors = util::Array2D<math::Vec2, util::VectorPOD<math::Vec2>>;
+    static constexpr int SIZE = DistanceField::SIZE;  // cells along each side
 
-    static constexpr int SIZE = 128;  // cells along each side, whatever the polygon's size
-
-    // `edges` close a counter-clockwise loop; `box` is their tight box. Throws Exception "Bad distance map
-    // generated" for an outline that is not what it should be, and BadDataException for edges too short to
-    // be told from points.
-    DistanceMap(const LineList& edges, const math::OBB2D& box);
+    // `vertices` of a simple outline; `box` is their tight box.
+    DistanceMap(const math::Vec2List& vertices, const math::OBB2D& box);
     ~DistanceMap() noexcept(false) override;
 
     // Bilinear samples at a local point, which is drawn to the border of the map from beyond it.
     math::real SampleDistance(math::Vec2 local) const;
-    math::Vec2 SampleGradient(math::Vec2 local) const;  // not unit, and zero in places
+    math::Vec2 SampleGradient(math::Vec2 local) const;  // outward; not unit, and zero in places
 
-    const Floats& GetDistMap() const { return m_distMap; }            // m, negative inside
-    const Floats& GetPerimeterMap() const { return m_perimeterMap; }  // m, 0 to GetPerimeter()
-    const Vectors& GetGradientMap() const { return m_gradientMap; }   // unit, outward, in local axes
-    const math::OBB2D& GetBox() const { return m_box; }               // what the map covers
+    const DistanceField::Cells& GetDistMap() const { return GetField().GetCells(); }  // m, negative inside
+    const math::OBB2D& GetBox() const { return m_box; }                               // what the map covers
     const math::TMatrix3<float>& GetLocalToMap() const { return m_localToMap; }
     const math::TMatrix3<float>& GetMapToLocal() const { return m_mapToLocal; }
-    math::real GetPerimeter() const { return m_perimeter; }  // m, length of the outline
 
   private:
     // Where a local point lies: the cell below and left of it, and how far into the next ones.
@@ -53,20 +38,23 @@ class DistanceMap : public util::Pointee {
         math::real fx, fy;  // 0 to 1
     };
 
-    void MakeTransforms(const math::OBB2D& box);
-    void CalcGradient();
+    const DistanceField& GetField() const;
+    void MakeTransforms();
     Place Locate(math::Vec2 local) const;
-    template <class T>
-    static T Blend(const T* cells, const Place& place);
+    math::Vec2 GetGradient(int i, int j) const;  // unit, of a cell
 
+    const RasterOutline m_outline;
     math::OBB2D m_box;
     math::TMatrix3<float> m_localToMap;
     math::TMatrix3<float> m_mapToLocal;
-    Floats m_distMap;
-    Floats m_perimeterMap;
-    Vectors m_gradientMap;
-    math::real m_perimeter = 0;
+    math::TMatrix2<float> m_gradientToLocal;
+    mutable util::SharedPtr<const DistanceField> m_field;  // null until asked for
 };
+
+inline const DistanceField& DistanceMap::GetField() const {
+    if (!m_field) m_field = DistanceField::Get(m_outline);
+    return *m_field.Get();
+}
 
 // Points beyond the map, which none inside an outline's box is, count as points on its border; so does a
 // NaN, whose cell would not be a number.
@@ -87,19 +75,12 @@ inline DistanceMap::Place DistanceMap::Locate(math::Vec2 local) const {
     return place;
 }
 
-template <class T>
-T DistanceMap::Blend(const T* cells, const Place& p) {
-    const T low = cells[p.j * SIZE + p.i] * (1 - p.fx) + cells[p.j * SIZE + p.nextI] * p.fx;
-    const T high = cells[p.nextJ * SIZE + p.i] * (1 - p.fx) + cells[p.nextJ * SIZE + p.nextI] * p.fx;
-    return low * (1 - p.fy) + high * p.fy;
-}
-
 inline math::real DistanceMap::SampleDistance(math::Vec2 local) const {
-    return Blend(m_distMap.GetData().data(), Locate(local));
-}
-
-inline math::Vec2 DistanceMap::SampleGradient(math::Vec2 local) const {
-    return Blend(m_gradientMap.GetData().data(), Locate(local));
+    const float* const cells = GetField().GetCells().GetData().data();
+    const Place p = Locate(local);
+    const float low = cells[p.j * SIZE + p.i] * (1 - p.fx) + cells[p.j * SIZE + p.nextI] * p.fx;
+    const float high = cells[p.nextJ * SIZE + p.i] * (1 - p.fx) + cells[p.nextJ * SIZE + p.nextI] * p.fx;
+    return low * (1 - p.fy) + high * p.fy;
 }
 
 }  // namespace physics

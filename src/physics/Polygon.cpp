@@ -87,7 +87,7 @@ Polygon::Polygon(const Vec2List& outline, const Surface& surface)
     if (!sound || !std::isfinite(m_inertiaSansMass)) THROW(BadDataException, "Bad polygon");
     m_obb = OBB2D::BuildBest(m_vertices.data(), m_vertices.size());
     m_boundingCircle = CalcBoundingCircle(m_vertices);
-    m_map = new DistanceMap(m_lines, m_obb);
+    m_map = new DistanceMap(m_vertices, m_obb);
     SetTransform(RigidTransform(1, 0, centroid.x, centroid.y));
 }
 

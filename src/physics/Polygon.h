@@ -14,8 +14,8 @@
 namespace physics {
 
 // Any simple polygon, convex or concave. It is never cut into convex pieces: its signed distance field is
-// sampled into a map once, at construction, and from then on the questions whether a point is inside and
-// which way is out are bilinear look-ups, whatever the number of vertices.
+// sampled into a map when something first comes near, and from then on the questions whether a point is
+// inside and which way is out are bilinear look-ups, whatever the number of vertices.
 //
 // Local coordinates have the centroid at the origin; the geom starts where the vertices were. Inside its
 // tight box (m_obb) the distance comes from the map; outside it is the distance to that box, which bounds
@@ -50,15 +50,12 @@ class Polygon : public Geom {
     const math::Vec3& GetWorldBoundingCircle() const { return m_worldBoundingCircle; }
     const math::OBB2D& GetLocalOBB() const { return m_obb; }
 
-    // The maps, for drawing. Cell (i, j) has its centre at the map point (i, j).
-    const DistanceMap::Floats& GetDistMap() const { return m_map->GetDistMap(); }
-    const DistanceMap::Floats& GetPerimeterMap() const { return m_map->GetPerimeterMap(); }
-    const DistanceMap::Vectors& GetGradientMap() const { return m_map->GetGradientMap(); }
+    // The map, for drawing. Cell (i, j) has its centre at the map point (i, j).
+    const DistanceField::Cells& GetDistMap() const { return m_map->GetDistMap(); }
     math::Vec2i GetDistMapSize() const { return {DistanceMap::SIZE, DistanceMap::SIZE}; }
     const math::TMatrix3<float>& GetLocalToMap() const { return m_map->GetLocalToMap(); }
     const math::TMatrix3<float>& GetMapToLocal() const { return m_map->GetMapToLocal(); }
     const math::OBB2D& GetMapOBB() const { return m_map->GetBox(); }
-    math::real GetPerimeter() const { return m_map->GetPerimeter(); }  // m
 
     // Whether `other` lies wholly inside this polygon, as far as the vertices of both tell.
     bool Encloses(const Polygon& other) const;
