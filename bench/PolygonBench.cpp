@@ -1,4 +1,5 @@
-// The constructor of a polygon beside an exact distance map of the same outline by brute force.
+// A polygon and its distance map beside an exact map of the same outline by brute force; and what a thousand
+// distinct outlines take to load.
 
 #include <benchmark/benchmark.h>
 
@@ -28,7 +29,21 @@ static void BenchConstructor(benchmark::State& state, int vertices) {
     const math::Vec2List loop = MakeLoop(vertices);
     for (auto _ : state) {
         const physics::PolygonPtr polygon = new physics::Polygon(loop);
-        benchmark::DoNotOptimize(polygon.Get());
+        benchmark::DoNotOptimize(polygon->GetDistMap().GetData().data());
+    }
+}
+
+// Outlines by hand: none is like another.
+static void BenchLoad(benchmark::State& state, bool withMaps) {
+    constexpr int POLYGONS = 1000;
+    for (auto _ : state) {
+        std::vector<physics::PolygonPtr> polygons;
+        for (int i = 0; i < POLYGONS; ++i) {
+            math::Vec2List loop = MakeLoop(100);
+            loop[static_cast<size_t>(i % 100)] *= 1 + 0.0001f * static_cast<float>(i + 1);
+            polygons.push_back(new physics::Polygon(loop));
+            if (withMaps) benchmark::DoNotOptimize(polygons.back()->GetDistMap().GetData().data());
+        }
     }
 }
 
@@ -71,6 +86,12 @@ static const bool s_isRegistered = [] {
             ->Unit(benchmark::kMillisecond);
         benchmark::RegisterBenchmark((name + "bruteforce").c_str(), BenchBruteForce, vertices)
             ->Unit(benchmark::kMillisecond);
+    }
+    for (const bool withMaps : {false, true}) {
+        benchmark::RegisterBenchmark(withMaps ? "polygons/1000/touched" : "polygons/1000/loaded", BenchLoad,
+                                     withMaps)
+            ->Iterations(3)
+            ->Unit(benchmark::kSecond);
     }
     return true;
 }();

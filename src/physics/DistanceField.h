@@ -11,9 +11,9 @@
 
 namespace physics {
 
-// An outline in its own box, drawn to a fine raster: the box spans -STEPS to STEPS along both axes. Congruent
-// outlines, wherever they stand and however they are turned, come to the same figures, which is what they
-// share their field by.
+// An outline in its own box, drawn to a fine raster: the box spans -STEPS to STEPS along both axes. What
+// congruent outlines differ by for standing in different places, which is rounding, falls under the raster,
+// so that they share their field.
 struct RasterOutline {
     static constexpr int STEPS = 4096;
 
