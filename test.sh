@@ -25,7 +25,7 @@ quietly release-build cmake --build --preset release --target all vexa-bench
 
 status=0
 echo "== unit tests, checked"
-ctest --preset checked -L unit --timeout 600 || status=1
+ctest --preset checked -L unit -j2 --timeout 600 || status=1
 echo "== end-to-end tests and checks, release"
-ctest --preset release -L 'end_to_end|check|scene' --timeout 600 || status=1
+ctest --preset release -L 'end_to_end|check|scene' -j2 --timeout 600 || status=1
 exit $status
