@@ -1,13 +1,11 @@
 #include "app/App.h"
 
-#include <map>
-
 #include "app/AppGUI.h"
 #include "app/Language.h"
 #include "app/drawing/Background.h"
-#include "app/entities/Chain.h"
 #include "app/history/Actions.h"
 #include "app/history/Undoer.h"
+#include "app/tools/EntityOperations.h"
 #include "app/tools/Tool.h"
 #include "input/Key.h"
 #include "physics/Simulation.h"
@@ -119,14 +117,7 @@ void App::TakeSnapshot() {
 }
 
 void App::DissolveChain() {
-    std::map<int, ChainPtr> chains;
-    for (const EntityPtr& entity : m_scene.GetSelection()) {
-        if (entity->GetChain()) chains[entity->GetChain()->GetID()] = entity->GetChain();
-    }
-    if (chains.empty()) return;
-    const SnapshotPtr before = new Snapshot(m_scene);
-    for (const auto& [_, chain] : chains) chain->Dissolve();
-    Undoer::Instance().AddRestorer(before, "UndoDissolveChain");
+    app::DissolveChain(m_scene, m_scene.GetSelection().Get());
 }
 
 void App::RunSimulation() {

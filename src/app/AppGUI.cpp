@@ -84,7 +84,7 @@ AppGUI::AppGUI(App& app, const AppGUI* previous)
              *this,
              app},
       m_windows(*this, app.GetGUISettings().m_windows),
-      m_hints(new Hints(app.GetGUISettings().m_hintsDone)),
+      m_hints(new Hints(app.GetGUISettings().m_hintsDone, m_view)),
       m_hint(new Hint),
       m_autosaved(previous ? previous->m_autosaved : AutosavedState()) {
     SetFillParent(true);
@@ -96,7 +96,7 @@ AppGUI::AppGUI(App& app, const AppGUI* previous)
     AddWindowCommands();
     LoadKeys();
     AddWindows();
-    AddHints();
+    AddChild(m_hints);
     AddChild(m_hint);
     const util::WeakPtr<util::Pointee> self(this);
     Undoer::Instance().GetOnInterrupt().Add(new util::Callback([this] { BreakOff(); }, self));
@@ -383,6 +383,7 @@ void AppGUI::Update(float dt) {
         m_steppedHistory = false;
         Component::Update(dt);
         m_windows.Update();
+        KeepRoomForTools();
         Autosave();
         GetTool().Update();
     }

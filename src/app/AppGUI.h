@@ -107,7 +107,7 @@ class AppGUI : public gui::Component {
     void AddWindowCommands();
     void LoadKeys();
     void AddWindows();
-    void AddHints();
+    void KeepRoomForTools();
     void OpenPopup(math::Vec2 place);
     bool ClosePopup();  // whether there was one
     void BreakOff();

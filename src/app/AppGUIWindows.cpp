@@ -8,7 +8,6 @@
 #include "app/history/Snapshot.h"
 #include "app/history/Undoer.h"
 #include "app/scene/AppGUISettings.h"
-#include "app/widgets/SimPlayPauseButton.h"
 #include "app/windows/ControlWindow.h"
 #include "app/windows/Dialogs.h"
 #include "app/windows/EntityPopup.h"
@@ -31,6 +30,9 @@ namespace {
 // GUI units: what a window with a long list leaves free, and how high the list is at least.
 constexpr float LIST_ROOM = 140;
 constexpr float MIN_LIST_HEIGHT = 100;
+
+// GUI units that scenes and hints keep clear of the tools at the left.
+constexpr float TOOLS_ROOM = 120;
 
 }  // namespace
 
@@ -124,18 +126,16 @@ void AppGUI::AddWindows() {
     m_windows.Add("File", Dock::BesideTools, false, [this] { return MakeFileWindow(m_desk); });
     m_windows.Add("Options", Dock::BesideTools, false, [this] { return MakeOptionsWindow(m_desk); });
     m_windows.Add("Gallery", Dock::Middle, false, [this, load] { return MakeGallery(m_desk, load); });
-    const auto getListHeight = [this] { return std::max(GetSize().y - LIST_ROOM, MIN_LIST_HEIGHT); };
-    m_windows.Add("Settings", Dock::Middle, false, [=] { return new SettingsWindow(getListHeight()); });
-    m_windows.Add("Keys", Dock::Middle, false, [=] { return new KeysWindow(m_commands, getListHeight()); });
+    m_windows.Add("Settings", Dock::Middle, false, [this] { return new SettingsWindow(m_desk); });
+    m_windows.Add("Keys", Dock::Middle, false, [this] { return new KeysWindow(m_commands, m_desk); });
     m_windows.Add("Statistics", Dock::TopRight, false, [this] { return new StatsWindow(m_scene); });
     m_windows.Restore();
+    KeepRoomForTools();
 }
 
-// What newcomers get: hints in the picture, and an eye-catcher on the button that starts the world.
-void AppGUI::AddHints() {
-    AddChild(m_hints);
-    auto* const control = dynamic_cast<ControlWindow*>(m_windows.Get("Control"));
-    if (control != nullptr && m_hints->IsPending(Hints::Play)) control->GetPlayButton().Pulse();
+// Scenes come to stand beside the tools while these are in their place.
+void AppGUI::KeepRoomForTools() {
+    m_view.SetLeftRoom(m_windows.IsDocked("Tools") ? TOOLS_ROOM : 0);
 }
 
 // Above everything, its corner where the mouse is.

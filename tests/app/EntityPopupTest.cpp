@@ -6,11 +6,14 @@
 
 #include "AppGUIFixture.h"
 #include "app/App.h"
+#include "app/entities/Chain.h"
 #include "app/entities/CircleEntity.h"
+#include "app/entities/HingeEntity.h"
 #include "app/scene/AppGUISettings.h"
 #include "gui/components/Checkbox.h"
 #include "gui/components/Slider.h"
 #include "input/Key.h"
+#include "physics/Hinge.h"
 #include "physics/Simulation.h"
 
 namespace {
@@ -144,6 +147,70 @@ TEST_F(EntityPopupTest, MakesACircleOfTheSameAreaInTheSamePlace) {
     EXPECT_NEAR(BodyOf(box)->m_mass, 8, 0.05);
 }
 
+TEST_F(EntityPopupTest, PinsAShapeInItsMiddleToWhatLiesBelow) {
+    const EntityPtr below = AddBox({0.2f, 0}, 2), box = AddBox({0, 0}), above = AddCircle({0, 0}, 0.2f);
+    App().GetSelection().Set({box});
+    Click({0.4f, 0.4f}, Key::RightMouse);
+    PressButton("GeomMenuButton");
+    PressButton("CenterHinge");
+    const auto hinge = util::DynamicCast<app::HingeEntity>(Entities().back());
+    ASSERT_TRUE(hinge);
+    EXPECT_EQ(hinge->GetEnd(0).geom, Shape(box).GetGeom());
+    EXPECT_EQ(hinge->GetEnd(1).geom, Shape(below).GetGeom()) << "not what lies on top";
+    EXPECT_NEAR(hinge->GetMiddle().x, 0, 1e-5);
+    EXPECT_EQ(UndoName(), "UndoCenterHinge");
+    Key('z', true);
+    EXPECT_EQ(Entities().size(), 3u);
+}
+
+TEST_F(EntityPopupTest, ChangesMotorsOfAllHingesAsOneStep) {
+    app::HingeEntityPtr hinges[2];
+    for (int i = 0; i < 2; ++i) {
+        const float x = 3.0f * i;
+        AddBox({x, 0});
+        GUI().SelectTool("hinge");
+        Click({x, 0}, Key::LeftMouse);
+        hinges[i] = util::DynamicCast<app::HingeEntity>(Entities().back());
+        ASSERT_TRUE(hinges[i]);
+    }
+    GUI().SelectTool("brush");
+    hinges[1]->m_motor->Set(true);
+    App().GetSelection().Set({hinges[0], hinges[1]});
+    Click({0, 0}, Key::RightMouse);
+    PressButton("HingeMenuButton");
+    EXPECT_EQ(StateOf("HingeMotor"), gui::AbstractToggleButton::Unknown);
+    EXPECT_EQ(StateOf("HingeController"), gui::AbstractToggleButton::Off);
+    PressButton("HingeMotor");
+    EXPECT_TRUE(hinges[0]->m_motor->Get() && hinges[1]->m_motor->Get());
+    EXPECT_TRUE(hinges[0]->GetHinge()->GetMotor());
+    EXPECT_EQ(UndoName(), "UndoSliderChange");
+    DragSlider("MotorSpeed", 60);
+    EXPECT_NEAR(hinges[0]->m_motorSpeed->Get(), 6.2832f, 1e-3) << "a turn a second";
+    PressButton("HingeController");
+    EXPECT_EQ(hinges[1]->m_controller->Get(), "arrowkeys");
+    Key('z', true);
+    Key('z', true);
+    Key('z', true);
+    EXPECT_FALSE(hinges[0]->m_motor->Get());
+    EXPECT_TRUE(hinges[1]->m_motor->Get());
+    EXPECT_NEAR(hinges[1]->m_motorSpeed->Get(), 1.5708f, 1e-3);
+    EXPECT_EQ(hinges[1]->m_controller->Get(), "");
+}
+
+TEST_F(EntityPopupTest, DissolvesChainsAndShowsThatOnlyOnLinks) {
+    const EntityPtr link = AddBox({0, 0}), other = AddBox({3, 0});
+    const app::ChainPtr chain = new app::Chain(0);
+    chain->AddEntity(0, link);
+    Click({3, 0}, Key::RightMouse);
+    EXPECT_FALSE(FindWidget("NoChain"));
+    Click({0, 0}, Key::RightMouse);
+    PressButton("NoChain");
+    EXPECT_FALSE(link->GetChain());
+    EXPECT_EQ(UndoName(), "UndoDissolveChain");
+    Key('z', true);
+    EXPECT_EQ(link->GetChain(), chain);
+}
+
 TEST_F(EntityPopupTest, TurnsShapesIntoWater) {
     AddBox({0, 0});
     Click({0, 0}, Key::RightMouse);
@@ -167,6 +234,14 @@ TEST_F(EntityPopupTest, SelectsByKindAndInverts) {
     PressButton("Invert");
     EXPECT_EQ(App().GetSelection().GetSize(), 2u);
     EXPECT_FALSE(App().GetSelection().Has(circle));
+    GUI().SelectTool("fixjoint");
+    Click({0, 0}, Key::LeftMouse);
+    GUI().SelectTool("brush");
+    const EntityPtr fix = Entities().back();
+    Click({0, 0.4f}, Key::RightMouse);
+    PressButton("SelectMenuButton");
+    PressButton("SelectFix");
+    EXPECT_EQ(App().GetSelection().Get(), app::EntitySet{fix});
 }
 
 TEST_F(EntityPopupTest, OrdersAndFollows) {

@@ -5,7 +5,7 @@ import math
 from harness import View, box, ground, of_type
 
 BOXES = [ground(0), box(-4.5, 0.5, 1), box(4.5, 0.5, 1)]
-VIEW = View(-5, 0, 5, 1)  # shows x from -5.5 to 5.5
+VIEW = View(-5, 0, 5, 1)  # shows x from -5.5 to 5.5, beside the tools
 
 
 def circle(x, y, radius, turns=0.98, steps=48):

@@ -23,6 +23,7 @@ DEFAULT_ZOOM = 150  # pixels per metre in the view of an empty scene
 AUTOSAVE = "_AUTOSAVE.vxa"
 ONEXIT = "_ONEXITSAVE.vxa"
 AUTOSAVED_SETTINGS = "config.autosave.cfg"
+TOOLS_ROOM = 120  # pixels at the left that a scene keeps clear of
 MOST_BELOW = 0.22  # of the window's height, left free below a scene that has been loaded
 RUN_TIME_FILES = ["config.cfg", "config.autosave.cfg", "Logfile.txt", "Unlogged.txt", "Scenes/" + AUTOSAVE,
                   "Scenes/" + ONEXIT]
@@ -327,16 +328,16 @@ class Session:
 
 
 class View:
-    """Where the world is on the screen after a scene has been loaded: its finite extent fills the window
-    with a tenth to spare, and stands low in it."""
+    """Where the world is on the screen after a scene has been loaded: its finite extent fills the window beside
+    the tools with a tenth to spare, and stands low in it."""
 
     def __init__(self, min_x, min_y, max_x, max_y):
         self.center = ((min_x + max_x) / 2, (min_y + max_y) / 2)
-        self.scale = 1 / (1.1 * max((max_x - min_x) / WINDOW[0], (max_y - min_y) / WINDOW[1]))
+        self.scale = 1 / (1.1 * max((max_x - min_x) / (WINDOW[0] - TOOLS_ROOM), (max_y - min_y) / WINDOW[1]))
         height = (max_y - min_y) * self.scale
         below = min((WINDOW[1] - height) / 2, MOST_BELOW * WINDOW[1])
         self.middle = WINDOW[1] - below - height / 2
 
     def __call__(self, x, y):
-        return (WINDOW[0] / 2 + (x - self.center[0]) * self.scale,
+        return ((WINDOW[0] + TOOLS_ROOM) / 2 + (x - self.center[0]) * self.scale,
                 self.middle - (y - self.center[1]) * self.scale)

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "app/scene/View.h"
 #include "physics/Simulation.h"
@@ -32,7 +33,7 @@ struct CloudPlace {
     float x, y, width;
 };
 constexpr CloudPlace CLOUD_PLACES[] = {
-    {0.14f, 0.17f, 0.24f}, {0.47f, 0.09f, 0.17f}, {0.78f, 0.21f, 0.27f}, {0.62f, 0.34f, 0.13f}};
+    {0.27f, 0.42f, 0.17f}, {0.36f, 0.10f, 0.15f}, {0.90f, 0.13f, 0.22f}, {0.63f, 0.50f, 0.20f}};
 
 const char* const FOLDER = "background/";
 const char* const MASKS[] = {"*.png", "*.tga", "*.bmp", "*.jpg"};
@@ -41,6 +42,12 @@ float Wrap(float coordinate, float center, float period) {
     if (coordinate < center - period / 2) return coordinate + period;
     if (coordinate > center + period / 2) return coordinate - period;
     return coordinate;
+}
+
+bool IsIn(const math::BoundingBox2f& view, const Background::Cloud& cloud) {
+    const Vec2 distance = cloud.position - view.GetCenter(), halfSize = view.GetSize() * 0.5f;
+    const float half = cloud.size / 2;
+    return std::fabs(distance.x) < halfSize.x + half && std::fabs(distance.y) < halfSize.y + half;
 }
 
 // From the plane of the clouds to GUI units; the world point in the middle of the view stays there.
@@ -163,14 +170,14 @@ bool Background::IsViewOfNewScene() {
     return true;
 }
 
+// The sky that a user sees first is the same for everybody; a later one is left as it is.
 void Background::BringClouds(const math::BoundingBox2f& view) {
-    CollectClouds(view);
-    bool isEmpty = true;
-    for (rendering::VertexBatch& batch : m_batches) {
-        isEmpty = isEmpty && batch.IsEmpty();
-        batch.Clear();
+    const auto isVisible = [&view](const Cloud& cloud) { return IsIn(view, cloud); };
+    const bool isFirst = !std::exchange(m_hasBroughtClouds, true);
+    if (!isFirst && std::any_of(m_clouds.begin(), m_clouds.end(), isVisible)) return;
+    for (Cloud& cloud : m_clouds) {
+        if (isVisible(cloud)) cloud.position.x += m_wrapWidth / 2;
     }
-    if (!isEmpty) return;
     const Vec2 size = view.GetSize();
     for (size_t i = 0; i < std::size(CLOUD_PLACES); ++i) {
         const CloudPlace& place = CLOUD_PLACES[i];
@@ -181,13 +188,11 @@ void Background::BringClouds(const math::BoundingBox2f& view) {
     }
 }
 
-// Those that overlap the view, sorted by texture. They are not turned.
+// Sorted by texture. They are not turned.
 void Background::CollectClouds(const math::BoundingBox2f& view) {
-    const Vec2 center = view.GetCenter(), halfSize = view.GetSize() * 0.5f;
     for (const Cloud& cloud : m_clouds) {
+        if (!IsIn(view, cloud)) continue;
         const float half = cloud.size / 2;
-        if (!(std::fabs(cloud.position.x - center.x) < halfSize.x + half)) continue;
-        if (!(std::fabs(cloud.position.y - center.y) < halfSize.y + half)) continue;
         m_batches[cloud.textureIndex].AddSprite(cloud.position, {half, 0}, {0, half});
     }
 }

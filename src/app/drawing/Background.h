@@ -46,7 +46,7 @@ class Background : public gui::Component {
     void FindTextures();
     void CreateClouds();
     void WrapClouds(math::Vec2 center);
-    // Some clouds come into a view that has just been fitted to a scene and shows none.
+    // Some clouds come into a view that has just been fitted to a scene, if it is the first or shows none.
     void BringClouds(const math::BoundingBox2f& view);
     bool IsViewOfNewScene();
     void DrawSky();
@@ -59,6 +59,7 @@ class Background : public gui::Component {
     float m_wrapWidth = 0;                                   // world units
     float m_wrapHeight = 0;
     uint32_t m_sceneFits = 0;  // of the view, when it was last looked at
+    bool m_hasBroughtClouds = false;
 };
 
 }  // namespace app

@@ -15,6 +15,7 @@ namespace {
 constexpr double VIEW_TIME = 0.1;     // seconds that the view takes to glide to its target
 constexpr float SCENE_MARGIN = 1.1f;  // of the scene's extent, at ZoomToScene
 constexpr float MOST_BELOW = 0.22f;   // part of the view's height left free under the scene, mostly ground
+constexpr float MOST_LEFT = 0.25f;    // part of the view's width that is kept for the interface
 constexpr float CM_PER_INCH = 2.54f;
 
 using Matrix = math::TMatrix3<float>;
@@ -80,17 +81,22 @@ void View::SetDefaultView(bool animate) {
     SetWorldToGUI(MakeView(GetMiddle(), GetDefaultZoom(), {}), animate);
 }
 
+float View::GetLeftRoom() const {
+    return std::min(m_leftRoom, MOST_LEFT * m_size.x);
+}
+
 void View::ZoomToScene(const Scene& scene) {
     ++m_sceneFits;
     const math::BoundingBox2f box = scene.GetExtent();
     // Planes alone have no extent to fit, and without a size there is nothing to fit it into.
     if (!box.IsFinite() || !(m_size.x > 0) || !(m_size.y > 0)) return SetDefaultView(true);
     const math::Vec2 extent = box.GetSize();
-    const float worldPerGUI = SCENE_MARGIN * std::max(extent.x / m_size.x, extent.y / m_size.y);
+    const float left = GetLeftRoom(), width = m_size.x - left;
+    const float worldPerGUI = SCENE_MARGIN * std::max(extent.x / width, extent.y / m_size.y);
     const float scale = std::clamp(1 / worldPerGUI, GetMinZoom(), GetMaxZoom());
     const float height = extent.y * scale;
     const float below = std::min((m_size.y - height) / 2, MOST_BELOW * m_size.y);
-    const math::Vec2 middle(m_size.x / 2, m_size.y - below - height / 2);
+    const math::Vec2 middle(left + width / 2, m_size.y - below - height / 2);
     SetWorldToGUI(MakeView(middle, scale, box.GetCenter()));
 }
 

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
+#include "app/entities/Chain.h"
 #include "app/entities/CircleEntity.h"
+#include "app/entities/HingeEntity.h"
 #include "app/entities/PolyEntity.h"
 #include "app/history/Actions.h"
 #include "app/history/Cloning.h"
@@ -18,6 +21,8 @@
 
 namespace app {
 namespace {
+
+constexpr float HINGE_SIZE = 1;  // cm on the screen
 
 // Ends a change that began with the snapshot.
 void Finish(const SnapshotPtr& before, const char* name) {
@@ -36,6 +41,16 @@ void Reorder(Scene& scene, const EntitySet& entities, bool toFront) {
                           [&](const EntityPtr& entity) { return (entities.count(entity) != 0) != toFront; });
     scene.SetEntityOrder(order);
     Finish(before, "UndoOrder");
+}
+
+// The next geom of another body below this one at that place; null for what belongs to the world itself.
+physics::GeomPtr FindBelow(const Scene& scene, const physics::GeomPtr& geom, math::Vec2 place) {
+    const GeomList geoms = scene.GetGeomsAt(place);
+    const auto self = std::find(geoms.begin(), geoms.end(), geom);
+    const auto below = std::find_if(self, geoms.end(), [&geom](const physics::GeomPtr& other) {
+        return other->GetBody() != geom->GetBody();
+    });
+    return below == geoms.end() ? physics::GeomPtr() : *below;
 }
 
 }  // namespace
@@ -95,6 +110,35 @@ void TransformIntoCircle(Scene& scene, const EntitySet& entities) {
     scene.SetEntityOrder(order);
     scene.GetSelection().Set({entity});
     Finish(before, "UndoToCircle");
+}
+
+void CenterHinge(Scene& scene, const View& view, const EntitySet& entities) {
+    const SnapshotPtr before = new Snapshot(scene);
+    for (const EntityPtr& entity : entities) {
+        const auto polygon = util::DynamicCast<PolyEntity>(entity);
+        if (!polygon || !scene.HasEntity(entity)) continue;
+        const physics::GeomPtr& geom = polygon->GetGeom();
+        const math::Vec2 center = geom->GetPos();
+        const physics::GeomPtr below = FindBelow(scene, geom, center);
+        if (!below) continue;
+        const HingeEntityPtr hinge = new HingeEntity(HINGE_SIZE * view.GetCmToWorld());
+        hinge->SetScene(&scene);
+        hinge->SetEnds({geom, geom->GetInvTransform()(center)}, {below, below->GetInvTransform()(center)});
+        hinge->Rebuild();
+        scene.AddEntity(hinge);
+    }
+    Finish(before, "UndoCenterHinge");
+}
+
+void DissolveChain(Scene& scene, const EntitySet& entities) {
+    std::map<int, ChainPtr> chains;
+    for (const EntityPtr& entity : entities) {
+        if (const ChainPtr& chain = entity->GetChain()) chains[chain->GetID()] = chain;
+    }
+    if (chains.empty()) return;
+    const SnapshotPtr before = new Snapshot(scene);
+    for (const auto& [_, chain] : chains) chain->Dissolve();
+    Finish(before, "UndoDissolveChain");
 }
 
 void Liquify(Scene& scene, const EntitySet& entities, int maxDrops) {

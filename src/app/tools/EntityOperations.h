@@ -17,6 +17,10 @@ void MoveToFront(Scene& scene, const EntitySet& entities);
 
 // Polygons become circles of the same area about their centres of mass. Asserts exactly one, a polygon.
 void TransformIntoCircle(Scene& scene, const EntitySet& entities);
+// Each polygon of the set gets a hinge in its centre of mass, to what lies below it there or to the world.
+void CenterHinge(Scene& scene, const View& view, const EntitySet& entities);
+// The links of their chains stand for themselves from now on.
+void DissolveChain(Scene& scene, const EntitySet& entities);
 // Shapes become water: at most `maxDrops` of each.
 void Liquify(Scene& scene, const EntitySet& entities, int maxDrops);
 

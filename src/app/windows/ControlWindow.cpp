@@ -23,17 +23,14 @@ gui::ComponentPtr MakeFitButton(const Commands& commands) {
 }  // namespace
 
 ControlWindow::ControlWindow(const Desk& desk)
-    : Window(Translate("ControlTitle"), new gui::ListLayout(gui::ListLayout::Horizontal)),
-      m_play(new SimPlayPauseButton) {
+    : Window(Translate("ControlTitle"), new gui::ListLayout(gui::ListLayout::Horizontal)) {
     SetKey("ControlTitle");
     AddChild(new UndoButton);
     AddChild(new RedoButton);
-    AddChild(m_play);
+    AddChild(new SimPlayPauseButton);
     AddChild(new Panner(desk.m_view));
     AddChild(new Zoomer(desk.m_view, desk.m_settings.m_zoomFactor));
     AddChild(MakeFitButton(desk.m_commands));
 }
-
-ControlWindow::~ControlWindow() noexcept(false) = default;
 
 }  // namespace app

@@ -28,19 +28,13 @@ namespace {
 using gui::ComponentPtr;
 using gui::WindowPtr;
 
-constexpr float NAME_WIDTH = 260;     // GUI units
-constexpr float TEXT_WIDTH = 700;     // GUI units, of a wrapped text
-constexpr float SIDE_ROOM = 40;       // GUI units that a dialog leaves free
-constexpr float VERTICAL_ROOM = 110;  // the same, with title bar and buttons
-constexpr size_t GALLERY_COLUMNS = 3;
-constexpr float INFO_WIDTH = 200;  // GUI units
+constexpr float NAME_WIDTH = 260;      // GUI units
+constexpr float TEXT_WIDTH = 700;      // GUI units, of a wrapped text
+constexpr float SIDE_ROOM = 40;        // GUI units that a dialog leaves free
+constexpr size_t GALLERY_COLUMNS = 5;  // at most
+constexpr float INFO_WIDTH = 200;      // GUI units
 constexpr double MEGABYTE = 1 << 20;
 const String SCENE_MASK = "*.vxa";
-
-// With its arrows, page keys and the wheel; as high as its content as far as there is room.
-ComponentPtr MakeScrolled(const ComponentPtr& content, const Desk& desk) {
-    return new gui::ScrollArea(content, std::max(desk.m_interface.GetSize().y - VERTICAL_ROOM, 100.0f));
-}
 
 WindowPtr MakeDialog(const char* titleKey) {
     const WindowPtr window = new gui::Window(Translate(titleKey), MakeRowLayout());
@@ -65,6 +59,20 @@ String GetFileName(const String& path) {
 
 gui::ButtonPtr MakeCancelButton(const WindowPtr& window) {
     return MakeButton("Cancel", CloseAnd(window, [] {}));
+}
+
+// Rows of as many tiles as fit into the width.
+ComponentPtr MakeGrid(const std::vector<ComponentPtr>& tiles, float width) {
+    const ComponentPtr grid = new gui::Component("Grid", MakeRowLayout());
+    std::vector<ComponentPtr> row;
+    for (size_t i = 0; i < tiles.size(); ++i) {
+        row.push_back(tiles[i]);
+        const float next = static_cast<float>(row.size() + 1) * tiles[i]->GetOuterSize().x;
+        if (row.size() < GALLERY_COLUMNS && next <= width && i + 1 < tiles.size()) continue;
+        grid->AddChild(MakeRow(row));
+        row.clear();
+    }
+    return grid;
 }
 
 }  // namespace
@@ -139,16 +147,11 @@ WindowPtr MakeGallery(const Desk& desk, const NameFunction& choose) {
     const auto isOwn = [](const String& name) { return name.empty() || name[0] == '_'; };
     names.erase(std::remove_if(names.begin(), names.end(), isOwn), names.end());
     std::sort(names.begin(), names.end());
-    const ComponentPtr grid = new gui::Component("Grid", MakeRowLayout());
-    std::vector<ComponentPtr> row;
-    for (size_t i = 0; i < names.size(); ++i) {
-        const String file = names[i];
-        row.push_back(new SceneButton(file, SceneButton::Shape::Tile, [choose, file] { choose(file); }));
-        if (row.size() < GALLERY_COLUMNS && i + 1 < names.size()) continue;
-        grid->AddChild(MakeRow(row));
-        row.clear();
+    std::vector<ComponentPtr> tiles;
+    for (const String& file : names) {
+        tiles.push_back(new SceneButton(file, SceneButton::Shape::Tile, [choose, file] { choose(file); }));
     }
-    window->AddChild(MakeScrolled(grid, desk));
+    window->AddChild(MakeScrolled(MakeGrid(tiles, desk.m_interface.GetSize().x - SIDE_ROOM), desk));
     return window;
 }
 

@@ -1,12 +1,16 @@
 #include "app/windows/EntityPopup.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "app/Language.h"
 #include "app/entities/Chain.h"
 #include "app/entities/CircleEntity.h"
+#include "app/entities/FixJointEntity.h"
+#include "app/entities/HingeEntity.h"
 #include "app/entities/PlaneEntity.h"
 #include "app/entities/PolyEntity.h"
+#include "app/entities/SpringEntity.h"
 #include "app/scene/AppGUISettings.h"
 #include "app/tools/EntityOperations.h"
 #include "app/widgets/EntityChecks.h"
@@ -16,13 +20,14 @@
 #include "app/windows/Rows.h"
 #include "gui/components/AttribWidgets.h"
 #include "gui/components/LabeledSlider.h"
+#include "math/Geometry.h"
 
 namespace app {
 namespace {
 
 using gui::WindowPtr;
 
-constexpr double RPM = 60 / (2 * 3.14159265358979323846);  // revolutions per minute of 1 rad/s
+constexpr double RPM = 2 * math::PI / 60;  // rad/s of a revolution per minute
 
 // Ranges and defaults of the sliders.
 struct SliderRow {
@@ -79,22 +84,20 @@ bool Is(const EntityPtr& entity) {
     return static_cast<bool>(util::DynamicCast<Kind>(entity));
 }
 
-// Whether an attribute of that name tells its kind.
-bool Has(const EntityPtr& entity, const char* attrib) {
-    return entity->HasVariable(attrib);
+bool IsInChain(const EntityPtr& entity) {
+    return static_cast<bool>(entity->GetChain());
 }
 
 struct SelectRow {
     const char* m_key;
+    const char* m_icon;
     bool (*m_matches)(const EntityPtr&);
 };
 const SelectRow SELECT_ROWS[] = {
-    {"SelectPoly", &Is<PolyEntity>},
-    {"SelectCircle", &Is<CircleEntity>},
-    {"SelectPlane", &Is<PlaneEntity>},
-    {"SelectHinge", [](const EntityPtr& entity) { return Has(entity, "motorSpeed"); }},
-    {"SelectSpring", [](const EntityPtr& entity) { return Has(entity, "strengthFactor"); }},
-    {"SelectChain", [](const EntityPtr& entity) { return static_cast<bool>(entity->GetChain()); }},
+    {"SelectPoly", "popup/shape", &Is<PolyEntity>},       {"SelectCircle", "tools/circle", &Is<CircleEntity>},
+    {"SelectPlane", "tools/plane", &Is<PlaneEntity>},     {"SelectHinge", "tools/hinge", &Is<HingeEntity>},
+    {"SelectFix", "tools/fixjoint", &Is<FixJointEntity>}, {"SelectSpring", "tools/spring", &Is<SpringEntity>},
+    {"SelectChain", "tools/chain", &IsInChain},
 };
 
 void SelectMatching(Scene& scene, bool (*matches)(const EntityPtr&)) {
@@ -192,22 +195,27 @@ void EntityPopup::AddEntityRows() {
     AddMenu("ChooseColor", "popup/color", [this] { return MakeColorMenu(); });
     AddMenu("EntInfoButton", "popup/info", [this] { return MakeInfoMenu(); });
     if (!m_group.FindAttribs<int>("collideSet").empty()) {
-        AddMenu("CollisionMenuButton", "blank", [this] { return MakeCollisionMenu(); });
+        AddMenu("CollisionMenuButton", "popup/collisions", [this] { return MakeCollisionMenu(); });
     }
-    AddMenu("SelectMenuButton", "blank", [this] { return MakeSelectMenu(); });
+    AddMenu("SelectMenuButton", "popup/select", [this] { return MakeSelectMenu(); });
+    const EntitySet chosen = m_group.Get();
+    if (std::any_of(chosen.begin(), chosen.end(), &IsInChain)) {
+        AddFinalRow("NoChain", "popup/nochain",
+                    [&](const EntitySet& entities) { DissolveChain(scene, entities); });
+    }
 }
 
 void EntityPopup::AddOrderRows() {
     Scene& scene = m_desk.m_scene;
-    AddRow("MoveToBack", "blank", [&](const EntitySet& entities) { MoveToBack(scene, entities); });
-    AddRow("MoveToFront", "blank", [&](const EntitySet& entities) { MoveToFront(scene, entities); });
-    AddFinalRow("Invert", "blank", [&](const EntitySet&) { Invert(scene); });
+    AddRow("MoveToBack", "popup/toback", [&](const EntitySet& entities) { MoveToBack(scene, entities); });
+    AddRow("MoveToFront", "popup/tofront", [&](const EntitySet& entities) { MoveToFront(scene, entities); });
+    AddFinalRow("Invert", "popup/invert", [&](const EntitySet&) { Invert(scene); });
     AddChild(new FollowObjectCheckbox(m_group));
 }
 
 void EntityPopup::AddMenuRows() {
     if (!m_group.FindAttribs<float>("friction").empty()) {
-        AddMenu("GeomMenuButton", "blank", [this] { return MakeGeomMenu(); });
+        AddMenu("GeomMenuButton", "popup/shape", [this] { return MakeGeomMenu(); });
     }
     if (!m_group.FindAttribs<float>("motorSpeed").empty()) {
         AddMenu("HingeMenuButton", "popup/hingemenu", [this] { return MakeHingeMenu(); });
@@ -244,11 +252,11 @@ WindowPtr EntityPopup::MakeSelectMenu() const {
     for (const SelectRow& row : SELECT_ROWS) {
         const auto matches = row.m_matches;
         window->AddChild(
-            MakeActionRow(row.m_key, "blank", [&scene, matches] { SelectMatching(scene, matches); }));
+            MakeActionRow(row.m_key, row.m_icon, [&scene, matches] { SelectMatching(scene, matches); }));
     }
     const EntityGroup group = m_group;
     window->AddChild(
-        MakeActionRow("SelectGroup", "blank", [&scene, group] { SelectGroups(scene, group.Get()); }));
+        MakeActionRow("SelectGroup", "popup/group", [&scene, group] { SelectGroups(scene, group.Get()); }));
     return window;
 }
 
@@ -268,6 +276,9 @@ WindowPtr EntityPopup::MakeGeomMenu() const {
                                        [&scene, group] { TransformIntoCircle(scene, group.Get()); }));
     }
     const script::AttribPtr<int> maxDrops = m_desk.m_maxDrops;
+    const View& view = m_desk.m_view;
+    window->AddChild(MakeActionRow("CenterHinge", "popup/hinge",
+                                   [&scene, &view, group] { CenterHinge(scene, view, group.Get()); }));
     window->AddChild(MakeActionRow("Liquify", "popup/liquify", [&scene, group, maxDrops] {
         Liquify(scene, group.Get(), maxDrops->Get());
     }));

@@ -14,6 +14,7 @@ namespace {
 
 constexpr float NAME_WIDTH = 260;  // GUI units
 constexpr float KEY_WIDTH = 130;
+constexpr float LIST_ROOM = 140;  // of the interface's height, left free
 
 // Keys that need no command: built into the interface.
 const std::pair<const char*, const char*> FIXED_KEYS[] = {{"KeyCancel", "escape"},
@@ -39,14 +40,14 @@ bool IsModifier(int key) {
 
 }  // namespace
 
-KeysWindow::KeysWindow(Commands& commands, float maxHeight)
+KeysWindow::KeysWindow(Commands& commands, const Desk& desk)
     : Window(Translate("KeysTitle"), MakeRowLayout()),
       m_commands(commands),
       m_rows(new gui::Component("Keys", MakeRowLayout())),
       m_message(new gui::Label) {
     SetKey("KeysTitle");
     Fill();
-    AddChild(new gui::ScrollArea(m_rows, maxHeight));
+    AddChild(MakeScrolled(m_rows, desk, LIST_ROOM));
     AddChild(m_message);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/windows/Commands.h"
+#include "app/windows/Desk.h"
 #include "gui/Window.h"
 
 namespace app {
@@ -9,7 +10,7 @@ namespace app {
 // the key that shall do it; escape leaves it as it was.
 class KeysWindow : public gui::Window {
   public:
-    KeysWindow(Commands& commands, float maxHeight);  // of the list, GUI units
+    KeysWindow(Commands& commands, const Desk& desk);
     ~KeysWindow() noexcept(false) override;
 
     void Update(float dt) override;

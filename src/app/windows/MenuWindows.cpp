@@ -12,6 +12,7 @@
 #include "gui/Window.h"
 #include "gui/components/AttribWidgets.h"
 #include "gui/components/LabeledSlider.h"
+#include "gui/components/ScrollArea.h"
 #include "physics/Simulation.h"
 #include "rendering/Context.h"
 #include "script/Conversions.h"
@@ -53,6 +54,8 @@ constexpr double MIN_DPI = 50;
 constexpr double MAX_DPI = 400;
 constexpr float DPI_LABEL_WIDTH = 180;  // GUI units
 constexpr float DPI_SLIDER_WIDTH = 110;
+constexpr float FRAME_ROOM = 40;             // GUI units, of a window's title bar and edges
+constexpr int SHADERS_ROW = 4;               // among the options
 constexpr float SCALES[] = {1, 1.5f, 2, 3};  // pixels per GUI unit
 
 // Downwards is up on the slider; the sideways part of gravity stays.
@@ -108,27 +111,31 @@ ComponentPtr MakeDPIRow(const script::AttribPtr<float>& dpi) {
     return MakeRow({new InfoLabel(text, DPI_LABEL_WIDTH), slider});
 }
 
-}  // namespace
-
-gui::WindowPtr MakeFileWindow(const Desk& desk) {
-    const gui::WindowPtr window = new gui::Window(Translate("FileTitle"), MakeRowLayout());
-    window->SetKey("FileTitle");
-    for (const MenuRow& row : FILE_ROWS) {
-        window->AddChild(MakeCommandRow(desk, row.m_command, row.m_suffix));
-    }
+// Rows that are scrolled in a small view.
+gui::WindowPtr MakeListWindow(const char* titleKey, const std::vector<ComponentPtr>& rows, const Desk& desk) {
+    const gui::WindowPtr window = new gui::Window(Translate(titleKey), MakeRowLayout());
+    window->SetKey(titleKey);
+    const ComponentPtr list = new gui::Component("Rows", MakeRowLayout());
+    for (const ComponentPtr& row : rows) list->AddChild(row);
+    window->AddChild(MakeScrolled(list, desk, FRAME_ROOM));
     return window;
 }
 
+}  // namespace
+
+gui::WindowPtr MakeFileWindow(const Desk& desk) {
+    std::vector<ComponentPtr> rows;
+    for (const MenuRow& row : FILE_ROWS) rows.push_back(MakeCommandRow(desk, row.m_command, row.m_suffix));
+    return MakeListWindow("FileTitle", rows, desk);
+}
+
 gui::WindowPtr MakeOptionsWindow(const Desk& desk) {
-    const gui::WindowPtr window = new gui::Window(Translate("OptionsTitle"), MakeRowLayout());
-    window->SetKey("OptionsTitle");
     const DrawSettings& drawing = desk.m_drawSettings;
-    const ComponentPtr rows[] = {
+    std::vector<ComponentPtr> rows = {
         MakeGravityRow(),
         MakeAirRow(),
         MakeCheckRow("LeftClickMenus", desk.m_settings.m_leftClickMenus),
         MakeCheckRow("DrawInside", desk.m_settings.m_drawInside),
-        desk.m_shaders ? MakeCheckRow("Shaders", desk.m_shaders) : nullptr,
         MakeCheckRow("SimpleWater", drawing.m_simpleWater),
         MakeCheckRow("DrawHinges", desk.m_settings.m_drawHingesWhenRunning),
         MakeCheckRow("DrawClouds", drawing.m_drawClouds),
@@ -140,10 +147,8 @@ gui::WindowPtr MakeOptionsWindow(const Desk& desk) {
         MakeCommandRow(desk, "KeysTitle", "..."),
         MakeCommandRow(desk, "ShowStats"),
     };
-    for (const ComponentPtr& row : rows) {
-        if (row) window->AddChild(row);
-    }
-    return window;
+    if (desk.m_shaders) rows.insert(rows.begin() + SHADERS_ROW, MakeCheckRow("Shaders", desk.m_shaders));
+    return MakeListWindow("OptionsTitle", rows, desk);
 }
 
 }  // namespace app

@@ -6,11 +6,18 @@
 #include "gui/LookAndFeel.h"
 #include "gui/components/AttribWidgets.h"
 #include "gui/components/LabeledSlider.h"
+#include "gui/components/ScrollArea.h"
 
 namespace app {
 
 gui::LayoutPtr MakeRowLayout() {
     return new gui::ListLayout(gui::ListLayout::Vertical | gui::ListLayout::StretchCross);
+}
+
+gui::ScrollAreaPtr MakeScrolled(const gui::ComponentPtr& content, const Desk& desk, float room) {
+    const gui::ScrollAreaPtr area = new gui::ScrollArea(content, desk.m_interface.GetSize().y - room);
+    area->FollowView(room);
+    return area;
 }
 
 gui::ComponentPtr MakeActionRow(const char* key, const String& icon, const std::function<void()>& run,

@@ -28,6 +28,9 @@ gui::ButtonPtr MakeButton(const char* key, const std::function<void()>& run);
 // Components beside each other.
 gui::ComponentPtr MakeRow(const std::vector<gui::ComponentPtr>& components);
 
+// With a bar, page keys and the wheel, as high as the content as far as the interface leaves `room` free.
+gui::ScrollAreaPtr MakeScrolled(const gui::ComponentPtr& content, const Desk& desk, float room = 110);
+
 // The list of rows of a window, all as wide as the widest.
 gui::LayoutPtr MakeRowLayout();
 

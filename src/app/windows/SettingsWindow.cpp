@@ -22,12 +22,14 @@ using gui::ComponentPtr;
 using script::AbstractAttribPtr;
 using script::ObjectPtr;
 
-// GUI units; together less than a small screen is wide.
+// GUI units; together less than LEAST_WIDTH.
 constexpr float OBJECT_WIDTH = 116;
 constexpr float NAME_WIDTH = 190;
 constexpr float VALUE_WIDTH = 120;
 constexpr float DEFAULT_WIDTH = 96;
-constexpr size_t MAX_FOUND = 40;       // rows of a search
+constexpr float LEAST_WIDTH = 640;     // of a view that has room for all columns
+constexpr float LIST_ROOM = 140;       // of the interface's height, left free
+constexpr size_t MAX_FOUND = 200;      // rows of a search
 constexpr size_t MAX_VALUE_TEXT = 14;  // characters of a default that are shown
 
 // The default as an object, for the attribute types that there are; null for none of them.
@@ -86,6 +88,7 @@ class ValueField : public gui::TextField {
   public:
     explicit ValueField(const Setting& setting) : TextField(String(), "ValueField"), m_setting(setting) {
         SetMinWidth(VALUE_WIDTH);
+        SetMaxWidth(VALUE_WIDTH);
         const util::WeakPtr<util::Pointee> self(this);
         GetOnEnter().Add(new util::Callback([this] { Assign(m_setting, GetText()); }, self));
         GetOnLostFocus().Add(new util::Callback([this] { ShowValue(); }, self));
@@ -122,7 +125,7 @@ gui::LabelPtr MakeCell(const String& text, float width) {
     return label;
 }
 
-ComponentPtr MakeSettingRow(const Setting& setting, bool withPath) {
+ComponentPtr MakeSettingRow(const Setting& setting, bool withPath, bool withDefault) {
     const ObjectPtr standard = GetDefault(setting.m_attrib);
     String text = standard ? standard->ToCode() : String();
     if (text.size() > MAX_VALUE_TEXT) text = text.substr(0, MAX_VALUE_TEXT - 2) + "..";
@@ -130,10 +133,14 @@ ComponentPtr MakeSettingRow(const Setting& setting, bool withPath) {
     const gui::ButtonPtr reset = MakeButton("Reset", [attrib, standard] {
         if (standard) attrib->SetValue(standard);
     });
-    const ComponentPtr row =
-        app::MakeRow({MakeCell(withPath ? setting.m_object + "." + setting.m_name : setting.m_name,
-                               withPath ? NAME_WIDTH + OBJECT_WIDTH / 2 : NAME_WIDTH),
-                      MakeValue(setting), MakeCell(text, DEFAULT_WIDTH), reset});
+    reset->SetToolTip(text);
+    const String name = withPath ? setting.m_object + "." + setting.m_name : setting.m_name;
+    std::vector<ComponentPtr> cells = {
+        MakeCell(name, withPath && withDefault ? NAME_WIDTH + OBJECT_WIDTH / 2 : NAME_WIDTH),
+        MakeValue(setting)};
+    if (withDefault) cells.push_back(MakeCell(text, DEFAULT_WIDTH));
+    cells.push_back(reset);
+    const ComponentPtr row = app::MakeRow(cells);
     row->SetKey(setting.m_object + "." + setting.m_name);
     return row;
 }
@@ -147,14 +154,22 @@ std::vector<Setting> FindSettings() {
     return found;
 }
 
-SettingsWindow::SettingsWindow(float maxHeight)
+SettingsWindow::SettingsWindow(const Desk& desk)
     : Window(Translate("AllSettingsTitle"), MakeRowLayout()),
+      m_isNarrow(desk.m_interface.GetSize().x < LEAST_WIDTH),
       m_search(new gui::TextField),
       m_rows(new gui::Component("Settings", MakeRowLayout())),
-      m_scroll(new gui::ScrollArea(m_rows, maxHeight)) {
+      m_scroll(MakeScrolled(m_rows, desk, LIST_ROOM)) {
     SetKey("AllSettingsTitle");
     m_search->SetKey("Search");
     AddChild(app::MakeRow({new gui::Label(Translate("Search")), m_search}));
+    AddChild(m_isNarrow ? ComponentPtr(m_scroll) : app::MakeRow({MakeObjectList(), m_scroll}));
+    Fill();
+}
+
+SettingsWindow::~SettingsWindow() noexcept(false) = default;
+
+ComponentPtr SettingsWindow::MakeObjectList() {
     const ComponentPtr objects = new gui::Component("Objects", MakeRowLayout());
     std::set<String> names;
     for (const Setting& setting : FindSettings()) {
@@ -168,11 +183,8 @@ SettingsWindow::SettingsWindow(float maxHeight)
             new util::Callback([this, object] { ShowObject(object); }, util::WeakPtr<util::Pointee>(this)));
         objects->AddChild(button);
     }
-    AddChild(app::MakeRow({objects, m_scroll}));
-    Fill();
+    return objects;
 }
-
-SettingsWindow::~SettingsWindow() noexcept(false) = default;
 
 void SettingsWindow::ShowObject(const String& path) {
     m_object = path;
@@ -191,16 +203,19 @@ void SettingsWindow::Fill() {
     m_shownSearch = m_search->GetText();
     const String wanted = ToLower(m_shownSearch);
     m_rows->RemoveAllChildren();
-    m_rows->AddChild(app::MakeRow({MakeCell(Translate("SettingName"), NAME_WIDTH),
-                                   MakeCell(Translate("SettingValue"), VALUE_WIDTH + 2 * gui::TEXT_MARGIN),
-                                   MakeCell(Translate("SettingDefault"), DEFAULT_WIDTH)}));
+    const bool withPath = m_isNarrow || !wanted.empty();
+    std::vector<ComponentPtr> titles = {
+        MakeCell(Translate("SettingName"), NAME_WIDTH),
+        MakeCell(Translate("SettingValue"), VALUE_WIDTH + 2 * gui::TEXT_MARGIN)};
+    if (!m_isNarrow) titles.push_back(MakeCell(Translate("SettingDefault"), DEFAULT_WIDTH));
+    m_rows->AddChild(app::MakeRow(titles));
     size_t count = 0;
     for (const Setting& setting : FindSettings()) {
         const String path = setting.m_object + "." + setting.m_name;
         const bool matches =
-            wanted.empty() ? setting.m_object == m_object : ToLower(path).find(wanted) != String::npos;
+            withPath ? ToLower(path).find(wanted) != String::npos : setting.m_object == m_object;
         if (!matches || count++ >= MAX_FOUND) continue;
-        m_rows->AddChild(MakeSettingRow(setting, !wanted.empty()));
+        m_rows->AddChild(MakeSettingRow(setting, withPath, !m_isNarrow));
     }
     if (count == 0) m_rows->AddChild(new gui::Label(Translate("NothingFound")));
     m_scroll->ScrollTo(0.0f);

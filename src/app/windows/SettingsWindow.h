@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "app/windows/Desk.h"
 #include "gui/Window.h"
 #include "script/Attributes.h"
 
@@ -11,16 +12,17 @@ namespace app {
 // back to that. Found by walking the script tree: a new attribute is here by itself.
 class SettingsWindow : public gui::Window {
   public:
-    // `maxHeight` is that of the list, GUI units.
-    explicit SettingsWindow(float maxHeight);
+    explicit SettingsWindow(const Desk& desk);
     ~SettingsWindow() noexcept(false) override;
 
     void Update(float dt) override;
 
   private:
+    gui::ComponentPtr MakeObjectList();
     void ShowObject(const String& path);
     void Fill();
 
+    const bool m_isNarrow;  // for a view that has no room for the list of objects and the defaults
     const gui::TextFieldPtr m_search;
     const gui::ComponentPtr m_rows;
     gui::ScrollAreaPtr m_scroll;

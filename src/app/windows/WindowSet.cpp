@@ -10,7 +10,8 @@ namespace {
 using gui::Window;
 using math::Vec2;
 
-constexpr float MARGIN = 8;  // GUI units, to the edges of the screen and between docked windows
+constexpr float TITLE_HEIGHT = 28;  // GUI units, of a window's title bar
+constexpr float MARGIN = 8;         // GUI units, to the edges of the screen and between docked windows
 
 Vec2 OnWholeUnits(Vec2 place) {
     return {std::floor(place.x), std::floor(place.y)};
@@ -67,6 +68,10 @@ gui::Window* WindowSet::Get(const String& name) const {
 
 bool WindowSet::IsOpen(const String& name) const {
     return Get(name) != nullptr;
+}
+
+bool WindowSet::IsDocked(const String& name) const {
+    return IsOpen(name) && !Find(name)->m_hasPlace;
 }
 
 std::vector<String> WindowSet::GetNames() const {
@@ -156,8 +161,9 @@ Vec2 WindowSet::GetDockPlace(const Entry& entry, const Window& window, float& be
         case Dock::TopRight:
             return {std::max(room.x - MARGIN, 0.0f), MARGIN};
         case Dock::BesideTools: {
-            const Vec2 place(besideTools, GetBottomOf(Dock::TopMiddle) + MARGIN);
+            Vec2 place(besideTools, GetBottomOf(Dock::TopMiddle) + MARGIN);
             besideTools += window.GetOuterSize().x + MARGIN;
+            if (place.x > room.x) place.y += TITLE_HEIGHT;  // it covers its neighbour, but not its title
             return {std::clamp(place.x, 0.0f, std::max(room.x, 0.0f)),
                     std::clamp(place.y, 0.0f, std::max(room.y, 0.0f))};
         }

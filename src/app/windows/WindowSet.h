@@ -31,6 +31,7 @@ class WindowSet {
     void Close(const String& name);
     void Toggle(const String& name);
     bool IsOpen(const String& name) const;
+    bool IsDocked(const String& name) const;     // open, and where it stands by itself
     gui::Window* Get(const String& name) const;  // null while it is closed
     std::vector<String> GetNames() const;
 

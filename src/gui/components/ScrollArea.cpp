@@ -16,6 +16,7 @@ using math::Vec2;
 constexpr float BAR_WIDTH = 12;        // GUI units
 constexpr float MIN_KNOB_HEIGHT = 16;  // GUI units
 constexpr float WHEEL_STEP = 3;        // rows
+constexpr float LEAST_HEIGHT = 100;    // in a small view, GUI units
 constexpr math::Vec4 BAR_COLOR(0.2f, 0.22f, 0.27f, 1);
 constexpr math::Vec4 KNOB_COLOR(0.6f, 0.66f, 0.78f, 1);
 
@@ -79,6 +80,8 @@ void ScrollArea::ScrollTo(const Component& component) {
 // What the keyboard reaches has to be seen; but the user may scroll away from it again.
 void ScrollArea::Update(float dt) {
     Component::Update(dt);
+    const float most = std::max(GetTreeRoot().GetSize().y - m_room, LEAST_HEIGHT);
+    if (m_room > 0 && most != m_maxHeight) SetMaxHeight(most);
     Component* const focused = Focus::Get();
     if (focused == m_lastFocus.Get()) return;
     m_lastFocus = focused;

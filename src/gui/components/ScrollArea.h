@@ -5,12 +5,15 @@
 namespace gui {
 
 // A window on a content that may be higher than it: the wheel, the bar at the right, page up and page down
-// move it. As wide as the content with the bar, as high as the content but at most `maxHeight`.
+// move it. As wide as the content with the bar, as high as the content but at most `maxHeight`, or as the
+// whole interface leaves room for.
 class ScrollArea : public Component {
   public:
     ScrollArea(const ComponentPtr& content, float maxHeight, const String& name = "ScrollArea");
 
     void SetMaxHeight(float maxHeight);  // GUI units
+    // From now on the greatest height is that of the interface, whatever becomes of it, less `room`.
+    void FollowView(float room) { m_room = room; }
     const ComponentPtr& GetContent() const { return m_content; }
     float GetOffset() const { return m_offset; }  // GUI units of the content above the upper edge
     void ScrollTo(float offset);
@@ -36,6 +39,7 @@ class ScrollArea : public Component {
 
     const ComponentPtr m_content;  // a child
     float m_maxHeight;             // GUI units
+    float m_room = 0;              // GUI units that are left free of the interface's height; 0 for any height
     float m_offset = 0;
     bool m_dragging = false;       // the bar
     ComponentWeakPtr m_lastFocus;  // brought into view already

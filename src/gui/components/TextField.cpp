@@ -6,11 +6,36 @@
 #include "gui/Focus.h"
 #include "gui/LookAndFeel.h"
 #include "input/Key.h"
+#include "rendering/Gl.h"
 #include "script/Conversions.h"
 #include "util/Clock.h"
 #include "util/Redraw.h"
 
 namespace gui {
+namespace {
+
+// Nothing is drawn left of 0 and right of the width for the length of a scope. Other planes than those of a
+// scroll area, which the field may stand in.
+class ScopedWidth {
+  public:
+    explicit ScopedWidth(float width) {
+        const GLdouble planes[2][4] = {{1, 0, 0, 0}, {-1, 0, 0, width}};
+        for (int i = 0; i < 2; ++i) {
+            glClipPlane(FIRST + i, planes[i]);
+            glEnable(FIRST + i);
+        }
+    }
+    ~ScopedWidth() {
+        for (int i = 0; i < 2; ++i) glDisable(FIRST + i);
+    }
+    ScopedWidth(const ScopedWidth&) = delete;
+    ScopedWidth& operator=(const ScopedWidth&) = delete;
+
+  private:
+    static constexpr GLenum FIRST = GL_CLIP_PLANE4;
+};
+
+}  // namespace
 
 TextField::TextField(const String& text, const String& name) : Component(name), m_inputer(new TextInputer) {
     SetBorder(LookAndFeel::Get().GetTextFieldBorder());
@@ -27,6 +52,11 @@ void TextField::SetMinWidth(float width) {
     Format();
 }
 
+void TextField::SetMaxWidth(float width) {
+    m_maxWidth = width;
+    Format();
+}
+
 void TextField::SetTextFormat(const TextFormat& format) {
     Component::SetTextFormat(format);
     Format();
@@ -35,7 +65,8 @@ void TextField::SetTextFormat(const TextFormat& format) {
 void TextField::Format() {
     m_text = FormatText(GetTextFormat(), GetText());
     const float borders = GetBorder().GetTop() + GetBorder().GetBottom();
-    SetSize(std::max(m_text.m_width + 2 * TEXT_MARGIN, m_minWidth), ROW_HEIGHT - borders);
+    const float wanted = std::min(m_text.m_width + 2 * TEXT_MARGIN, m_maxWidth);
+    SetSize(std::max(wanted, m_minWidth), ROW_HEIGHT - borders);
 }
 
 script::ObjectPtr TextField::GetState() const {
@@ -70,8 +101,16 @@ void TextField::OnFocus(bool focused) {
 
 // ---- drawing -----------------------------------------------------------------------------------------
 
+// So far that the cursor is seen, and not at all for who only reads the beginning.
+float TextField::GetShift() const {
+    if (!HasFocus()) return 0;
+    const size_t cursor = m_inputer->GetCursor();
+    const float x = cursor == 0 ? 0 : m_text.GetCharBounds(cursor - 1).max.x;
+    return std::max(x - (GetSize().x - 2 * TEXT_MARGIN), 0.0f);
+}
+
 float TextField::GetCursorX(size_t cursor) const {
-    return TEXT_MARGIN + (cursor == 0 ? 0 : m_text.GetCharBounds(cursor - 1).max.x);
+    return TEXT_MARGIN - GetShift() + (cursor == 0 ? 0 : m_text.GetCharBounds(cursor - 1).max.x);
 }
 
 size_t TextField::GetCursorAt(float x) const {
@@ -84,8 +123,12 @@ size_t TextField::GetCursorAt(float x) const {
 
 void TextField::DrawComp() {
     Component::DrawComp();
-    DrawText(GetTextFormat(), TEXT_MARGIN, std::floor((GetSize().y - m_text.m_height) / 2), m_text);
-    if (IsCursorShown()) DrawCursor();
+    {
+        const ScopedWidth clip(GetSize().x);
+        const float x = TEXT_MARGIN - GetShift();
+        DrawText(GetTextFormat(), x, std::floor((GetSize().y - m_text.m_height) / 2), m_text);
+        if (IsCursorShown()) DrawCursor();
+    }
     Focus::DrawRing(*this);
 }
 

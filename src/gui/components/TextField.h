@@ -26,6 +26,7 @@ class TextField : public Component {
     const String& GetText() const { return m_inputer->GetText(); }
     void SetText(const String& text);
     void SetMinWidth(float width);  // GUI units
+    void SetMaxWidth(float width);  // a longer text is cut, and moves with the cursor
     const TextInputerPtr& GetInputer() const { return m_inputer; }
 
     util::CallbackSet& GetOnEnter() { return m_inputer->GetOnEnter(); }  // return, with a text
@@ -34,6 +35,7 @@ class TextField : public Component {
 
   private:
     void Format();
+    float GetShift() const;  // of the text to the left, GUI units
     float GetCursorX(size_t cursor) const;
     size_t GetCursorAt(float x) const;
     bool IsCursorShown() const;
@@ -42,6 +44,7 @@ class TextField : public Component {
     const TextInputerPtr m_inputer;
     FormattedText m_text;
     float m_minWidth = 160;  // GUI units
+    float m_maxWidth = 320;
     bool m_cursorShown = false;
     double m_lastInput = 0;  // seconds; the cursor blinks from here
     util::CallbackSet m_onChange;
