@@ -1,6 +1,7 @@
 #include "script/CodeWriter.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -19,6 +20,24 @@ CodeWriter& CodeWriter::Append(const char* text, size_t size) {
     if (m_text.size() + size > MAX_CODE_SIZE) THROW(ScriptException, "Text too long");
     m_text.append(text, size);
     return *this;
+}
+
+// Whether the character belongs to a run of operator characters, which ends before none of its kind.
+static bool IsOperator(char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (c == '\0') return true;
+    return std::isspace(byte) == 0 && std::isalnum(byte) == 0 && std::strchr("_\"{}()[],", c) == nullptr;
+}
+
+CodeWriter& CodeWriter::AppendSeparator(const char* separator) {
+    if (!m_text.empty() && IsOperator(separator[0]) && IsOperator(m_text.back())) Append(" ");
+    return Append(separator);
+}
+
+CodeWriter& CodeWriter::AppendMember(const String& name) {
+    AppendSeparator(".");
+    if (!name.empty() && IsOperator(name[0])) Append(" ");
+    return Append(name);
 }
 
 void CodeWriter::SetApart(size_t from) {

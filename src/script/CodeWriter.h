@@ -11,6 +11,10 @@ class CodeWriter {
     CodeWriter& Append(const String& text) { return Append(text.data(), text.size()); }
     CodeWriter& Append(const char* text);
 
+    // With a blank where a name of operator characters would join the separator, or the point in front of it.
+    CodeWriter& AppendSeparator(const char* separator);
+    CodeWriter& AppendMember(const String& name);
+
     size_t GetSize() const { return m_text.size(); }
     bool HoldsNewline(size_t from) const { return m_text.find('\n', from) != String::npos; }
     void Cut(size_t size) { m_text.resize(size); }
@@ -37,7 +41,7 @@ void WriteJoined(CodeWriter& out, const Range& elements, const char* separator) 
         element->WriteCode(out);
         if (out.GetSize() == begin) continue;
         end = out.GetSize();
-        out.Append(separator);
+        out.AppendSeparator(separator);
     }
     out.Cut(end);
 }

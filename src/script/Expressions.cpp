@@ -76,9 +76,10 @@ void Identifier::WriteCode(CodeWriter& out) const {
     if (m_owner) {
         const NestingGuard guard;
         m_owner->WriteCode(out);
-        out.Append(".");
+        out.AppendMember(m_name);
+    } else {
+        out.Append(m_name);
     }
-    out.Append(m_name);
 }
 
 ClassObjectPtr Identifier::GetOwner(const ClosurePtr& closure) const {
@@ -225,7 +226,7 @@ void Infix::WriteCode(CodeWriter& out) const {
     for (const String& part : m_pattern) out.Append(part.empty() ? "_" : part).Append(" ");
     out.Append("=> ");
     m_target->WriteCode(out);
-    out.Append(";\n");
+    out.AppendSeparator(";\n");
 }
 
 String Infix::ToCode() const {

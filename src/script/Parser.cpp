@@ -108,14 +108,31 @@ CodeBlockPtr Parser::Parse(const String& text) {
     return Parse(Tokenizer::Tokenize(text));
 }
 
+// Leaves the statements that stand whole within the first `most` tokens, if there are any.
+static void CutToWholeStatements(TokenList& tokens, size_t most) {
+    size_t end = 0;
+    int depth = 0;
+    for (size_t i = 0; i < most; ++i) {
+        const Token& token = tokens[i];
+        if (token.IsSymbol("(") || token.IsSymbol("[") || token.IsSymbol("{")) ++depth;
+        if (token.IsSymbol(")") || token.IsSymbol("]") || token.IsSymbol("}")) --depth;
+        if (depth == 0 && token.IsSymbol(";")) end = i;
+    }
+    if (end == 0) THROW(TokenException, "The text is too long");
+    tokens.resize(end, tokens[0]);
+}
+
 CodeBlockPtr Parser::ParseOrReport(const String& text, size_t& numTokens, const ScopePtr& scope,
                                    size_t maxTokens) {
     numTokens = 0;
     SourcePlace place;
     try {
-        const TokenList tokens = Tokenizer::Tokenize(text, &place);
+        TokenList tokens = Tokenizer::Tokenize(text, &place, maxTokens);
         BeginFailures(place.text);
-        if (tokens.size() > maxTokens) THROW(TokenException, "The text is too long");
+        if (tokens.size() > maxTokens) {
+            CutToWholeStatements(tokens, maxTokens);
+            ReportError("The text is too long: the rest of it is left out", tokens.back().place);
+        }
         numTokens = tokens.size();
         return Parse(tokens, scope);
     } catch (const TokenException& e) {
@@ -234,7 +251,7 @@ void WriteStatement(CodeWriter& out, const ExpressionPtr& statement) {
     const size_t begin = out.GetSize();
     try {
         const FreshSession session;
-        if (begin != 0) out.Append(";\n");
+        if (begin != 0) out.AppendSeparator(";\n");
         const size_t textBegin = out.GetSize();
         statement->WriteCode(out);
         if (out.GetSize() == textBegin) out.Cut(begin);

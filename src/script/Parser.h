@@ -32,8 +32,8 @@ class Parser : public util::Pointee, public util::Singleton<Parser> {
 
     CodeBlockPtr Parse(const TokenList& tokens);
     CodeBlockPtr Parse(const String& text);  // a TokenException leaves
-    // For a text from elsewhere, whose operators are its own (Guest.h). Nothing leaves; a text of more than
-    // MAX_GUEST_TOKENS is refused.
+    // For a text from elsewhere, whose operators are its own (Guest.h). Nothing leaves; of a text of more
+    // than MAX_GUEST_TOKENS the statements that fit are taken.
     CodeBlockPtr ParseGuest(const String& text);
     // An empty closure under the root, of this guest.
     ClosurePtr MakeGuestClosure(Guest& guest, const String& name) const;

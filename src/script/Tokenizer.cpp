@@ -39,8 +39,8 @@ class Scanner {
         m_place = {1, 1, ++s_numTexts};
     }
 
-    TokenList Scan() {
-        for (SkipSpace(); m_p != m_end; SkipSpace()) ScanToken();
+    TokenList Scan(size_t most) {
+        for (SkipSpace(); m_p != m_end && m_tokens.size() <= most; SkipSpace()) ScanToken();
         FindPlace();
         return std::move(m_tokens);
     }
@@ -162,9 +162,9 @@ class Scanner {
 
 }  // namespace
 
-TokenList Tokenizer::Tokenize(const String& text, SourcePlace* place) {
+TokenList Tokenizer::Tokenize(const String& text, SourcePlace* place, size_t most) {
     SourcePlace unused;
-    return Scanner(text, place != nullptr ? *place : unused).Scan();
+    return Scanner(text, place != nullptr ? *place : unused).Scan(most);
 }
 
 }  // namespace script

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "script/Exceptions.h"
@@ -32,8 +33,9 @@ class Tokenizer {
   public:
     // Takes time linear in the text. Raises TokenException with "Bad string" or "Unmatched quote (\")"; any
     // other text has tokens. A UTF-8 mark at the start is skipped. `place` follows the scan, and so tells
-    // after a failure where it was.
-    static TokenList Tokenize(const String& text, SourcePlace* place = nullptr);
+    // after a failure where it was. Of a text of more than `most` tokens one more comes than that, and no
+    // further.
+    static TokenList Tokenize(const String& text, SourcePlace* place = nullptr, size_t most = SIZE_MAX);
 };
 
 }  // namespace script

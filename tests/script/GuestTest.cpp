@@ -172,11 +172,14 @@ TEST_F(Guests, LogLinesAndLengthsAreBounded) {
     for (int i = 0; i < 30; ++i) failures += "a" + std::to_string(i) + "b;";
     RunGuest("f = { " + failures + "}; g = { f; f; f; f; f; f }; h = { g; g; g; g; g; g }; h; h; h");
     EXPECT_LT(trace.GetLines().size(), 8000u);
-    String longText;
-    longText.reserve(MAX_GUEST_TOKENS * 2 + 2);
-    for (size_t i = 0; i <= MAX_GUEST_TOKENS / 2; ++i) longText += "1;";
-    EXPECT_FALSE(m_parser.ParseGuest(longText));
+    String list;
+    for (size_t i = 0; i <= MAX_GUEST_TOKENS / 2; ++i) list += "1,";
+    EXPECT_FALSE(m_parser.ParseGuest("[" + list + "1]"));
     EXPECT_TRUE(m_errors.back().find("The text is too long") != String::npos);
+    const CodeBlockPtr first = m_parser.ParseGuest("a = 1; {b = 2; c}; {d; [" + list + "1]}; e = 3");
+    ASSERT_TRUE(first);
+    EXPECT_EQ(first->ToCode(), "a = 1;\n{\nb = 2;\n    c\n}") << "what fits, in whole statements";
+    EXPECT_TRUE(m_errors.back().find("The text is too long: the rest of it is left out") != String::npos);
     EXPECT_FALSE(m_parser.ParseGuest("\"open"));
 }
 
