@@ -229,10 +229,15 @@ TEST_F(SceneFileTest, ChainsAreLinkedAndBadOnesCostOnlyTheChain) {
     EXPECT_EQ(entities[0]->GetChain()->GetEntities(), (EntityList{entities[1], entities[0]}));
     EXPECT_FALSE(entities[2]->GetChain());
 
-    test::LogCapture log;
-    Load("version = 1; " + Circle("chain = 3; chainNr = 100000;"));
-    EXPECT_TRUE(log.Contains("-- Warning: Bad chain"));
-    EXPECT_FALSE(Only()->GetChain());
+    Load("version = 1; " + Circle("chain = 3; chainNr = 99999;") + Circle("id = 6; chain = 3; chainNr = 7;"));
+    EXPECT_EQ(entities[0]->GetChain()->IndexOf(*entities[0]), 1u) << "gaps are closed";
+
+    for (const char* const place : {"100000", "-1"}) {
+        const test::LogCapture log;
+        Load(String("version = 1; ") + Circle(String("chain = 3; chainNr = ") + place + ";"));
+        EXPECT_TRUE(log.Contains("-- Warning: Bad chain")) << place;
+        EXPECT_FALSE(Only()->GetChain()) << place;
+    }
 }
 
 // ---- damage

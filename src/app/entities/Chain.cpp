@@ -28,12 +28,6 @@ EntityList Chain::GetEntities() const {
     return living;
 }
 
-void Chain::DropEmptyPlaces() {
-    m_entities.erase(
-        std::remove_if(m_entities.begin(), m_entities.end(), [](const auto& member) { return !member; }),
-        m_entities.end());
-}
-
 size_t Chain::GetPlaceOf(const Entity& entity) const {
     size_t place = 0;
     for (const EntityPtr& member : GetEntities()) {

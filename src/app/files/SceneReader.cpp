@@ -89,8 +89,8 @@ void SceneReader::Read(const script::CodeBlock& code) {
     for (Record& record : m_shapes) build(&SceneReader::DeserializeBody, record);
     BuildBodies();
     for (Record& record : m_others) build(&SceneReader::DeserializeNonbody, record);
-    EnterScene();
     FinishChains();
+    EnterScene();
 }
 
 void SceneReader::ReadStatement(const script::ExpressionPtr& statement) {
@@ -356,17 +356,12 @@ void SceneReader::LinkChain(const EntityPtr& entity, const EntitySerializer& val
         script::Int number = 0, place = 0;
         ReadKey(values, "chain", number);
         ReadKey(values, "chainNr", place);
-        FindChain(number)->AddEntity(static_cast<unsigned int>(place), entity);
+        DATA_ASSERTION(place >= 0 && place < MAX_CHAIN_PLACE);
+        m_chains[number][place] = entity;
     } catch (const std::exception& e) {
         LogException(e, WHERE);
         Log(logging::Warning, "Bad chain");
     }
-}
-
-ChainPtr SceneReader::FindChain(script::Int number) {
-    ChainPtr& chain = m_chains[number];
-    if (!chain) chain = new Chain(Renumber(m_chainNumbers, m_takenChains, number));
-    return chain;
 }
 
 void SceneReader::EnterScene() {
@@ -375,9 +370,12 @@ void SceneReader::EnterScene() {
     }
 }
 
+// What a file counts with gaps stands without any in the scene.
 void SceneReader::FinishChains() {
-    for (const auto& [_, chain] : m_chains) {
-        if (chain) chain->DropEmptyPlaces();
+    for (const auto& [number, links] : m_chains) {
+        const ChainPtr chain = new Chain(Renumber(m_chainNumbers, m_takenChains, number));
+        size_t place = 0;
+        for (const auto& [_, entity] : links) chain->AddEntity(place++, entity);
     }
 }
 

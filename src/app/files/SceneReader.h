@@ -30,11 +30,12 @@ class SceneReader {
     static constexpr float MAX_LENGTH = 1e6f;
     static constexpr float MAX_EXTENT = 1e4f;  // of a shape to each side: a larger one throws all others out
     static constexpr size_t MAX_VERTICES = 10000;
+    static constexpr script::Int MAX_CHAIN_PLACE = 100000;
 
   private:
     using GeomMap = std::map<unsigned int, physics::GeomPtr>;
     using BodyMap = std::map<unsigned int, physics::GeomSet>;
-    using ChainMap = std::map<script::Int, ChainPtr>;
+    using ChainMap = std::map<script::Int, std::map<script::Int, EntityPtr>>;
     using NumberMap = std::map<script::Int, script::Int>;
     // The values of one entity, and which of the file's it is.
     struct Record {
@@ -64,7 +65,6 @@ class SceneReader {
     physics::GeomPtr FindGeom(const EntitySerializer& values, const char* key) const;
     void DeserializeWater(const EntitySerializer& values) const;
     void LinkChain(const EntityPtr& entity, const EntitySerializer& values);
-    ChainPtr FindChain(script::Int number);
 
     void BuildBodies();
     void EnterScene();
@@ -82,7 +82,7 @@ class SceneReader {
     std::vector<Record> m_others;
     GeomMap m_geoms;                         // by the file's numbers; 0 is the world geom
     BodyMap m_bodies;                        // the geoms of each body, by the file's numbers
-    ChainMap m_chains;                       // by the file's numbers
+    ChainMap m_chains;                       // links by their places, by the file's numbers
     NumberMap m_groups, m_chainNumbers;      // from the file's numbers to the scene's
     std::map<size_t, EntityPtr> m_entities;  // by their places in the file
 };
