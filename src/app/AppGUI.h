@@ -59,6 +59,8 @@ class AppGUI : public gui::Component {
     bool SaveSceneAs(const String& name, bool autosave);
     // What the dialog does: under the name of the scene itself to where it lies.
     bool SaveSceneNamed(const String& name);
+    // What the user chose, as SceneLoader::Load, after breaking off the gesture.
+    void LoadScene(const String& file, bool import);
 
     // The text of a language key beside a place of the world, for a moment.
     void ShowHint(const char* key, math::Vec2 world);
@@ -113,7 +115,6 @@ class AppGUI : public gui::Component {
     void BreakOff();
     void OpenSaveDialog();
     void OpenSceneDialog(bool import);
-    void LoadScene(const String& file, bool import);
     void ChooseLanguage();
     void EraseWater();
     void ToggleFullscreen();

@@ -15,6 +15,7 @@
 #include "script/Parser.h"
 #include "util/Clock.h"
 #include "util/Exception.h"
+#include "util/Guarded.h"
 #include "util/Interpolator.h"
 #include "util/ProfileTree.h"
 #include "util/Redraw.h"
@@ -96,9 +97,17 @@ void Subsystem::PumpEvents() {
             SDL_PushEvent(&quit);
         }
         gui::Input::Instance().Pump();
+        HandleDroppedFiles();
         RethrowLostWindow();
     }
     PASS_ON_EXCEPTIONS
+}
+
+void Subsystem::HandleDroppedFiles() {
+    for (const String& path : TakeDroppedFiles()) {
+        util::Redraw::Request();
+        if (m_onFileDropped) util::Guarded([&] { m_onFileDropped(path); }, "", logging::Error);
+    }
 }
 
 // Events and scripts are guarded by themselves, but the loss of the window is beyond their repair.

@@ -1,11 +1,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <boost/algorithm/string/predicate.hpp>
 #include <cmath>
 #include <cstdlib>
 #include <iostream>
 
 #include "app/App.h"
+#include "app/AppGUI.h"
 #include "app/Language.h"
 #include "app/entities/Entity.h"
 #include "app/files/SceneLoader.h"
@@ -217,6 +219,14 @@ void LoadFirstScene(app::App& application, const String& asked) {
     }
 }
 
+void OpenDroppedFile(app::App& application, const String& path) {
+    if (!boost::algorithm::ends_with(path, SCENE_ENDING)) {
+        Log(logging::Warning, "Not a scene: " + path);
+        return;
+    }
+    application.GetAppGUI()->LoadScene(path, false);
+}
+
 // ---- end
 
 // Each step stands alone: a scene that cannot be saved is no reason to lose the settings. What could not be
@@ -255,6 +265,8 @@ void Save(app::App& application) {
     application->CreateGUI();
     LoadFirstScene(*application, line.m_scene);
     application->GetView().Arrive();  // the first picture is not one on the way
+    core::Subsystem::Instance().SetOnFileDropped(
+        [&application](const String& path) { OpenDroppedFile(*application, path); });
     Log(logging::Info, "Running program...");
     core::Subsystem::Instance().Run();
     Save(*application);

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <iostream>
+#include <utility>
 
 #include "input/Sdl2.h"
 #include "logging/Log.h"
@@ -31,6 +32,32 @@ struct MessageBox {
 };
 constexpr uint32_t INFORMATION_ICON = 0x40;
 constexpr uint32_t DEFAULT_BUTTON = 1;
+
+// The beginning of SDL 2's SDL_DropEvent.
+struct DropEvent {
+    uint32_t m_type;
+    uint32_t m_time;
+    char* m_file;  // the receiver's to free, with SDL 2's own function
+};
+constexpr uint32_t FILE_DROPPED = 0x1000;
+
+// Sees each event of SDL 2 before the 1.2 library does, which knows of no drop.
+using EventFilter = int(void* data, void* event);
+EventFilter* s_innerFilter = nullptr;
+util::StringList& GetDropped() {
+    static util::StringList& s_dropped = *new util::StringList;  // abandoned at exit
+    return s_dropped;
+}
+
+int TakeDrop(void* data, void* event) {
+    constexpr int TAKE_OUT = 0, PASS_ON = 1;
+    const auto& drop = *static_cast<const DropEvent*>(event);
+    if (drop.m_type != FILE_DROPPED) return s_innerFilter ? s_innerFilter(data, event) : PASS_ON;
+    if (drop.m_file == nullptr) return TAKE_OUT;
+    GetDropped().push_back(drop.m_file);
+    if (const auto release = gui::FindSdl2<void(void*)>("SDL_free")) release(drop.m_file);
+    return TAKE_OUT;
+}
 
 constexpr int TERMINATION_SIGNALS[] = {SIGTERM, SIGINT, SIGHUP};
 volatile std::sig_atomic_t s_terminationRequested = 0;
@@ -107,6 +134,20 @@ bool GetSwapInterval() {
 void SetSwapInterval(bool enabled) {
     const auto set = gui::FindSdl2<int(int)>("SDL_GL_SetSwapInterval");
     if (set != nullptr) set(enabled ? 1 : 0);
+}
+
+void CatchDroppedFiles() {
+    const auto get = gui::FindSdl2<int(EventFilter**, void**)>("SDL_GetEventFilter");
+    const auto set = gui::FindSdl2<void(EventFilter*, void*)>("SDL_SetEventFilter");
+    if (get == nullptr || set == nullptr) return;
+    void* data = nullptr;
+    get(&s_innerFilter, &data);
+    if (s_innerFilter == &TakeDrop) return;
+    set(&TakeDrop, data);
+}
+
+util::StringList TakeDroppedFiles() {
+    return std::exchange(GetDropped(), {});
 }
 
 void CatchTerminationSignals() {

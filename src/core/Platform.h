@@ -1,7 +1,7 @@
 #pragma once
 
 #include "math/Vector.h"
-#include "util/String.h"
+#include "util/FileSystem.h"
 
 // The seam to the machine's services that SDL 1.2 does not offer. Its compatibility library stands on SDL 2,
 // which does; where that is not so, each operation answers as if the service were missing. None of them
@@ -30,6 +30,11 @@ float GetDisplayDPI();
 bool HasSwapControl();
 bool GetSwapInterval();
 void SetSwapInterval(bool enabled);
+
+// From now on files that the user drops on the window are kept until they are taken, in order. Once, after
+// the library's start.
+void CatchDroppedFiles();
+util::StringList TakeDroppedFiles();
 
 // From now on SIGTERM, SIGINT and SIGHUP only raise a flag, which TakeTerminationRequest reads and clears.
 void CatchTerminationSignals();

@@ -72,6 +72,7 @@ void Subsystem::StartSDL() {
         THROW(std::runtime_error, String("Couldn't init SDL: ") + SDL_GetError());
     }
     if (!HasDisplay()) THROW(std::runtime_error, "Couldn't init SDL: No display found");
+    CatchDroppedFiles();
     CatchTerminationSignals();  // after the library has set handlers of its own
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <exception>
+#include <functional>
 
 #include "core/WindowParams.h"
 #include "input/InputListener.h"
@@ -39,6 +40,9 @@ class Subsystem : public gui::InputListener, public gui::WindowHost, public util
     void SetDocumentName(const String& name) override;
     double GetFPS() const override { return m_fps; }
 
+    // Who takes the path of a file that the user has dropped on the window.
+    void SetOnFileDropped(const std::function<void(const String&)>& onFile) { m_onFileDropped = onFile; }
+
     // The program's part of the window's title.
     void SetCaption(const String& caption);
 
@@ -70,6 +74,7 @@ class Subsystem : public gui::InputListener, public gui::WindowHost, public util
     void PrepareLoop();
     void RunFrame();
     void PumpEvents();
+    void HandleDroppedFiles();
     void FlushCallbackSets();
     void CollectHandles();
     void UpdateParser();
@@ -95,6 +100,7 @@ class Subsystem : public gui::InputListener, public gui::WindowHost, public util
     WindowParams m_wantedParams;  // what scripts edit and the next creation uses; equal after each creation
 
     String m_caption;
+    std::function<void(const String&)> m_onFileDropped;
     bool m_quit = false;                // the loop is to end
     bool m_commandsRegistered = false;  // the commands that need a window
     int m_framesSinceFlush = 0;

@@ -4,9 +4,11 @@
 #include <SDL/SDL.h>
 #include <gtest/gtest.h>
 
+#include "core/Platform.h"
 #include "core/ResourceManager.h"
 #include "gui/GUI.h"
 #include "input/Input.h"
+#include "input/Sdl2.h"
 #include "rendering/Context.h"
 #include "script/Parser.h"
 #include "support/LogCapture.h"
@@ -102,6 +104,28 @@ TEST_F(SubsystemTest, AFailedCreationBringsBackTheFormerWindow) {
     EXPECT_TRUE(log.Contains("no room")) << "the caller is told";
     EXPECT_EQ(Run("System.resolution"), "[320, 200]");
     gui::GUI::Instance().GetRoot()->RemoveChild(failing);
+}
+
+// What SDL 2 sends for a drop, in the layout of its SDL_DropEvent.
+TEST_F(SubsystemTest, FilesDroppedOnTheWindowAreTaken) {
+    struct {
+        uint32_t m_type = 0x1000, m_time = 0;
+        char* m_file = nullptr;
+        uint32_t m_rest[12] = {};
+    } drop;
+    const auto push = gui::FindSdl2<int(void*)>("SDL_PushEvent");
+    const auto copy = gui::FindSdl2<char*(const char*)>("SDL_strdup");
+    if (push == nullptr || copy == nullptr) GTEST_SKIP() << "No SDL 2";
+    for (const char* const path : {"/home/a child/one.vxa", "/two.vxa"}) {
+        drop.m_file = copy(path);
+        push(&drop);
+    }
+    EXPECT_EQ(core::TakeDroppedFiles(), (util::StringList{"/home/a child/one.vxa", "/two.vxa"}));
+    EXPECT_TRUE(core::TakeDroppedFiles().empty());
+    SDL_Event key{};
+    key.type = SDL_KEYDOWN;
+    SDL_PushEvent(&key);
+    EXPECT_EQ(SDL_PollEvent(&key), 1) << "other events go their way";
 }
 
 TEST_F(SubsystemTest, TheUsersResizingMakesTheWindowAnew) {
