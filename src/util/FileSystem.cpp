@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <boost/filesystem.hpp>
 #include <cstdlib>
+#include <cstring>
 #include <iostream>
 
 #include "logging/Log.h"
@@ -25,7 +26,8 @@ namespace {
 const String EXECUTABLE_NAME = "Vexa";  // in the runnable folder
 const String COMMAND_NAME = "vexa";     // installed for all users
 const String SHARED_DATA = "../share/vexa/";
-constexpr int MAX_LINKS = 16;  // a longer row of symbolic links is taken for a circle
+constexpr size_t READ_SIZE = 16384;  // bytes
+constexpr int MAX_LINKS = 16;        // a longer row of symbolic links is taken for a circle
 
 // Empty when the system does not tell.
 String GetExecutablePath() {
@@ -90,6 +92,25 @@ void SyncFolderOf(const String& path) {
     close(folder);
 }
 
+// "\r\n" as "\n", and each line up to a NUL in it.
+String ToPlainLines(const String& raw) {
+    String text;
+    text.reserve(raw.size());
+    for (size_t begin = 0, end; begin < raw.size(); begin = end) {
+        const size_t newline = raw.find('\n', begin);
+        end = newline == String::npos ? raw.size() : newline + 1;
+        const void* const nul = std::memchr(raw.data() + begin, '\0', end - begin);
+        if (nul != nullptr) {
+            text.append(raw.data() + begin, static_cast<const char*>(nul));
+            continue;
+        }
+        text.append(raw, begin, end - begin);
+        const size_t size = text.size();
+        if (size >= 2 && text[size - 1] == '\n' && text[size - 2] == '\r') text.erase(size - 2, 1);
+    }
+    return text;
+}
+
 template <class Function>
 auto Rethrowing(Function function) -> decltype(function()) {
     try {
@@ -152,15 +173,14 @@ const char* FileSystem::Version() {
 
 String FileSystem::ReadFile(const String& path) const {
     FILEWrapper file(path, "r");
-    String text;
-    char buffer[1024];
-    while (std::fgets(buffer, sizeof(buffer), file.Get()) != nullptr) {
-        text += buffer;
-        const size_t size = text.size();
-        if (size >= 2 && text[size - 1] == '\n' && text[size - 2] == '\r') text.erase(size - 2, 1);
+    String raw;
+    char buffer[READ_SIZE];
+    while (const size_t count = std::fread(buffer, 1, sizeof(buffer), file.Get())) {
+        raw.append(buffer, count);
+        if (raw.size() > MAX_FILE_SIZE) THROW(FileReadException, "File too large: \"" + path + "\"");
     }
     if (std::ferror(file.Get())) THROW(FileReadException, "Failed to read file \"" + path + "\"");
-    return text;
+    return ToPlainLines(raw);
 }
 
 void FileSystem::WriteFileAtomically(const String& path, const String& text) const {

@@ -47,9 +47,12 @@ class FileSystem : public Pointee, public Singleton<FileSystem> {
     // The names of all that lie in either folder of scenes and match `mask`, each once, sorted.
     StringList ListScenes(const String& mask) const;
 
+    static constexpr size_t MAX_FILE_SIZE = 32u << 20;  // bytes of a text; a great scene has two
+
     static const char* Version();
 
-    // The whole text, with "\r\n" as "\n". A line ends at an embedded NUL.
+    // The whole text, with "\r\n" as "\n". A line ends at an embedded NUL. Throws also for more than
+    // MAX_FILE_SIZE: such a file is no text of this program.
     String ReadFile(const String& path) const;
 
     // The one routine for files that replace others: writes `path`.tmp, flushes it to the disk and renames
