@@ -8,22 +8,26 @@
 #include "physics/Particle.h"
 #include "physics/SPH.h"
 #include "physics/Simulation.h"
+#include "util/Exception.h"
 #include "util/ProfileTree.h"
 
 namespace physics {
 
 void Simulation::Step(bool active) {
-    RemoveBadObjects();
-    RebuildAllBodies();
-    SPH::Instance().Sort(m_particles);
-    if (active) CalcForces();
-    CalcContacts();
-    if (active && m_timeDelta->Get() > 0) SolveAndMove();
-    // In a pause forces stay: what a tool leaves on a body is felt at the next active step.
-    if (m_running->Get()) ClearForces();
+    try {
+        RemoveBadObjects();
+        RebuildAllBodies();
+        SPH::Instance().Sort(m_particles);
+        if (active) CalcForces();
+        CalcContacts();
+        if (active && m_timeDelta->Get() > 0) SolveAndMove();
+        // In a pause forces stay: what a tool leaves on a body is felt at the next active step.
+        if (m_running->Get()) ClearForces();
 #ifdef VEXA_CHECKED
-    Validate();
+        Validate();
 #endif
+    }
+    PASS_ON_EXCEPTIONS
 }
 
 void Simulation::CalcContacts() {

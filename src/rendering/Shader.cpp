@@ -74,6 +74,7 @@ Shader::Shader(String vertexSource, String fragmentSource, String name) : m_name
         if (!fragmentSource.empty()) AttachStage(GL_FRAGMENT_SHADER, fragmentSource);
         Link();
     } catch (...) {
+        util::LogPassedOn(WHERE);
         Delete();
         throw;
     }

@@ -55,6 +55,7 @@ TEST_F(ShaderTest, BrokenSourcesFailWithWhatTheCompilerSays) {
         EXPECT_STREQ(e.what(), "Failed to link shader");
     }
     EXPECT_TRUE(log.Contains("-- Linking results for program: unlinked"));
+    EXPECT_EQ(log.Count("Exception passed on at "), 2);
 }
 
 TEST_F(ShaderTest, UniformsSurviveAReload) {
