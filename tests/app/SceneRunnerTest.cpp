@@ -40,6 +40,7 @@ TEST_F(SceneRunnerTest, BadCommandLinesAreExplained) {
         {"a.vxa --fast", "unknown option --fast"},
         {"a.vxa --steps", "--steps needs a value"},
         {"a.vxa --steps ten", "--steps needs a number from 0 to 1000000000, not \"ten\""},
+        {"a.vxa --watch often", "--watch needs a number from 0 to 1000000000, not \"often\""},
         {"a.vxa --steps -1", "--steps needs a number from 0 to 1000000000, not \"-1\""},
     };
     for (const auto& [arguments, text] : table) {
@@ -73,6 +74,9 @@ TEST_F(SceneRunnerTest, RunsScriptAndWritesWhatItCanRead) {
     EXPECT_EQ(result.m_code, 0);
     EXPECT_EQ(result.m_output, "[0, 0]\n2\n");
     EXPECT_EQ(Run(out + " --steps 1").m_code, 0);
+    const String watched = Run(out + " --steps 20 --watch 10").m_output;
+    EXPECT_EQ(watched.find("10 "), 0u) << watched;
+    EXPECT_NE(watched.find("\n20 "), String::npos) << watched;
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <cinttypes>
 #include <cstdio>
+#include <ctime>
+#include <fstream>
 #include <iostream>
 #include <stdexcept>
 
@@ -10,6 +12,8 @@
 #include "app/files/SceneLoader.h"
 #include "app/files/Serializer.h"
 #include "logging/Logger.h"
+#include "physics/Body.h"
+#include "physics/Particle.h"
 #include "physics/SPH.h"
 #include "physics/Simulation.h"
 #include "script/Parser.h"
@@ -19,6 +23,8 @@
 namespace {
 
 using scene_runner::Options;
+
+constexpr long STEPS_PER_FRAME = 4;  // as at the shipped step and 50 frames a second
 
 enum ExitCode { OK = 0, FAILED = 1, BAD_USAGE = 2 };
 
@@ -39,10 +45,55 @@ String AsPath(const String& name) {
     return name.find('/') == String::npos ? "./" + name : name;
 }
 
-void MakeSteps(long steps) {
+// What a frame of the program does besides: formulas on attributes, and sweeping.
+void TendServices() {
+    script::Parser::Instance().Update();
+    util::Pointee::SweepHandles();
+    logging::Logger::Instance().Update();
+}
+
+// The pages of this process that lie in memory, in kilobytes; 0 where the system does not tell.
+long GetMemory() {
+    long total = 0, resident = 0;
+    std::ifstream("/proc/self/statm") >> total >> resident;
+    return resident * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+// Seconds of the processor, whatever else the machine does.
+double GetSpent() {
+    return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
+}
+
+float GetFastest() {
+    float fastest = 0;
+    const auto look = [&fastest](const physics::AbstractBody& body) {
+        const float speed = math::Length(body.m_vel);
+        if (!(speed <= fastest)) fastest = speed;  // a NaN stays
+    };
+    for (const physics::BodyPtr& body : physics::Simulation::Instance().GetBodies()) look(*body);
+    for (const physics::ParticlePtr& drop : physics::Simulation::Instance().GetParticles()) look(*drop);
+    return fastest;
+}
+
+void Report(long step, double milliseconds) {
+    const physics::Simulation& simulation = physics::Simulation::Instance();
+    std::printf("%ld %.4f %ld %zu %zu %g\n", step, milliseconds, GetMemory(), simulation.GetBodies().size(),
+                simulation.GetParticles().size(), double(GetFastest()));
+    std::fflush(stdout);
+}
+
+void MakeSteps(long steps, long watch) {
     physics::Simulation& simulation = physics::Simulation::Instance();
     simulation.m_running->Set(true);
-    for (long i = 0; i < steps; ++i) simulation.Step(true);
+    double begin = GetSpent();
+    for (long i = 1; i <= steps; ++i) {
+        simulation.Step(true);
+        if (i % STEPS_PER_FRAME == 0) TendServices();
+        if (watch == 0 || i % watch != 0) continue;
+        const double now = GetSpent();
+        Report(i, (now - begin) * 1000 / static_cast<double>(watch));
+        begin = now;
+    }
     simulation.m_running->Set(false);
 }
 
@@ -55,7 +106,7 @@ int Run(const Options& options) {
     }
     script::Parser& parser = script::Parser::Instance();
     for (const String& statement : options.m_before) parser.Execute(statement);
-    MakeSteps(options.m_steps);
+    MakeSteps(options.m_steps, options.m_watch);
     if (options.m_hash) std::printf("%016" PRIx64 "\n", physics::Simulation::Instance().HashState());
     for (const String& expression : options.m_prints) {
         std::printf("%s\n", parser.ExecuteToString(expression).c_str());

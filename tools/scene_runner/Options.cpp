@@ -10,12 +10,12 @@ namespace {
 
 constexpr long MAX_STEPS = 1000000000;
 
-long ParseSteps(const String& text) {
+long ParseSteps(const String& option, const String& text) {
     char* end = nullptr;
     errno = 0;
     const long steps = std::strtol(text.c_str(), &end, 10);
     if (text.empty() || *end != 0 || errno != 0 || steps < 0 || steps > MAX_STEPS) {
-        throw std::invalid_argument("--steps needs a number from 0 to 1000000000, not \"" + text + "\"");
+        throw std::invalid_argument(option + " needs a number from 0 to 1000000000, not \"" + text + "\"");
     }
     return steps;
 }
@@ -26,6 +26,9 @@ const char* const USAGE =
     "Usage: vexa-scene SCENE.vxa [options]\n"
     "Loads a scene without a window and runs it.\n"
     "  --steps N            make N steps of Sim.timeDelta (default 0)\n"
+    "  --watch N            after every N steps print their number, milliseconds a step since the last line, "
+    "the\n"
+    "                       memory of the process in kilobytes, bodies and drops, and the fastest in m/s\n"
     "  --run STATEMENT      run a line of script before the steps\n"
     "  --print EXPRESSION   print the value of a script expression at the end\n"
     "  --hash               print a hash of the state of all bodies and drops at the end\n"
@@ -43,7 +46,9 @@ Options ParseOptions(const std::vector<String>& args) {
             return args[++i];
         };
         if (arg == "--steps") {
-            options.m_steps = ParseSteps(value());
+            options.m_steps = ParseSteps(arg, value());
+        } else if (arg == "--watch") {
+            options.m_watch = ParseSteps(arg, value());
         } else if (arg == "--run") {
             options.m_before.push_back(value());
         } else if (arg == "--print") {

@@ -10,6 +10,7 @@ namespace scene_runner {
 struct Options {
     String m_scene;
     long m_steps = 0;
+    long m_watch = 0;  // steps between two reports; 0 for none
     bool m_hash = false;
     std::vector<String> m_before;  // script run between loading and stepping
     std::vector<String> m_prints;  // script expressions printed at the end
