@@ -6,7 +6,7 @@ cd "$(dirname "$0")/../.."
 seconds=${1:-60}
 shift || true
 names=("$@")
-[ ${#names[@]} -gt 0 ] || names=(parse guest settings polygon image scene language)
+[ ${#names[@]} -gt 0 ] || names=(parse guest settings polygon image font scene language)
 
 probe=$(mktemp -d)
 trap 'rm -rf "$probe"' EXIT
