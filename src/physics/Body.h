@@ -61,6 +61,8 @@ class AbstractBody : public util::Pointee {
     math::real m_massInv = 0;     // its inverse
     math::real m_area = 0;        // m^2, for buoyancy
 
+    math::Vec2 m_lastPos;  // m, after the last step that ended finite, and the angle; see IntegratePlaces
+    math::real m_lastAngle = 0;  // rad
     math::real m_moveShare = 1;  // of the step's motion, where something stands in the way; see SweptMotion
 
     bool m_held = false;   // while a tool holds the body; SetHeld also stops it

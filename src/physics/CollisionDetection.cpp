@@ -86,7 +86,7 @@ inline Geom* Collider::PolygonRec::GetGeom() const {
 
 void Collider::MakeContact(ContactPool& out, Geom* geomA, Geom* geomB, uint32_t index, Vec2 point,
                            Vec2 normal, real penetration) {
-    out.Add(geomA, geomB, index, point, normal, penetration);
+    if (!out.IsFull()) out.Add(geomA, geomB, index, point, normal, penetration);
 }
 
 // ---- passes --------------------------------------------------------------------------------------------

@@ -1,5 +1,7 @@
 #include "physics/Integration.h"
 
+#include <cmath>
+
 #include "math/Geometry.h"
 #include "physics/Body.h"
 
@@ -19,13 +21,36 @@ void IntegrateVelocities(const AbstractBodyList& bodies, math::real dt) {
     });
 }
 
-void IntegratePlaces(const AbstractBodyList& bodies, math::real dt) {
-    ForEachMovable(bodies, [dt](AbstractBody& body) {
+// Asked before the angle is wrapped, which makes a number of anything.
+static bool IsFinite(const AbstractBody& body) {
+    return std::isfinite((body.m_pos.x + body.m_pos.y + body.m_angle) +
+                         (body.m_vel.x + body.m_vel.y + body.m_angVel));
+}
+
+static void PutBack(AbstractBody& body) {
+    body.m_pos = body.m_lastPos;
+    body.m_angle = body.m_lastAngle;
+    body.m_vel = math::Vec2();
+    body.m_angVel = 0;
+}
+
+int IntegratePlaces(const AbstractBodyList& bodies, math::real dt) {
+    int putBack = 0;
+    ForEachMovable(bodies, [dt, &putBack](AbstractBody& body) {
         const math::real t = dt * body.m_moveShare;
         body.m_pos += t * body.m_vel;
-        body.m_angle = math::WrapAngle(body.m_angle + t * body.m_angVel);
+        body.m_angle += t * body.m_angVel;
+        if (IsFinite(body)) {
+            body.m_angle = math::WrapAngle(body.m_angle);
+            body.m_lastPos = body.m_pos;
+            body.m_lastAngle = body.m_angle;
+        } else {
+            PutBack(body);
+            ++putBack;
+        }
         body.UpdateGeoms();
     });
+    return putBack;
 }
 
 }  // namespace physics

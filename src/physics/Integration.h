@@ -7,6 +7,9 @@
 namespace physics {
 
 void IntegrateVelocities(const AbstractBodyList& bodies, math::real dt);  // by their forces
-void IntegratePlaces(const AbstractBodyList& bodies, math::real dt);      // by their velocities
+
+// By their velocities. A body whose motion is not finite is put back to where it was after its last step that
+// was, and stopped. Gives the number of such bodies.
+int IntegratePlaces(const AbstractBodyList& bodies, math::real dt);
 
 }  // namespace physics

@@ -144,7 +144,9 @@ void PairSweep::PlaceBands() {
 void PairSweep::Sweep() {
     m_pairs.clear();
     for (uint32_t band = 0; band < m_bands; ++band) {
-        for (uint32_t k = m_bandBegin[band]; k < m_bandEnd[band]; ++k) SweepFrom(k, band);
+        for (uint32_t k = m_bandBegin[band]; k < m_bandEnd[band] && m_pairs.size() < MOST_PAIRS; ++k) {
+            SweepFrom(k, band);
+        }
     }
 }
 

@@ -31,6 +31,10 @@ class PairSweep {
     struct Box {
         float minX, minY, maxX, maxY;
     };
+    // Beyond so many pairs (16 MB) the rest is left out: only shapes that lie in one place by the thousand
+    // get there, and no step could answer them all.
+    static constexpr size_t MOST_PAIRS = 2000000;
+
     struct Pair {
         uint32_t low, high;
     };

@@ -1,9 +1,11 @@
 // The greedy solver of ConstraintSolver: always the constraint with the greatest residual.
 
+#include <algorithm>
 #include <functional>
 #include <limits>
 #include <map>
-#include <set>
+#include <utility>
+#include <vector>
 
 #include "physics/Body.h"
 #include "physics/ConstraintSolver.h"
@@ -17,36 +19,54 @@ namespace physics {
 namespace {
 
 // Constraints by residual, greatest first. A key that is not a number would break the order: it counts
-// as 0.
+// as 0. Entries that leave keep their memory for those that come.
 class ResidualQueue {
   public:
-    void Insert(Constraint* constraint) { m_queue.emplace(KeyOf(*constraint), constraint); }
+    void Insert(Constraint* constraint) {
+        const math::real key = KeyOf(*constraint);
+        if (m_spare.empty()) {
+            m_queue.emplace(key, constraint);
+            return;
+        }
+        m_spare.back().key() = key;
+        m_spare.back().mapped() = constraint;
+        m_queue.insert(std::move(m_spare.back()));
+        m_spare.pop_back();
+    }
     // Takes out every constraint whose residual equals this one's, not only this one.
-    void EraseTies(const Constraint& constraint) { m_queue.erase(KeyOf(constraint)); }
+    void EraseTies(const Constraint& constraint) {
+        const math::real key = KeyOf(constraint);
+        for (auto it = m_queue.find(key); it != m_queue.end(); it = m_queue.find(key)) {
+            m_spare.push_back(m_queue.extract(it));
+        }
+    }
     bool IsEmpty() const { return m_queue.empty(); }
     Constraint* GetGreatest() const { return m_queue.begin()->second; }
 
   private:
+    using Queue = std::multimap<math::real, Constraint*, std::greater<math::real>>;
+
     static math::real KeyOf(const Constraint& constraint) {
         const math::real residual = constraint.m_residual;
         return residual < std::numeric_limits<math::real>::infinity() ? residual : 0;
     }
 
-    std::multimap<math::real, Constraint*, std::greater<math::real>> m_queue;
+    Queue m_queue;
+    std::vector<Queue::node_type> m_spare;
 };
 
-// By place in the list, where addresses would differ from run to run.
-struct ByPlace {
-    bool operator()(const Constraint* a, const Constraint* b) const { return a->m_place < b->m_place; }
-};
-using ConstraintSet = std::set<Constraint*, ByPlace>;
+// By place in the list, where addresses would differ from run to run. Bodies are given their constraints in
+// that order.
+using ConstraintList = util::VectorPOD<Constraint*>;
 
-ConstraintSet GatherNeighbors(const Constraint& constraint) {
-    ConstraintSet neighbors;
-    for (const AbstractBody* const body : constraint.m_bodies) {
-        neighbors.insert(body->m_constraints.begin(), body->m_constraints.end());
-    }
-    return neighbors;
+void GatherNeighbors(const Constraint& constraint, ConstraintList& neighbors) {
+    const ConstraintList& a = constraint.m_bodies[0]->m_constraints;
+    const ConstraintList& b = constraint.m_bodies[1]->m_constraints;
+    neighbors.resize(a.size() + b.size());
+    const auto byPlace = [](const Constraint* l, const Constraint* r) { return l->m_place < r->m_place; };
+    Constraint** const end =
+        std::set_union(a.begin(), a.end(), b.begin(), b.end(), neighbors.begin(), byPlace);
+    neighbors.resize(static_cast<size_t>(end - neighbors.begin()));
 }
 
 void EnterInBodies(Constraint& constraint) {
@@ -62,6 +82,7 @@ void ConstraintSolver::SolvePrioritized(const AbstractBodyList& bodies, int swee
     PROFILE_SECTION("PrioritizedSolver");
     for (AbstractBody* const body : bodies) body->m_constraints.clear();
     ResidualQueue queue;
+    ConstraintList neighbors;
     for (size_t i = 0; i < m_list.size(); ++i) {
         Constraint& constraint = *m_list[i].constraint;
         constraint.m_place = static_cast<uint32_t>(i);
@@ -74,7 +95,8 @@ void ConstraintSolver::SolvePrioritized(const AbstractBodyList& bodies, int swee
     for (uint64_t round = 0; round < rounds && !queue.IsEmpty(); ++round) {
         Constraint* const greatest = queue.GetGreatest();
         greatest->SolveApply();
-        for (Constraint* const neighbor : GatherNeighbors(*greatest)) {
+        GatherNeighbors(*greatest, neighbors);
+        for (Constraint* const neighbor : neighbors) {
             queue.EraseTies(*neighbor);
             neighbor->SolveCalc();
             queue.Insert(neighbor);

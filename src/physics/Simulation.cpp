@@ -15,49 +15,66 @@
 #include "physics/SPH.h"
 #include "physics/StepSettings.h"
 #include "util/Assert.h"
+#include "util/Callback.h"
 #include "util/Clock.h"
 
 namespace physics {
+
+using script::Range;
 
 constexpr float UNLIMITED = std::numeric_limits<float>::infinity();
 
 Simulation::Simulation()
     : Reflected("Sim"),
       m_running(script::DeclareAttrib(*this, "running", true)),
-      m_timeFactor(script::DeclareAttrib(*this, "timeFactor", 1.0f)),
-      m_timeDelta(script::DeclareAttrib(*this, "timeDelta", 0.005f)),
+      m_timeFactor(script::DeclareAttrib(*this, "timeFactor", 1.0f, Range<float>{0, 1e6f})),
+      m_timeDelta(script::DeclareAttrib(*this, "timeDelta", 0.005f, Range<float>{0, 1})),
       m_gravity(script::DeclareAttrib(*this, "gravity", math::Vec2(0, -9.8f))),
       m_gravitySwitch(script::DeclareAttrib(*this, "gravitySwitch", true)),
       m_airFrictionOn(script::DeclareAttrib(*this, "airFrictionOn", true)),
-      m_airFrictionLinear(script::DeclareAttrib(*this, "airFrictionLinear", 0.01f)),
-      m_airFrictionQuadratic(script::DeclareAttrib(*this, "airFrictionQuadratic", 0.0f)),
-      m_rotFrictionLinear(script::DeclareAttrib(*this, "rotFrictionLinear", 0.01f)),
+      m_airFrictionLinear(script::DeclareAttrib(*this, "airFrictionLinear", 0.01f, Range<float>{0, 1e9f})),
+      m_airFrictionQuadratic(
+          script::DeclareAttrib(*this, "airFrictionQuadratic", 0.0f, Range<float>{0, 1e9f})),
+      m_rotFrictionLinear(script::DeclareAttrib(*this, "rotFrictionLinear", 0.01f, Range<float>{0, 1e9f})),
       m_airBuoyancy(script::DeclareAttrib(*this, "airBuoyancy", true)),
-      m_airDensity(script::DeclareAttrib(*this, "airDensity", 0.01f)),
-      m_springForce(script::DeclareAttrib(*this, "springForce", 1000.0f)),
-      m_defaultBodyDensity(script::DeclareAttrib(*this, "defaultBodyDensity", Surface().density)),
-      m_defaultBodyFriction(script::DeclareAttrib(*this, "defaultBodyFriction", Surface().friction)),
-      m_defaultBodyRestitution(script::DeclareAttrib(*this, "defaultBodyRestitution", Surface().restitution)),
-      m_fallLimit(script::DeclareAttrib(*this, "fallLimit", 1000.0f)),
+      m_airDensity(script::DeclareAttrib(*this, "airDensity", 0.01f, Range<float>{-1e6f, 1e6f})),
+      m_springForce(script::DeclareAttrib(*this, "springForce", 1000.0f, Range<float>{0, 1e9f})),
+      m_defaultBodyDensity(
+          script::DeclareAttrib(*this, "defaultBodyDensity", Surface().density, Range<float>{1e-6f, 1e6f})),
+      m_defaultBodyFriction(
+          script::DeclareAttrib(*this, "defaultBodyFriction", Surface().friction, Range<float>{0, 1})),
+      m_defaultBodyRestitution(
+          script::DeclareAttrib(*this, "defaultBodyRestitution", Surface().restitution, Range<float>{0, 1})),
+      m_fallLimit(script::DeclareAttrib(*this, "fallLimit", 1000.0f, Range<float>{0, 1e9f})),
       m_prioritizedSolver(script::DeclareAttrib(*this, "prioritizedSolver", false)),
-      m_targetPenetration(script::DeclareAttrib(*this, "targetPenetration", 0.001f)),
-      m_solveIter(script::DeclareAttrib(*this, "solveIter", 40)),
-      m_solveConstant(script::DeclareAttrib(*this, "solveConstant", 1e8f)),
-      m_solveDcontacts(script::DeclareAttrib(*this, "solveDcontacts", 5.0f)),
-      m_solveDconstraints(script::DeclareAttrib(*this, "solveDconstraints", 5.0f)),
+      m_targetPenetration(script::DeclareAttrib(*this, "targetPenetration", 0.001f, Range<float>{0, 1})),
+      m_solveIter(script::DeclareAttrib(*this, "solveIter", 40, Range<int>{0, 10000})),
+      m_solveConstant(script::DeclareAttrib(*this, "solveConstant", 1e8f, Range<float>{1, 1e20f})),
+      m_solveDcontacts(script::DeclareAttrib(*this, "solveDcontacts", 5.0f, Range<float>{0, 1e6f})),
+      m_solveDconstraints(script::DeclareAttrib(*this, "solveDconstraints", 5.0f, Range<float>{0, 1e6f})),
       m_solvePenetrationDamping(script::DeclareAttrib(*this, "solvePenetrationDamping", false)),
-      m_solveDistFactor(script::DeclareAttrib(*this, "solveDistFactor", 1.0f)),
-      m_solveVelFactor(script::DeclareAttrib(*this, "solveVelFactor", 1.0f)),
-      m_solveAccFactor(script::DeclareAttrib(*this, "solveAccFactor", 1.0f)),
-      m_solveRegularizationFactor(script::DeclareAttrib(*this, "solveRegularizationFactor", 1.0f)),
+      m_solveDistFactor(script::DeclareAttrib(*this, "solveDistFactor", 1.0f, Range<float>{0, 1000})),
+      m_solveVelFactor(script::DeclareAttrib(*this, "solveVelFactor", 1.0f, Range<float>{0, 1000})),
+      m_solveAccFactor(script::DeclareAttrib(*this, "solveAccFactor", 1.0f, Range<float>{0, 1000})),
+      m_solveRegularizationFactor(
+          script::DeclareAttrib(*this, "solveRegularizationFactor", 1.0f, Range<float>{0, 1000})),
       m_solvePreSortConstraints(script::DeclareAttrib(*this, "solvePreSortConstraints", true)),
       m_solveConjugate(script::DeclareAttrib(*this, "solveConjugate", true)),
       m_leapFrog(script::DeclareAttrib(*this, "leapFrog", true)),
       m_adHocSolver(script::DeclareAttrib(*this, "adHocSolver", false)),
       m_warmStart(script::DeclareAttrib(*this, "warmStart", true)),
-      m_warmStartFactor(script::DeclareAttrib(*this, "warmStartFactor", 0.8f)),
-      m_maxPositionCorrection(script::DeclareAttrib(*this, "maxPositionCorrection", UNLIMITED)) {
+      m_warmStartFactor(script::DeclareAttrib(*this, "warmStartFactor", 0.8f, Range<float>{0, 1})),
+      m_maxPositionCorrection(
+          script::DeclareAttrib(*this, "maxPositionCorrection", UNLIMITED, Range<float>{0, UNLIMITED})) {
+    m_gravity->AddOnChange(new util::Callback([this] { KeepGravityFinite(); }, this));
     MakeWorldBody();
+}
+
+void Simulation::KeepGravityFinite() {
+    constexpr float STRONGEST = 1e6f;  // m/s^2
+    const auto limit = [=](float x) { return x == x ? std::clamp(x, -STRONGEST, STRONGEST) : 0; };
+    const math::Vec2 gravity = m_gravity->Get();
+    m_gravity->Set(math::Vec2(limit(gravity.x), limit(gravity.y)));
 }
 
 void Simulation::MakeWorldBody() {
@@ -118,6 +135,8 @@ void Simulation::AddBody(const BodyPtr& body) {
     CODE_ASSERTION(body);
     if (HasBody(body)) return;
     m_bodies.push_back(body);
+    body->m_lastPos = body->m_pos;
+    body->m_lastAngle = body->m_angle;
     body->m_inWorld = true;
 }
 
@@ -174,6 +193,7 @@ void Simulation::AddParticle(const ParticlePtr& particle) {
     CODE_ASSERTION(particle);
     particle->m_geom->SetBody(particle.Get());
     m_particles.push_back(particle);
+    particle->m_lastPos = particle->m_pos;
 }
 
 void Simulation::ClearParticles() {
@@ -183,6 +203,7 @@ void Simulation::ClearParticles() {
 
 void Simulation::Clear() {
     m_contacts.Clear();
+    m_warnedOfNaN = m_warnedOfContacts = false;
     m_allBodies.clear();
     m_timeDebt = 0;
     ClearParticles();
@@ -284,13 +305,18 @@ void Simulation::RemoveBadObjects() {
 
 void Simulation::RemoveBadBodies(math::Vec2 down) {
     const float limit = m_fallLimit->Get();
-    BodyList bad;
-    for (const BodyPtr& body : m_bodies) {
-        if (body.Get()->IsBad() || math::Dot(down, body.Get()->m_pos) > limit) bad.push_back(body);
-    }
+    const auto isBad = [&](const BodyPtr& body) {
+        return body.Get()->IsBad() || math::Dot(down, body.Get()->m_pos) > limit;
+    };
+    if (std::none_of(m_bodies.begin(), m_bodies.end(), isBad)) return;
+    const BodyPtr world = GetWorldBody();
+    BodyList good, bad;
+    for (const BodyPtr& body : m_bodies) (isBad(body) && body != world ? bad : good).push_back(body);
+    m_bodies.swap(good);
     for (const BodyPtr& body : bad) {
         Log(logging::Trace, "Removing bad object");
-        RemoveBody(body);
+        body->m_inWorld = false;
+        body->SetGeoms(GeomSet());
     }
 }
 

@@ -118,6 +118,7 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     struct Air;
 
     void MakeWorldBody();
+    void KeepGravityFinite();
     void PayTimeDebt(double dt);
     void WriteStats();
 
@@ -128,6 +129,7 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     void AddParticleForces(const Air& air);
     void CalcContacts();
     void SolveAndMove();
+    static void WarnOnce(bool& warned, const char* message);
     void ClearForces();
 
     void RemoveBadObjects();
@@ -149,6 +151,8 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     double m_timeDebt = 0;          // s, simulated time owed; negative when ahead
     float m_maxUpdateTime = 0.05f;  // s, set by the frame loop on each frame
     float m_realtimeFraction = 1;
+    bool m_warnedOfNaN = false;       // until Clear
+    bool m_warnedOfContacts = false;  // until Clear
     String m_stats;
 };
 

@@ -1,6 +1,8 @@
 // The step of Simulation: forces, contacts, solve, integration.
 
+#include "logging/Log.h"
 #include "physics/Body.h"
+#include "physics/FlushToZero.h"
 #include "physics/Geom.h"
 #include "physics/Hinge.h"
 #include "physics/Integration.h"
@@ -13,14 +15,17 @@
 
 namespace physics {
 
+constexpr float SHORTEST_STEP = 1e-6f;  // s; the weights of the rows are numbers down to here
+
 void Simulation::Step(bool active) {
+    const ScopedFlushToZero flushToZero;
     try {
         RemoveBadObjects();
         RebuildAllBodies();
         SPH::Instance().Sort(m_particles);
         if (active) CalcForces();
         CalcContacts();
-        if (active && m_timeDelta->Get() > 0) SolveAndMove();
+        if (active && m_timeDelta->Get() >= SHORTEST_STEP) SolveAndMove();
         // In a pause forces stay: what a tool leaves on a body is felt at the next active step.
         if (m_running->Get()) ClearForces();
 #ifdef VEXA_CHECKED
@@ -30,9 +35,18 @@ void Simulation::Step(bool active) {
     PASS_ON_EXCEPTIONS
 }
 
+// Once per scene, since what is wrong in one step is wrong in the next.
+void Simulation::WarnOnce(bool& warned, const char* message) {
+    if (!warned) Log(logging::Warning, message);
+    warned = true;
+}
+
 void Simulation::CalcContacts() {
     PROFILE_SECTION("Sim::CalcContacts");
     m_contacts.Find(m_bodies, m_particles);
+    if (m_contacts.IsOverBudget()) {
+        WarnOnce(m_warnedOfContacts, "Too many contacts in one place: some of them are left out");
+    }
 }
 
 void Simulation::SolveAndMove() {
@@ -41,7 +55,9 @@ void Simulation::SolveAndMove() {
     const auto solve = [&] { m_solver.Run(m_allBodies, m_hinges, m_contacts.Get(), settings); };
     const auto move = [&] {
         m_sweptMotion.Limit(m_bodies, h);
-        IntegratePlaces(m_allBodies, h);
+        if (IntegratePlaces(m_allBodies, h) != 0) {
+            WarnOnce(m_warnedOfNaN, "A body went out of all numbers: it was put back and stopped");
+        }
         m_sweptMotion.Release();
     };
     if (settings.leapFrog) {

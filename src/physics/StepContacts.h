@@ -19,6 +19,8 @@ class StepContacts {
     const ContactPool& Get() const { return m_contacts; }  // of the last Find
     uint32_t GetCacheHits() const { return m_cacheHits; }  // of them, how many persisted
 
+    bool IsOverBudget() const { return m_contacts.IsFull(); }  // some were left out
+
   private:
     void MatchCache();
 

@@ -1,6 +1,7 @@
 #include "physics/Simulation.h"
 
 #include <cmath>
+#include <limits>
 
 #include "physics/World.h"
 #include "support/LogCapture.h"
@@ -242,6 +243,84 @@ TEST_F(SimulationTest, OrdersOfIntegrationBothStand) {
         EXPECT_LT(GetFastestBody(), leapFrog ? 0.02f : 0.12f);
         EXPECT_LT(GetDeepestContact(), 0.002f) << "leapfrog " << leapFrog;
     }
+}
+
+// A setting takes no value that makes what is not a number, and reads back as what it took.
+TEST_F(SimulationTest, SettingsKeepToTheirRanges) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float infinity = std::numeric_limits<float>::infinity();
+    sim.m_solveDcontacts->Set(-0.25f);
+    EXPECT_EQ(sim.m_solveDcontacts->Get(), 0);
+    sim.m_airDensity->Set(infinity);
+    EXPECT_EQ(sim.m_airDensity->Get(), 1e6f);
+    sim.m_solveConstant->Set(0);
+    EXPECT_EQ(sim.m_solveConstant->Get(), 1);
+    sim.m_solveIter->Set(2147483647);
+    EXPECT_EQ(sim.m_solveIter->Get(), 10000);
+    sim.m_solveIter->Set(5);
+    sim.m_warmStartFactor->Set(nan);
+    EXPECT_EQ(sim.m_warmStartFactor->Get(), sim.m_warmStartFactor->GetDefault());
+    sim.m_gravity->Set({nan, -infinity});
+    EXPECT_EQ(sim.m_gravity->Get(), Vec2(0, -1e6f));
+    AddGround();
+    AddHinge(AddBox({0, 1}, 1, 1), AddBox({1, 1}, 1, 1), {0.5f, 1});
+    Run(0.1f);
+    for (const BodyPtr& body : sim.GetBodies()) EXPECT_TRUE(IsFinite(body->m_pos));
+}
+
+// What is not a number stays with its body, which goes on from where it last was.
+TEST_F(SimulationTest, BodiesBeyondNumbersArePutBack) {
+    using physics::AbstractBody;
+    ClearAir();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float infinity = std::numeric_limits<float>::infinity();
+    const struct {
+        float AbstractBody::*member;
+        float value;
+    } cases[] = {{&AbstractBody::m_angVel, nan},
+                 {&AbstractBody::m_angle, nan},
+                 {&AbstractBody::m_angle, infinity},
+                 {&AbstractBody::m_torque, nan},
+                 {&AbstractBody::m_torque, infinity}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(&c - cases);
+        sim.Clear();
+        const BodyPtr body = AddBox({1, 2}, 0.4f, 0.4f);
+        Run(0.1f);
+        const Vec2 place = body->m_pos;
+        const LogCapture log(logging::Warning);
+        (*body).*c.member = c.value;
+        sim.Step(true);
+        EXPECT_EQ(log.GetLines().size(), 1u);
+        EXPECT_EQ(body->m_pos, place);
+        EXPECT_EQ(body->m_vel, Vec2());
+        EXPECT_EQ(body->m_angVel, 0);
+        sim.Step(true);
+        EXPECT_LT(body->m_pos.y, place.y);
+        EXPECT_EQ(log.GetLines().size(), 1u) << "told once";
+    }
+}
+
+TEST_F(SimulationTest, PiledUpInOnePlaceTheWorldGoesOn) {
+    for (int i = 0; i < 600; ++i) AddCircle({0.0001f * static_cast<float>(i), 0}, 0.5f);
+    LogCapture log(logging::Warning);
+    sim.m_solveIter->Set(1);
+    Run(0.03f);
+    EXPECT_EQ(sim.GetContacts().size(), physics::ContactPool::MOST_CONTACTS);
+    EXPECT_EQ(log.GetLines().size(), 1u);
+}
+
+// The caller's arithmetic is as it was; within the step what is too small counts as nothing.
+TEST_F(SimulationTest, TinyMotionsEndInTheStepOnly) {
+    sim.m_gravitySwitch->Set(false);
+    const BodyPtr body = AddCircle({0, 0}, 0.5f);
+    const volatile float tiny = 1e-39f;
+    body->m_vel.x = tiny;
+    sim.Step(true);
+#if defined(__SSE2__)
+    EXPECT_EQ(body->m_pos.x, 0);
+#endif
+    EXPECT_NE(tiny * 0.5f, 0);
 }
 
 }  // namespace test

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "app/entities/EntityReader.h"
+#include "logging/Log.h"
 #include "physics/Body.h"
 #include "physics/SPH.h"
 #include "physics/Simulation.h"
@@ -15,13 +16,20 @@ namespace {
 
 using physics::Geom;
 
-// The geom lives as long as its entity, which owns the attribute.
+// The geom lives as long as its entity, which owns the attribute. Only friction and restitution are declared
+// so: above 1 they would feed energy into the world, and what is no number would spread through contacts.
 script::TAttribPtr<float> DeclareGeomFloat(script::Reflected& owner, const char* name, Geom& geom,
                                            math::real Geom::*field) {
     Geom* const target = &geom;
     return script::DeclareAttribGetSet<float>(
         owner, name, target->*field, [target, field] { return target->*field; },
-        [target, field](float value) { target->*field = value; });
+        [target, field, name](float value) {
+            if (!std::isfinite(value)) {
+                Log(logging::Warning, String(name) + " must be a number: it stays as it was");
+                return;
+            }
+            target->*field = std::min(value, 1.0f);
+        });
 }
 
 physics::BodyPtr BodyOf(const Geom& geom) {
