@@ -100,9 +100,9 @@ TEST_F(EntityPopupTest, ChangesTheMaterialOfAllAndUndoesItAtOnce) {
     const auto friction = util::DynamicCast<gui::Slider>(FindWidget("Friction"));
     ASSERT_TRUE(friction);
     EXPECT_TRUE(std::isnan(friction->GetValue())) << "the two differ";
-    DragSlider("Friction", 1.5);
-    EXPECT_EQ(Shape(box).m_friction->Get(), 1.5f);
-    EXPECT_EQ(Shape(circle).m_friction->Get(), 1.5f);
+    DragSlider("Friction", 0.75);
+    EXPECT_EQ(Shape(box).m_friction->Get(), 0.75f);
+    EXPECT_EQ(Shape(circle).m_friction->Get(), 0.75f);
     EXPECT_EQ(UndoName(), "UndoSliderChange");
     Key('z', true);
     EXPECT_EQ(Shape(box).m_friction->Get(), 0.25f);

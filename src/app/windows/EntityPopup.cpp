@@ -40,7 +40,7 @@ struct SliderRow {
     int m_decimals;
 };
 const SliderRow GEOM_SLIDERS[] = {
-    {"Friction", "friction", 0, 2, 0.5, false, 2},
+    {"Friction", "friction", 0, 1, 0.5, false, 2},
     {"Bounciness", "restitution", 0, 1, 0.5, false, 2},
     {"Density", "density", 0.01, 100, 2, true, 2},
 };
