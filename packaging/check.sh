@@ -13,4 +13,10 @@ for page in man/*.1; do
     [ -z "$complaints" ] || { echo "$page: $complaints"; exit 1; }
 done
 version=$(sed -n 's/^project(Vexa VERSION \([0-9.]*\).*/\1/p' ../CMakeLists.txt)
-grep -q "<release version=\"${version:-3.5}\"" ./*.metainfo.xml || { echo "the metainfo does not tell of version $version"; exit 1; }
+tells() {
+    grep -q "$2" "$1" || { echo "$1 does not tell of version $version"; exit 1; }
+}
+tells example.vexa.Vexa.metainfo.xml "<release version=\"$version\""
+tells man/vexa.1 "\"Vexa beta $version\""
+tells man/vexa-scene.1 "\"Vexa beta $version\""
+tells ../debian/changelog "^vexa ($version)"

@@ -2,7 +2,7 @@
 
 namespace util {
 
-// The version as the window caption, the log banner and `Vexa -version` show it.
-constexpr const char* VERSION_TEXT = "Vexa beta 3.5";
+// The version as the window caption, the log banner and `Vexa -version` show it. The number comes from the build.
+extern const char* const VERSION_TEXT;
 
 }  // namespace util
