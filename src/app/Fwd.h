@@ -46,7 +46,6 @@ using BackgroundPtr = util::SharedPtr<Background>;
 using ChainPtr = util::SharedPtr<Chain>;
 using EntityPtr = util::SharedPtr<Entity>;
 using GeomEntityPtr = util::SharedPtr<GeomEntity>;
-using FiniteGeomEntityPtr = util::SharedPtr<FiniteGeomEntity>;
 using CircleEntityPtr = util::SharedPtr<CircleEntity>;
 using FixJointEntityPtr = util::SharedPtr<FixJointEntity>;
 using HingeEntityPtr = util::SharedPtr<HingeEntity>;

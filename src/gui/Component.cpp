@@ -181,12 +181,6 @@ void Component::SetBorder(const Border& border) {
     OnGeometryChanged();
 }
 
-void Component::SetLayout(const LayoutPtr& layout) {
-    m_layout = layout;
-    if (!m_layout) SortChildren();
-    DoLayout();
-}
-
 void Component::SetFillParent(bool fillParent) {
     m_fillParent = fillParent;
     FitToParent();

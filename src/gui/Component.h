@@ -107,10 +107,8 @@ class Component : public InputDelegator {
     const TextFormat& GetTextFormat() const { return m_textFormat; }
     virtual void SetTextFormat(const TextFormat& format) { m_textFormat = format; }
     const LayoutPtr& GetLayout() const { return m_layout; }
-    void SetLayout(const LayoutPtr& layout);
     const math::Vec4& GetColor() const { return m_color; }
     void SetColor(const math::Vec4& color) { m_color = color; }
-    bool FillsParent() const { return m_fillParent; }
     void SetFillParent(bool fillParent);
     bool IsExcludedFromLayout() const { return m_excludedFromLayout || m_fillParent; }
     void SetExcludedFromLayout(bool excluded);

@@ -38,7 +38,6 @@ using ComponentWeakPtr = util::WeakPtr<Component>;
 using ComponentList = std::vector<ComponentPtr>;  // in drawing order
 using LayoutPtr = util::SharedPtr<Layout>;
 using WindowPtr = util::SharedPtr<Window>;
-using AbstractButtonPtr = util::SharedPtr<AbstractButton>;
 using ButtonPtr = util::SharedPtr<Button>;
 using LabelPtr = util::SharedPtr<Label>;
 using IconPtr = util::SharedPtr<Icon>;
@@ -46,7 +45,6 @@ using RadioGroupPtr = util::SharedPtr<RadioGroup>;
 using AbstractRadioButtonPtr = util::SharedPtr<AbstractRadioButton>;
 using CheckboxPtr = util::SharedPtr<Checkbox>;
 using SliderPtr = util::SharedPtr<Slider>;
-using LabeledSliderPtr = util::SharedPtr<LabeledSlider>;
 using TextFieldPtr = util::SharedPtr<TextField>;
 using ScrollAreaPtr = util::SharedPtr<ScrollArea>;
 

@@ -1,7 +1,6 @@
 #include "gui/GUI.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "gui/LookAndFeel.h"
 #include "gui/Root.h"
@@ -143,12 +142,6 @@ void GUI::PushSettings() {
 
 Vec2 GUI::GetSize() const {
     return ToGUI({static_cast<float>(m_windowSize.x), static_cast<float>(m_windowSize.y)});
-}
-
-math::Vec2i GUI::ToPixels(Vec2 gui) const {
-    const float scale = GetScale();
-    return {static_cast<int>(std::floor(gui.x * scale + 0.5f)),
-            static_cast<int>(std::floor(gui.y * scale + 0.5f))};
 }
 
 // ---- the frame ---------------------------------------------------------------------------------------

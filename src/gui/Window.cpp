@@ -71,7 +71,6 @@ void Window::Close() {
     const WindowPtr self(this);  // the parent may be its last owner
     m_dragging = false;
     if (Component* const parent = GetParent()) parent->RemoveChild(this);
-    m_closedCallbacks.CallAll();
 }
 
 // ---- moving ------------------------------------------------------------------------------------------

@@ -45,7 +45,6 @@ class Window : public WobbleComponent {
     void Close();
 
     util::CallbackSet& GetMovedCallbacks() { return m_movedCallbacks; }  // after each step of a drag
-    util::CallbackSet& GetClosedCallbacks() { return m_closedCallbacks; }
     void SetTearOffTarget(const ComponentWeakPtr& target) { m_tearOffTarget = target; }
     bool IsDragged() const { return m_dragging; }
     // The place nearest to `pos` at which the title bar is in the parent's view.
@@ -65,10 +64,8 @@ class Window : public WobbleComponent {
     bool m_dragging = false;
     math::Vec2 m_dragPos;  // where the mouse would have it; beyond the view it stays behind
     bool m_closesAtEscape = false;
-    String m_placeKey;        // empty: its place is not kept
     ButtonPtr m_closeButton;  // a child too; may be null
     util::CallbackSet m_movedCallbacks;
-    util::CallbackSet m_closedCallbacks;
     ComponentWeakPtr m_tearOffTarget;
 };
 

@@ -9,8 +9,4 @@ namespace math {
 Vec3 RGBtoHSL(Vec3 rgb);
 Vec3 HSLtoRGB(Vec3 hsl);
 
-constexpr real Greyscale(Vec3 rgb) {
-    return 0.3f * rgb.x + 0.59f * rgb.y + 0.11f * rgb.z;
-}
-
 }  // namespace math

@@ -269,11 +269,15 @@ void Body::AttachGeom(const GeomPtr& geom) {
 void Body::FinishInertia() {
     if (!IsFinite(m_mass)) m_inertia = INF;
     m_inertiaInv = 1 / m_inertia;
-    // clang-format off
-    CODE_CHECK(IsFinite(m_massInv) && m_massInv>=0);
-    CODE_CHECK(IsFinite(m_inertiaInv) && m_inertiaInv>=0);
-    // clang-format on
-    for (auto bp = m_parts.begin(); bp != m_parts.end(); ++bp) CODE_CHECK(bp->geom->GetBodyPtr() == this);
+    CODE_CHECK_TEXT(IsFinite(m_massInv) && m_massInv >= 0, "IsFinite(m_massInv) && m_massInv>=0");
+    CODE_CHECK_TEXT(IsFinite(m_inertiaInv) && m_inertiaInv >= 0, "IsFinite(m_inertiaInv) && m_inertiaInv>=0");
+    CheckParts();
+}
+
+void Body::CheckParts() const {
+    for (const BodyPart& part : m_parts) {
+        CODE_CHECK_TEXT(part.geom->GetBodyPtr() == this, "bp->geom->GetBodyPtr() == this");
+    }
 }
 
 void Body::UpdateGeoms() {
@@ -284,7 +288,7 @@ void Body::UpdateGeoms() {
 }
 
 bool Body::IsBad() const {
-    for (auto bp = m_parts.begin(); bp != m_parts.end(); ++bp) CODE_CHECK(bp->geom->GetBodyPtr() == this);
+    CheckParts();
     return IsOutOfRange() || m_parts.empty();
 }
 

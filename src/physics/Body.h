@@ -152,6 +152,7 @@ class Body : public AbstractBody {
     void PlaceFrame();
     void AttachGeom(const GeomPtr& geom);
     void FinishInertia();
+    void CheckParts() const;  // that the geoms know whose they are
 
     math::RigidTransform m_transform;
     math::RigidTransform m_invTransform;

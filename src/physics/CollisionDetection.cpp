@@ -41,7 +41,7 @@ void Collider::AssignBodies(const BodyList& bodies, const ParticleList& particle
     AssignParticles(particles);
     for (const BodyPtr& body : bodies) {
         for (const BodyPart& part : body.Get()->GetParts()) {
-            CODE_ASSERTION(part.geom->GetBodyPtr() == body.Get());
+            CODE_ASSERTION_TEXT(part.geom->GetBodyPtr() == body.Get(), "(*g)->GetBody()");
             AssignGeom(body.Get(), part.geom.Get());
         }
     }

@@ -24,8 +24,4 @@ struct ContactID {
     }
 };
 
-struct ContactIDHasher {
-    uint32_t operator()(const ContactID& id) const { return id.hash; }
-};
-
 }  // namespace physics

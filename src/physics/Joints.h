@@ -49,7 +49,6 @@ class SpringJoint : public Joint {
     void SetLength(math::real length) { m_length = length; }
     math::real GetStrength() const { return m_strength; }
     void SetStrength(math::real strength) { m_strength = strength; }
-    math::real GetDamping() const { return m_damping; }
     void SetDamping(math::real damping) { m_damping = damping; }
     math::Vec2 GetAnchor(int end) const { return m_anchors[end]; }
     void SetAnchor(int end, math::Vec2 anchor) { m_anchors[end] = anchor; }

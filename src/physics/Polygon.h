@@ -52,7 +52,6 @@ class Polygon : public Geom {
 
     // The map, for drawing. Cell (i, j) has its centre at the map point (i, j).
     const DistanceField::Cells& GetDistMap() const { return m_map->GetDistMap(); }
-    math::Vec2i GetDistMapSize() const { return {DistanceMap::SIZE, DistanceMap::SIZE}; }
     const math::TMatrix3<float>& GetLocalToMap() const { return m_map->GetLocalToMap(); }
     const math::TMatrix3<float>& GetMapToLocal() const { return m_map->GetMapToLocal(); }
     const math::OBB2D& GetMapOBB() const { return m_map->GetBox(); }

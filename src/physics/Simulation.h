@@ -67,7 +67,6 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     float GetRealtimeFraction() const { return m_realtimeFraction; }  // 0 to 1
     // Seconds of real time that one Update may spend.
     void SetMaxUpdateTime(float seconds) { m_maxUpdateTime = seconds; }
-    float GetMaxUpdateTime() const { return m_maxUpdateTime; }
 
     // The settings as values, for who steps bodies, and for new shapes.
     StepSettings GetStepSettings() const;

@@ -17,7 +17,6 @@ math::Vec2i Context::s_size;
 bool Context::s_hasAlpha = true;
 int Context::s_textureUnits = 1;
 bool Context::s_useShaders = false;
-bool Context::s_useSimpleShaders = false;
 
 namespace {
 

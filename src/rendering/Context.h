@@ -34,10 +34,6 @@ class Context {
     static bool UseShaders() { return s_useShaders; }
     static void SetUseShaders(bool useShaders) { s_useShaders = useShaders; }
 
-    // Takes the shaders of the folder "simple/" instead of "default/". Default false; nothing sets it yet.
-    static bool UseSimpleShaders() { return s_useSimpleShaders; }
-    static void SetUseSimpleShaders(bool useSimple) { s_useSimpleShaders = useSimple; }
-
     // Units of the fixed-function pipeline; 1 without multitexturing.
     static int GetTextureUnits() { return s_textureUnits; }
 
@@ -57,7 +53,6 @@ class Context {
     static bool s_hasAlpha;
     static int s_textureUnits;
     static bool s_useShaders;
-    static bool s_useSimpleShaders;
 };
 
 // Without a context none of these is there.

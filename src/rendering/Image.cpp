@@ -99,9 +99,6 @@ ImageRGBA32Ptr CopySurface(const SDL_Surface* pic) {
 
 // ---- ImageRGBA32 --------------------------------------------------------------------------------------
 
-int ImageRGBA32::GetInternalFormat() const {
-    return GL_RGBA;
-}
 unsigned int ImageRGBA32::GetPixelFormat() const {
     return GL_RGBA;
 }
@@ -158,9 +155,6 @@ ImageRGBA32Ptr ImageRGBA32::LoadFile(const std::string& path) {
 
 // ---- ImageFloat, BlankImage ---------------------------------------------------------------------------
 
-int ImageFloat::GetInternalFormat() const {
-    return GL_ALPHA;
-}
 unsigned int ImageFloat::GetPixelFormat() const {
     return GL_ALPHA;
 }
@@ -168,9 +162,6 @@ unsigned int ImageFloat::GetPixelType() const {
     return GL_FLOAT;
 }
 
-int BlankImage::GetInternalFormat() const {
-    return GL_RGBA;
-}
 unsigned int BlankImage::GetPixelFormat() const {
     return GL_RGBA;
 }

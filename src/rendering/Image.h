@@ -16,7 +16,6 @@ class AbstractImage : public util::Pointee {
   public:
     virtual const void* GetPixels() const = 0;  // null: the contents do not matter
     // As glTexImage2D takes them.
-    virtual int GetInternalFormat() const = 0;
     virtual unsigned int GetPixelFormat() const = 0;
     virtual unsigned int GetPixelType() const = 0;
 
@@ -69,7 +68,6 @@ class ImageRGBA32 : public TImage<RGBA32> {
 
     using TImage::TImage;
 
-    int GetInternalFormat() const override;
     unsigned int GetPixelFormat() const override;
     unsigned int GetPixelType() const override;
 
@@ -95,7 +93,6 @@ class ImageFloat : public TImage<float> {
   public:
     using TImage::TImage;
 
-    int GetInternalFormat() const override;
     unsigned int GetPixelFormat() const override;
     unsigned int GetPixelType() const override;
 };
@@ -106,7 +103,6 @@ class BlankImage : public AbstractImage {
     BlankImage(uint32_t width, uint32_t height) : AbstractImage(width, height) {}
 
     const void* GetPixels() const override { return nullptr; }
-    int GetInternalFormat() const override;
     unsigned int GetPixelFormat() const override;
     unsigned int GetPixelType() const override;
 };

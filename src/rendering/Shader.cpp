@@ -118,40 +118,28 @@ int Shader::LookupUniform(const String& name) const {
     return location;
 }
 
-int Shader::LookupAttribute(const String& name) const {
-    const int location = glGetAttribLocationARB(m_program, name.c_str());
-    if (location < 0) Log(logging::Error, "Attribute \"" + name + "\" not found.");
-    return location;
-}
+// ---- Uniform ------------------------------------------------------------------------------------------
 
-// ---- handles ------------------------------------------------------------------------------------------
-
-ShaderVariable::ShaderVariable(const ShaderMentorPtr& shader, const String& name)
-    : m_shader(shader), m_name(name) {
+Uniform::Uniform(const ShaderMentorPtr& shader, const String& name) : m_shader(shader), m_name(name) {
     if (!m_shader) return;
     m_shader->GetOnUnload().Add(new util::Callback([this] { Invalidate(); }, this));
 }
 
-void ShaderVariable::Resolve() {
-    if (m_location != -1) return;
-    m_location = Lookup();
-    if (m_location != -1) OnResolved();
-}
-
-int Uniform::Lookup() {
-    return m_shader && m_shader->Get() ? m_shader->Get()->LookupUniform(m_name) : -1;
-}
-
 void Uniform::Invalidate() {
-    ShaderVariable::Invalidate();
+    m_location = -1;
     m_isSet = false;
 }
 
-// Finds the location, and tells whether the program has another value. A missing variable is asked for again
-// each time, which is where it is reported.
+// Whether the location is known or found. A missing variable is asked for again each time, which is where it
+// is reported.
+bool Uniform::Resolve() {
+    if (m_location < 0 && m_shader && m_shader->Get()) m_location = m_shader->Get()->LookupUniform(m_name);
+    return m_location >= 0;
+}
+
+// Whether the program has another value.
 bool Uniform::Change(const math::Vec4& value) {
-    Resolve();
-    if (m_location < 0 || (m_isSet && m_last == value)) return false;
+    if (!Resolve() || (m_isSet && m_last == value)) return false;
     m_last = value;
     m_isSet = true;
     return true;
@@ -171,20 +159,6 @@ void Uniform::Set(const math::Vec2& value) {
 
 void Uniform::Set(const math::Vec4& value) {
     if (Change(value)) glUniform4fvARB(m_location, 1, &value.x);
-}
-
-int Attribute::Lookup() {
-    return m_shader && m_shader->Get() ? m_shader->Get()->LookupAttribute(m_name) : -1;
-}
-
-void Attribute::Set(float value) {
-    Resolve();
-    if (m_location >= 0) glVertexAttrib1fARB(static_cast<GLuint>(m_location), value);
-}
-
-void Attribute::Set(const math::Vec4& value) {
-    Resolve();
-    if (m_location >= 0) glVertexAttrib4fvARB(static_cast<GLuint>(m_location), &value.x);
 }
 
 }  // namespace rendering

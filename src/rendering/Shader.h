@@ -25,9 +25,8 @@ class Shader : public GraphicsResource, public util::StackedBind<Shader> {
     void DoBind() const override;
     void DoUnbind() const override;
 
-    // Locations, negative with a line at Error when there is no such variable.
+    // A location, negative with a line at Error when there is no such variable.
     int LookupUniform(const String& name) const;
-    int LookupAttribute(const String& name) const;
 
     const String& GetName() const { return m_name; }
 
@@ -49,28 +48,10 @@ using ScopedShader = util::ScopedBind<Shader>;
 // BadDataException; what the compiler says goes to the log.
 unsigned int LoadShader(int type, String source, String name);
 
-// A handle of a variable of a shader, which finds its location on first use and again after a reload.
-class ShaderVariable : public util::Pointee {
+// A variable of a shader, set while that is bound. Finds its location on first use and again after a reload.
+class Uniform : public util::Pointee {
   public:
-    virtual void Resolve();       // finds the location unless it is known
-    virtual int Lookup() = 0;     // asks the shader by name; -1 without one
-    virtual void OnResolved() {}  // for derived handles that keep more than the location
-    virtual void Invalidate() { m_location = -1; }
-
-  protected:
-    ShaderVariable(const ShaderMentorPtr& shader, const String& name);
-
-    ShaderMentorPtr m_shader;
-    String m_name;
-    int32_t m_location = -1;  // -1 while unknown
-};
-
-// Set while the shader is bound.
-class Uniform : public ShaderVariable {
-  public:
-    Uniform(const ShaderMentorPtr& shader, const String& name) : ShaderVariable(shader, name) {}
-    int Lookup() override;
-    void Invalidate() override;
+    Uniform(const ShaderMentorPtr& shader, const String& name);
 
     // A program keeps its values, so one that has been set already does not reach the driver again.
     void Set(int value);  // also the unit of a sampler
@@ -79,21 +60,16 @@ class Uniform : public ShaderVariable {
     void Set(const math::Vec4& value);
 
   private:
+    bool Resolve();
     bool Change(const math::Vec4& value);
+    void Invalidate();
 
-    math::Vec4 m_last;     // what the program has, widened
-    bool m_isSet = false;  // whether m_last says so
+    ShaderMentorPtr m_shader;
+    String m_name;
+    int32_t m_location = -1;  // -1 while unknown
+    math::Vec4 m_last;        // what the program has, widened
+    bool m_isSet = false;     // whether m_last says so
 };
 using UniformPtr = util::SharedPtr<Uniform>;
-
-class Attribute : public ShaderVariable {
-  public:
-    Attribute(const ShaderMentorPtr& shader, const String& name) : ShaderVariable(shader, name) {}
-    int Lookup() override;
-
-    void Set(float value);
-    void Set(const math::Vec4& value);
-};
-using AttributePtr = util::SharedPtr<Attribute>;
 
 }  // namespace rendering

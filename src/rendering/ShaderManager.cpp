@@ -14,7 +14,7 @@ ShaderMentorPtr ShaderManager::Get(const String& name) {
 Shader* ShaderManager::LoadFromFiles(const String& name) {
     if (!Context::UseShaders()) return nullptr;
     const util::FileSystem& files = util::FileSystem::Instance();
-    const String path = files.GetShadersDir() + (Context::UseSimpleShaders() ? "simple/" : "default/") + name;
+    const String path = files.GetShadersDir() + "default/" + name;
     return new Shader(files.ReadFile(path + ".vert"), files.ReadFile(path + ".frag"), name);
 }
 

@@ -191,8 +191,7 @@ math::Vec2 Texture::GetUnits() const {
 
 unsigned int Texture::MemoryUsage() const {
     const int pixelSize = BytesPerPixel(m_type.internalFormat);
-    if (pixelSize == -1) DATA_ASSERTION(!"Bad image format");
-    DATA_ASSERTION(pixelSize != -1);
+    DATA_ASSERTION_TEXT(pixelSize != -1, "!\"Bad image format\"");
     const unsigned int size = m_width * m_height * static_cast<unsigned int>(pixelSize);
     return m_type.mipmaps ? static_cast<unsigned int>(uint64_t{size} * 4 / 3) : size;
 }

@@ -118,9 +118,7 @@ void TAttrib<T>::Set(const T& value) {
 template <class T>
 void TAttrib<T>::CalcValue() {
     try {
-        const ObjectPtr resolved = Resolve(GetStored());
-        m_calculated = resolved;
-        const T value = ObjectToValue<T>(resolved);
+        const T value = ObjectToValue<T>(Resolve(GetStored()));
         if (value == Get()) return;
         StoreNative(value);
         Fire();
@@ -131,6 +129,11 @@ void TAttrib<T>::CalcValue() {
                                                    : " was bound to bad type"));
         Freeze();
     }
+}
+
+template <class T>
+ObjectPtr TAttrib<T>::MakeDefault() const {
+    return ValueToObject(m_default);
 }
 
 // Without CalcValue: if what stands in cannot be converted either, it would come back here for ever.

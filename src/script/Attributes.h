@@ -39,6 +39,9 @@ class AbstractAttrib : public Variable, public util::ClassTracker<AbstractAttrib
     // replaced by the last good value.
     virtual void CalcValue() = 0;
 
+    // Set as a value, brings the attribute back to where it began.
+    virtual ObjectPtr MakeDefault() const = 0;
+
     // Whether the stored object is a function without parameters.
     bool IsBound() const { return m_binding != 0; }
     // Whether it is a guest's.
@@ -82,12 +85,12 @@ class TAttrib : public AbstractAttrib {
 
     ObjectPtr GetValue() override;
     void CalcValue() override;
+    ObjectPtr MakeDefault() const override;
 
     // Runs after a change has been stored. Callbacks may add and remove others.
     void AddOnChange(const util::CallbackPtr& callback);
 
     const T& GetDefault() const { return m_default; }
-    const ObjectPtr& GetCalculated() const { return m_calculated; }  // what the latest binding gave
 
   protected:
     TAttrib(const String& name, const T& defaultValue);
@@ -102,7 +105,6 @@ class TAttrib : public AbstractAttrib {
 
     std::unique_ptr<util::CallbackSet> m_onChange;  // made by the first AddOnChange: few attributes have any
     const T m_default;
-    ObjectPtr m_calculated;  // the resolved object of the latest CalcValue; null before the first
 };
 
 // The values that a numeric attribute takes. Those beyond are drawn to its ends, and what is no number

@@ -127,7 +127,6 @@ class FunctionDeclaration : public Expression {
     FunctionDeclaration(const StringList& args, const CodeBlockPtr& code);
     ~FunctionDeclaration() noexcept(false) override;
 
-    const StringList& GetArgs() const { return m_args; }
     const CodeBlockPtr& GetCode() const { return m_code; }
 
     ObjectPtr Evaluate(const ClosurePtr& closure) override;
@@ -196,7 +195,6 @@ class InfixFunctionCall : public Expression {
     ~InfixFunctionCall() noexcept(false) override;
 
     const InfixPtr& GetInfix() const { return m_infix; }
-    const ExpressionList& GetArgs() const { return m_args; }
 
     ObjectPtr Evaluate(const ClosurePtr& closure) override;
     void WriteCode(CodeWriter& out) const override;

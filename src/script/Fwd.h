@@ -51,7 +51,6 @@ using Float = double;
 using ObjectPtr = util::SharedPtr<Object>;
 using ObjectList = std::vector<ObjectPtr>;
 using AbstractFunctionPtr = util::SharedPtr<AbstractFunction>;
-using ListPtr = util::SharedPtr<List>;
 using FunctionPtr = util::SharedPtr<Function>;
 using ClassObjectPtr = util::SharedPtr<ClassObject>;
 using ClassObjectWeakPtr = util::WeakPtr<ClassObject>;
@@ -64,9 +63,7 @@ using GuestPtr = util::SharedPtr<Guest>;
 
 using ExpressionPtr = util::SharedPtr<Expression>;
 using ExpressionList = std::vector<ExpressionPtr>;
-using ExpressionIt = ExpressionList::const_iterator;
 using IdentifierPtr = util::SharedPtr<Identifier>;
-using AssignmentPtr = util::SharedPtr<Assignment>;
 using CodeBlockPtr = util::SharedPtr<CodeBlock>;
 using BlockPtr = util::SharedPtr<Block>;
 using InfixPtr = util::SharedPtr<Infix>;

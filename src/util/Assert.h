@@ -22,3 +22,4 @@ void AssertionFailed(const char* expression, bool isAssertion, bool isCode, cons
 // expression must not change them.
 #define CODE_ASSERTION_TEXT(expression, text) VEXA_TEST(expression, text, true, true)
 #define DATA_ASSERTION_TEXT(expression, text) VEXA_TEST(expression, text, true, false)
+#define CODE_CHECK_TEXT(expression, text) VEXA_TEST(expression, text, false, true)

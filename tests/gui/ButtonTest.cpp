@@ -63,36 +63,6 @@ TEST_F(ButtonTest, DoesNotFireOtherwise) {
     EXPECT_EQ(m_fired, 0);
 }
 
-TEST_F(ButtonTest, FiresAtThePressWhenToldSo) {
-    m_button->SetFireOnPress(true);
-    EXPECT_TRUE(Send(test::Press(Key::LeftMouse, INSIDE)));
-    EXPECT_EQ(m_fired, 1);
-    EXPECT_FALSE(Send(test::Release(Key::LeftMouse, INSIDE)));
-    EXPECT_EQ(m_fired, 1);
-}
-
-TEST_F(ButtonTest, ShortcutFiresAtTheReleaseWithoutModifiers) {
-    m_button->AddShortcutKey('q');
-    EXPECT_FALSE(Send(test::Press('q', OUTSIDE)));
-    EXPECT_TRUE(Send(test::Release('q', OUTSIDE)));
-    EXPECT_EQ(m_fired, 1);
-    EXPECT_FALSE(Send(test::Release('q', OUTSIDE))) << "the press was somebody else's";
-    Send(test::Press('w', OUTSIDE));
-    EXPECT_FALSE(Send(test::Release('w', OUTSIDE)));
-    for (bool gui::KeyEvent::*const modifier :
-         {&gui::KeyEvent::m_ctrl, &gui::KeyEvent::m_alt, &gui::KeyEvent::m_shift, &gui::KeyEvent::m_handled,
-          &gui::KeyEvent::m_repeated}) {
-        for (const bool atPress : {true, false}) {
-            gui::KeyEvent press = test::Press('q', OUTSIDE), release = test::Release('q', OUTSIDE);
-            gui::KeyEvent& marked = atPress ? press : release;
-            marked.*modifier = true;
-            Send(press);
-            Send(release);
-        }
-    }
-    EXPECT_EQ(m_fired, 1);
-}
-
 TEST(Label, IsAsLargeAsItsText) {
     const gui::LabelPtr label = new gui::Label("mi");
     EXPECT_EQ(label->GetSize(), Vec2(16 + 8, 22));

@@ -33,7 +33,6 @@ TEST(GUI, ScaleRulesCoordinatesAndSize) {
     EXPECT_EQ(root.GetRoot()->GetSize(), Vec2(400, 300));
     EXPECT_EQ(root.ToGUI({100, 100}), Vec2(50, 50));
     EXPECT_EQ(gui::Input::Instance().ToGUI({100, 100}), Vec2(50, 50));
-    EXPECT_EQ(root.ToPixels({50.2f, 10.25f}), math::Vec2i(100, 21));
     SetAttribute("scale", 1);
     EXPECT_EQ(root.GetRoot()->GetSize(), Vec2(800, 600));
 }

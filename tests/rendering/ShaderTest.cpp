@@ -28,10 +28,7 @@ void DrawFrame() {
 
 class ShaderTest : public test::GlTest {
   protected:
-    void TearDown() override {
-        Context::SetUseShaders(false);
-        Context::SetUseSimpleShaders(false);
-    }
+    void TearDown() override { Context::SetUseShaders(false); }
 };
 
 TEST_F(ShaderTest, OneStageIsEnough) {
@@ -75,14 +72,11 @@ TEST_F(ShaderTest, UniformsSurviveAReload) {
 TEST_F(ShaderTest, MissingVariablesAreReportedAndHarmless) {
     const ShaderMentorPtr mentor = new ShaderMentor([] { return new Shader("", PAINT, "paint"); });
     const UniformPtr missing = new Uniform(mentor, "Nowhere");
-    const rendering::AttributePtr noAttribute = new rendering::Attribute(mentor, "Neither");
     const test::LogCapture log;
     const rendering::ScopedShader bound(*mentor->Get());
     missing->Set(1.0f);
     missing->Set(2.0f);
-    noAttribute->Set(1.0f);
     EXPECT_EQ(log.Count("Uniform \"Nowhere\" not found in shader"), 1);
-    EXPECT_EQ(log.Count("Attribute \"Neither\" not found."), 1);
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
@@ -115,20 +109,15 @@ TEST_F(ShaderTest, TheShippedShadersUseEveryUniformThatTheProgramSets) {
     const String scratch = files.GetWorkDir();
     files.SetWorkDir(test::GetSourceDir() + "/");
     Context::SetUseShaders(true);
-    for (const bool simple : {false, true}) {
-        Context::SetUseSimpleShaders(simple);
-        for (const auto& contract : contracts) {
-            const ShaderMentorPtr mentor = rendering::ShaderManager::Instance().Get(contract.first);
-            mentor->Unload();
-            mentor->Load();
-            ASSERT_TRUE(mentor->Get()) << contract.first << simple;
-            for (const char* const name : contract.second) {
-                const int location = mentor->Get()->LookupUniform(name);
-                // The simple water needs no more than the contract says, nor do the others.
-                EXPECT_GE(location, 0) << contract.first << " " << name << simple;
-            }
-            mentor->Unload();
+    for (const auto& contract : contracts) {
+        const ShaderMentorPtr mentor = rendering::ShaderManager::Instance().Get(contract.first);
+        mentor->Unload();
+        mentor->Load();
+        ASSERT_TRUE(mentor->Get()) << contract.first;
+        for (const char* const name : contract.second) {
+            EXPECT_GE(mentor->Get()->LookupUniform(name), 0) << contract.first << " " << name;
         }
+        mentor->Unload();
     }
     files.SetWorkDir(scratch);
 }

@@ -23,9 +23,6 @@ class FixJointEntity : public JointEntity {
     void Serialize(EntitySerializer& out, Purpose purpose) const override;
     EntityPtr Clone() const override;
 
-    // The pair that this joint holds together, or null.
-    const physics::GeomPtr& GetFused(int i) const { return m_fused[i]; }
-
   private:
     class Links;
 

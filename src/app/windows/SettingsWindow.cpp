@@ -32,25 +32,6 @@ constexpr float LIST_ROOM = 140;       // of the interface's height, left free
 constexpr size_t MAX_FOUND = 200;      // rows of a search
 constexpr size_t MAX_VALUE_TEXT = 14;  // characters of a default that are shown
 
-// The default as an object, for the attribute types that there are; null for none of them.
-template <class T>
-ObjectPtr GetDefaultAs(const AbstractAttribPtr& attrib) {
-    const auto typed = util::DynamicCast<script::TAttrib<T>>(attrib);
-    return typed ? script::ValueToObject(typed->GetDefault()) : ObjectPtr();
-}
-
-template <class... Types>
-ObjectPtr FindDefault(const AbstractAttribPtr& attrib) {
-    ObjectPtr found;
-    ((found = found ? found : GetDefaultAs<Types>(attrib)), ...);
-    return found;
-}
-
-ObjectPtr GetDefault(const AbstractAttribPtr& attrib) {
-    return FindDefault<bool, int, unsigned int, float, String, math::TVector2<float>, math::TVector2<int>,
-                       math::TVector3<float>, math::TVector4<float>>(attrib);
-}
-
 void Collect(script::ClassObject& object, const String& path, std::set<script::ClassObject*>& seen,
              std::vector<Setting>& found) {
     if (!seen.insert(&object).second) return;
@@ -126,13 +107,10 @@ gui::LabelPtr MakeCell(const String& text, float width) {
 }
 
 ComponentPtr MakeSettingRow(const Setting& setting, bool withPath, bool withDefault) {
-    const ObjectPtr standard = GetDefault(setting.m_attrib);
-    String text = standard ? standard->ToCode() : String();
+    String text = setting.m_attrib->MakeDefault()->ToCode();
     if (text.size() > MAX_VALUE_TEXT) text = text.substr(0, MAX_VALUE_TEXT - 2) + "..";
     const auto attrib = setting.m_attrib;
-    const gui::ButtonPtr reset = MakeButton("Reset", [attrib, standard] {
-        if (standard) attrib->SetValue(standard);
-    });
+    const gui::ButtonPtr reset = MakeButton("Reset", [attrib] { attrib->SetValue(attrib->MakeDefault()); });
     reset->SetToolTip(text);
     const String name = withPath ? setting.m_object + "." + setting.m_name : setting.m_name;
     std::vector<ComponentPtr> cells = {

@@ -19,10 +19,9 @@ constexpr math::Vec4 DISABLED_COLOR(0.4f, 0.4f, 0.4f, 1);
 
 void AbstractButton::OnKeyEvent(KeyEvent& event) {
     Component::OnKeyEvent(event);
-    const bool firesByKey = HandleShortcut(event) || HandleFocusKey(event);
     if (event.m_handled) {
         if (event.m_key == Key::LeftMouse && !event.m_pressed) m_pressed = false;
-    } else if (firesByKey) {
+    } else if (IsFocusPress(event)) {
         event.m_handled = true;
         OnPressed();
     } else if (event.m_key == Key::LeftMouse) {
@@ -30,34 +29,19 @@ void AbstractButton::OnKeyEvent(KeyEvent& event) {
     }
 }
 
-// The press alone arms: "s" typed into a field, or ctrl+s with ctrl let go first, releases a key that was
-// not pressed for this button.
-bool AbstractButton::HandleShortcut(const KeyEvent& event) {
-    if (m_shortcutKeys.count(event.m_key) == 0 || event.m_repeated) return false;
-    const bool isPlain = !event.m_handled && !event.m_shift && !event.m_ctrl && !event.m_alt;
-    const bool wasArmed = m_armedKey == event.m_key;
-    m_armedKey = event.m_pressed && isPlain ? event.m_key : 0;
-    return !event.m_pressed && wasArmed && isPlain && m_enabled;
-}
-
-bool AbstractButton::HandleFocusKey(const KeyEvent& event) {
+bool AbstractButton::IsFocusPress(const KeyEvent& event) const {
     const bool isPressKey =
         event.m_key == Key::Return || event.m_key == Key::KeypadEnter || event.m_key == Key::Space;
-    return isPressKey && event.m_pressed && !event.m_repeated && !event.m_handled && m_enabled && HasFocus();
+    return isPressKey && event.m_pressed && !event.m_repeated && m_enabled && HasFocus();
 }
 
 void AbstractButton::HandleLeftButton(KeyEvent& event) {
     const bool isInside = IsHit(event.m_position);
     const bool wasPressed = m_pressed;
-    m_pressed = event.m_pressed && isInside && m_enabled && !m_fireOnPress;
-    if (!isInside) return;
-    if (event.m_pressed) {
-        event.m_handled = true;
-        if (m_fireOnPress && m_enabled) OnPressed();
-    } else if (wasPressed) {
-        event.m_handled = true;
-        OnPressed();
-    }
+    m_pressed = event.m_pressed && isInside && m_enabled;
+    if (!isInside || !(event.m_pressed || wasPressed)) return;
+    event.m_handled = true;
+    if (!event.m_pressed) OnPressed();
 }
 
 void AbstractButton::OnPressed() {

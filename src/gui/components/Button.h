@@ -1,14 +1,11 @@
 #pragma once
 
-#include <set>
-
 #include "gui/Component.h"
 
 namespace gui {
 
-// Press logic without a picture. Fires at the release of the left button, if press and release lie inside;
-// at the release of a shortcut key whose press it saw, both without modifiers and taken by nobody else; with
-// the focus at return and space.
+// Press logic without a picture. Fires at the release of the left button, if press and release lie inside, and
+// with the focus at return and space.
 class AbstractButton : public Component {
   public:
     explicit AbstractButton(const String& name = "AbstractButton") : Component(name) {}
@@ -21,10 +18,7 @@ class AbstractButton : public Component {
     virtual void OnPressed();  // fires the press callbacks, which may end the button's life
 
     bool IsPressed() const { return m_pressed; }  // held down now
-    void SetFireOnPress(bool fireOnPress) { m_fireOnPress = fireOnPress; }
     util::CallbackSet& GetOnPress() { return m_onPress; }
-    void AddShortcutKey(int key) { m_shortcutKeys.insert(key); }
-    const std::set<int>& GetShortcutKeys() const { return m_shortcutKeys; }
     bool IsEnabled() const { return m_enabled; }
     void SetEnabled(bool enabled);  // a button that is not is drawn dark and fires nothing
 
@@ -34,16 +28,12 @@ class AbstractButton : public Component {
     void MultStateColor() const;
 
   private:
-    bool HandleShortcut(const KeyEvent& event);
-    bool HandleFocusKey(const KeyEvent& event);
+    bool IsFocusPress(const KeyEvent& event) const;
     void HandleLeftButton(KeyEvent& event);
 
     bool m_pressed = false;
-    bool m_fireOnPress = false;  // at the press already
     bool m_enabled = true;
-    int m_armedKey = 0;  // the shortcut key that is down; 0 for none
     util::CallbackSet m_onPress;
-    std::set<int> m_shortcutKeys;  // key codes
 };
 
 // A button with a text.

@@ -18,7 +18,6 @@ class Slider : public Component {
     virtual void SetValue(double value);  // tells of a change
     virtual void SetValueSilent(double value);
     virtual void SetDefault(double value);       // where a middle click goes
-    virtual void SetLabelText(const String&) {}  // for sliders that show a text of their own
     virtual void FireChange();
     virtual void FireDragStart();
     virtual void FireDragEnd();

@@ -27,7 +27,6 @@ class TextField : public Component {
     void SetText(const String& text);
     void SetMinWidth(float width);  // GUI units
     void SetMaxWidth(float width);  // a longer text is cut, and moves with the cursor
-    const TextInputerPtr& GetInputer() const { return m_inputer; }
 
     util::CallbackSet& GetOnEnter() { return m_inputer->GetOnEnter(); }  // return, with a text
     util::CallbackSet& GetOnChange() { return m_onChange; }              // of the text, by the user
