@@ -90,7 +90,7 @@ class Subsystem : public gui::InputListener, public gui::WindowHost, public util
     void LimitFrameRate(double dt);
     void RethrowLostWindow();
 
-    // Attributes in the order of their table.
+    // Settings of `System`.
     script::AttribPtr<math::Vec4> m_clearColor;  // behind everything
     script::AttribPtr<float> m_minFPS;           // 1/s; below it the simulation slows down instead
     script::AttribPtr<float> m_maxFPS;           // 1/s, at least 1

@@ -28,7 +28,7 @@ class GUI : public script::Reflected, public util::Singleton<GUI> {
 
     float GetScale() const { return m_scale->Get(); }  // pixels per GUI unit, at least 0.25
     void SetScale(float scale);
-    math::Vec2 GetSize() const;                  // of the window in GUI units
+    math::Vec2 GetSize() const;  // of the window in GUI units
     math::Vec2 ToGUI(math::Vec2 pixels) const { return pixels / GetScale(); }
 
     // Whether the cursor's picture is there; else the window system's cursor has to stay visible.

@@ -62,8 +62,8 @@ void SPH::Sort(const ParticleList& particles) {
     m_points.clear();
     m_points.reserve(particles.size());
     for (const ParticlePtr& particle : particles) m_points.push_back(particle.Get()->m_pos);
-    // Cells wider than the kernel find the same neighbours at a higher price. Narrower ones lose some, which
-    // is allowed.
+    // Cells wider than the kernel find the same neighbours at a higher price. Narrower ones lose some: the
+    // user's choice of speed over detail.
     m_grid.Sort(m_points, m_radius->Get() * m_influence->Get() * std::min(m_bucketSize->Get(), 1.0f));
 }
 

@@ -39,7 +39,7 @@ int BytesPerPixel(int internalFormat) {
         case GL_RGBA8:
         case GL_DEPTH_COMPONENT32:
             return 4;
-        case GL_RGB32F_ARB:  // counted as drivers pack it at half precision, kept for equal figures
+        case GL_RGB32F_ARB:  // as drivers pack it: at half precision
         case GL_RGBA16F_ARB:
             return 8;
         case GL_RGBA32F_ARB:

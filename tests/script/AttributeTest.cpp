@@ -1,6 +1,7 @@
 #include "script/Attributes.h"
 
 #include "ScriptFixture.h"
+#include "support/Settings.h"
 
 namespace script {
 
@@ -108,34 +109,8 @@ TEST_F(Attributes, ForeignValuesOfTheDead) {
     EXPECT_EQ(size->Get(), math::Vec2i(800, 600));
 }
 
-// Every type: what is saved gives the value back.
-TEST_F(Attributes, SavedTextRestores) {
-    m_gadget->m_on->Set(false);
-    m_gadget->m_count->Set(-7);
-    m_gadget->m_limit->Set(4000000000u);
-    m_gadget->m_speed->Set(0.1f);
-    m_gadget->m_title->Set("two words");
-    m_gadget->m_gravity->Set({1e-20f, -3.4e38f});
-    m_gadget->m_tint->Set({1.0f / 3, std::numeric_limits<float>::infinity(), 1e8f});
-    m_gadget->m_color->Set({0.1f, 0.2f, 0.3f, 0.4f});
-    m_gadget->m_level->Set(0.7f);
-    m_gadget->m_size->Set({640, 480});
-    const String code = m_parser.GetRootCode();
-    const test::GadgetPtr other = new test::Gadget;
-    m_parser.GetRootClosure()->RemoveVariable("Gadget");
-    Reflected::AddToRoot(other);
-    m_parser.Execute(code);
-    EXPECT_EQ(other->m_on->Get(), false);
-    EXPECT_EQ(other->m_count->Get(), -7);
-    EXPECT_EQ(other->m_limit->Get(), 4000000000u);
-    EXPECT_EQ(other->m_speed->Get(), 0.1f);
-    EXPECT_EQ(other->m_title->Get(), "two words");
-    EXPECT_EQ(other->m_gravity->Get(), m_gadget->m_gravity->Get());
-    EXPECT_EQ(other->m_tint->Get(), m_gadget->m_tint->Get());
-    EXPECT_EQ(other->m_color->Get(), m_gadget->m_color->Get());
-    EXPECT_EQ(other->m_levelValue, 0.7f);
-    EXPECT_EQ(other->m_sizeValue, math::Vec2i(640, 480));
-    EXPECT_EQ(m_parser.GetRootCode(), code);
+TEST_F(Attributes, EachTypeComesBackFromItsText) {
+    test::CheckSettings(*m_gadget);
 }
 
 // A callback may end the attribute's owner, and a binding another attribute's.

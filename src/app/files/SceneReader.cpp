@@ -27,7 +27,7 @@ namespace app {
 
 namespace {
 
-// Lengths of the format without a version were a tenth of today's.
+// Lengths of the format without a version are a tenth of version 1's.
 constexpr float OLD_SCALE = 10;
 
 bool IsShape(const String& type) {

@@ -10,8 +10,8 @@ namespace app {
 // entity's values by key. The reader calls each literal by itself and takes the variables that it leaves,
 // so values may be expressions, a bad statement costs one key and a bad entity itself alone.
 //
-// Version 1 is written. A file without a version is of the older format, whose lengths were a tenth of
-// today's.
+// Version 1 is written. A file without a version is of the older format, whose lengths are a tenth of
+// version 1's.
 class Serializer {
   public:
     // Entities that are about to be retired are left out.

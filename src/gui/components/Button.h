@@ -4,8 +4,8 @@
 
 namespace gui {
 
-// Press logic without a picture. Fires at the release of the left button, if press and release lie inside, and
-// with the focus at return and space.
+// Press logic without a picture. Fires at the release of the left button, if press and release lie inside,
+// and with the focus at return and space.
 class AbstractButton : public Component {
   public:
     explicit AbstractButton(const String& name = "AbstractButton") : Component(name) {}

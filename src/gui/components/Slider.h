@@ -17,7 +17,7 @@ class Slider : public Component {
     virtual double GetValue() const { return m_value; }
     virtual void SetValue(double value);  // tells of a change
     virtual void SetValueSilent(double value);
-    virtual void SetDefault(double value);       // where a middle click goes
+    virtual void SetDefault(double value);  // where a middle click goes
     virtual void FireChange();
     virtual void FireDragStart();
     virtual void FireDragEnd();
