@@ -43,7 +43,8 @@ def circle(number, pos=(0, 0), radius=0.5, more=""):
 
 def polygon(number, vertices):
     vecs = ",".join("[%.6g,%.6g]" % v for v in vertices)
-    return '{type = "polygon";id=%d;color=[1.0,0.5,0.5];pos=[0.0,0.0];angle=0.0;vecs=[%s]}' % (number, vecs)
+    x, y = (sum(v[i] for v in vertices) / len(vertices) for i in (0, 1))
+    return '{type = "polygon";id=%d;color=[1.0,0.5,0.5];pos=[%g,%g];angle=0.0;vecs=[%s]}' % (number, x, y, vecs)
 
 
 def water(places):
@@ -100,6 +101,25 @@ def wheel(vertices, at):
 def outlines():
     """Twenty outlines of ten thousand vertices."""
     return (polygon(10 + i, wheel(10000, 4 * i)) for i in range(20))
+
+
+@case
+def combs():
+    """Outlines whose edges lie side by side, so that each has to be held against all others."""
+    def comb(at):
+        teeth = [(at + 1e-4 * i + i % 2, 1.0 * (i % 2)) for i in range(9998)]
+        return teeth + [(at + 3, 1), (at + 3, -1), (at - 1, -1)]
+    return (polygon(10 + i, comb(10 * i)) for i in range(20))
+
+
+@case
+def many_circles():
+    return ('{type = "circle";radius=0.4;id=%d;pos=[%d,%d]}' % (10 + i, i % 300, i // 300) for i in range(100000))
+
+
+@case
+def many_joints():
+    return ('{type = "hinge";size=0.1;geom0=1;geom1=0;geom0pos=[0,0];geom1pos=[0,0]}' for i in range(40000))
 
 
 @case

@@ -70,12 +70,7 @@ SceneReader::SceneReader(Scene& scene)
 SceneReader::~SceneReader() = default;
 
 void SceneReader::Read(const script::CodeBlock& code) {
-    for (const script::ExpressionPtr& statement : code.GetExpressions()) {
-        Guarded([&] {
-            const script::GuestTurn turn(*m_guest);
-            ReadStatement(statement);
-        });
-    }
+    ReadStatements(code);
     SortShapes();
     const physics::WorldGeomPtr world = physics::Simulation::Instance().GetWorldGeom();
     m_geoms[world->GetID()] = world;
@@ -86,11 +81,26 @@ void SceneReader::Read(const script::CodeBlock& code) {
             (this->*step)(record);
         });
     };
-    for (Record& record : m_shapes) build(&SceneReader::DeserializeBody, record);
+    for (Record& record : m_shapes) {
+        if (!IsFull()) build(&SceneReader::DeserializeBody, record);
+    }
     BuildBodies();
     for (Record& record : m_others) build(&SceneReader::DeserializeNonbody, record);
     FinishChains();
     EnterScene();
+}
+
+void SceneReader::ReadStatements(const script::CodeBlock& code) {
+    for (const script::ExpressionPtr& statement : code.GetExpressions()) {
+        if (m_place == MAX_ENTITIES) {
+            Log(logging::Warning, "The scene is too large: the rest of it is left out");
+            return;
+        }
+        Guarded([&] {
+            const script::GuestTurn turn(*m_guest);
+            ReadStatement(statement);
+        });
+    }
 }
 
 void SceneReader::ReadStatement(const script::ExpressionPtr& statement) {
@@ -179,19 +189,31 @@ void SceneReader::RenumberGroup(EntitySerializer& values) {
     values["group"] = script::ValueToObject(Renumber(m_groups, m_takenGroups, group));
 }
 
-GeomEntityPtr SceneReader::BuildShape(const String& type, const EntitySerializer& values) const {
+GeomEntityPtr SceneReader::BuildShape(const String& type, const EntitySerializer& values) {
     if (type == "polygon") return BuildPolygon(values);
     if (type == "circle") return BuildCircle(values);
     if (type == "plane") return BuildPlane(values);
     return nullptr;
 }
 
+// A polygon takes time with the square of its vertices, and memory for its distance map.
+void SceneReader::ChargePolygon(size_t vertices) {
+    ++m_numPolygons;
+    m_vertexPairs += vertices * vertices;
+    if (IsFull()) THROW(BadDataException, "The scene is too large: the rest of its shapes is left out");
+}
+
+bool SceneReader::IsFull() const {
+    return m_numPolygons > MAX_POLYGONS || m_vertexPairs > MAX_VERTEX_PAIRS;
+}
+
 // The outline stands in the file round the place of the shape. Taken from that in double, the vertices are
 // exactly those that were written.
-GeomEntityPtr SceneReader::BuildPolygon(const EntitySerializer& values) const {
+GeomEntityPtr SceneReader::BuildPolygon(const EntitySerializer& values) {
     script::ObjectList vecs;
     ReadKey(values, "vecs", vecs);
     if (vecs.size() > MAX_VERTICES) THROW(BadDataException, "Too many vertices in scene file");
+    ChargePolygon(vecs.size());
     math::Vec2 pos;
     if (HasKey(values, "pos")) ReadKey(values, "pos", pos);
     pos *= GetScale();

@@ -30,6 +30,9 @@ class SceneReader {
     static constexpr float MAX_LENGTH = 1e6f;
     static constexpr float MAX_EXTENT = 1e4f;  // of a shape to each side: a larger one throws all others out
     static constexpr size_t MAX_VERTICES = 10000;
+    static constexpr size_t MAX_VERTEX_PAIRS = 400000000;  // of all outlines: seconds
+    static constexpr size_t MAX_POLYGONS = 6000;           // half a gigabyte when all have been touched
+    static constexpr size_t MAX_ENTITIES = 30000;
     static constexpr script::Int MAX_CHAIN_PLACE = 100000;
 
   private:
@@ -44,6 +47,7 @@ class SceneReader {
         EntitySerializer m_values;
     };
 
+    void ReadStatements(const script::CodeBlock& code);
     void ReadStatement(const script::ExpressionPtr& statement);
     void ReadEntity(script::FunctionDeclaration& declaration);
     void ReadAssignment(const script::Assignment& assignment);
@@ -53,8 +57,10 @@ class SceneReader {
     void Enter(const EntityPtr& entity, const Record& record);
     static script::Int Renumber(NumberMap& numbers, std::set<script::Int>& taken, script::Int number);
     void RenumberGroup(EntitySerializer& values);
-    GeomEntityPtr BuildShape(const String& type, const EntitySerializer& values) const;
-    GeomEntityPtr BuildPolygon(const EntitySerializer& values) const;
+    void ChargePolygon(size_t vertices);
+    bool IsFull() const;
+    GeomEntityPtr BuildShape(const String& type, const EntitySerializer& values);
+    GeomEntityPtr BuildPolygon(const EntitySerializer& values);
     GeomEntityPtr BuildCircle(const EntitySerializer& values) const;
     GeomEntityPtr BuildPlane(const EntitySerializer& values) const;
     void PlaceShape(GeomEntity& entity, EntitySerializer& values) const;
@@ -78,6 +84,7 @@ class SceneReader {
     script::ClosurePtr m_closure;                        // in which the file's statements are evaluated
     script::Int m_version = 0;                           // 0 until the file says otherwise
     size_t m_place = 0;                                  // of the next entity in the file
+    size_t m_numPolygons = 0, m_vertexPairs = 0;         // so far
     std::vector<Record> m_shapes;
     std::vector<Record> m_others;
     GeomMap m_geoms;                         // by the file's numbers; 0 is the world geom
