@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """Runs every shipped scene in several builds of vexa-scene, several times each: all must end in the same bits.
 
-    tests/endurance/same_bits.py [--steps N] [--runs N] [--scenes A,B] [--build PRESET,PRESET] VEXA_SCENE...
+    tests/endurance/same_bits.py [--steps N] [--runs N] [--scenes A,B] [--build PRESET,PRESET] [--other PRESET] [VEXA_SCENE...]
 
---build configures and builds the runner of those presets (release, debug, checked, clang) and takes them along.
+--build configures and builds the runner of those presets (release, debug, checked, clang) and takes them along;
+--other takes that of a preset where it is built.
 """
 
 import argparse
@@ -36,12 +37,15 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("runners", nargs="*", metavar="VEXA_SCENE")
     parser.add_argument("--build", default="", help="presets to build first, with commas")
+    parser.add_argument("--other", default="", help="presets to take where they are built, with commas")
     parser.add_argument("--steps", type=int, default=1000)
     parser.add_argument("--runs", type=int, default=1, help="of each scene in each build")
     parser.add_argument("--scenes", help="with commas; all that ship when not given")
     options = parser.parse_args()
     runners = [os.path.abspath(runner) for runner in options.runners]
     runners += [build(preset) for preset in options.build.split(",") if preset]
+    others = [os.path.join(ROOT, RUNNER % preset) for preset in options.other.split(",") if preset]
+    runners += [runner for runner in others if os.path.exists(runner)]
     if not runners:
         parser.error("no runner")
     names = options.scenes.split(",") if options.scenes else sorted(

@@ -1,23 +1,46 @@
 #!/usr/bin/env bash
-# Builds the fuzzers with clang and runs them: tests/fuzz/run.sh [SECONDS each] [NAME...]
-# What they find is left in build/fuzz/found/. Exit status 77 (skipped) where there is no clang with libFuzzer.
+# Builds the fuzzers with clang and runs them: tests/fuzz/run.sh [--built] [SECONDS each] [NAME...]
+# With --built only those run that stand in build/fuzz. What they find is left in build/fuzz/found/.
+# Exit status 77 (skipped) where there is no clang with libFuzzer, or nothing built.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
+build=yes
+if [ "${1:-}" = --built ]; then
+    build=
+    shift
+fi
 seconds=${1:-60}
 shift || true
 names=("$@")
 [ ${#names[@]} -gt 0 ] || names=(parse guest settings polygon image font scene language)
 
-probe=$(mktemp -d)
-trap 'rm -rf "$probe"' EXIT
-echo 'extern "C" int LLVMFuzzerTestOneInput(const unsigned char*, unsigned long) { return 0; }' >"$probe/a.cpp"
-if ! clang++ -fsanitize=fuzzer "$probe/a.cpp" -o "$probe/a" 2>/dev/null; then
-    echo "fuzz: skipped, there is no clang++ with libFuzzer"
-    exit 77
-fi
+build_them() {
+    local probe
+    probe=$(mktemp -d)
+    echo 'extern "C" int LLVMFuzzerTestOneInput(const unsigned char*, unsigned long) { return 0; }' >"$probe/a.cpp"
+    if ! clang++ -fsanitize=fuzzer "$probe/a.cpp" -o "$probe/a" 2>/dev/null; then
+        rm -r "$probe"
+        echo "fuzz: skipped, there is no clang++ with libFuzzer"
+        exit 77
+    fi
+    rm -r "$probe"
+    cmake --preset fuzz >/dev/null
+    cmake --build --preset fuzz --target "${names[@]/#/fuzz_}"
+}
 
-cmake --preset fuzz >/dev/null
-cmake --build --preset fuzz --target "${names[@]/#/fuzz_}"
+keep_built() {
+    local built=() name
+    for name in "${names[@]}"; do
+        if [ -x "build/fuzz/tests/fuzz/fuzz_$name" ]; then built+=("$name"); fi
+    done
+    if [ ${#built[@]} -eq 0 ]; then
+        echo "fuzz: skipped, no fuzzer is built"
+        exit 77
+    fi
+    names=("${built[@]}")
+}
+
+if [ -n "$build" ]; then build_them; else keep_built; fi
 
 status=0
 for name in "${names[@]}"; do
