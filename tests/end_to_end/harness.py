@@ -38,8 +38,9 @@ def check(condition, message):
         raise Failure(message)
 
 
-def wait_for(what, probe, timeout=TIMEOUT):
+def wait_for(what, probe, timeout=None):
     """The first true answer of `probe`."""
+    timeout = timeout or TIMEOUT
     end = time.monotonic() + timeout
     while True:
         answer = probe()

@@ -19,10 +19,12 @@ import sys
 import time
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), os.pardir, "end_to_end"))
+import harness  # noqa: E402
 from harness import Failure, Session, box, check, ground, parse_scene, scene, wait_for  # noqa: E402
 
 KINDS = ["open", "read", "write", "fsync", "rename", "mkdir", "remove", "malloc"]
 MOST_REPEATS = 4  # of one line about a failure in a run of a few seconds
+PATIENCE = 120  # seconds after which a run hangs, however busy the machine is
 RUN_SECONDS = 0.8  # some autosaves long
 USER_SCENE = scene(ground(0), box(0, 0.5, 1), box(0, 1.5, 1))
 SETTINGS = "App.autosaveTime = 0.15;\nKeys.bind(\"f12\", { System.screenshot })"
@@ -60,7 +62,7 @@ class FaultyRun(Session):
         except (Failure, subprocess.CalledProcessError):
             pass
         try:
-            self.status = self.process.wait(30)
+            self.status = self.process.wait(PATIENCE)
         except subprocess.TimeoutExpired:
             raise Failure("hangs")
         self.process = None
@@ -121,6 +123,7 @@ def calls_to_fail(count, most):
 
 
 def main():
+    harness.TIMEOUT = PATIENCE
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("folder")
     parser.add_argument("library")
