@@ -54,6 +54,19 @@ TEST_P(ShippedScenes, LoseNothingInTenSeconds) {
     }
 }
 
+// Objects that own each other in a ring would stay for ever.
+TEST_P(ShippedScenes, LeaveNothingBehind) {
+    int32_t counts[2];
+    for (int32_t& count : counts) {
+        ASSERT_TRUE(SceneLoader::Load(GetScene(), GetView(), GetPath()));
+        RunFor(3);
+        GetApp().Clear();
+        GetUndoer().Clear();
+        count = util::Pointee::GetCount();
+    }
+    EXPECT_EQ(counts[0], counts[1]);
+}
+
 INSTANTIATE_TEST_SUITE_P(Scenes, ShippedScenes,
                          testing::Values("welcome", "dam", "stack", "dominoes", "pile", "slope", "newton",
                                          "car", "bridge", "catapult", "pendulums", "piston", "wrecking"),

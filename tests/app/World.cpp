@@ -1,5 +1,6 @@
 #include "World.h"
 
+#include <algorithm>
 #include <limits>
 #include <sstream>
 #include <vector>
@@ -36,6 +37,12 @@ void CopyLanguages() {
     }
 }
 
+std::ptrdiff_t CountEntities() {
+    const auto& all = script::Reflected::GetInstances();
+    return std::count_if(all.begin(), all.end(),
+                         [](script::Reflected* object) { return dynamic_cast<Entity*>(object) != nullptr; });
+}
+
 }  // namespace
 
 void World::SetUp() {
@@ -56,6 +63,7 @@ void World::TearDown() {
     GetApp().Clear();
     GetUndoer().Clear();
     util::Clock::SetSource(nullptr);
+    EXPECT_EQ(CountEntities(), 0) << "something keeps them alive";
 }
 
 CircleEntityPtr World::AddCircle(math::Vec2 pos, float radius) {

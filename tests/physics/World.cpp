@@ -8,63 +8,11 @@ namespace test {
 using math::Vec2;
 using physics::BodyPtr;
 
-template <class A>
-static void Reset(const A& attribute) {
-    attribute->Set(attribute->GetDefault());
-}
-
-static void ResetSettings(physics::Simulation& sim) {
-    Reset(sim.m_running);
-    Reset(sim.m_timeFactor);
-    Reset(sim.m_timeDelta);
-    Reset(sim.m_gravity);
-    Reset(sim.m_gravitySwitch);
-    Reset(sim.m_airFrictionOn);
-    Reset(sim.m_airFrictionLinear);
-    Reset(sim.m_airFrictionQuadratic);
-    Reset(sim.m_rotFrictionLinear);
-    Reset(sim.m_airBuoyancy);
-    Reset(sim.m_airDensity);
-    Reset(sim.m_springForce);
-    Reset(sim.m_defaultBodyDensity);
-    Reset(sim.m_defaultBodyFriction);
-    Reset(sim.m_defaultBodyRestitution);
-    Reset(sim.m_fallLimit);
-    Reset(sim.m_prioritizedSolver);
-    Reset(sim.m_targetPenetration);
-    Reset(sim.m_solveIter);
-    Reset(sim.m_solveConstant);
-    Reset(sim.m_solveDcontacts);
-    Reset(sim.m_solveDconstraints);
-    Reset(sim.m_solveDistFactor);
-    Reset(sim.m_solveVelFactor);
-    Reset(sim.m_solveAccFactor);
-    Reset(sim.m_solveRegularizationFactor);
-    Reset(sim.m_solvePreSortConstraints);
-    Reset(sim.m_solveConjugate);
-    Reset(sim.m_leapFrog);
-    Reset(sim.m_adHocSolver);
-    Reset(sim.m_warmStart);
-    Reset(sim.m_warmStartFactor);
-    Reset(sim.m_maxPositionCorrection);
-}
-
-static void ResetSettings(physics::SPH& sph) {
-    Reset(sph.m_radius);
-    Reset(sph.m_influence);
-    Reset(sph.m_specialPressure);
-    Reset(sph.m_vaporizeTime);
-    Reset(sph.m_friction);
-    Reset(sph.m_restitution);
-    Reset(sph.m_soundSpeed);
-    Reset(sph.m_density);
-    Reset(sph.m_viscosity);
-    Reset(sph.m_pressMultiplier);
-    Reset(sph.m_viscMultiplier);
-    Reset(sph.m_surfaceTension);
-    Reset(sph.m_jitter);
-    Reset(sph.m_bucketSize);
-    Reset(sph.m_pressureSweeps);
+static void ResetSettings(const script::ClassObject& owner) {
+    for (const script::VariablePtr& variable : owner.GetVariables()) {
+        const auto attrib = util::DynamicCast<script::AbstractAttrib>(variable);
+        if (attrib) attrib->SetValue(attrib->MakeDefault());
+    }
 }
 
 World::World() : sim(physics::Simulation::Instance()), sph(physics::SPH::Instance()) {
