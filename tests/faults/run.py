@@ -12,6 +12,7 @@ import argparse
 import collections
 import os
 import re
+import shutil
 import signal
 import struct
 import subprocess
@@ -25,6 +26,7 @@ from harness import Failure, Session, box, check, ground, parse_scene, scene, wa
 KINDS = ["open", "read", "write", "fsync", "rename", "mkdir", "remove", "malloc"]
 MOST_REPEATS = 4  # of one line about a failure in a run of a few seconds
 PATIENCE = 120  # seconds after which a run hangs, however busy the machine is
+AUTOSAVE_SECONDS = 15  # until the first one, at most
 RUN_SECONDS = 0.8  # some autosaves long
 USER_SCENE = scene(ground(0), box(0, 0.5, 1), box(0, 1.5, 1))
 SETTINGS = "App.autosaveTime = 0.15;\nKeys.bind(\"f12\", { System.screenshot })"
@@ -57,7 +59,7 @@ class FaultyRun(Session):
         try:
             self.start("test.vxa")
             self.key("F12")
-            time.sleep(RUN_SECONDS)
+            self.await_autosaves()
             self.process.send_signal(signal.SIGTERM)
         except (Failure, subprocess.CalledProcessError):
             pass
@@ -68,6 +70,16 @@ class FaultyRun(Session):
         self.process = None
         with open(os.path.join(self.top, "output.txt"), encoding="latin-1") as file:
             self.output = file.read()
+
+    def await_autosaves(self):
+        """Some of them, or a while in vain where a fault keeps them from being made."""
+        end = time.monotonic() + AUTOSAVE_SECONDS
+        saved = ["Scenes/" + harness.AUTOSAVE, harness.AUTOSAVED_SETTINGS]
+        while self.process.poll() is None and time.monotonic() < end:
+            if all(os.path.exists(self.path(name)) for name in saved):
+                break
+            time.sleep(0.05)
+        time.sleep(RUN_SECONDS)
 
     def counts(self):
         with open(os.path.join(self.top, "counts"), "rb") as file:
@@ -81,6 +93,7 @@ def names_of(configuration):
 
 def prepare(session):
     session.append_autoexec(SETTINGS)
+    shutil.rmtree(session.path("Screenshots"))  # to be made
     session.write("Scenes/test.vxa", USER_SCENE)
     session.write("Scenes/" + "_ONEXITSAVE.vxa", USER_SCENE)
 
