@@ -2,9 +2,18 @@
 
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
+
 #include "util/Exception.h"
 
 namespace util {
+
+// With the system's reason, as it stands behind the call that failed: a full disk, most likely.
+[[noreturn]] static void ThrowWriteFailure() {
+    const String reason = std::strerror(errno);
+    THROW(std::runtime_error, "Failed to write: " + reason);
+}
 
 FILEWrapper::FILEWrapper(const String& path, const String& mode)
     : m_file(std::fopen(path.c_str(), mode.c_str())) {
@@ -32,15 +41,13 @@ void FILEWrapper::Seek(int offset, int origin) {
 }
 
 void FILEWrapper::Sync() {
-    if (std::fflush(m_file) != 0 || fsync(fileno(m_file)) != 0) {
-        THROW(std::runtime_error, "Failed to write 0 bytes");
-    }
+    if (std::fflush(m_file) != 0 || fsync(fileno(m_file)) != 0) ThrowWriteFailure();
 }
 
 void FILEWrapper::Close() {
     std::FILE* const file = m_file;
     m_file = nullptr;
-    if (std::fclose(file) != 0) THROW(std::runtime_error, "Failed to write 0 bytes");
+    if (std::fclose(file) != 0) ThrowWriteFailure();
 }
 
 }  // namespace util

@@ -19,8 +19,8 @@ class FILEWrapper {
     void Read(void* data, size_t count);         // "Failed to read <count> bytes" when short
     void Write(const void* data, size_t count);  // "Failed to write <count> bytes" when short
     void Seek(int offset, int origin);           // "Failed to seek in FILE"
-    void Sync();   // flushes to the disk itself; "Failed to write 0 bytes" when it cannot
-    void Close();  // reports what a late write failure leaves: "Failed to write 0 bytes"
+    void Sync();   // flushes to the disk itself; "Failed to write: <the system's reason>" when it cannot
+    void Close();  // reports what a late write failure leaves, likewise
 
     std::FILE* Get() const { return m_file; }
 
