@@ -23,8 +23,8 @@ constexpr size_t MAX_GUEST_TOKENS = 1200000;
 constexpr int64_t MAX_GUEST_STEPS = 1500000;  // of all statements together
 constexpr int64_t MAX_GUEST_TURN = 500000;    // of one statement
 // Formulas that a guest has bound to attributes, in each recalculation: a frame of the program.
-constexpr int64_t MAX_FORMULA_STEPS = 4000;  // of one
-constexpr int64_t MAX_FRAME_STEPS = 20000;   // of all together
+constexpr int64_t MAX_FORMULA_STEPS = 2000;  // of one
+constexpr int64_t MAX_FRAME_STEPS = 6000;    // of all together: some 5 ms at most
 
 // Raise ScriptException with "String too long", "List too long".
 void CheckStringSize(size_t size);
