@@ -108,6 +108,7 @@ void App::ClearScene() {
     Undoer::Instance().GetOnInterrupt().CallAll();
     const SnapshotPtr before = new Snapshot(m_scene);
     Clear();
+    m_scene.GetSettings().Set({});
     ZoomToScene();
     Undoer::Instance().AddRestorer(before, "UndoClear");
 }
@@ -158,8 +159,10 @@ void App::CreateGUI() {
 }
 
 void App::OnExit() {
+    const bool isSaved = m_appGUI->SaveSceneAs(ONEXIT_SCENE, true);
+    m_scene.GetSettings().Set({});  // what is saved as the user's is his own
     // The autosaved scene goes only when its successor is on the disk.
-    if (!m_appGUI->SaveSceneAs(ONEXIT_SCENE, true)) return;
+    if (!isSaved) return;
     const util::FileSystem& files = util::FileSystem::Instance();
     files.Remove(files.GetScenesDir() + util::RunSlot::Instance().GetAutosaveScene());
 }

@@ -9,6 +9,7 @@
 #include "app/drawing/DrawSettings.h"
 #include "app/entities/Entity.h"
 #include "app/files/SceneFiles.h"
+#include "app/files/SceneWriter.h"
 #include "app/history/Actions.h"
 #include "app/history/Snapshot.h"
 #include "app/history/Undoer.h"
@@ -102,6 +103,7 @@ AppGUI::AppGUI(App& app, const AppGUI* previous)
     Undoer::Instance().GetOnInterrupt().Add(new util::Callback([this] { BreakOff(); }, self));
     m_app.GetGUISettings().m_tool->AddOnChange(new util::Callback([this] { FollowSelectedTool(); }, self));
     m_scene.GetOnNameChange().Add(new util::Callback([this] { ShowSceneName(); }, self));
+    m_scene.GetOnLoading().Add(new util::Callback([this] { ShowSceneName(); }, self));
 }
 
 AppGUI::~AppGUI() noexcept(false) {
@@ -347,22 +349,43 @@ void AppGUI::NoteSaved(const String& name) {
     Log(logging::Info, "Scene saved to " + name);
 }
 
+// While a great scene is being read no picture is drawn, and the title tells how far it is.
 void AppGUI::ShowSceneName() {
     gui::WindowHost* const host = gui::GUI::Instance().GetWindowHost();
+    if (!host) return;
     const String& name = m_scene.GetName();
-    if (host) host->SetDocumentName(name.substr(name.find_last_of("/\\") + 1));
+    const int loaded = m_scene.GetLoadedPart();
+    host->SetDocumentName(loaded < 100 ? std::to_string(loaded) + " %"
+                                       : name.substr(name.find_last_of("/\\") + 1));
 }
 
 void AppGUI::Autosave() {
+    if (m_autosave) return ContinueAutosave();
     const double now = util::Clock::Now();
     if (now - m_lastAutosave <= m_app.m_autosaveTime->Get()) return;
     m_lastAutosave = now;
-    script::Parser::Instance().SaveRootCode(util::RunSlot::Instance().GetAutosaveConfig());
+    SaveAutosaveConfig();
     const String scene = util::RunSlot::Instance().GetAutosaveScene();
     const util::FileSystem& files = util::FileSystem::Instance();
     const AutosavedState state = GetAutosaveState();
     if (state == m_autosaved && files.Exists(files.GetScenesDir() + scene)) return;
-    if (SaveSceneAs(scene, true)) m_autosaved = state;
+    m_autosaving = state;
+    const auto begin = [&] { m_autosave = std::make_unique<SceneWriter>(m_scene, scene); };
+    if (util::Guarded(begin, "Error: ", logging::Error)) ContinueAutosave();
+}
+
+void AppGUI::SaveAutosaveConfig() {
+    const SceneSettings::UsersTurn usersOwn(m_scene.GetSettings());
+    script::Parser::Instance().SaveRootCode(util::RunSlot::Instance().GetAutosaveConfig());
+}
+
+void AppGUI::ContinueAutosave() {
+    constexpr double SLICE = 0.008;  // s of a frame
+    bool isWritten = false;
+    const auto write = [&] { isWritten = m_autosave->Continue(SLICE); };
+    const bool isWell = util::Guarded(write, "Error: ", logging::Error);
+    if (isWritten) m_autosaved = m_autosaving;
+    if (isWritten || !isWell) m_autosave = nullptr;
 }
 
 AppGUI::AutosavedState AppGUI::GetAutosaveState() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "app/Fwd.h"
@@ -100,6 +101,8 @@ class AppGUI : public gui::Component {
     void NoteSaved(const String& name);
     void ShowSceneName();  // in the title of the window
     void Autosave();
+    void SaveAutosaveConfig();
+    void ContinueAutosave();
 
     // AppGUIWindows.cpp
     void AddToolCommands();
@@ -151,6 +154,8 @@ class AppGUI : public gui::Component {
     SceneThumbnail m_thumbnail;
     const util::SharedPtr<Hint> m_hint;
     AutosavedState m_autosaved;
+    AutosavedState m_autosaving;              // of m_autosave
+    std::unique_ptr<SceneWriter> m_autosave;  // under way; null for none
 };
 
 }  // namespace app

@@ -32,6 +32,7 @@ class PlaneEntity;
 class PolyEntity;
 class Scene;
 class SceneRenderer;
+class SceneWriter;
 class Selection;
 class Snapshot;
 class SpringEntity;

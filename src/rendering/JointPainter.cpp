@@ -98,14 +98,14 @@ int JointPainter::GetCoilCount(float length, float width) {
     return count >= 1 ? static_cast<int>(std::min(count, MOST)) : 1;
 }
 
-void JointPainter::DrawSpring(Vec2 from, Vec2 to, float width, const Vec3& color) {
+void JointPainter::DrawSpring(Vec2 from, Vec2 to, float width, float restLength, const Vec3& color) {
     const float length = math::Length(to - from);
     if (!(length > 0)) return;
     const ScopedColor tinted(color);
     const ScopedTexture bound(m_coil->Get());
     const Vec2 along = (to - from) / length;
     const Vec2 side = Vec2(-along.y, along.x) * (width / 2);
-    const auto count = static_cast<float>(GetCoilCount(length, width));
+    const auto count = static_cast<float>(GetCoilCount(restLength, width));
     const Vec2 corners[] = {from - side, to - side, to + side, from + side};
     const Vec2 texCoords[] = {{0, 0}, {count, 0}, {count, 1}, {0, 1}};
     Renderer::Instance().DrawPolygon(corners, texCoords, 4);

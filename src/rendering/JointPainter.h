@@ -16,8 +16,9 @@ class JointPainter : public util::Pointee, public util::Singleton<JointPainter> 
 
     void DrawHinge(const math::RigidTransform& place, float size, const math::Vec3& color);
     void DrawFixJoint(const math::RigidTransform& place, float size, const math::Vec3& color);
-    // From end to end, so wide; the coil repeats as often as its pictures stay about square.
-    void DrawSpring(math::Vec2 from, math::Vec2 to, float width, const math::Vec3& color);
+    // From end to end, so wide. The coil repeats as often as its pictures are about square at rest, and is
+    // drawn out or pressed together with the spring.
+    void DrawSpring(math::Vec2 from, math::Vec2 to, float width, float restLength, const math::Vec3& color);
 
     // How many pictures of the coil lie on a spring, at least one.
     static int GetCoilCount(float length, float width);

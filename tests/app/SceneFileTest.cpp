@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <fstream>
 #include <limits>
 
@@ -8,10 +9,12 @@
 #include "app/entities/SpringEntity.h"
 #include "app/files/SceneFiles.h"
 #include "app/files/SceneLoader.h"
+#include "app/files/SceneWriter.h"
 #include "app/files/Serializer.h"
 #include "physics/Joints.h"
 #include "physics/Particle.h"
 #include "script/Expressions.h"
+#include "util/Clock.h"
 #include "util/Exception.h"
 #include "util/FileSystem.h"
 
@@ -358,6 +361,43 @@ TEST_F(SceneFileTest, SavedScenesAreLoadedByNameAndPath) {
     EXPECT_TRUE(log.Contains("Imported scene " + path));
     EXPECT_EQ(GetApp().GetEntities().size(), 2u);
     EXPECT_STREQ(GetUndoer().GetUndoName(), "UndoImportScene");
+}
+
+// Slices of no time at all: the moment stays the one at which it was begun.
+TEST_F(SceneFileTest, WrittenInSlicesItIsTheSceneOfOneMoment) {
+    for (int i = 0; i < 5; ++i) AddTriangle({static_cast<float>(2 * i), 0});
+    GetSim().AddParticle(new physics::Particle({1.25f, 1}, {}));
+    const String moment = Save();
+    SceneWriter writer(GetScene(), "slices.vxa");
+    int slices = 1;
+    for (; !writer.Continue(0); ++slices) {
+        if (GetApp().GetEntities().size() < 2) continue;
+        GetApp().GetEntities()[0]->Transform(math::RigidTransform(0, {0.1f, 0}));
+        GetApp().RemoveEntity(GetApp().GetEntities().back());
+        GetSim().ClearParticles();
+    }
+    EXPECT_EQ(slices, 6) << "five shapes and the water";
+    EXPECT_EQ(util::FileSystem::Instance().ReadFile(GetPathToWrite("slices.vxa")), moment);
+}
+
+// By a clock that goes on by 20 ms at each look.
+TEST_F(SceneFileTest, ALongReadingTellsHowFarItIs) {
+    String text = "version = 1;\n";
+    for (int i = 0; i < 40; ++i) text += Circle("");
+    std::vector<int> told;
+    const util::SharedPtr<util::Pointee> owner = new CircleEntity(new physics::Circle(1, {}));
+    GetScene().GetOnLoading().Add(
+        new util::Callback([&] { told.push_back(GetScene().GetLoadedPart()); }, owner));
+    static double s_now = 0;  // s
+    util::Clock::SetSource([] { return s_now += 0.02; });
+    Load(text);
+    ASSERT_GT(told.size(), 5u);
+    EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
+    EXPECT_GT(told.front(), 10) << "not at once";
+    EXPECT_EQ(told.back(), 100);
+    told.clear();
+    Load(Circle(""));
+    EXPECT_TRUE(told.empty()) << "a short one";
 }
 
 TEST_F(SceneFileTest, UndoOfALoadBringsBackTheSameObjects) {

@@ -32,10 +32,10 @@ bool CircleEntity::IsInsidePolygon(const physics::Polygon& polygon) const {
     return polygon.GetDistance(m_circle->GetPos()) < -m_circle->m_radius;
 }
 
-void CircleEntity::Serialize(EntitySerializer& out, Purpose purpose) const {
-    FiniteGeomEntity::Serialize(out, purpose);
+void CircleEntity::Serialize(EntitySerializer& out) const {
+    FiniteGeomEntity::Serialize(out);
     out["type"] = script::ValueToObject("circle");
-    if (purpose == Purpose::FILE) out["radius"] = script::ValueToObject(m_circle->m_radius);
+    out["radius"] = script::ValueToObject(m_circle->m_radius);
 }
 
 EntityPtr CircleEntity::Clone() const {

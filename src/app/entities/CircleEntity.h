@@ -11,7 +11,7 @@ class CircleEntity : public FiniteGeomEntity {
     void Draw() override;
     bool CrossesLines(const physics::LineList& lines) const override;
     bool IsInsidePolygon(const physics::Polygon& polygon) const override;
-    void Serialize(EntitySerializer& out, Purpose purpose) const override;
+    void Serialize(EntitySerializer& out) const override;
     EntityPtr Clone() const override;
 
     const physics::CirclePtr& GetCircle() const { return m_circle; }

@@ -11,7 +11,7 @@ Entity::Entity(const String& name) : Reflected(name), m_serial(s_nextSerial++) {
 
 Entity::~Entity() noexcept(false) = default;
 
-void Entity::Serialize(EntitySerializer& out, Purpose) const {
+void Entity::Serialize(EntitySerializer& out) const {
     SerializeAttributes(out);
     out["color"] = script::ValueToObject(m_color);
     if (m_chain) {
@@ -29,7 +29,7 @@ void Entity::SerializeAttributes(EntitySerializer& out) const {
     }
 }
 
-void Entity::Deserialize(const EntitySerializer& in, Purpose) {
+void Entity::Deserialize(const EntitySerializer& in) {
     DeserializeAttributes(in);
     if (ReadKey(in, "color", m_color)) m_hasColor = true;
     // These two are written only when they hold, so their absence is no fault.
@@ -48,11 +48,32 @@ void Entity::DeserializeAttributes(const EntitySerializer& in) {
     }
 }
 
-void Entity::ResetForRestore() {
-    m_moving = false;
-    m_tracked = false;
-    m_chain = nullptr;
-    SetGroup(NO_GROUP);
+// Objects are never changed, only replaced, so equal ones are the same.
+bool Entity::Values::operator==(const Values& other) const {
+    return attributes == other.attributes && color == other.color && hasColor == other.hasColor &&
+           group == other.group && tracked == other.tracked && chain == other.chain;
+}
+
+Entity::ValuesPtr Entity::GetValues() const {
+    Values values{{}, m_color, m_hasColor, GetGroup(), m_tracked, m_chain};
+    for (const script::VariablePtr& variable : GetVariables())
+        values.attributes.push_back(variable->GetValue());
+    if (!m_values || !(*m_values == values)) m_values = std::make_shared<const Values>(std::move(values));
+    return m_values;
+}
+
+void Entity::Restore(const Values& values) {
+    ResetForRestore();
+    size_t place = 0;
+    for (const script::VariablePtr& variable : GetVariables()) {
+        const script::ObjectPtr& value = values.attributes[place++];
+        if (variable->GetValue() != value) variable->SetValue(value);
+    }
+    m_color = values.color;
+    m_hasColor = values.hasColor;
+    SetGroup(values.group);
+    m_tracked = values.tracked;
+    m_chain = values.chain;
 }
 
 void Entity::SetColor(math::Vec3 color) {

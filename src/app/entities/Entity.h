@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <vector>
 
 #include "app/Fwd.h"
 #include "math/BoundingBox.h"
@@ -19,15 +21,12 @@ namespace app {
 // AddToSimulation. Once a frame the scene updates it and retires it as soon as it is not alive any more,
 // which is how things that fell out of the world leave the scene. Undo keeps retired entities and brings the
 // same objects back, so an entity must be able to return: whatever an edit can change has to be in its
-// Serialize, or be reset by ResetForRestore.
+// Values, or be reset by ResetForRestore, but for shapes, places and partners, which the history keeps
+// itself.
 class Entity : public script::Reflected {
   public:
     explicit Entity(const String& name);
     ~Entity() noexcept(false) override;
-
-    // Files hold everything. Snapshots keep shapes, places and partners to the bit by other means, and leave
-    // them out.
-    enum class Purpose { FILE, SNAPSHOT };
 
     // Fetches the present body of the geom: a fixed joint may have changed it.
     virtual void UpdateBodyPtr() {}
@@ -48,11 +47,28 @@ class Entity : public script::Reflected {
     virtual void Transform(const math::RigidTransform& transform) = 0;
     virtual void EndMove() { m_moving = false; }
 
-    // Each class adds its own keys to those of its base.
-    virtual void Serialize(EntitySerializer& out, Purpose purpose) const;
+    // For files. Each class adds its own keys to those of its base.
+    virtual void Serialize(EntitySerializer& out) const;
     // Takes what is there. Keys that are absent leave their field alone; of those that should be there,
     // that is logged.
-    virtual void Deserialize(const EntitySerializer& in, Purpose purpose);
+    virtual void Deserialize(const EntitySerializer& in);
+
+    // For the history. As long as nothing changes they are the same object, so that a long history of a great
+    // scene holds each state of an entity once.
+    struct Values {
+        std::vector<script::ObjectPtr> attributes;  // in the order of GetVariables
+        math::Vec3 color;
+        bool hasColor;
+        script::Int group;
+        bool tracked;
+        ChainPtr chain;
+
+        bool operator==(const Values& other) const;
+    };
+    using ValuesPtr = std::shared_ptr<const Values>;
+    ValuesPtr GetValues() const;
+    // Also forgets what they do not tell.
+    void Restore(const Values& values);
 
     virtual math::BoundingBox2f GetBoundingBox() const = 0;
 
@@ -61,9 +77,6 @@ class Entity : public script::Reflected {
 
     virtual void Update(float /*dt*/) {}
     virtual bool IsAlive() const { return IsInSimulation(); }
-
-    // Forgets what the saved values do not tell: movement, group, tracking, chain.
-    virtual void ResetForRestore();
 
     uint32_t GetID() const { return m_serial; }  // creation number
 
@@ -97,6 +110,8 @@ class Entity : public script::Reflected {
     void SetChain(const ChainPtr& chain);
 
   protected:
+    virtual void ResetForRestore() { m_moving = false; }
+
     // The values that a clone has in common with its original; not the chain.
     void CopyValuesFrom(const Entity& original);
 
@@ -115,6 +130,7 @@ class Entity : public script::Reflected {
     Scene* m_scene = nullptr;
     bool m_inScene = false;
     uint32_t m_serial;
+    mutable ValuesPtr m_values;  // as GetValues gave them last; null before
 
     static uint32_t s_nextSerial;
 };

@@ -152,8 +152,8 @@ void FixJointEntity::Draw() {
     }
 }
 
-void FixJointEntity::Serialize(EntitySerializer& out, Purpose purpose) const {
-    JointEntity::Serialize(out, purpose);
+void FixJointEntity::Serialize(EntitySerializer& out) const {
+    JointEntity::Serialize(out);
     out["type"] = script::ValueToObject("fixjoint");
 }
 

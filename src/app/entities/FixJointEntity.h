@@ -16,12 +16,14 @@ class FixJointEntity : public JointEntity {
     void Rebuild() override {}  // there is nothing but the fusion
     void AddToSimulation() override;
     void RemoveFromSimulation() override;
-    void ResetForRestore() override;
     void Update(float dt) override;
 
     void Draw() override;
-    void Serialize(EntitySerializer& out, Purpose purpose) const override;
+    void Serialize(EntitySerializer& out) const override;
     EntityPtr Clone() const override;
+
+  protected:
+    void ResetForRestore() override;
 
   private:
     class Links;

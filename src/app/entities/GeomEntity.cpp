@@ -110,9 +110,8 @@ void GeomEntity::EndMove() {
     if (body && !(m_geom->GetTransform() == m_startTransform)) body->Settle();
 }
 
-void GeomEntity::Serialize(EntitySerializer& out, Purpose purpose) const {
-    Entity::Serialize(out, purpose);
-    if (purpose == Purpose::SNAPSHOT) return;
+void GeomEntity::Serialize(EntitySerializer& out) const {
+    Entity::Serialize(out);
     const physics::BodyPtr body = BodyOf(*m_geom);
     if (body) out["body"] = script::ValueToObject(static_cast<int>(body->GetID()));
     out["id"] = script::ValueToObject(static_cast<int>(m_geom->GetID()));
@@ -120,9 +119,8 @@ void GeomEntity::Serialize(EntitySerializer& out, Purpose purpose) const {
     out["angle"] = script::ValueToObject(m_geom->GetAngle());
 }
 
-void GeomEntity::Deserialize(const EntitySerializer& in, Purpose purpose) {
-    Entity::Deserialize(in, purpose);
-    if (purpose == Purpose::SNAPSHOT) return;
+void GeomEntity::Deserialize(const EntitySerializer& in) {
+    Entity::Deserialize(in);
     math::Vec2 pos = m_geom->GetPos();
     double angle = m_geom->GetAngle();
     ReadKey(in, "pos", pos);

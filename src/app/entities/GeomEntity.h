@@ -27,9 +27,9 @@ class GeomEntity : public Entity {
     void BeginMove() override;
     void EndMove() override;
 
-    void Serialize(EntitySerializer& out, Purpose purpose) const override;
+    void Serialize(EntitySerializer& out) const override;
     // The place goes into the geom alone; a body takes it in with its next SetGeoms.
-    void Deserialize(const EntitySerializer& in, Purpose purpose) override;
+    void Deserialize(const EntitySerializer& in) override;
     math::BoundingBox2f GetBoundingBox() const override { return m_geom->GetBoundingBox(); }
 
     const physics::GeomPtr& GetGeom() const { return m_geom; }

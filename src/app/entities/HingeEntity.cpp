@@ -122,8 +122,8 @@ void HingeEntity::Draw() {
     if (!IsHidden()) rendering::JointPainter::Instance().DrawHinge(GetIconPlace(), GetSize(), GetDrawColor());
 }
 
-void HingeEntity::Serialize(EntitySerializer& out, Purpose purpose) const {
-    JointEntity::Serialize(out, purpose);
+void HingeEntity::Serialize(EntitySerializer& out) const {
+    JointEntity::Serialize(out);
     out["type"] = script::ValueToObject("hinge");
 }
 

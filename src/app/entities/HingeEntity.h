@@ -23,7 +23,7 @@ class HingeEntity : public JointEntity {
     void CarryPin(const math::RigidTransform& transform);
 
     void Draw() override;
-    void Serialize(EntitySerializer& out, Purpose purpose) const override;
+    void Serialize(EntitySerializer& out) const override;
     EntityPtr Clone() const override;
 
     const physics::HingePtr& GetHinge() const { return m_hinge; }  // null until Rebuild

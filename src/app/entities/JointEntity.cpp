@@ -174,9 +174,8 @@ math::BoundingBox2f JointEntity::GetBoundingBox() const {
 
 // ---- files
 
-void JointEntity::Serialize(EntitySerializer& out, Purpose purpose) const {
-    Entity::Serialize(out, purpose);
-    if (purpose == Purpose::SNAPSHOT) return;
+void JointEntity::Serialize(EntitySerializer& out) const {
+    Entity::Serialize(out);
     const char* const geomKeys[] = {"geom0", "geom1"};
     const char* const posKeys[] = {"geom0pos", "geom1pos"};
     for (int i = 0; i < 2; ++i) {

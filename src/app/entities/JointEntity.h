@@ -46,8 +46,7 @@ class JointEntity : public Entity {
     bool IsInsidePolygon(const physics::Polygon& polygon) const override;
     math::BoundingBox2f GetBoundingBox() const override;
 
-    void Serialize(EntitySerializer& out, Purpose purpose) const override;
-    void ResetForRestore() override;
+    void Serialize(EntitySerializer& out) const override;
 
     const End& GetEnd(int i) const { return m_ends[i]; }
     math::Vec2 GetPos(int i) const { return m_pos[i]; }  // of that end in the world
@@ -58,6 +57,7 @@ class JointEntity : public Entity {
     physics::BodyPtr GetEndBody(int i) const;  // null outside the world
 
   protected:
+    void ResetForRestore() override;
     // Where the icon stands and how it is turned: with the first geom.
     math::RigidTransform GetIconPlace() const;
     bool IsHidden() const;

@@ -19,8 +19,8 @@ bool PlaneEntity::CrossesLines(const physics::LineList& lines) const {
     return false;
 }
 
-void PlaneEntity::Serialize(EntitySerializer& out, Purpose purpose) const {
-    GeomEntity::Serialize(out, purpose);
+void PlaneEntity::Serialize(EntitySerializer& out) const {
+    GeomEntity::Serialize(out);
     const math::Vec3& plane = m_plane->GetLocalPlane();
     out["type"] = script::ValueToObject("plane");
     out["normal"] = script::ValueToObject(math::Vec2(plane.x, plane.y));

@@ -12,7 +12,7 @@ class PlaneEntity : public GeomEntity {
     void Draw() override;
     bool CrossesLines(const physics::LineList& lines) const override;
     bool IsInsidePolygon(const physics::Polygon&) const override { return false; }
-    void Serialize(EntitySerializer& out, Purpose purpose) const override;
+    void Serialize(EntitySerializer& out) const override;
     EntityPtr Clone() const override;
 
     const physics::PlanePtr& GetPlane() const { return m_plane; }

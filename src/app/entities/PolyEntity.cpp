@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "app/entities/PointList.h"
 #include "rendering/ShapePainter.h"
 #include "util/ProfileTree.h"
 
@@ -15,12 +16,6 @@ constexpr math::real DIST_SCALE = 0.04f;
 rendering::Texture* MakeDistTexture(const physics::PolygonPtr& polygon, math::real scale) {
     return rendering::TextureFromImageFloat(PolyEntity::MakeDistImage(*polygon, scale),
                                             rendering::Texture::ImageType::Distance());
-}
-
-script::ObjectPtr PlaceInWorld(math::Vec2 vertex, math::Vec2 pos) {
-    const script::ObjectPtr x = script::ValueToObject(double(vertex.x) + double(pos.x));
-    const script::ObjectPtr y = script::ValueToObject(double(vertex.y) + double(pos.y));
-    return script::ValueToObject(script::ObjectList{x, y});
 }
 
 }  // namespace
@@ -47,14 +42,15 @@ bool PolyEntity::IsInsidePolygon(const physics::Polygon& polygon) const {
 
 // The outline is written where it stands, but unturned: the angle has a key of its own. Sums in float would
 // round the vertices; those in double give them back exactly.
-void PolyEntity::Serialize(EntitySerializer& out, Purpose purpose) const {
-    FiniteGeomEntity::Serialize(out, purpose);
+void PolyEntity::Serialize(EntitySerializer& out) const {
+    FiniteGeomEntity::Serialize(out);
     out["type"] = script::ValueToObject("polygon");
-    if (purpose == Purpose::SNAPSHOT) return;
-    script::ObjectList vecs;
+    const math::Vec2 pos = m_polygon->GetPos();
+    PointList::Points points;
+    points.reserve(m_polygon->GetVertices().size());
     for (const math::Vec2& vertex : m_polygon->GetVertices())
-        vecs.push_back(PlaceInWorld(vertex, m_polygon->GetPos()));
-    out["vecs"] = script::ValueToObject(vecs);
+        points.push_back({double(vertex.x) + double(pos.x), double(vertex.y) + double(pos.y)});
+    out["vecs"] = script::ObjectPtr(new PointList(std::move(points)));
 }
 
 EntityPtr PolyEntity::Clone() const {

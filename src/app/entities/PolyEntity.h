@@ -16,7 +16,7 @@ class PolyEntity : public FiniteGeomEntity {
     // A stroke has to cross the outline twice, so one inside a big polygon leaves it alone.
     bool CrossesLines(const physics::LineList& lines) const override;
     bool IsInsidePolygon(const physics::Polygon& polygon) const override;
-    void Serialize(EntitySerializer& out, Purpose purpose) const override;
+    void Serialize(EntitySerializer& out) const override;
     EntityPtr Clone() const override;  // shares map and texture
 
     const physics::PolygonPtr& GetPolygon() const { return m_polygon; }

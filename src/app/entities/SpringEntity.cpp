@@ -96,17 +96,17 @@ math::BoundingBox2f SpringEntity::GetBoundingBox() const {
 
 void SpringEntity::Draw() {
     PROFILE_SECTION("Spring::Draw");
-    rendering::JointPainter::Instance().DrawSpring(GetPos(0), GetPos(1), GetSize(), GetDrawColor());
+    rendering::JointPainter::Instance().DrawSpring(GetPos(0), GetPos(1), GetSize(), m_length, GetDrawColor());
 }
 
-void SpringEntity::Serialize(EntitySerializer& out, Purpose purpose) const {
-    JointEntity::Serialize(out, purpose);
+void SpringEntity::Serialize(EntitySerializer& out) const {
+    JointEntity::Serialize(out);
     out["type"] = script::ValueToObject("spring");
     out["length"] = script::ValueToObject(m_length);
 }
 
-void SpringEntity::Deserialize(const EntitySerializer& in, Purpose purpose) {
-    JointEntity::Deserialize(in, purpose);
+void SpringEntity::Deserialize(const EntitySerializer& in) {
+    JointEntity::Deserialize(in);
     math::real length = m_length;
     ReadKey(in, "length", length);
     SetLength(length);

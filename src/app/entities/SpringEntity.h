@@ -24,8 +24,8 @@ class SpringEntity : public JointEntity {
     math::BoundingBox2f GetBoundingBox() const override;
 
     void Draw() override;
-    void Serialize(EntitySerializer& out, Purpose purpose) const override;
-    void Deserialize(const EntitySerializer& in, Purpose purpose) override;
+    void Serialize(EntitySerializer& out) const override;
+    void Deserialize(const EntitySerializer& in) override;
     EntityPtr Clone() const override;
 
     // m, at rest.

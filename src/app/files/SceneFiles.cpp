@@ -2,9 +2,9 @@
 
 #include <boost/algorithm/string/predicate.hpp>
 #include <cstring>
+#include <limits>
 
-#include "app/files/Serializer.h"
-#include "script/Expressions.h"
+#include "app/files/SceneWriter.h"
 #include "util/Exception.h"
 #include "util/FileNames.h"
 #include "util/FileSystem.h"
@@ -47,12 +47,14 @@ String GetSceneName(const String& path) {
     return files.FindScene(name) == path ? name : path;
 }
 
-void WriteScene(const Scene& scene, const String& name) {
-    const util::FileSystem& files = util::FileSystem::Instance();
+String GetPathToWrite(const String& name) {
     const bool isPath = name.find_first_of("/\\") != String::npos;
-    const String text = Serializer::Serialize(scene)->ToCode();
-    files.MakeDir(files.GetScenesDir());
-    files.WriteFileAtomically(isPath ? name : files.GetScenesDir() + name, text);
+    return isPath ? name : util::FileSystem::Instance().GetScenesDir() + name;
+}
+
+void WriteScene(const Scene& scene, const String& name) {
+    constexpr double FOR_EVER = std::numeric_limits<double>::infinity();
+    SceneWriter(scene, name).Continue(FOR_EVER);
 }
 
 String SaveScene(const Scene& scene, const String& name) {

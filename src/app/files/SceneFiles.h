@@ -19,6 +19,9 @@ String GetScenePath(const String& name);
 // scene: the user has not given them their names, and saving has to find a new one.
 String GetSceneName(const String& path);
 
+// The path to write the scene of that name to: one without a slash or backslash goes to Scenes/.
+String GetPathToWrite(const String& name);
+
 // Writes the scene to where its name says, Scenes/ for one without a slash, so that a failure keeps the old
 // file. Throws std::exception when it cannot be written.
 void WriteScene(const Scene& scene, const String& name);

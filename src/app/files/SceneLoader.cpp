@@ -75,7 +75,7 @@ void SceneLoader::Do() {
         m_scene.Clear();
         physics::Simulation::Instance().m_running->SetValue(script::ValueToObject(false));
     }
-    Serializer::Deserialize(m_scene, m_code);
+    Serializer::Deserialize(m_scene, m_code, m_import);
     m_code = nullptr;
     if (!m_import) m_scene.SetName(GetSceneName(GetScenePath(m_filename)));
     m_view.ZoomToScene(m_scene);

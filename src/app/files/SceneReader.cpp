@@ -15,12 +15,14 @@
 #include "physics/Body.h"
 #include "physics/Particle.h"
 #include "physics/Simulation.h"
+#include "script/Attributes.h"
 #include "script/Exceptions.h"
 #include "script/Expressions.h"
 #include "script/Objects.h"
 #include "script/Parser.h"
 #include "script/Scopes.h"
 #include "util/Assert.h"
+#include "util/Clock.h"
 #include "util/Guarded.h"
 
 namespace app {
@@ -65,11 +67,14 @@ SceneReader::SceneReader(Scene& scene)
       m_takenGroups(scene.GetGroups()),
       m_takenChains(scene.GetChains()),
       m_guest(new script::Guest),
-      m_closure(script::Parser::Instance().MakeGuestClosure(*m_guest, "Deserialize_closure")) {}
+      m_closure(script::Parser::Instance().MakeGuestClosure(*m_guest, "Deserialize_closure")),
+      m_begin(util::Clock::Now()),
+      m_lastTold(m_begin) {}
 
 SceneReader::~SceneReader() = default;
 
 void SceneReader::Read(const script::CodeBlock& code) {
+    m_allSteps = 2 * code.GetExpressions().size() + 1;
     ReadStatements(code);
     SortShapes();
     const physics::WorldGeomPtr world = physics::Simulation::Instance().GetWorldGeom();
@@ -80,6 +85,7 @@ void SceneReader::Read(const script::CodeBlock& code) {
             const script::GuestTurn turn(*m_guest);
             (this->*step)(record);
         });
+        TellProgress();
     };
     for (Record& record : m_shapes) {
         if (!IsFull()) build(&SceneReader::DeserializeBody, record);
@@ -88,6 +94,16 @@ void SceneReader::Read(const script::CodeBlock& code) {
     for (Record& record : m_others) build(&SceneReader::DeserializeNonbody, record);
     FinishChains();
     EnterScene();
+    if (m_lastTold > m_begin) m_scene.SetLoadedPart(100);
+}
+
+void SceneReader::TellProgress() {
+    constexpr double PATIENCE = 0.3, INTERVAL = 0.1;  // s
+    ++m_steps;
+    const double now = util::Clock::Now();
+    if (now < m_begin + PATIENCE || now < m_lastTold + INTERVAL) return;
+    m_lastTold = now;
+    m_scene.SetLoadedPart(static_cast<int>(std::min<size_t>(99 * m_steps / m_allSteps, 99)));
 }
 
 void SceneReader::ReadStatements(const script::CodeBlock& code) {
@@ -100,6 +116,7 @@ void SceneReader::ReadStatements(const script::CodeBlock& code) {
             const script::GuestTurn turn(*m_guest);
             ReadStatement(statement);
         });
+        TellProgress();
     }
 }
 
@@ -273,7 +290,7 @@ void SceneReader::PlaceShape(GeomEntity& entity, EntitySerializer& values) const
         ReadKey(values, "angle", angle);
         CheckLength(static_cast<float>(angle));
     }
-    entity.Deserialize(values, Entity::Purpose::FILE);
+    entity.Deserialize(values);
     if (!HasKey(values, "collide")) return;
     bool collide = true;
     ReadKey(values, "collide", collide);
@@ -310,6 +327,10 @@ void SceneReader::DeserializeNonbody(Record& record) {
         DeserializeWater(record.m_values);
         return;
     }
+    if (record.m_type == "settings") {
+        ReadSettings(record.m_values);
+        return;
+    }
     const JointEntityPtr joint = BuildJoint(record.m_type, record.m_values);
     if (!joint) {
         Log(logging::Warning, "Unknown entity: " + record.m_type);
@@ -318,7 +339,7 @@ void SceneReader::DeserializeNonbody(Record& record) {
     TieJoint(*joint, record.m_values);
     RenumberGroup(record.m_values);
     // Brings the length of a spring at rest, for which the present one stands so far.
-    joint->Deserialize(record.m_values, Entity::Purpose::FILE);
+    joint->Deserialize(record.m_values);
     Enter(joint, record);
 }
 
@@ -369,6 +390,20 @@ void SceneReader::DeserializeWater(const EntitySerializer& values) const {
             CheckLength(pos);
             physics::Simulation::Instance().AddParticle(new physics::Particle(pos, {}));
         });
+    }
+}
+
+void SceneReader::ReadSettings(const EntitySerializer& values) {
+    for (const auto& [name, value] : values) {
+        if (name == "type") continue;
+        const script::AbstractAttribPtr setting = SceneSettings::Find(name);
+        if (setting && SceneSettings::IsValueFor(*setting, value)) {
+            m_settings[name] = value;
+        } else {
+            Log(logging::Warning,
+                (setting ? "Bad value of a setting in scene file: " : "Unknown setting in scene file: ") +
+                    name);
+        }
     }
 }
 

@@ -6,6 +6,7 @@
 
 #include "app/Fwd.h"
 #include "app/entities/JointEntity.h"
+#include "app/scene/SceneSettings.h"
 #include "math/Vector.h"
 #include "script/Fwd.h"
 #include "script/Guest.h"
@@ -24,6 +25,9 @@ class SceneReader {
     ~SceneReader();
 
     void Read(const script::CodeBlock& code);
+
+    // The settings of the world that the file brings along, by name.
+    const SceneSettings::Values& GetSettings() const { return m_settings; }
 
     // Largest length, and most vertices of one outline, that is believed: beyond, numbers are damage, and
     // building would take for ever.
@@ -47,6 +51,7 @@ class SceneReader {
         EntitySerializer m_values;
     };
 
+    void TellProgress();
     void ReadStatements(const script::CodeBlock& code);
     void ReadStatement(const script::ExpressionPtr& statement);
     void ReadEntity(script::FunctionDeclaration& declaration);
@@ -70,6 +75,7 @@ class SceneReader {
     void TieJoint(JointEntity& joint, const EntitySerializer& values) const;
     physics::GeomPtr FindGeom(const EntitySerializer& values, const char* key) const;
     void DeserializeWater(const EntitySerializer& values) const;
+    void ReadSettings(const EntitySerializer& values);
     void LinkChain(const EntityPtr& entity, const EntitySerializer& values);
 
     void BuildBodies();
@@ -92,6 +98,12 @@ class SceneReader {
     ChainMap m_chains;                       // links by their places, by the file's numbers
     NumberMap m_groups, m_chainNumbers;      // from the file's numbers to the scene's
     std::map<size_t, EntityPtr> m_entities;  // by their places in the file
+    SceneSettings::Values m_settings;
+
+    const double m_begin;  // these two in s, of util::Clock
+    double m_lastTold;     // at first the beginning
+    size_t m_steps = 0;    // statements read and entities built so far
+    size_t m_allSteps = 1;
 };
 
 }  // namespace app

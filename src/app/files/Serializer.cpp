@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "app/entities/Entity.h"
+#include "app/entities/PointList.h"
 #include "app/files/SceneReader.h"
 #include "app/scene/Scene.h"
 #include "logging/Log.h"
@@ -39,18 +40,21 @@ void AddAssignment(script::CodeBlock& block, const String& key, const script::Ob
     }
 }
 
-script::ExpressionPtr MakeFunction(const EntitySerializer& values) {
-    const script::CodeBlockPtr body = new script::CodeBlock;
-    for (const auto& [key, value] : values) AddAssignment(*body, key, value);
-    return new script::FunctionDeclaration(script::StringList(), body);
-}
-
-void AddWater(script::CodeBlock& code) {
+void AddWater(std::vector<EntitySerializer>& moment) {
     const physics::ParticleList& particles = physics::Simulation::Instance().GetParticles();
     if (particles.empty()) return;
-    math::Vec2List vecs;
-    for (const physics::ParticlePtr& particle : particles) vecs.push_back(particle->m_pos);
-    code.Add(MakeFunction({{"type", script::ValueToObject("water")}, {"vecs", script::ValueToObject(vecs)}}));
+    PointList::Points points;
+    points.reserve(particles.size());
+    for (const physics::ParticlePtr& particle : particles)
+        points.push_back({double(particle->m_pos.x), double(particle->m_pos.y)});
+    const script::ObjectPtr vecs = new PointList(std::move(points));
+    moment.push_back({{"type", script::ValueToObject("water")}, {"vecs", vecs}});
+}
+
+void AddSettings(std::vector<EntitySerializer>& moment, const SceneSettings::Values& settings) {
+    if (settings.empty()) return;
+    moment.emplace_back(settings.begin(), settings.end());
+    moment.back()["type"] = script::ValueToObject("settings");
 }
 
 // The numbers by which a file's entities refer to each other: counted through from 1 in the order of the
@@ -97,22 +101,36 @@ class FileNumbers {
 
 }  // namespace
 
-script::CodeBlockPtr Serializer::Serialize(const Scene& scene) {
-    const script::CodeBlockPtr code = new script::CodeBlock;
-    AddAssignment(*code, "version", script::ValueToObject(FORMAT_VERSION));
-    std::vector<EntitySerializer> entities;
+std::vector<EntitySerializer> Serializer::TakeMoment(const Scene& scene) {
+    std::vector<EntitySerializer> moment;
+    moment.reserve(scene.GetEntities().size() + 2);
+    AddSettings(moment, scene.GetSettings().Get());
     for (const EntityPtr& entity : scene.GetEntities()) {
         // Something that is about to be retired may refer to what has gone already.
         if (!entity->IsInSimulation()) continue;
-        entities.emplace_back();
-        entity->Serialize(entities.back(), Entity::Purpose::FILE);
+        moment.emplace_back();
+        entity->Serialize(moment.back());
     }
-    const FileNumbers numbers(entities);
-    for (EntitySerializer& values : entities) {
-        numbers.Apply(values);
-        code->Add(MakeFunction(values));
-    }
-    AddWater(*code);
+    const FileNumbers numbers(moment);
+    for (EntitySerializer& values : moment) numbers.Apply(values);
+    AddWater(moment);
+    return moment;
+}
+
+script::ExpressionPtr Serializer::MakeStatement(const EntitySerializer& values) {
+    const script::CodeBlockPtr body = new script::CodeBlock;
+    for (const auto& [key, value] : values) AddAssignment(*body, key, value);
+    return new script::FunctionDeclaration(script::StringList(), body);
+}
+
+script::ExpressionPtr Serializer::MakeFirstStatement() {
+    return MakeAssignment("version", script::ValueToObject(FORMAT_VERSION));
+}
+
+script::CodeBlockPtr Serializer::Serialize(const Scene& scene) {
+    const script::CodeBlockPtr code = new script::CodeBlock;
+    code->Add(MakeFirstStatement());
+    for (const EntitySerializer& values : TakeMoment(scene)) code->Add(MakeStatement(values));
     return code;
 }
 
@@ -120,13 +138,18 @@ script::CodeBlockPtr Serializer::Parse(const String& text) {
     return script::Parser::Instance().ParseGuest(text);
 }
 
-void Serializer::Deserialize(Scene& scene, const script::CodeBlockPtr& code) {
+void Serializer::Deserialize(Scene& scene, const script::CodeBlockPtr& code, bool import) {
     if (!code) return;
-    util::Guarded([&] { SceneReader(scene).Read(*code); }, "An error occured while deserializing: ");
+    const auto read = [&] {
+        SceneReader reader(scene);
+        reader.Read(*code);
+        if (!import) scene.GetSettings().Set(reader.GetSettings());
+    };
+    util::Guarded(read, "An error occured while deserializing: ");
 }
 
-void Serializer::Deserialize(Scene& scene, const String& text) {
-    Deserialize(scene, Parse(text));
+void Serializer::Deserialize(Scene& scene, const String& text, bool import) {
+    Deserialize(scene, Parse(text), import);
 }
 
 }  // namespace app

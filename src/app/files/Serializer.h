@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "app/Fwd.h"
 #include "script/Fwd.h"
 
@@ -17,13 +19,20 @@ class Serializer {
     // Entities that are about to be retired are left out.
     static script::CodeBlockPtr Serialize(const Scene& scene);
 
+    // The same in two steps, of which only the first looks at the scene: what the statements behind the first
+    // are to say, and a statement of that.
+    static std::vector<EntitySerializer> TakeMoment(const Scene& scene);
+    static script::ExpressionPtr MakeStatement(const EntitySerializer& values);
+    static script::ExpressionPtr MakeFirstStatement();
+
     // The statements of a scene's text. Null, and the reason told to the user, for a text that is not of
     // the language. Raises nothing.
     static script::CodeBlockPtr Parse(const String& text);
 
-    // Adds the entities of a file to the scene. Raises nothing: what fails is logged and left out.
-    static void Deserialize(Scene& scene, const script::CodeBlockPtr& code);
-    static void Deserialize(Scene& scene, const String& text);
+    // Adds the entities of a file to the scene. Raises nothing: what fails is logged and left out. The file's
+    // settings of the world come to hold unless it is imported, that is, read besides what is there.
+    static void Deserialize(Scene& scene, const script::CodeBlockPtr& code, bool import = false);
+    static void Deserialize(Scene& scene, const String& text, bool import = false);
 };
 
 }  // namespace app

@@ -15,6 +15,7 @@ Snapshot::Snapshot(Scene& scene) : m_scene(scene) {
     TakeBodies();
     TakeParticles();
     m_selection = m_scene.GetSelection().Get();
+    m_settings = m_scene.GetSettings().GetBundle();
 }
 
 Snapshot::~Snapshot() noexcept(false) = default;
@@ -24,11 +25,12 @@ void Snapshot::TakeEntities() {
     m_entities.reserve(entities.size());
     for (const EntityPtr& entity : entities) {
         if (!entity->IsAlive()) continue;  // it waits to be retired
-        m_entities.push_back({entity, entity->GetChain(), {}});
-        entity->Serialize(m_entities.back().m_values, Entity::Purpose::SNAPSHOT);
-        if (const auto joint = util::DynamicCast<JointEntity>(entity)) {
-            m_joints.push_back({joint, {joint->GetEnd(0), joint->GetEnd(1)}});
-        }
+        m_entities.push_back({entity, entity->GetValues()});
+        const auto joint = util::DynamicCast<JointEntity>(entity);
+        if (!joint) continue;
+        const auto* const spring = dynamic_cast<const SpringEntity*>(entity.Get());
+        m_joints.push_back(
+            {joint, {joint->GetEnd(0), joint->GetEnd(1)}, spring != nullptr ? spring->GetLength() : 0});
     }
 }
 
@@ -60,6 +62,7 @@ void Snapshot::TakeParticles() {
 // then take their shapes back with all that was computed, to the bit.
 void Snapshot::Restore() const {
     m_scene.Clear();
+    m_scene.GetSettings().Switch(m_settings);
     RestoreValues();
     RestoreBodies();
     RestoreJoints();
@@ -69,10 +72,7 @@ void Snapshot::Restore() const {
 }
 
 void Snapshot::RestoreValues() const {
-    for (const EntityRecord& record : m_entities) {
-        record.m_entity->ResetForRestore();
-        record.m_entity->Deserialize(record.m_values, Entity::Purpose::SNAPSHOT);
-    }
+    for (const EntityRecord& record : m_entities) record.m_entity->Restore(*record.m_values);
 }
 
 void Snapshot::RestoreBodies() const {
@@ -87,18 +87,13 @@ void Snapshot::RestoreJoints() const {
     for (const JointRecord& record : m_joints) {
         record.m_joint->SetEnds(record.m_ends[0], record.m_ends[1]);
         record.m_joint->Rebuild();
-    }
-    for (const EntityRecord& record : m_entities) {
-        const auto spring = util::DynamicCast<SpringEntity>(record.m_entity);
-        if (spring) spring->Deserialize(record.m_values, Entity::Purpose::SNAPSHOT);
+        const auto spring = util::DynamicCast<SpringEntity>(record.m_joint);
+        if (spring) spring->SetLength(record.m_length);
     }
 }
 
 void Snapshot::RestoreScene() const {
-    for (const EntityRecord& record : m_entities) {
-        record.m_entity->SetChain(record.m_chain);
-        m_scene.AddEntity(record.m_entity);
-    }
+    for (const EntityRecord& record : m_entities) m_scene.AddEntity(record.m_entity);
 }
 
 void Snapshot::RestoreParticles() const {

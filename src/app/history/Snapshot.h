@@ -4,6 +4,7 @@
 
 #include "app/Fwd.h"
 #include "app/entities/JointEntity.h"
+#include "app/scene/SceneSettings.h"
 #include "math/Vector.h"
 #include "physics/Body.h"
 #include "util/Pointee.h"
@@ -13,9 +14,8 @@ namespace app {
 // The whole scene at one moment: what undo goes back to.
 //
 // It shares the entities, geoms and bodies with the scene and keeps them alive, so restoring brings back
-// the very objects, erased ones included, and builds no shape anew. Besides it holds each entity's values
-// as a map. Taking one costs little; restoring one costs about as much as loading the scene without its
-// outlines.
+// the very objects, erased ones included, and builds no shape anew. Besides it holds each entity's values,
+// which successive snapshots share as long as they are the same, and the motion of every body and drop.
 class Snapshot : public util::Pointee {
   public:
     explicit Snapshot(Scene& scene);
@@ -28,12 +28,12 @@ class Snapshot : public util::Pointee {
   private:
     struct EntityRecord {
         EntityPtr m_entity;
-        ChainPtr m_chain;
-        EntitySerializer m_values;
+        Entity::ValuesPtr m_values;
     };
     struct JointRecord {
         JointEntityPtr m_joint;
         JointEntity::End m_ends[2];
+        math::real m_length;  // m, of a spring at rest
     };
     struct BodyRecord {
         physics::BodyPtr m_body;
@@ -63,6 +63,7 @@ class Snapshot : public util::Pointee {
     std::vector<BodyRecord> m_bodies;      // in the simulation's order, the world body first
     std::vector<ParticleRecord> m_particles;
     EntitySet m_selection;
+    SceneSettings::Bundle m_settings;
 };
 
 }  // namespace app

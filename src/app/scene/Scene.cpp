@@ -112,9 +112,10 @@ void Scene::AddEntity(const EntityPtr& entity) {
 }
 
 void Scene::RemoveEntity(const EntityPtr& entity) {
-    const auto found = std::find(m_entities.begin(), m_entities.end(), entity);
+    const EntityPtr kept = entity;  // which may be the list's own
+    const auto found = std::find(m_entities.begin(), m_entities.end(), kept);
     if (found != m_entities.end()) m_entities.erase(found);
-    Forget(entity);
+    Forget(kept);
 }
 
 // The bodies go first: taking shapes out of a body one by one would compute it anew each time.
@@ -247,6 +248,11 @@ math::Vec3 Scene::GetNextColor() {
 }
 
 // ---- the file
+
+void Scene::SetLoadedPart(int percent) {
+    m_loadedPart = percent;
+    m_onLoading.CallAll();
+}
 
 void Scene::SetName(const String& name) {
     m_name = name;

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "app/Fwd.h"
+#include "app/scene/SceneSettings.h"
 #include "app/scene/Selection.h"
 #include "math/BoundingBox.h"
 #include "script/Attributes.h"
@@ -89,6 +90,15 @@ class Scene {
     void SetName(const String& name);
     util::CallbackSet& GetOnNameChange() { return m_onNameChange; }  // fired by every SetName
 
+    // How much of a file has been read into it, in percent, told now and then by a reading that takes long.
+    int GetLoadedPart() const { return m_loadedPart; }
+    void SetLoadedPart(int percent);
+    util::CallbackSet& GetOnLoading() { return m_onLoading; }
+
+    // The settings of the world that it brings along.
+    SceneSettings& GetSettings() { return m_settings; }
+    const SceneSettings& GetSettings() const { return m_settings; }
+
   private:
     void UpdateEntities(float dt);
     void RetireDead(const EntitySet& dead);
@@ -103,6 +113,9 @@ class Scene {
     script::AttribPtr<bool> m_jointIcons;     // null: they always show
     String m_name;
     util::CallbackSet m_onNameChange;
+    int m_loadedPart = 100;
+    util::CallbackSet m_onLoading;
+    SceneSettings m_settings;
 };
 
 }  // namespace app

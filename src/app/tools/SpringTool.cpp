@@ -31,6 +31,7 @@ void SpringTool::MoveFreeEnd(math::Vec2 world) {
     const physics::GeomPtr other = m_scene.GetGeomAt(world, m_spring->GetEndBody(0));
     const physics::GeomPtr& geom = other ? other : m_spring->GetEnd(0).geom;
     m_spring->SetEnds(m_spring->GetEnd(0), {geom, geom->GetInvTransform()(world)});
+    m_spring->SetLength(math::Length(m_spring->GetPos(1) - m_spring->GetPos(0)));
 }
 
 void SpringTool::Update() {
