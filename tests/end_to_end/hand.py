@@ -5,7 +5,7 @@ import os
 import time
 
 from boxes import VIEW, is_at, line, polygons, start_boxes
-from harness import box, check, ground, of_type, scene, wait_for
+from harness import box, check, ground, of_type, wait_for
 
 LEFT_BOX, RIGHT_BOX = (-4.5, 0.5), (4.5, 0.5)
 BACKGROUND = 0  # the geom that stands for the world behind all shapes
@@ -181,3 +181,16 @@ def case_exact_save(session):
     for name in ["wrecking.vxa", "piston.vxa", "dam.vxa"]:
         first = save(name)
         check(save(name) == first, name + " has changed by going through a file")
+
+
+def case_scene_settings(session):
+    """A scene's gravity holds while it is open and is saved with it; the saved settings are the user's own."""
+    moon = "{\ntype = \"settings\";\ngravity = [0.0, -1.6]\n}"
+    session.start_scene(moon, ground(0), box(0, 5, 1))
+    session.wait_scene("the loaded scene", lambda e: len(polygons(e)) == 1)
+    check(session.console("Sim.gravity") == "[0, -1.6]", "gravity is " + session.console("Sim.gravity"))
+    session.wait_frames()
+    check("Sim.gravity = [0.0, -9.8" in session.read("config.autosave.cfg"), "the autosaved settings have the moon's")
+    saved = session.quit()
+    check(of_type(saved, "settings"), "the settings were not saved with the scene")
+    check("Sim.gravity = [0.0, -9.8" in session.read("config.cfg"), "the saved settings have the moon's")
