@@ -67,7 +67,7 @@ void SPH::Sort(const ParticleList& particles) {
     m_grid.Sort(m_points, m_radius->Get() * m_influence->Get() * std::min(m_bucketSize->Get(), 1.0f));
 }
 
-void SPH::Update(const ParticleList& particles, const BodyList& bodies, real dt) {
+void SPH::Update(const ParticleList& particles, const BodyList& bodies, Vec2 gravity, real dt) {
     if (particles.empty()) return;
     PROFILE_SECTION("SPH::Update");
     const Kernel kernel = MakeKernel();
@@ -77,6 +77,7 @@ void SPH::Update(const ParticleList& particles, const BodyList& bodies, real dt)
     CalcDensities();
     AddInnerForces(kernel, dt);
     Jitter(particles, kernel.particleMass);
+    ApplyFilm(bodies, kernel, gravity);
     SolvePressure(bodies, kernel, dt);
     StoreResults(dt);
     Evaporate(dt);
@@ -98,6 +99,7 @@ SPH::Kernel SPH::MakeKernel() const {
     kernel.weightNorm = 7 / (math::PI * h2);
     kernel.gradientNorm = 140 / (math::PI * (h2 * h2));
     kernel.viscousNorm = 40 / (math::PI * (h2 * h2 * h));
+    kernel.spacing = std::sqrt(math::PI) * m_radius->Get();
     kernel.restDensity = m_density->Get();
     kernel.particleMass = m_density->Get() * (m_radius->Get() * m_radius->Get() * math::PI);
     return kernel;
@@ -186,6 +188,8 @@ void SPH::CountNeighbors() {
 void SPH::FindTouches(const BodyList& bodies, const Kernel& kernel) {
     PROFILE_SECTION("Finding touches");
     m_touches.clear();
+    m_liesOnShape.clear();
+    m_liesOnShape.resize(m_drops.size(), 0);
     for (uint32_t b = 0; b < bodies.size(); ++b) {
         const Body& body = *bodies[b].Get();
         for (const BodyPart& part : body.GetParts()) {
@@ -204,6 +208,8 @@ constexpr real BODY_SHARE = 0.95f;
 
 void SPH::AddTouch(const Kernel& kernel, const Body& body, uint32_t bodyIndex, uint32_t drop, real distance,
                    Vec2 normal) {
+    constexpr real LYING = 0.75f;  // spacings
+    if (distance < LYING * kernel.spacing) m_liesOnShape[drop] = 1;
     const real u = 1 - std::min(std::fabs(distance) / kernel.h, 1.0f);
     const real u4 = u * u * u * u;
     const real outside = u4 * u * (1.5f - u);
@@ -277,6 +283,12 @@ void SPH::SumPairs(const Kernel& kernel) {
         }
         m_sums[i] = own;
     }
+}
+
+// By the pressures of the last step, which the drops still have.
+void SPH::ApplyFilm(const BodyList& bodies, const Kernel& kernel, Vec2 gravity) {
+    PROFILE_SECTION("Film");
+    m_film.Apply(bodies, {m_grid, m_drops, m_liesOnShape}, {gravity, kernel.restDensity, kernel.spacing});
 }
 
 void SPH::SolvePressure(const BodyList& bodies, const Kernel& kernel, real dt) {

@@ -6,6 +6,7 @@
 #include "physics/Fwd.h"
 #include "physics/NeighborGrid.h"
 #include "physics/Particle.h"
+#include "physics/WaterFilm.h"
 #include "physics/WaterPressure.h"
 #include "script/Attributes.h"
 #include "script/Reflected.h"
@@ -31,8 +32,9 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
     // The particles as they were sorted last.
     const NeighborGrid& GetGrid() const { return m_grid; }
 
-    // The whole water step over `particles`, sorted, among `bodies`; `dt` seconds long.
-    void Update(const ParticleList& particles, const BodyList& bodies, math::real dt);
+    // The whole water step over `particles`, sorted, among `bodies`; `dt` seconds long. Of gravity, m/s^2,
+    // only the water in narrow gaps asks.
+    void Update(const ParticleList& particles, const BodyList& bodies, math::Vec2 gravity, math::real dt);
 
     // m: a particle's contacts with shapes begin at this distance. Pressure keeps it farther away where there
     // is enough water to press.
@@ -68,6 +70,7 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
         math::real gradientNorm;  // 140 / (pi h^4)
         math::real viscousNorm;   // 40 / (pi h^5)
         math::real particleMass;  // kg
+        math::real spacing;       // m, of drops at rest
         math::real restDensity;   // kg/m^2
     };
     // What the sums give.
@@ -90,6 +93,7 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
     template <bool SURFACE>
     void SumPairs(const Kernel& kernel);
     math::real GetViscosity(const Kernel& kernel, math::real dt) const;
+    void ApplyFilm(const BodyList& bodies, const Kernel& kernel, math::Vec2 gravity);
     void SolvePressure(const BodyList& bodies, const Kernel& kernel, math::real dt);
     void ApplyFormula();
     void StoreResults(math::real dt);
@@ -110,7 +114,9 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
     util::VectorPOD<math::Vec2> m_gradients;  // per pair: gradient kernel times mass times delta
     util::VectorPOD<math::Vec2> m_pushes;     // per pair: what pressure acts along, where that differs
     WaterPressure::Touches m_touches;
+    util::VectorPOD<uint8_t> m_liesOnShape;  // per drop: 1 for one that has a shape closer than other drops
     WaterPressure m_pressure;
+    WaterFilm m_film;
 
     bool m_hasStatistics = false;
     float m_averageNeighborCount = 0;

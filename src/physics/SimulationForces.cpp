@@ -123,7 +123,7 @@ void Simulation::CalcForces() {
         AddParticleForces(air);
     }
     for (const JointPtr& joint : m_joints) joint->ApplyForce(settings);
-    if (m_running->Get()) SPH::Instance().Update(m_particles, m_bodies, air.h);
+    if (m_running->Get()) SPH::Instance().Update(m_particles, m_bodies, air.gravity, air.h);
 }
 
 }  // namespace physics

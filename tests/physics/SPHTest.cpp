@@ -39,9 +39,22 @@ class SPHTest : public World {
                          (static_cast<float>(i / columns) + 0.5f) * SPACING + jitter(random)});
         }
     }
+    // Takes the drops out of a box.
+    void MakeRoom(Vec2 center, float halfWidth, float halfHeight) {
+        constexpr float MARGIN = 0.02f;
+        physics::ParticleList kept;
+        for (const ParticlePtr& particle : sim.GetParticles()) {
+            const Vec2 away = particle->m_pos - center;
+            const bool isInside =
+                std::fabs(away.x) < halfWidth + MARGIN && std::fabs(away.y) < halfHeight + MARGIN;
+            if (!isInside) kept.push_back(particle);
+        }
+        sim.ClearParticles();
+        for (const ParticlePtr& particle : kept) sim.AddParticle(particle);
+    }
     void Pass(float dt = 0.01f) {
         sph.Sort(sim.GetParticles());
-        sph.Update(sim.GetParticles(), sim.GetBodies(), dt);
+        sph.Update(sim.GetParticles(), sim.GetBodies(), {0, -9.8f}, dt);
     }
     Vec2 GetTotalForce() const {
         Vec2 sum;
@@ -376,6 +389,8 @@ TEST_F(SPHTest, PoolComesToRest) {
             EXPECT_GT(particle->m_pos.y, 0);
             EXPECT_LT(std::fabs(particle->m_pos.x - 1), 1);
         }
+        for (const ParticlePtr& q : sim.GetParticles())
+            if (std::fabs(q->m_pos.x - 1) < 0.05f) printf("y %g p %g\n", q->m_pos.y, q->m_pressure);
         EXPECT_NEAR(sph.GetAverageDensity(), 1.02f, 0.02f);
         EXPECT_NEAR(GetLevel(0, 0), 300 * math::PI * 0.0025f / 2, 0.08f);
         EXPECT_LT(GetEnergyPerMass(), 5e-4f) << "still on its way";
@@ -391,16 +406,7 @@ TEST_F(SPHTest, BoxesFloatByTheirDensity) {
             sim.Clear();
             AddPool(480, 3);
             sim.m_defaultBodyDensity->Set(density);
-            if (fromBelow) {
-                physics::ParticleList kept;
-                for (const ParticlePtr& particle : sim.GetParticles()) {
-                    const Vec2 away = particle->m_pos - Vec2(1.5f, 0.65f);
-                    const bool isFree = std::max(std::fabs(away.x), std::fabs(away.y)) > SIZE / 2 + 0.02f;
-                    if (isFree) kept.push_back(particle);
-                }
-                sim.ClearParticles();
-                for (const ParticlePtr& particle : kept) sim.AddParticle(particle);
-            }
+            if (fromBelow) MakeRoom({1.5f, 0.65f}, SIZE / 2, SIZE / 2);
             const physics::BodyPtr box = AddBox({1.5f, fromBelow ? 0.65f : 1.7f}, SIZE, SIZE);
             Run(12);
             // Of a box that may have turned: the water it stands in for, by the height of its middle.
@@ -413,6 +419,47 @@ TEST_F(SPHTest, BoxesFloatByTheirDensity) {
             EXPECT_NEAR(submerged, density, 0.12f);
             EXPECT_LT(math::Length(box->m_vel), 0.05f);
         }
+    }
+}
+
+// Water seeps under what lies flat on the floor, and between what lies side by side: what is lighter leaves
+// it.
+TEST_F(SPHTest, BoxesRiseFromTheFloor) {
+    AddPool(480, 3);
+    MakeRoom({1.5f, 0.2f}, 0.6f, 0.2f);
+    sim.m_defaultBodyDensity->Set(0.6f);
+    std::vector<physics::BodyPtr> boxes;
+    for (const float x : {1.1f, 1.5f, 1.9f}) boxes.push_back(AddBox({x, 0.199f}, 0.4f, 0.4f));
+    Run(12);
+    for (const physics::BodyPtr& box : boxes) EXPECT_GT(box->m_pos.y, 0.4f);
+}
+
+// The floor bears what the water does not: the weight less that of the water in its place, or all of it where
+// the water is not as deep as a drop.
+TEST_F(SPHTest, FloorBearsTheRest) {
+    constexpr float SIZE = 0.6f, DENSITY = 3;
+    for (const bool isDeep : {true, false}) {
+        sim.Clear();
+        AddPool(480, 3);
+        if (!isDeep) sim.ClearParticles();
+        MakeRoom({1.5f, SIZE / 2}, SIZE / 2, SIZE / 2);
+        if (!isDeep) AddParticle({0.5f, 0.02f});
+        sim.m_defaultBodyDensity->Set(DENSITY);
+        const physics::BodyPtr box = AddBox({1.5f, SIZE / 2 - 0.001f}, SIZE, SIZE);
+        box->SetHeld(true);
+        Run(4);  // until the water is quiet
+        box->SetHeld(false);
+        Run(3);
+        float sum = 0;
+        for (int i = 0; i < 50; ++i) {
+            sim.Step(true);
+            for (const physics::ContactPtr& contact : sim.GetContacts()) {
+                if (contact->m_bodies[1] == box.Get())
+                    sum += contact->m_normalImpulse * contact->m_normal.y / 50;
+            }
+        }
+        const float weight = 9.8f * SIZE * SIZE * 0.01f;  // of water in its place, per step
+        EXPECT_NEAR(sum / weight, isDeep ? DENSITY - 1 : DENSITY, 0.25f);
     }
 }
 

@@ -1,0 +1,100 @@
+#pragma once
+
+#include <cstdint>
+
+#include "math/Vector.h"
+#include "physics/CollisionFilter.h"
+#include "physics/Fwd.h"
+#include "physics/Geom.h"
+#include "physics/NeighborGrid.h"
+#include "physics/PairSweep.h"
+#include "physics/WaterPressure.h"
+#include "util/VectorPOD.h"
+
+namespace physics {
+
+// Water in gaps that are too narrow for a drop. Without it nothing presses from below on a box that lies on
+// the floor of a pool, and no box would ever rise from there.
+//
+// Outlines are looked at in pieces. One that has another shape close before it is sealed: no drop gets there.
+// Water at rest has the same head everywhere it is connected, whatever the way,
+//   head = p - rho0 g.x,
+// so sealed pieces take over the head of the nearest open end, along the outline and across the gap. Where
+// that end lies in the water its head is that of the drops there; in the air it is that of no pressure. What
+// follows for the piece is pushed along its normal:
+//   force = -n length max(0, head + rho0 g.x).
+//
+// Kept from step to step for its arrays; holds no object between calls.
+class WaterFilm {
+  public:
+    struct Settings {
+        math::Vec2 gravity;  // m/s^2
+        math::real density;  // kg/m^2, of water at rest
+        math::real spacing;  // m, of drops at rest
+    };
+
+    // Drops in the order of the grid. Those that lie on a shape bear what rests on them with nothing of their
+    // kind below: their pressure is twice that of the water, and does not count.
+    struct Water {
+        const NeighborGrid& grid;
+        const WaterPressure::Drops& drops;
+        const util::VectorPOD<uint8_t>& liesOnShape;
+    };
+
+    // Adds the forces to the movable bodies.
+    void Apply(const BodyList& bodies, const Water& water, const Settings& settings);
+
+  private:
+    static constexpr uint32_t NONE = 0xFFFFFFFFu;
+
+    struct Shape {
+        AbstractBody* body;
+        Geom* geom;
+        uint32_t flags;
+        bool isMovable;
+        uint32_t begin;  // its pieces in m_pieces, round the outline; none until asked for
+        uint32_t end;
+
+        Geom* GetGeom() const { return geom; }
+    };
+    struct Piece {
+        math::Vec2 pos;  // its middle
+        math::Vec2 normal;
+        math::real length;
+        uint32_t shape;
+        uint32_t partner;  // the piece across the gap, or NONE
+        bool isSealed;
+        bool isReached;  // its head is known
+        math::real head;
+    };
+
+    void GatherShapes(const BodyList& bodies, const Water& water);
+    void AddShape(AbstractBody& body, Geom& geom, const math::BoundingBox2f& box);
+    void SealPairs();
+    void SealPair(uint32_t a, uint32_t b);
+    void CutOutline(uint32_t shape);
+    void CutPolygon(const Polygon& polygon, uint32_t shape);
+    void AddPiece(math::Vec2 pos, math::Vec2 normal, math::real length, uint32_t shape);
+    void Seal(const Shape& shape, const Shape& other);
+    uint32_t FindPartner(const Piece& piece, const Shape& shape) const;
+    uint32_t GetNext(uint32_t piece) const;
+    uint32_t GetLast(uint32_t piece) const;
+    void FindEnds(const Water& water);
+    void LookAround(Piece& piece, const Water& water);
+    math::real GetUpperMean() const;
+    math::real GetHead(math::Vec2 pos, math::real pressure) const;
+    void SpreadHeads();
+    void Reach(uint32_t piece, math::real head);
+    void AddForces() const;
+
+    Settings m_settings = {};
+    math::real m_reach = 0;  // m, across the widest gap that is too narrow for drops
+    util::VectorPOD<Shape> m_shapes;
+    util::VectorPOD<Shape> m_planes;
+    util::VectorPOD<Piece> m_pieces;
+    util::VectorPOD<uint32_t> m_queue;    // pieces with a head, nearest to the ends first
+    util::VectorPOD<math::real> m_heads;  // of the drops round a piece
+    PairSweep m_sweep;                    // over m_shapes
+};
+
+}  // namespace physics
