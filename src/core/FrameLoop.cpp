@@ -30,6 +30,9 @@ constexpr int FRAMES_PER_FLUSH = 10;     // dead callbacks do no harm: they are 
 constexpr double FPS_INTERVAL = 1;       // seconds between two measurements
 constexpr int FRAMES_PER_CHANGE = 3;     // drawn after each change of the picture
 constexpr double LONGEST_UNDRAWN = 0.5;  // seconds
+constexpr double LONGEST_KEPT = 10;      // seconds that one picture is shown again and again
+constexpr double SLEEPY = 1;             // seconds without a change until updates become rare
+constexpr int FRAMES_PER_REST = 6;       // that pass between two updates then, unless there is input
 constexpr float LEAST_MAX_FPS = 1;       // the program stays usable whatever a script says
 
 Uint32 MeasureSleep() {
@@ -76,7 +79,12 @@ void Subsystem::RunFrame() {
     UpdateGUI(dt);
     if (m_quit) return;
     const bool draws = NeedsDrawing(now);
-    if (draws) Draw();
+    if (draws) {
+        m_keptFrame.Forget();
+        Draw();
+    } else if (now - m_lastDrawn >= LONGEST_UNDRAWN) {
+        ShowAgain(now);
+    }
     MeasureFrameRate();
     util::Profiler::Instance().Update();
     UpdateLogger();
@@ -163,17 +171,40 @@ void Subsystem::UpdateGUI(double dt) {
 bool Subsystem::NeedsDrawing(double now) {
     const bool isMoving =
         physics::Simulation::Instance().m_running->Get() || util::ProfileTree::Get().IsEnabled();
-    if (util::Redraw::Take() || isMoving) m_framesToDraw = FRAMES_PER_CHANGE;
-    if (now - m_lastDrawn >= LONGEST_UNDRAWN) m_framesToDraw = std::max(m_framesToDraw, 1);
+    if (util::Redraw::Take() || isMoving) {
+        m_framesToDraw = FRAMES_PER_CHANGE;
+        m_lastChange = now;
+    }
     if (m_framesToDraw == 0) return false;
     --m_framesToDraw;
     m_lastDrawn = now;
     return true;
 }
 
+// What has changed without a request, which nothing should, is seen some seconds later all the same.
+void Subsystem::ShowAgain(double now) {
+    m_lastDrawn = now;
+    if (now - m_lastWholeFrame >= LONGEST_KEPT) m_keptFrame.Forget();
+    try {
+        PROFILE_SECTION("Show again");
+        if (!m_keptFrame.Show()) {
+            m_lastWholeFrame = now;
+            Clear();
+            gui::GUI::Instance().Draw();
+            m_keptFrame.Keep();
+        }
+        SwapBuffers();
+    }
+    PASS_ON_EXCEPTIONS
+}
+
 // In place of drawing, so that input is answered as soon as ever.
 void Subsystem::Rest() {
-    SDL_Delay(static_cast<Uint32>(1000 / std::max(m_maxFPS->Get(), LEAST_MAX_FPS)));
+    const bool isSleepy = util::Clock::Now() - m_lastChange > SLEEPY;
+    for (int i = 0; i < (isSleepy ? FRAMES_PER_REST : 1); ++i) {
+        if (i > 0 && gui::Input::Instance().IsWaiting()) return;
+        SDL_Delay(static_cast<Uint32>(1000 / std::max(m_maxFPS->Get(), LEAST_MAX_FPS)));
+    }
 }
 
 void Subsystem::Draw() {

@@ -6,6 +6,7 @@
 #include "core/WindowParams.h"
 #include "input/InputListener.h"
 #include "input/WindowHost.h"
+#include "rendering/KeptFrame.h"
 #include "script/Attributes.h"
 #include "util/Singleton.h"
 
@@ -81,6 +82,7 @@ class Subsystem : public gui::InputListener, public gui::WindowHost, public util
     void UpdateInterpolators();
     void UpdateGUI(double dt);
     bool NeedsDrawing(double now);
+    void ShowAgain(double now);
     void Rest();
     void Draw();
     void Clear();
@@ -105,12 +107,15 @@ class Subsystem : public gui::InputListener, public gui::WindowHost, public util
     bool m_commandsRegistered = false;  // the commands that need a window
     int m_framesSinceFlush = 0;
     int m_framesToDraw = 0;
-    double m_lastDrawn = 0;           // s
-    double m_previousTime = 0;        // s, of the last frame
-    int m_frameCount = 0;             // since m_fpsStart
-    double m_fpsStart = 0;            // s
-    double m_fps = 0;                 // 1/s
-    std::exception_ptr m_lostWindow;  // why there is no window any more
+    rendering::KeptFrame m_keptFrame;  // while nothing changes
+    double m_lastChange = 0;           // s; of the picture
+    double m_lastWholeFrame = 0;       // s; when all was drawn anew
+    double m_lastDrawn = 0;            // s
+    double m_previousTime = 0;         // s, of the last frame
+    int m_frameCount = 0;              // since m_fpsStart
+    double m_fpsStart = 0;             // s
+    double m_fps = 0;                  // 1/s
+    std::exception_ptr m_lostWindow;   // why there is no window any more
 };
 
 }  // namespace core

@@ -60,6 +60,11 @@ void Input::Pump() {
     FinishPump(mouse);
 }
 
+bool Input::IsWaiting() {
+    SDL_PumpEvents();
+    return !m_queue->IsEmpty() || SDL_PollEvent(nullptr) != 0;
+}
+
 void Input::HandleEvent(const SDL_Event& event) {
     util::Redraw::Request();
     util::Guarded([&] { Translate(event); }, "", logging::Error);

@@ -49,6 +49,7 @@ class Input : public InputDelegator, public util::Singleton<Input> {
     ~Input() noexcept(false) override;
 
     void Pump();
+    bool IsWaiting();  // whether there is input for the next Pump
 
     // The two halves of Pump, for callers with events of their own making.
     void HandleEvent(const SDL_Event& event);  // never throws a std::exception

@@ -105,7 +105,10 @@ Texture::ImageType Texture::ImageType::Tile() {
     return {GL_RGBA, 1, 0, 0, 1, 1, 1, 0, ICON_DENSITY};
 }
 Texture::ImageType Texture::ImageType::Sprite() {
-    return {GL_RGBA, 1, 1, 1, 1, 1, 1};
+    return {GL_RGBA, 1, 1, 1, 1, 1, 0};
+}
+Texture::ImageType Texture::ImageType::Smooth() {
+    return {GL_RGBA, 0, 1, 1, 1, 1, 0};
 }
 Texture::ImageType Texture::ImageType::Profile() {
     return {GL_RGBA, 0, 1, 1, 1, 1, 0};
@@ -114,7 +117,7 @@ Texture::ImageType Texture::ImageType::Font() {
     return {GL_ALPHA, 0, 1, 1, 1, 1, 0};
 }
 Texture::ImageType Texture::ImageType::Distance() {
-    return {GL_ALPHA, 1, 1, 1, 1, 1, 1, 1};
+    return {GL_ALPHA, 1, 1, 1, 1, 1, 0, 1};
 }
 Texture::ImageType Texture::ImageType::Frame() {
     return {GL_RGBA, 0, 0, 0, 1, 1, 0};

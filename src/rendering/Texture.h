@@ -35,6 +35,7 @@ class Texture : public GraphicsResource {
         static ImageType Icon();     // icons, cursor, checkboxes: clamped
         static ImageType Tile();     // skins: repeated
         static ImageType Sprite();   // scaled pictures (joints, clouds, water): mipmaps, clamped, smooth
+        static ImageType Smooth();   // as a sprite without mipmaps: a formula without detail
         static ImageType Profile();  // the two border pictures, which a shader reads a rim profile from
         // GL_ALPHA: a font sheet, and the distance texture of a polygon.
         static ImageType Font();

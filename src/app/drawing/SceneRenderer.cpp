@@ -40,8 +40,10 @@ void BlendByAlpha() {
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
 }
 
-// What is selected goes up and down in brightness: between 0 and 1.
+// What is selected goes up and down in brightness: between 0 and 1. In a stopped world it stays bright, for
+// there the picture is drawn only when something changes.
 float GetPulse() {
+    if (!physics::Simulation::Instance().m_running->Get()) return 1;
     return 0.5f + 0.5f * static_cast<float>(std::sin(util::Clock::Now() * PULSE_SPEED));
 }
 

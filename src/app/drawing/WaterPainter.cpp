@@ -113,7 +113,7 @@ void DrawFrameQuad(const FrameRegion& region, Vec2 size, float guiScale) {
 
 WaterPainter::WaterPainter(const script::AttribPtr<float>& fanceyFactor)
     : m_metaBallTexture(TextureManager::Make([fanceyFactor] {
-          return TextureFromImage(MakeMetaBallImage(fanceyFactor->Get()), Texture::ImageType::Sprite());
+          return TextureFromImage(MakeMetaBallImage(fanceyFactor->Get()), Texture::ImageType::Smooth());
       })),
       m_waterTexture(TextureManager::Instance().Get("water")),
       m_waterShader(rendering::ShaderManager::Instance().Get("water")),
@@ -131,6 +131,9 @@ void WaterPainter::DrawField(const physics::ParticleList& particles, const Water
     if (m_region.IsEmpty()) return m_sprites.Clear();
     const rendering::ScopedMatrix matrix;
     const rendering::ScopedAttribs attribs;
+    glEnable(GL_SCISSOR_TEST);
+    glScissor(m_region.min.x, m_region.min.y, m_region.max.x - m_region.min.x,
+              m_region.max.y - m_region.min.y);
     ClearToBlack();
     Renderer::Instance().SetColor({1, 1, 1, 1});
     glDisable(GL_DEPTH_TEST);
