@@ -2,7 +2,8 @@
 # Installs the package of tools/package.sh into a clean Debian 12 in a folder of its own, starts it there as an ordinary
 # user on a virtual display, and purges it again; then the portable archive runs from a folder of that user.
 # Needs root, debootstrap and the package archive; takes some minutes.
-#   tools/test_package.sh [PACKAGE.deb [ARCHIVE.tar.xz]]
+#   [CLEAN_SYSTEM=FOLDER] tools/test_package.sh [PACKAGE.deb [ARCHIVE.tar.xz]]
+# CLEAN_SYSTEM is what debootstrap has made before, of which a copy is taken.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 package=$(realpath "${1:-$(ls -t build/packages/vexa_*.deb | head -n 1)}")
@@ -14,7 +15,10 @@ mirror=$(sed -n 's/^deb [^h]*\(http[^ ]*\).*/\1/p; s/^URIs: *\([^ ]*\).*/\1/p' /
     2>/dev/null | head -n 1)
 log=$PWD/build/packages/test_package.log
 
-inside() { chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive "$@"; }
+clean=(chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive)
+inside() { "${clean[@]}" "$@"; }
+# Without a network, or a display of this system would answer in the place of the clean one's.
+as_child() { unshare --net "${clean[@]}" su child -c "$1"; }
 quietly() {
     if ! "$@" >>"$log" 2>&1; then
         tail -n 30 "$log" >&2
@@ -25,7 +29,12 @@ quietly() {
 
 echo "== a clean system"
 : >"$log"
-quietly debootstrap --variant=minbase --include=adduser,ca-certificates bookworm "$root" "${mirror:-http://deb.debian.org/debian}"
+if [ -n "${CLEAN_SYSTEM:-}" ]; then
+    cp -a "$CLEAN_SYSTEM/." "$root"
+else
+    quietly debootstrap --variant=minbase --include=adduser,ca-certificates bookworm "$root" \
+        "${mirror:-http://deb.debian.org/debian}"
+fi
 cp /etc/apt/sources.list "$root/etc/apt/" 2>/dev/null || true
 cp -r /etc/apt/sources.list.d /etc/apt/trusted.gpg.d "$root/etc/apt/" 2>/dev/null || true
 cp /etc/resolv.conf /etc/hosts "$root/etc/" 2>/dev/null || true
@@ -57,8 +66,8 @@ ls "$2/config.cfg" "$2/Scenes/_ONEXITSAVE.vxa"
 INNER
 
 echo "== start as an ordinary user"
-inside su child -c "xvfb-run -a sh /start.sh vexa /home/child/.local/share/vexa"
-inside su child -c "vexa-scene /usr/share/vexa/Scenes/stack.vxa --steps 100 --hash"
+as_child "xvfb-run -a sh /start.sh vexa /home/child/.local/share/vexa"
+as_child "vexa-scene /usr/share/vexa/Scenes/stack.vxa --steps 100 --hash"
 
 echo "== purge"
 quietly inside apt-get purge -y -qq vexa
@@ -66,7 +75,7 @@ left=$(find "$root/usr" "$root/etc" "$root/var" -iname '*vexa*' ! -path '*/apt/*
 [ -z "$left" ] || { echo "left behind: $left"; exit 1; }
 
 echo "== the portable archive, from a folder of the user"
-inside su child -c "mkdir '/home/child/my games'"
-inside su child -c "tar -xJf - -C '/home/child/my games'" <"$archive"
-inside su child -c "xvfb-run -a sh /start.sh '/home/child/my games/Vexa/Vexa' '/home/child/my games/Vexa'"
+as_child "mkdir '/home/child/my games'"
+as_child "tar -xJf - -C '/home/child/my games'" <"$archive"
+as_child "xvfb-run -a sh /start.sh '/home/child/my games/Vexa/Vexa' '/home/child/my games/Vexa'"
 echo "test_package: installed, started and purged without a trace; the archive runs where it is unpacked"
