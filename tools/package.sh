@@ -22,11 +22,13 @@ quietly() {
 
 # dpkg-buildpackage writes beside the source tree and wants it clean: it works on a copy.
 echo "== Debian package"
-work=$(mktemp -d)
+# Always in the same place, so that the compiler's cache knows the files again.
+work=$target/work
+rm -rf "$work"
 trap 'rm -rf "$work"' EXIT
-mkdir "$work/vexa-$version"
+mkdir -p "$work/vexa-$version"
 git ls-files -z | xargs -0 cp --parents --no-dereference -t "$work/vexa-$version"
-(cd "$work/vexa-$version" && DEB_BUILD_OPTIONS="parallel=$(nproc) nocheck" quietly dpkg-buildpackage -b -us -uc)
+(cd "$work/vexa-$version" && DEB_BUILD_OPTIONS="parallel=$(nproc) nocheck noautodbgsym" quietly dpkg-buildpackage -b -us -uc)
 cp "$work"/vexa_"${version}_$architecture".deb "$target"
 quietly lintian --fail-on error,warning "$target/vexa_${version}_$architecture.deb"
 
@@ -35,7 +37,8 @@ quietly cmake --preset release
 quietly cmake --build --preset release --target Vexa vexa-scene
 portable=$work/portable
 quietly cmake --install build/release --prefix "$portable" --strip
-cp build/release/tools/vexa-scene README.md LICENSE art/DejaVu-licence.txt "$portable/Vexa"
+install -s build/release/tools/vexa-scene "$portable/Vexa"
+cp README.md LICENSE art/DejaVu-licence.txt "$portable/Vexa"
 archive=$target/vexa-$version-linux-$architecture.tar.xz
 tar -C "$portable" --owner=0 --group=0 --numeric-owner -cJf "$archive" Vexa
 

@@ -11,8 +11,8 @@ archive=$(realpath "${2:-$(ls -t build/packages/vexa-*.tar.xz | head -n 1)}")
 command -v debootstrap >/dev/null || { echo "test_package: install debootstrap" >&2; exit 2; }
 root=$(mktemp -d)
 trap 'umount "$root/proc" 2>/dev/null || true; rm -rf "$root"' EXIT
-mirror=$(sed -n 's/^deb [^h]*\(http[^ ]*\).*/\1/p; s/^URIs: *\([^ ]*\).*/\1/p' /etc/apt/sources.list /etc/apt/sources.list.d/* \
-    2>/dev/null | head -n 1)
+mirror=$(cat /etc/apt/sources.list /etc/apt/sources.list.d/* 2>/dev/null |
+    sed -n 's/^deb [^h]*\(http[^ ]*\).*/\1/p; s/^URIs: *\([^ ]*\).*/\1/p' | head -n 1) || true
 log=$PWD/build/packages/test_package.log
 
 clean=(chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive)
