@@ -359,33 +359,46 @@ void AppGUI::ShowSceneName() {
                                        : name.substr(name.find_last_of("/\\") + 1));
 }
 
+// A disk that is full, say, is told once, and not again before it has gone well in between.
+template <class Operation>
+bool AppGUI::GuardAutosave(const Operation& operation) {
+    const bool isWell =
+        util::Guarded(operation, "Error: ", m_autosaveFails ? logging::Trace : logging::Error);
+    if (!isWell) m_autosaveFails = true;
+    return isWell;
+}
+
 void AppGUI::Autosave() {
     if (m_autosave) return ContinueAutosave();
     const double now = util::Clock::Now();
     if (now - m_lastAutosave <= m_app.m_autosaveTime->Get()) return;
     m_lastAutosave = now;
-    SaveAutosaveConfig();
+    GuardAutosave([this] { SaveAutosaveConfig(); });
     const String scene = util::RunSlot::Instance().GetAutosaveScene();
     const util::FileSystem& files = util::FileSystem::Instance();
     const AutosavedState state = GetAutosaveState();
     if (state == m_autosaved && files.Exists(files.GetScenesDir() + scene)) return;
     m_autosaving = state;
-    const auto begin = [&] { m_autosave = std::make_unique<SceneWriter>(m_scene, scene); };
-    if (util::Guarded(begin, "Error: ", logging::Error)) ContinueAutosave();
+    if (GuardAutosave([&] { m_autosave = std::make_unique<SceneWriter>(m_scene, scene); }))
+        ContinueAutosave();
 }
 
 void AppGUI::SaveAutosaveConfig() {
     const SceneSettings::UsersTurn usersOwn(m_scene.GetSettings());
-    script::Parser::Instance().SaveRootCode(util::RunSlot::Instance().GetAutosaveConfig());
+    const String code = script::Parser::Instance().GetRootCode();
+    const util::FileSystem& files = util::FileSystem::Instance();
+    files.WriteFileAtomically(files.GetWorkDir() + util::RunSlot::Instance().GetAutosaveConfig(), code);
 }
 
 void AppGUI::ContinueAutosave() {
     constexpr double SLICE = 0.008;  // s of a frame
     bool isWritten = false;
-    const auto write = [&] { isWritten = m_autosave->Continue(SLICE); };
-    const bool isWell = util::Guarded(write, "Error: ", logging::Error);
-    if (isWritten) m_autosaved = m_autosaving;
-    if (isWritten || !isWell) m_autosave = nullptr;
+    const bool isWell = GuardAutosave([&] { isWritten = m_autosave->Continue(SLICE); });
+    if (!isWritten && isWell) return;
+    m_autosave = nullptr;
+    if (!isWritten) return;
+    m_autosaved = m_autosaving;
+    m_autosaveFails = false;
 }
 
 AppGUI::AutosavedState AppGUI::GetAutosaveState() const {

@@ -101,6 +101,8 @@ class AppGUI : public gui::Component {
     void NoteSaved(const String& name);
     void ShowSceneName();  // in the title of the window
     void Autosave();
+    template <class Operation>
+    bool GuardAutosave(const Operation& operation);
     void SaveAutosaveConfig();
     void ContinueAutosave();
 
@@ -155,6 +157,7 @@ class AppGUI : public gui::Component {
     const util::SharedPtr<Hint> m_hint;
     AutosavedState m_autosaved;
     AutosavedState m_autosaving;              // of m_autosave
+    bool m_autosaveFails = false;             // the last one did, and that has been told
     std::unique_ptr<SceneWriter> m_autosave;  // under way; null for none
 };
 

@@ -362,6 +362,10 @@ TEST_F(AppGUISaveTest, FailingAutosaveDoesNotStopTheProgram) {
     s_now += 1000;
     EXPECT_NO_THROW(GUI().Update(0.01f));
     EXPECT_GE(log.Count("Error: "), 1);
+    log.Clear();
+    s_now += 1000;
+    GUI().Update(0.01f);
+    EXPECT_EQ(log.Count(""), 0) << "told once";
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "World.h"
 #include "app/entities/Chain.h"
+#include "app/entities/HingeEntity.h"
 #include "util/Exception.h"
 
 namespace app {
@@ -151,7 +152,11 @@ TEST_F(SceneTest, BodiesCentreAndOrderOfTheSelection) {
     EXPECT_EQ(bodies[0], a->GetBody());
     EXPECT_NEAR(selection.GetCenter({7, 7}).x, 1.5f, 1e-5);
     selection.MoveToTop();
-    EXPECT_EQ(GetApp().GetEntities(), (EntityList{c, a, b, plane}));
+    EXPECT_EQ(GetApp().GetEntities(), (EntityList{c, plane, a, b})) << "a plane would hide the others";
+    const EntityPtr hinge = AddHinge({9, 4});
+    selection.Set({c});
+    selection.MoveToTop();
+    EXPECT_EQ(GetApp().GetEntities(), (EntityList{plane, a, b, c, hinge})) << "joints go with their shapes";
     selection.Clear();
     selection.Add(plane);
     EXPECT_EQ(selection.GetCenter({7, 7}), Vec2(7, 7));

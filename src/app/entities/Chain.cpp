@@ -32,7 +32,7 @@ size_t Chain::GetPlaceOf(const Entity& entity) const {
     size_t place = 0;
     for (const EntityPtr& member : GetEntities()) {
         if (member.Get() == &entity) break;
-        if (member->IsInScene() && member->GetChain().Get() == this) ++place;
+        if (member->IsInScene() && member->IsInSimulation() && member->GetChain().Get() == this) ++place;
     }
     return place;
 }

@@ -20,7 +20,8 @@ class Chain : public util::Pointee {
     // The number of places when the entity is not in the chain.
     size_t IndexOf(const Entity& entity) const;
     EntityList GetEntities() const;  // the living, in order
-    // The index of the entity among those of its scene: what has left holds no place in a file.
+    // The index of the entity among those of its scene: what has left, or is about to, holds no place in a
+    // file.
     size_t GetPlaceOf(const Entity& entity) const;
     // Every member stands for itself from now on. The chain keeps its list, which undo needs.
     void Dissolve() const;

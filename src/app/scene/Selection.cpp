@@ -1,9 +1,12 @@
 #include "app/scene/Selection.h"
 
 #include <algorithm>
+#include <set>
 
 #include "app/entities/Chain.h"
 #include "app/entities/GeomEntity.h"
+#include "app/entities/JointEntity.h"
+#include "app/entities/PlaneEntity.h"
 #include "app/scene/Scene.h"
 #include "input/Input.h"
 #include "physics/Body.h"
@@ -65,9 +68,25 @@ math::Vec2 Selection::GetCenter(math::Vec2 fallback) const {
     return box.IsFinite() ? box.GetCenter() : fallback;
 }
 
+// Joints go with their shapes, or they would vanish behind them. Planes stay below: they would hide half of
+// the scene.
 void Selection::MoveToTop() const {
+    std::set<const physics::Geom*> raised;
+    const auto rises = [this, &raised](const EntityPtr& entity) {
+        const auto* const joint = dynamic_cast<const JointEntity*>(entity.Get());
+        if (joint != nullptr && (raised.count(joint->GetEnd(0).geom.Get()) != 0 ||
+                                 raised.count(joint->GetEnd(1).geom.Get()) != 0)) {
+            return true;
+        }
+        return Has(entity) && dynamic_cast<const PlaneEntity*>(entity.Get()) == nullptr;
+    };
+    for (const EntityPtr& entity : m_entities) {
+        const auto* const shape = dynamic_cast<const GeomEntity*>(entity.Get());
+        if (shape != nullptr && rises(entity)) raised.insert(shape->GetGeom().Get());
+    }
     EntityList order = m_scene.GetEntities();
-    std::stable_partition(order.begin(), order.end(), [this](const EntityPtr& e) { return !Has(e); });
+    std::stable_partition(order.begin(), order.end(),
+                          [&](const EntityPtr& entity) { return !rises(entity); });
     m_scene.SetEntityOrder(order);
 }
 

@@ -35,7 +35,8 @@ class Selection {
     physics::BodyList GetBodies() const;
     // The middle of the box around all that have a finite one; `fallback` when none has.
     math::Vec2 GetCenter(math::Vec2 fallback) const;
-    // To the end of the scene list, in their order there, so that they are drawn on top.
+    // To the end of the scene list, in their order there, so that they are drawn on top: all but planes, and
+    // with the joints of what rises.
     void MoveToTop() const;
 
   private:
