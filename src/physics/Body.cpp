@@ -53,14 +53,6 @@ bool AbstractBody::IsBad() const {
     return IsOutOfRange();
 }
 
-real AbstractBody::GetMass() const {
-    return m_held ? INF : m_mass;
-}
-
-real AbstractBody::GetInertia() const {
-    return m_held ? INF : m_inertia;
-}
-
 void AbstractBody::SetHeld(bool held) {
     m_held = held;
     if (!held) return;

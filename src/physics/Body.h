@@ -34,8 +34,6 @@ class AbstractBody : public util::Pointee {
 
     bool IsImmovable() const { return m_held || m_massInv == 0; }
     // As constraints and springs see them: a held body weighs infinitely much.
-    math::real GetMass() const;
-    math::real GetInertia() const;
     math::real GetMassInv() const { return m_held ? 0 : m_massInv; }
     math::real GetInertiaInv() const { return m_held ? 0 : m_inertiaInv; }
 

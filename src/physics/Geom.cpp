@@ -115,11 +115,6 @@ real Circular::GetInertiaSansMass() const {
     return m_radius * m_radius / 2;
 }
 
-Vec2 Circular::GetClosestPoint(Vec2 point) const {
-    const Vec2 direction = point == GetPos() ? Vec2(1, 0) : GetNormal(point);
-    return GetPos() + m_radius * direction;
-}
-
 BoundingBox2f Circular::GetBoundingBox() const {
     const Vec2 half(m_radius, m_radius);
     return {GetPos() - half, GetPos() + half};
@@ -148,10 +143,6 @@ real Plane::GetArea() const {
 
 real Plane::GetInertiaSansMass() const {
     return INF;
-}
-
-Vec2 Plane::GetClosestPoint(Vec2 point) const {
-    return point - GetNormal() * Distance(point);
 }
 
 BoundingBox2f Plane::GetBoundingBox() const {
@@ -189,10 +180,6 @@ real WorldGeom::GetArea() const {
 
 real WorldGeom::GetInertiaSansMass() const {
     return INF;
-}
-
-Vec2 WorldGeom::GetClosestPoint(Vec2 point) const {
-    return point;
 }
 
 BoundingBox2f WorldGeom::GetBoundingBox() const {

@@ -38,7 +38,6 @@ class Geom : public util::Pointee {
         math::Vec2 point) const = 0;                    // outward and unit, or zero where there is none
     virtual math::real GetArea() const = 0;             // m^2
     virtual math::real GetInertiaSansMass() const = 0;  // m^2, about the geom's origin, per unit mass
-    virtual math::Vec2 GetClosestPoint(math::Vec2 point) const = 0;  // on the surface
     virtual math::BoundingBox2f GetBoundingBox() const = 0;
     virtual math::OBB2D GetOBB() const = 0;
     virtual math::Vec3 GetBoundingCircle() const = 0;  // x, y, radius
@@ -96,7 +95,6 @@ class Circular : public Geom {
     math::Vec2 GetNormal(math::Vec2 point) const override;
     math::real GetArea() const override;
     math::real GetInertiaSansMass() const override;
-    math::Vec2 GetClosestPoint(math::Vec2 point) const override;
     math::BoundingBox2f GetBoundingBox() const override;
     math::OBB2D GetOBB() const override;
     math::Vec3 GetBoundingCircle() const override;
@@ -127,7 +125,6 @@ class Plane : public Geom {
     math::Vec2 GetNormal(math::Vec2 point) const override;
     math::real GetArea() const override;
     math::real GetInertiaSansMass() const override;
-    math::Vec2 GetClosestPoint(math::Vec2 point) const override;
     math::BoundingBox2f GetBoundingBox() const override;
     math::OBB2D GetOBB() const override;
     math::Vec3 GetBoundingCircle() const override;
@@ -153,7 +150,6 @@ class WorldGeom : public Geom {
     math::Vec2 GetNormal(math::Vec2 point) const override;
     math::real GetArea() const override;
     math::real GetInertiaSansMass() const override;
-    math::Vec2 GetClosestPoint(math::Vec2 point) const override;
     math::BoundingBox2f GetBoundingBox() const override;
     math::OBB2D GetOBB() const override;
     math::Vec3 GetBoundingCircle() const override;

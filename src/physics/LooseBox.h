@@ -6,9 +6,9 @@
 #include "math/OBB2D.h"
 #include "math/Vector.h"
 
-// Axis-aligned boxes for quick rejection in front of exact tests. They are drawn larger than the shapes by a
-// small share of their coordinates, since the exact tests round, and nothing may be rejected that they would
-// accept.
+// Fat bounding boxes: axis-aligned, for quick rejection in front of exact tests. They are drawn larger than
+// the shapes by a small share of their coordinates, since the exact tests round, and nothing may be rejected
+// that they would accept.
 namespace physics {
 
 inline math::real GetSlack(math::Vec2 center, math::Vec2 halfSize) {

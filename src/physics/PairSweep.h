@@ -8,14 +8,15 @@
 
 namespace physics {
 
-// Finds the pairs of overlapping boxes among many, and lists them by the boxes' numbers: first the pairs of
-// box 0 with later ones, then those of box 1, and so on, each in rising order of the partner.
+// The broad phase: finds the pairs of overlapping boxes among many, and lists them by the boxes' numbers:
+// first the pairs of box 0 with later ones, then those of box 1, and so on, each in rising order of the
+// partner.
 //
-// Boxes are sorted by their lower end along one axis, and each is tested against those that begin before it
-// ends. The order is kept from one call to the next, so that a slowly changing scene is nearly sorted
-// already; the axis is the one along which the boxes are spread more widely. Where there are many, they are
-// strewn over bands across the axis, and the sweep runs band by band. Boxes that touch overlap; a box with a
-// NaN overlaps none of finite size.
+// Sweep and prune: boxes are sorted by their lower end along one axis, and each is tested against those that
+// begin before it ends. The order is kept from one call to the next, so that a slowly changing scene is
+// nearly sorted already; the axis is the one along which the boxes are spread more widely. Where there are
+// many, they are strewn over bands across the axis, and the sweep runs band by band. Boxes that touch
+// overlap; a box with a NaN overlaps none of finite size.
 class PairSweep {
   public:
     void Clear() { m_boxes.clear(); }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "math/Geometry.h"
 #include "util/Assert.h"
@@ -259,19 +258,6 @@ void Polygon::FindInBox(const Vec2* points, uint32_t* inBox) const {
         const real dy = std::fabs(math::Dot(box.axis[1], r)) - box.halfSize.y;
         inBox[i] = !(dx > 0) & !(dy > 0);
     }
-}
-
-Vec2 Polygon::GetClosestPoint(Vec2 point) const {
-    Vec2 closest;
-    real least = std::numeric_limits<real>::infinity();
-    for (const Line& line : GetWorldLines()) {
-        const Vec2 q = math::ClosestPointOnSegment(line.start, line.end, point);
-        const real distSq = math::LengthSquared(q - point);
-        if (!(distSq < least)) continue;
-        least = distSq;
-        closest = q;
-    }
-    return closest;
 }
 
 bool Polygon::Encloses(const Polygon& other) const {

@@ -34,7 +34,6 @@ class Polygon : public Geom {
     math::Vec2 GetNormal(math::Vec2 point) const override;
     math::real GetArea() const override { return m_area; }
     math::real GetInertiaSansMass() const override { return m_inertiaSansMass; }
-    math::Vec2 GetClosestPoint(math::Vec2 point) const override;
     math::BoundingBox2f GetBoundingBox() const override { return m_worldBoundingBox; }
     math::OBB2D GetOBB() const override { return m_worldOBB; }
     math::Vec3 GetBoundingCircle() const override { return m_worldBoundingCircle; }

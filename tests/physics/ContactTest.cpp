@@ -50,13 +50,10 @@ TEST_F(ContactTest, IsMadeFromItsGeoms) {
     EXPECT_FLOAT_EQ(contact->m_tangentMass, 1 / (2 / mass * (1 + 2 * arm * arm)));
 }
 
-TEST_F(ContactTest, HashIsThatOfOrderedFields) {
-    const ContactID id(9, 4, 2);
-    EXPECT_EQ(id.geom0, 4u);
-    EXPECT_EQ(id.geom1, 9u);
-    EXPECT_EQ(id.hash, 9u * 3625334849u + 4u * 2376512323u + 2u * 3407524639u);
-    EXPECT_TRUE(id == ContactID(4, 9, 2));
-    EXPECT_FALSE(id == ContactID(4, 9, 3));
+TEST_F(ContactTest, IDsDoNotKnowTheOrderOfTheirGeoms) {
+    EXPECT_TRUE(ContactID(9, 4, 2) == ContactID(4, 9, 2));
+    EXPECT_EQ(ContactID(9, 4, 2).hash, ContactID(4, 9, 2).hash);
+    EXPECT_FALSE(ContactID(9, 4, 2) == ContactID(4, 9, 3));
 }
 
 TEST_F(ContactTest, HeldBodyCountsAsInfinitelyHeavy) {

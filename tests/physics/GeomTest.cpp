@@ -20,8 +20,6 @@ TEST(Circle, AnswersAboutItsSurface) {
     EXPECT_FLOAT_EQ(circle->GetDistance({1, 1}), -2);
     EXPECT_EQ(circle->GetNormal({1, 5}), Vec2(0, 1));
     EXPECT_EQ(circle->GetNormal({1, 1}), Vec2());
-    EXPECT_EQ(circle->GetClosestPoint({1, 5}), Vec2(1, 3));
-    EXPECT_EQ(circle->GetClosestPoint({1, 1}), Vec2(3, 1));
     EXPECT_FLOAT_EQ(circle->GetArea(), 4 * math::PI);
     EXPECT_FLOAT_EQ(circle->GetInertiaSansMass(), 2);
     EXPECT_EQ(circle->GetBoundingBox(), math::BoundingBox2f({-1, -1}, {3, 3}));
@@ -37,9 +35,6 @@ TEST(Plane, MovesWithItsTransform) {
     EXPECT_NEAR(plane->GetDistance({3, 100}), 2, 1e-4f);
     EXPECT_NEAR(plane->GetDistance({6, -7}), -1, 1e-5f);
     EXPECT_NEAR(plane->GetNormal({0, 0}).x, -1, 1e-6f);
-    const Vec2 closest = plane->GetClosestPoint({3, 1});
-    EXPECT_NEAR(closest.x, 5, 1e-5f);
-    EXPECT_NEAR(closest.y, 1, 1e-5f);
 }
 
 TEST(Plane, IsEndless) {
@@ -55,7 +50,6 @@ TEST(WorldGeom, IsEverywhereAndEmpty) {
     const WorldGeomPtr world = new WorldGeom;
     EXPECT_EQ(world->GetDistance({1e6f, 0}), -1);
     EXPECT_EQ(world->GetNormal({1, 2}), Vec2());
-    EXPECT_EQ(world->GetClosestPoint({1, 2}), Vec2(1, 2));
     EXPECT_EQ(world->GetBoundingBox(), math::BoundingBox2f());
     EXPECT_EQ(world->GetBoundingCircle(), math::Vec3(0, 0, -INF));
     EXPECT_EQ(world->GetOBB().halfSize, Vec2(-INF, -INF));
