@@ -165,8 +165,9 @@ void Font::AddGlyph(rendering::VertexBatch& batch, unsigned char glyph, math::Ve
     constexpr float STRIDE = 1.0f / CELLS_PER_SIDE;
     const float gutter = STRIDE * (1 - m_cellSize * CELLS_PER_SIDE / m_texture->GetWidth()) / 2;
     const float side = STRIDE - 2 * gutter;
-    const float s = glyph % CELLS_PER_SIDE * STRIDE + gutter;
-    const float t = 1 - glyph / CELLS_PER_SIDE * STRIDE - gutter;
+    const int row = glyph / CELLS_PER_SIDE, column = glyph % CELLS_PER_SIDE;
+    const float s = static_cast<float>(column) * STRIDE + gutter;
+    const float t = 1 - static_cast<float>(row) * STRIDE - gutter;
     batch.AddQuad(place, place + math::Vec2(cell, cell), {s, t}, {s + side, t - side});
 }
 

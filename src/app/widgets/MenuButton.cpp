@@ -44,7 +44,7 @@ void MenuButton::AddAction(const std::function<void()>& run) {
 
 void MenuButton::DrawComp() {
     MultStateColor();
-    Component::DrawComp();
+    Component::DrawComp();  // NOLINT(bugprone-parent-virtual-call): without a button's own label
     const float height = GetSize().y;
     const float iconY = std::floor((height - MENU_ICON_SIZE) / 2);
     gui::DrawImage(m_icon, {gui::TEXT_MARGIN, iconY},
