@@ -194,8 +194,7 @@ void Component::SetExcludedFromLayout(bool excluded) {
 // ---- children ----------------------------------------------------------------------------------------
 
 void Component::AddChild(const ComponentPtr& newChild) {
-    // The argument may be the very entry that is removed below.
-    const ComponentPtr child = newChild;  // NOLINT(performance-unnecessary-copy-initialization)
+    const ComponentPtr child = newChild;  // the argument may be the very entry that is removed below
     CODE_ASSERTION(child);
     if (Component* const parent = child->GetParent()) parent->RemoveChild(child);
     AddReflected(child);
@@ -210,7 +209,7 @@ void Component::AddChild(const ComponentPtr& newChild) {
 }
 
 void Component::RemoveChild(const ComponentPtr& oldChild) {
-    const ComponentPtr child = oldChild;  // NOLINT(performance-unnecessary-copy-initialization): likewise
+    const ComponentPtr child = oldChild;
     if (!child) return;
     RemoveListener(*child);
     // The world view has moved on to a place of its own in the script tree by now.

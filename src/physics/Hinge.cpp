@@ -32,10 +32,10 @@ namespace physics {
 
 uint32_t Hinge::s_nextID = 0;
 
-Hinge::Hinge(GeomPtr geom0, GeomPtr geom1, math::Vec2 point)
+Hinge::Hinge(const GeomPtr& geom0, const GeomPtr& geom1, math::Vec2 point)
     : Hinge(geom0, geom1, geom0->GetInvTransform()(point), geom1->GetInvTransform()(point)) {}
 
-Hinge::Hinge(GeomPtr geom0, GeomPtr geom1, math::Vec2 anchor0, math::Vec2 anchor1)
+Hinge::Hinge(const GeomPtr& geom0, const GeomPtr& geom1, math::Vec2 anchor0, math::Vec2 anchor1)
     : m_id(s_nextID++), m_geoms{geom0, geom1}, m_anchors{anchor0, anchor1} {}
 
 Hinge::~Hinge() noexcept(false) = default;

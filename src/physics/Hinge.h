@@ -14,8 +14,9 @@ namespace physics {
 // are taken from the geoms anew at each step, so geoms may change bodies under a hinge.
 class Hinge final : public Constraint {
   public:
-    Hinge(GeomPtr geom0, GeomPtr geom1, math::Vec2 point);                        // point in the world
-    Hinge(GeomPtr geom0, GeomPtr geom1, math::Vec2 anchor0, math::Vec2 anchor1);  // in each geom's frame
+    Hinge(const GeomPtr& geom0, const GeomPtr& geom1, math::Vec2 point);  // point in the world
+    Hinge(const GeomPtr& geom0, const GeomPtr& geom1, math::Vec2 anchor0,
+          math::Vec2 anchor1);  // in each geom's frame
     ~Hinge() noexcept(false) override;
 
     uint32_t GetID() const { return m_id; }

@@ -23,7 +23,7 @@ namespace physics {
 
 uint32_t Joint::s_nextID = 0;
 
-Joint::Joint(GeomPtr geom0, GeomPtr geom1) : m_geoms{geom0, geom1}, m_id(s_nextID++) {}
+Joint::Joint(const GeomPtr& geom0, const GeomPtr& geom1) : m_geoms{geom0, geom1}, m_id(s_nextID++) {}
 
 Joint::~Joint() noexcept(false) = default;
 
@@ -44,7 +44,7 @@ bool Joint::IsValid() const {
     return body0 && body1 && body0->m_inWorld && body1->m_inWorld;
 }
 
-SpringJoint::SpringJoint(GeomPtr geom0, GeomPtr geom1, math::Vec2 anchor0, math::Vec2 anchor1,
+SpringJoint::SpringJoint(const GeomPtr& geom0, const GeomPtr& geom1, math::Vec2 anchor0, math::Vec2 anchor1,
                          math::real length, math::real strength, math::real damping)
     : Joint(geom0, geom1),
       m_anchors{anchor0, anchor1},

@@ -13,7 +13,7 @@ namespace physics {
 class Joint : public util::Pointee {
   public:
     Joint() : m_id(s_nextID++) {}
-    Joint(GeomPtr geom0, GeomPtr geom1);
+    Joint(const GeomPtr& geom0, const GeomPtr& geom1);
     ~Joint() noexcept(false) override;
 
     uint32_t GetID() const { return m_id; }
@@ -40,8 +40,8 @@ class Joint : public util::Pointee {
 class SpringJoint : public Joint {
   public:
     // Anchors in each geom's local frame.
-    SpringJoint(GeomPtr geom0, GeomPtr geom1, math::Vec2 anchor0, math::Vec2 anchor1, math::real length,
-                math::real strength, math::real damping);
+    SpringJoint(const GeomPtr& geom0, const GeomPtr& geom1, math::Vec2 anchor0, math::Vec2 anchor1,
+                math::real length, math::real strength, math::real damping);
 
     void ApplyForce(const StepSettings& settings) override;
 

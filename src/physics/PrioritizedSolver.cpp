@@ -44,7 +44,7 @@ class ResidualQueue {
     Constraint* GetGreatest() const { return m_queue.begin()->second; }
 
   private:
-    using Queue = std::multimap<math::real, Constraint*, std::greater<math::real>>;
+    using Queue = std::multimap<math::real, Constraint*, std::greater<>>;
 
     static math::real KeyOf(const Constraint& constraint) {
         const math::real residual = constraint.m_residual;

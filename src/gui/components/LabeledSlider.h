@@ -15,7 +15,6 @@ class LabeledSlider : public Component {
     void Update(float dt) override;
     String GetShownText() const override { return m_label->GetText(); }
 
-    const SliderPtr& GetSlider() const { return m_slider; }
     const String& GetValueText() const { return m_valueLabel->GetText(); }
 
     // The ends that stand for more than a number as "-inf" and "+inf", no one value as "-".

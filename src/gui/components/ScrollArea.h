@@ -14,7 +14,6 @@ class ScrollArea : public Component {
     void SetMaxHeight(float maxHeight);  // GUI units
     // From now on the greatest height is that of the interface, whatever becomes of it, less `room`.
     void FollowView(float room) { m_room = room; }
-    const ComponentPtr& GetContent() const { return m_content; }
     float GetOffset() const { return m_offset; }  // GUI units of the content above the upper edge
     void ScrollTo(float offset);
     // So that the component, somewhere below the content, is in view.

@@ -5,7 +5,6 @@
 
 #include "gui/Focus.h"
 #include "gui/LookAndFeel.h"
-#include "gui/components/Images.h"
 #include "input/Key.h"
 #include "rendering/Gl.h"
 #include "rendering/Renderer.h"
@@ -31,6 +30,8 @@ constexpr float DEFAULT_WIDTH = 120;
 constexpr double KEY_STEP = 0.02;        // of the track
 constexpr double FINE_KEY_STEP = 0.002;  // with shift
 const Vec4 HOVER_COLOR(1.2f, 1.2f, 1.2f, 1);
+const Vec4 TRACK_START(0.45f, 0.5f, 0.6f, 1), TRACK_END(0.75f, 0.82f, 0.95f, 1);
+const Vec4 KNOB_COLOR = (TRACK_START + TRACK_END) * 0.5f;
 
 bool IsSame(double a, double b) {
     return a == b || (std::isnan(a) && std::isnan(b));
@@ -86,16 +87,6 @@ void Slider::SetMinClamp(double value) {
 void Slider::SetMaxClamp(double value) {
     m_maxClamps = true;
     m_maxClampValue = value;
-}
-
-void Slider::SetTrackColors(const Vec4& start, const Vec4& end) {
-    m_trackStart = start;
-    m_trackEnd = end;
-}
-
-void Slider::SetKnobColor(const Vec4& color) {
-    m_useFixedKnobColor = true;
-    m_knobColor = color;
 }
 
 double Slider::GetFraction(double value) const {
@@ -188,7 +179,7 @@ void Slider::DrawComp() {
 void Slider::DrawTrack() const {
     rendering::Renderer& renderer = rendering::Renderer::Instance();
     const Vec4 present = renderer.GetColor();
-    const Vec4 start = present * m_trackStart, end = present * m_trackEnd;
+    const Vec4 start = present * TRACK_START, end = present * TRACK_END;
     const Vec4 colors[4] = {start, end, end, start};
     const float left = MARGIN, right = GetSize().x - MARGIN;
     for (const float part : {0.25f, 0.75f}) {
@@ -198,22 +189,13 @@ void Slider::DrawTrack() const {
     }
 }
 
-Vec4 Slider::GetKnobColor() const {
-    return m_useFixedKnobColor ? m_knobColor : (m_trackStart + m_trackEnd) * 0.5f;
-}
-
 void Slider::DrawKnob() const {
     const double value = GetValue();
     if (std::isnan(value)) return;
     const Vec2 middle(std::round(GetKnobX(value)), std::round(GetSize().y / 2));
-    if (m_knob) {
-        const Vec2 half = GetImageSize(m_knob) * 0.5f;
-        DrawImage(m_knob, middle - half, middle + half);
-        return;
-    }
     rendering::Renderer& renderer = rendering::Renderer::Instance();
     const Vec4 kept = renderer.GetColor();
-    renderer.MultColor(GetKnobColor());
+    renderer.MultColor(KNOB_COLOR);
     const rendering::ScopedCapability untextured(GL_TEXTURE_2D, false);
     const Vec2 half(KNOB_HALF_WIDTH, KNOB_HALF_HEIGHT);
     renderer.DrawQuad(middle - half, middle + half);

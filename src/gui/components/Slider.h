@@ -3,7 +3,6 @@
 #include <limits>
 
 #include "gui/Component.h"
-#include "rendering/Texture.h"
 
 namespace gui {
 
@@ -29,10 +28,6 @@ class Slider : public Component {
     bool IsMinClamp(double value) const { return m_minClamps && value == m_minClampValue; }
     bool IsMaxClamp(double value) const { return m_maxClamps && value == m_maxClampValue; }
 
-    void SetTrackColors(const math::Vec4& start, const math::Vec4& end);
-    void SetKnobColor(const math::Vec4& color);  // else half way between the track's
-    void SetKnobImage(const rendering::TextureMentorPtr& image) { m_knob = image; }
-
     util::CallbackSet& GetOnChange() { return m_onChange; }
     util::CallbackSet& GetOnDragStart() { return m_onDragStart; }  // before a user's change
     util::CallbackSet& GetOnDragEnd() { return m_onDragEnd; }
@@ -56,7 +51,6 @@ class Slider : public Component {
     void ChangeAsUser(double value);
     double GetFraction(double value) const;
     double GetValueOf(double fraction) const;
-    math::Vec4 GetKnobColor() const;
     void DrawTrack() const;
     void DrawKnob() const;
 
@@ -69,11 +63,6 @@ class Slider : public Component {
     double m_maxClampValue = 0;
     bool m_logarithmic = false;
     bool m_dragging = false;
-    math::Vec4 m_trackStart{0.45f, 0.5f, 0.6f, 1};
-    math::Vec4 m_trackEnd{0.75f, 0.82f, 0.95f, 1};
-    bool m_useFixedKnobColor = false;
-    math::Vec4 m_knobColor{1, 1, 1, 1};
-    rendering::TextureMentorPtr m_knob;  // null: a plain bar
     util::CallbackSet m_onChange;
     util::CallbackSet m_onDragStart;
     util::CallbackSet m_onDragEnd;
