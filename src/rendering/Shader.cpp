@@ -48,7 +48,7 @@ void RequireShaderSupport() {
 
 }  // namespace
 
-unsigned int LoadShader(int type, String source, String name) {
+unsigned int LoadShader(int type, const String& source, const String& name) {
     const GLhandleARB shader = glCreateShaderObjectARB(static_cast<GLenum>(type));
     if (shader == 0) THROW(BadDataException, "CreateShader returned 0");
     const GLcharARB* text = source.c_str();
@@ -64,7 +64,7 @@ unsigned int LoadShader(int type, String source, String name) {
 
 // ---- Shader -------------------------------------------------------------------------------------------
 
-Shader::Shader(String vertexSource, String fragmentSource, String name) : m_name(name) {
+Shader::Shader(const String& vertexSource, const String& fragmentSource, const String& name) : m_name(name) {
     RequireShaderSupport();
     m_program = glCreateProgramObjectARB();
     m_generation = Context::GetGeneration();

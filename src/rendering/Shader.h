@@ -17,7 +17,7 @@ class Shader : public GraphicsResource, public util::StackedBind<Shader> {
   public:
     // An empty source leaves out that stage; `name` is for messages. Throws FatalException when the system
     // has no shaders, BadDataException when the sources are wrong.
-    Shader(String vertexSource, String fragmentSource, String name);
+    Shader(const String& vertexSource, const String& fragmentSource, const String& name);
     ~Shader() noexcept(false) override;
 
     unsigned int MemoryUsage() const override { return 0; }  // next to nothing, and GL does not tell
@@ -46,7 +46,7 @@ using ScopedShader = util::ScopedBind<Shader>;
 
 // Compiles one stage (GL_VERTEX_SHADER or GL_FRAGMENT_SHADER) and gives its GL handle. Throws
 // BadDataException; what the compiler says goes to the log.
-unsigned int LoadShader(int type, String source, String name);
+unsigned int LoadShader(int type, const String& source, const String& name);
 
 // A variable of a shader, set while that is bound. Finds its location on first use and again after a reload.
 class Uniform : public util::Pointee {

@@ -18,7 +18,8 @@ static size_t GetLevelBelow(const ClassObjectPtr& superscope) {
 
 Scope::Scope(const String& name, const ClassObjectPtr& superscope)
     : Reflected(name), m_superscope(superscope), m_level(GetLevelBelow(superscope)) {
-    if (superscope) Object::SetOwner(superscope);  // a new object makes no circle
+    // A new object makes no circle: the check for one is passed over.
+    if (superscope) Object::SetOwner(superscope);  // NOLINT(bugprone-parent-virtual-call)
 }
 
 Scope::~Scope() noexcept(false) {
