@@ -52,6 +52,18 @@ script::TAttribPtr<bool> FindShaderSwitch() {
     return util::DynamicCast<script::TAttrib<bool>>(owner->FindLocal("shaders"));
 }
 
+std::vector<ToolEntry> MakeTools(const Workbench& bench, const ToolPtr& brush) {
+    return {{"hinge", "ToolHinge", "tools/hinge", 'h', new HingeTool(bench)},
+            {"fixjoint", "ToolFixJoint", "tools/fixjoint", 'f', new FixJointTool(bench)},
+            {"spring", "ToolSpring", "tools/spring", 's', new SpringTool(bench)},
+            {"chain", "ToolChain", "tools/chain", 'n', new ChainTool(bench)},
+            {"box", "ToolBox", "tools/box", 'x', new BoxTool(bench)},
+            {"circle", "ToolCircle", "tools/circle", 'c', new CircleTool(bench)},
+            {"plane", "ToolPlane", "tools/plane", 'p', new PlaneTool(bench)},
+            {"drag", "ToolDrag", "tools/drag", 'd', new DragTool(bench)},
+            {"brush", "ToolBrush", "tools/brush", 'b', brush}};
+}
+
 }  // namespace
 
 AppGUI::AppGUI(App& app, const AppGUI* previous)
@@ -64,15 +76,7 @@ AppGUI::AppGUI(App& app, const AppGUI* previous)
       m_panTool(new PanTool(app.GetWorkbench())),
       m_brushTool(new BrushTool(app.GetWorkbench())),
       m_lastAutosave(previous ? previous->m_lastAutosave : util::Clock::Now()),
-      m_tools{{"hinge", "ToolHinge", "tools/hinge", 'h', new HingeTool(app.GetWorkbench())},
-              {"fixjoint", "ToolFixJoint", "tools/fixjoint", 'f', new FixJointTool(app.GetWorkbench())},
-              {"spring", "ToolSpring", "tools/spring", 's', new SpringTool(app.GetWorkbench())},
-              {"chain", "ToolChain", "tools/chain", 'n', new ChainTool(app.GetWorkbench())},
-              {"box", "ToolBox", "tools/box", 'x', new BoxTool(app.GetWorkbench())},
-              {"circle", "ToolCircle", "tools/circle", 'c', new CircleTool(app.GetWorkbench())},
-              {"plane", "ToolPlane", "tools/plane", 'p', new PlaneTool(app.GetWorkbench())},
-              {"drag", "ToolDrag", "tools/drag", 'd', new DragTool(app.GetWorkbench())},
-              {"brush", "ToolBrush", "tools/brush", 'b', m_brushTool}},
+      m_tools(MakeTools(app.GetWorkbench(), m_brushTool)),
       m_selectedTool(m_tools.size() - 1),
       m_desk{m_scene,
              m_view,

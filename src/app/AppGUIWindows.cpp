@@ -29,7 +29,6 @@ namespace {
 
 // GUI units: what a window with a long list leaves free, and how high the list is at least.
 constexpr float LIST_ROOM = 140;
-constexpr float MIN_LIST_HEIGHT = 100;
 
 // GUI units that scenes and hints keep clear of the tools at the left.
 constexpr float TOOLS_ROOM = 120;

@@ -1,7 +1,7 @@
 #include <cmath>
 #include <limits>
 
-#include "World.h"
+#include "SceneFixture.h"
 #include "physics/SPH.h"
 #include "script/Objects.h"
 #include "util/Exception.h"
@@ -11,7 +11,7 @@ namespace {
 
 using math::Vec2;
 
-class EntityTest : public World {
+class EntityTest : public test::SceneFixture {
   protected:
     static physics::LineList Line(Vec2 a, Vec2 b) {
         physics::LineList lines;

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "World.h"
+#include "SceneFixture.h"
 #include "input/KeyBinder.h"
 #include "physics/SPH.h"
 #include "script/Parser.h"
@@ -24,11 +24,11 @@ class Stub : public script::Reflected {
 using StubPtr = util::SharedPtr<Stub>;
 
 // A stranger's scene, in the program as it stands.
-class GuestSceneTest : public World {
+class GuestSceneTest : public test::SceneFixture {
   protected:
     void SetUp() override {
         script::Parser::SetKeyBinderFactory([] { return script::ReflectedPtr(new script::KeyBinder); });
-        World::SetUp();
+        SceneFixture::SetUp();
         m_system = new Stub("System", {"exit", "screenshot", "recreateWindow"});
         m_gui = new Stub("GUI", {"Clear"});
         m_resources = new Stub("Resources", {"unloadAll", "reloadAll", "reloadTextures"});
@@ -44,7 +44,7 @@ class GuestSceneTest : public World {
         for (const script::ReflectedPtr& part : GetParts()) {
             m_parser.GetRootClosure()->RemoveVariable(part->GetReflectedName());
         }
-        World::TearDown();
+        SceneFixture::TearDown();
     }
 
     std::vector<script::ReflectedPtr> GetParts() {

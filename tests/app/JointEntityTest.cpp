@@ -1,6 +1,6 @@
 #include <cmath>
 
-#include "World.h"
+#include "SceneFixture.h"
 #include "app/entities/Chain.h"
 #include "app/entities/FixJointEntity.h"
 #include "app/entities/HingeEntity.h"
@@ -19,7 +19,7 @@ using math::Vec2;
 using physics::BodyPtr;
 using physics::GeomSet;
 
-class JointEntityTest : public World {
+class JointEntityTest : public test::SceneFixture {
   protected:
     static BodyPtr BodyOf(const GeomEntityPtr& shape) {
         return util::DynamicCast<physics::Body>(shape->GetGeom()->GetBody());

@@ -2,18 +2,18 @@
 
 #include <cstdlib>
 
-#include "World.h"
+#include "SceneFixture.h"
 #include "script/Parser.h"
 #include "util/FileSystem.h"
 
 namespace app {
 namespace {
 
-class LanguageTest : public World {
+class LanguageTest : public test::SceneFixture {
   protected:
     void TearDown() override {
         Get().Load("English");
-        World::TearDown();
+        SceneFixture::TearDown();
     }
     static Language& Get() { return Language::Instance(); }
     static void Write(const String& fileName, const String& text) {

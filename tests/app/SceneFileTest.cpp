@@ -2,7 +2,7 @@
 #include <fstream>
 #include <limits>
 
-#include "World.h"
+#include "SceneFixture.h"
 #include "app/entities/Chain.h"
 #include "app/entities/FixJointEntity.h"
 #include "app/entities/HingeEntity.h"
@@ -23,7 +23,7 @@ namespace {
 
 using math::Vec2;
 
-class SceneFileTest : public World {
+class SceneFileTest : public test::SceneFixture {
   protected:
     static EntityPtr Only() {
         EXPECT_EQ(GetApp().GetEntities().size(), 1u);

@@ -1,4 +1,4 @@
-#include "World.h"
+#include "SceneFixture.h"
 #include "app/files/SceneFiles.h"
 #include "app/files/SceneLoader.h"
 #include "physics/SPH.h"
@@ -17,12 +17,12 @@ String SceneWith(const String& settings) {
     return "version = 1;\n{ type = \"settings\"; " + settings + " };\n" + CIRCLE;
 }
 
-class SceneSettingsTest : public World {
+class SceneSettingsTest : public test::SceneFixture {
   protected:
     void TearDown() override {
         GetScene().GetSettings().Set({});
         GetSim().m_gravity->Set(GetSim().m_gravity->GetDefault());
-        World::TearDown();
+        SceneFixture::TearDown();
     }
     static Vec2 Gravity() { return GetSim().m_gravity->Get(); }
     static void LoadFile(const String& name, const String& text, bool import = false) {

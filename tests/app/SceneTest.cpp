@@ -1,4 +1,4 @@
-#include "World.h"
+#include "SceneFixture.h"
 #include "app/entities/Chain.h"
 #include "app/entities/HingeEntity.h"
 #include "util/Exception.h"
@@ -8,7 +8,7 @@ namespace {
 
 using math::Vec2;
 
-class SceneTest : public World {};
+class SceneTest : public test::SceneFixture {};
 
 TEST_F(SceneTest, ABodyWithoutEntityIsRemoved) {
     const auto circle = AddCircle({0, 0});

@@ -2,7 +2,7 @@
 #include <cmath>
 #include <limits>
 
-#include "World.h"
+#include "SceneFixture.h"
 #include "app/files/SceneLoader.h"
 #include "physics/Particle.h"
 #include "support/SourceDir.h"
@@ -11,7 +11,7 @@
 namespace app {
 namespace {
 
-class ShippedScenes : public World, public testing::WithParamInterface<const char*> {
+class ShippedScenes : public test::SceneFixture, public testing::WithParamInterface<const char*> {
   protected:
     // Height of the lowest body that can move.
     static float FindLowest() {

@@ -1,4 +1,4 @@
-#include "World.h"
+#include "SceneFixture.h"
 #include "app/entities/Chain.h"
 #include "app/entities/FixJointEntity.h"
 #include "app/entities/HingeEntity.h"
@@ -26,7 +26,7 @@ class Probe : public Action {
 };
 using ProbePtr = util::SharedPtr<Probe>;
 
-class UndoTest : public World {
+class UndoTest : public test::SceneFixture {
   protected:
     static ProbePtr Do(const char* name) {
         const ProbePtr probe = new Probe(name);

@@ -1,7 +1,7 @@
 #include <cmath>
 #include <limits>
 
-#include "World.h"
+#include "SceneFixture.h"
 #include "input/Input.h"
 #include "input/Key.h"
 
@@ -10,7 +10,7 @@ namespace {
 
 using math::Vec2;
 
-class ViewTest : public World {
+class ViewTest : public test::SceneFixture {
   protected:
     static void ExpectNear(Vec2 a, Vec2 b, float tolerance = 1e-3f) {
         EXPECT_NEAR(a.x, b.x, tolerance);

@@ -35,7 +35,8 @@ TEST(Checkbox, APressTurnsItOverAndUnknownBecomesOn) {
 
 TEST(RadioGroup, HasOneSelectedMemberAndTellsOfChanges) {
     const gui::RadioGroupPtr group = new gui::RadioGroup;
-    gui::AbstractRadioButtonPtr a = new gui::RadioButton(group), b = new gui::RadioButton(group, "b");
+    gui::AbstractRadioButtonPtr a = new gui::AbstractRadioButton(group),
+                                b = new gui::AbstractRadioButton(group);
     int changes = 0;
     group->GetOnChange().Add(new util::Callback([&changes] { ++changes; }, group));
     EXPECT_EQ(group->GetSelected(), nullptr);

@@ -1,9 +1,6 @@
 #pragma once
 
-#include <array>
-
 #include "gui/components/Button.h"
-#include "rendering/Texture.h"
 
 namespace gui {
 
@@ -39,20 +36,6 @@ class AbstractRadioButton : public AbstractButton {
 
     const RadioGroupPtr m_group;
     bool m_selected = false;
-};
-
-// As large as its picture, with a text at its right where there is one.
-class RadioButton : public AbstractRadioButton {
-  public:
-    explicit RadioButton(const RadioGroupPtr& group, const String& text = String(),
-                         const String& name = "RadioButton");
-
-    void DrawComp() override;
-    String GetShownText() const override { return m_text.m_text; }
-
-  private:
-    std::array<rendering::TextureMentorPtr, 2> m_images;  // off, on
-    FormattedText m_text;
 };
 
 }  // namespace gui

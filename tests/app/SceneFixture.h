@@ -11,30 +11,30 @@
 #include "physics/Simulation.h"
 #include "support/LogCapture.h"
 
-namespace app {
+namespace test {
 
 // An empty scene in a view of 800 by 600, the history empty, the simulation stopped, time standing at 100 s.
-class World : public testing::Test {
+class SceneFixture : public testing::Test {
   protected:
     void SetUp() override;
     void TearDown() override;
 
-    static App& GetApp() { return App::Instance(); }
-    static Scene& GetScene() { return GetApp().GetScene(); }
-    static View& GetView() { return GetApp().GetView(); }
+    static app::App& GetApp() { return app::App::Instance(); }
+    static app::Scene& GetScene() { return GetApp().GetScene(); }
+    static app::View& GetView() { return GetApp().GetView(); }
     static physics::Simulation& GetSim() { return physics::Simulation::Instance(); }
-    static Undoer& GetUndoer() { return Undoer::Instance(); }
+    static app::Undoer& GetUndoer() { return app::Undoer::Instance(); }
 
-    static CircleEntityPtr AddCircle(math::Vec2 pos, float radius = 0.5f);
-    static PolyEntityPtr AddBox(math::Vec2 min, math::Vec2 max);
-    static PolyEntityPtr AddTriangle(math::Vec2 pos);
-    static PlaneEntityPtr AddPlane(math::Vec2 normal, float offset);  // fixed to the world
+    static app::CircleEntityPtr AddCircle(math::Vec2 pos, float radius = 0.5f);
+    static app::PolyEntityPtr AddBox(math::Vec2 min, math::Vec2 max);
+    static app::PolyEntityPtr AddTriangle(math::Vec2 pos);
+    static app::PlaneEntityPtr AddPlane(math::Vec2 normal, float offset);  // fixed to the world
     // As the tools of the same names make them at that point.
-    static HingeEntityPtr AddHinge(math::Vec2 pos);
-    static FixJointEntityPtr AddFixJoint(math::Vec2 pos);
-    static SpringEntityPtr AddSpring(math::Vec2 from, math::Vec2 to);
+    static app::HingeEntityPtr AddHinge(math::Vec2 pos);
+    static app::FixJointEntityPtr AddFixJoint(math::Vec2 pos);
+    static app::SpringEntityPtr AddSpring(math::Vec2 from, math::Vec2 to);
     // Makes one body of the shapes of both.
-    static void Join(const GeomEntity& a, const GeomEntity& b);
+    static void Join(const app::GeomEntity& a, const app::GeomEntity& b);
 
     static void RunFor(int frames, float dt = 0.01f);  // of App::Update, the clock moving along
     static void AdvanceClock(double seconds);
@@ -46,4 +46,4 @@ class World : public testing::Test {
     static String Describe();
 };
 
-}  // namespace app
+}  // namespace test

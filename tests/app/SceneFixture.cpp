@@ -1,4 +1,4 @@
-#include "World.h"
+#include "SceneFixture.h"
 
 #include <algorithm>
 #include <limits>
@@ -16,7 +16,9 @@
 #include "util/Clock.h"
 #include "util/FileSystem.h"
 
-namespace app {
+namespace test {
+
+using namespace app;
 
 namespace {
 
@@ -45,7 +47,7 @@ std::ptrdiff_t CountEntities() {
 
 }  // namespace
 
-void World::SetUp() {
+void SceneFixture::SetUp() {
     CopyLanguages();
     util::Clock::SetSource(&Now);
     g_now = 100;
@@ -57,7 +59,7 @@ void World::SetUp() {
     GetView().SetDefaultView(false);
 }
 
-void World::TearDown() {
+void SceneFixture::TearDown() {
     GetApp().m_maxUndo->Set(GetApp().m_maxUndo->GetDefault());
     GetSim().m_running->SetValue(script::ValueToObject(GetSim().m_running->GetDefault()));
     GetApp().Clear();
@@ -66,19 +68,19 @@ void World::TearDown() {
     EXPECT_EQ(CountEntities(), 0) << "something keeps them alive";
 }
 
-CircleEntityPtr World::AddCircle(math::Vec2 pos, float radius) {
+CircleEntityPtr SceneFixture::AddCircle(math::Vec2 pos, float radius) {
     const CircleEntityPtr entity = new CircleEntity(new physics::Circle(radius, pos));
     GetApp().AddEntity(entity);
     return entity;
 }
 
-PolyEntityPtr World::AddBox(math::Vec2 min, math::Vec2 max) {
+PolyEntityPtr SceneFixture::AddBox(math::Vec2 min, math::Vec2 max) {
     const PolyEntityPtr entity = new PolyEntity(physics::MakeBoxPolygon(min.x, min.y, max.x, max.y));
     GetApp().AddEntity(entity);
     return entity;
 }
 
-PolyEntityPtr World::AddTriangle(math::Vec2 pos) {
+PolyEntityPtr SceneFixture::AddTriangle(math::Vec2 pos) {
     math::Vec2List outline;
     for (const math::Vec2 corner : {math::Vec2(0, 0), math::Vec2(1, 0), math::Vec2(0.25f, 0.75f)}) {
         outline.push_back(pos + corner);
@@ -88,7 +90,7 @@ PolyEntityPtr World::AddTriangle(math::Vec2 pos) {
     return entity;
 }
 
-PlaneEntityPtr World::AddPlane(math::Vec2 normal, float offset) {
+PlaneEntityPtr SceneFixture::AddPlane(math::Vec2 normal, float offset) {
     const PlaneEntityPtr entity = new PlaneEntity(new physics::Plane(normal, offset));
     GetSim().GetWorldBody()->AddGeom(entity->GetGeom());
     GetApp().AddEntity(entity);
@@ -107,45 +109,45 @@ static JointPtr AddJoint(Scene& scene, const JointPtr& joint, math::Vec2 p0, mat
 
 constexpr math::real JOINT_SIZE = 0.2f;  // m
 
-HingeEntityPtr World::AddHinge(math::Vec2 pos) {
+HingeEntityPtr SceneFixture::AddHinge(math::Vec2 pos) {
     return AddJoint(GetScene(), HingeEntityPtr(new HingeEntity(JOINT_SIZE)), pos, pos);
 }
 
-FixJointEntityPtr World::AddFixJoint(math::Vec2 pos) {
+FixJointEntityPtr SceneFixture::AddFixJoint(math::Vec2 pos) {
     return AddJoint(GetScene(), FixJointEntityPtr(new FixJointEntity(JOINT_SIZE)), pos, pos);
 }
 
-SpringEntityPtr World::AddSpring(math::Vec2 from, math::Vec2 to) {
+SpringEntityPtr SceneFixture::AddSpring(math::Vec2 from, math::Vec2 to) {
     return AddJoint(GetScene(), SpringEntityPtr(new SpringEntity(JOINT_SIZE)), from, to);
 }
 
-void World::Join(const GeomEntity& a, const GeomEntity& b) {
+void SceneFixture::Join(const GeomEntity& a, const GeomEntity& b) {
     const auto body = util::DynamicCast<physics::Body>(a.GetGeom()->GetBody());
     GetSim().RemoveBody(util::DynamicCast<physics::Body>(b.GetGeom()->GetBody()));
     body->AddGeom(b.GetGeom());
 }
 
-void World::RunFor(int frames, float dt) {
+void SceneFixture::RunFor(int frames, float dt) {
     for (int i = 0; i < frames; ++i) {
         g_now += static_cast<double>(dt);
         GetApp().Update(dt);
     }
 }
 
-void World::AdvanceClock(double seconds) {
+void SceneFixture::AdvanceClock(double seconds) {
     g_now += seconds;
 }
 
-String World::Save() {
+String SceneFixture::Save() {
     return Serializer::Serialize(GetScene())->ToCode();
 }
 
-void World::Load(const String& text) {
+void SceneFixture::Load(const String& text) {
     GetApp().Clear();
     Serializer::Deserialize(GetScene(), text);
 }
 
-String World::Describe() {
+String SceneFixture::Describe() {
     std::ostringstream out;
     out.precision(std::numeric_limits<float>::max_digits10);
     for (const EntityPtr& entity : GetApp().GetEntities()) {
@@ -168,4 +170,4 @@ String World::Describe() {
     return out.str();
 }
 
-}  // namespace app
+}  // namespace test
