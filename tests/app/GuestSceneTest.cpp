@@ -188,8 +188,7 @@ TEST_F(GuestSceneTest, ABadEntityCostsItself) {
         "{ type = \"circle\"; id = 7; radius = 1.0e999; pos = [0.0, 0.0] }",
         "{ type = \"circle\"; id = 7; radius = 1000000.0; pos = [0.0, 0.0] }",
         "{ type = \"circle\"; id = 7; radius = 1.0; pos = [0.0, 1000000.0] }",
-        "{ type = \"polygon\"; id = 7; vecs = [[-1000000.0, -1000000.0], [1000000.0, -1000000.0], [0.0, "
-        "900000.0]] }",
+        "{ type = \"polygon\"; id = 7; vecs = [[-1000000.0, 0.0], [1000000.0, 0.0], [0.0, 900000.0]] }",
         "{ f = { f }; f; type = \"circle\"; id = 7; radius = { f } }",
         "{ f = (n)=>{ f2 n }; f2 = (n)=>{ [{ 0 }, { f2(n - 1) + f2(n - 1) }]((n + 99) / 100)() }; f2 60 }",
         "{ s = \"0123456789abcdef\"; d = (x)=>{ x + x }; e = (x)=>{ d(d(d(d(x)))) }; t = e(e(e(e(e(s)))))}",
