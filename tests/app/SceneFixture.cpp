@@ -155,7 +155,8 @@ String SceneFixture::Describe() {
         out << entity.Get() << (GetApp().GetSelection().Has(entity) ? " selected" : "") << " chain "
             << entity->GetChain().Get() << "\n";
     }
-    out << "tracked " << GetScene().GetTrackedEntity().Get() << "\n" << Save() << "\n";
+    const EntityPtr tracked = GetScene().GetTrackedEntity();
+    out << "tracked " << (tracked && tracked->IsAlive() ? tracked.Get() : nullptr) << "\n" << Save() << "\n";
     for (const physics::BodyPtr& body : GetSim().GetBodies()) {
         out << body->GetID() << ":";
         for (const float value : {body->m_pos.x, body->m_pos.y, body->m_angle, body->m_vel.x, body->m_vel.y,

@@ -13,6 +13,8 @@
 
 namespace app {
 
+constexpr size_t LONG_TEXT = 500000;  // bytes that take some time
+
 SceneLoader::SceneLoader(Scene& scene, View& view, const String& filename, bool import)
     : Action(import ? "UndoImportScene" : "UndoLoadScene"),
       m_scene(scene),
@@ -47,11 +49,14 @@ bool SceneLoader::Read() {
         return false;
     }
     try {
-        m_code = Serializer::Parse(files.ReadFile(path));
+        const String text = files.ReadFile(path);
+        if (text.size() > LONG_TEXT) m_scene.SetLoadedPart(0);  // before its words are understood
+        m_code = Serializer::Parse(text);
     } catch (const std::exception& e) {
         LogException(e, WHERE);
         Log(logging::Warning, "Could not read " + path + ": " + e.what());
     }
+    if (!m_code && m_scene.GetLoadedPart() < 100) m_scene.SetLoadedPart(100);
     return static_cast<bool>(m_code);
 }
 

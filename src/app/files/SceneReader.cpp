@@ -94,7 +94,7 @@ void SceneReader::Read(const script::CodeBlock& code) {
     for (Record& record : m_others) build(&SceneReader::DeserializeNonbody, record);
     FinishChains();
     EnterScene();
-    if (m_lastTold > m_begin) m_scene.SetLoadedPart(100);
+    if (m_scene.GetLoadedPart() < 100) m_scene.SetLoadedPart(100);
 }
 
 void SceneReader::TellProgress() {
@@ -103,7 +103,8 @@ void SceneReader::TellProgress() {
     const double now = util::Clock::Now();
     if (now < m_begin + PATIENCE || now < m_lastTold + INTERVAL) return;
     m_lastTold = now;
-    m_scene.SetLoadedPart(static_cast<int>(std::min<size_t>(99 * m_steps / m_allSteps, 99)));
+    // The parsing of the text was about half of the work.
+    m_scene.SetLoadedPart(static_cast<int>(50 + std::min<size_t>(49 * m_steps / m_allSteps, 49)));
 }
 
 void SceneReader::ReadStatements(const script::CodeBlock& code) {
