@@ -34,6 +34,8 @@ class ConstraintSolver {
     void Run(const AbstractBodyList& bodies, const HingeSet& hinges, const ContactPool& contacts,
              const StepSettings& settings);
 
+    enum class SweepKind { PLAIN, WITH_TREND, LAST };  // the last makes the step that is left, and no more
+
   private:
     struct Entry {
         Constraint* constraint;
@@ -69,10 +71,9 @@ class ConstraintSolver {
     void LayOutLevels();
     void ArrangeRows();
     void PutInGroup(const ContactRow& row, uint32_t slot);
-    template <bool KEEP_DELTAS>
-    void Sweep();
+    template <SweepKind KIND>
+    math::real Sweep(math::real trendShare);
     void SweepWithTrend(int sweeps);
-    math::real SquareDeltas() const;
     void FollowTrend(math::real share);
     void StoreRows();
     void StoreBodies() const;

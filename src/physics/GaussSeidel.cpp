@@ -30,7 +30,7 @@ void ConstraintSolver::SolveGaussSeidel(const AbstractBodyList& bodies, const St
         SweepWithTrend(settings.sweeps);
     } else {
         m_trends.clear();
-        for (int i = 0; i < settings.sweeps; ++i) Sweep<false>();
+        for (int i = 0; i < settings.sweeps; ++i) Sweep<SweepKind::PLAIN>(0);
     }
     StoreRows();
     StoreBodies();
@@ -195,6 +195,8 @@ void ConstraintSolver::PutInGroup(const ContactRow& row, uint32_t slot) {
 
 namespace {
 
+using SweepKind = ConstraintSolver::SweepKind;
+
 // Four bodies' velocity changes and inverse masses, side by side.
 struct Body4 {
     Body4(const SolverBody* bodies, const uint32_t* indices)
@@ -221,9 +223,11 @@ struct Body4 {
     static Float4 Load(const SolverBody& body) { return LoadFloat4(&body.m_deltaVel.x); }
 };
 
-// SolveContactRows and ApplyImpulsePair, operation by operation, for four contacts.
-template <bool KEEP_DELTAS>
-inline void SolveGroup(ContactRow4& row, ContactTrend4* trend, SolverBody* bodies) {
+// SolveContactRows and ApplyImpulsePair, operation by operation, for four contacts; and, in a sweep with a
+// trend, the step along it that is still to be made, and the squares of the changes, added to `squares`.
+template <SweepKind KIND>
+inline void SolveGroup(ContactRow4& row, ContactTrend4* trend, Float4 share, SolverBody* bodies,
+                       Float4& squares) {
     Body4 b0(bodies, row.body0);
     Body4 b1(bodies, row.body1);
     const Float4 r0x = LoadFloat4(row.r0x);
@@ -237,20 +241,31 @@ inline void SolveGroup(ContactRow4& row, ContactTrend4* trend, SolverBody* bodie
     const Float4 cx = (b1.vx - r1y * b1.w) - (b0.vx - r0y * b0.w);
     const Float4 cy = (b1.vy + r1x * b1.w) - (b0.vy + r0x * b0.w);
 
-    const Float4 normalImpulse = LoadFloat4(row.normalImpulse);
+    Float4 normalImpulse = LoadFloat4(row.normalImpulse);
+    Float4 tangentImpulse = LoadFloat4(row.tangentImpulse);
+    if constexpr (KIND != SweepKind::PLAIN) {
+        const Float4 normalStep = LoadFloat4(trend->normalTrend) * share;
+        const Float4 tangentStep = LoadFloat4(trend->tangentTrend) * share;
+        normalImpulse = normalImpulse + normalStep;
+        tangentImpulse = tangentImpulse + tangentStep;
+        if constexpr (KIND == SweepKind::WITH_TREND) {
+            Store(trend->normalTrend, normalStep + LoadFloat4(trend->normalDelta));
+            Store(trend->tangentTrend, tangentStep + LoadFloat4(trend->tangentDelta));
+        }
+    }
     Float4 dn = LoadFloat4(row.normalTarget) - (cx * nx + cy * ny) * LoadFloat4(row.normalMass);
     const Float4 x = Max(dn + normalImpulse, Zero4());
     dn = x - normalImpulse;
-    const Float4 tangentImpulse = LoadFloat4(row.tangentImpulse);
     const Float4 limit = Max(LoadFloat4(row.friction) * x, Zero4());
     Float4 dt = LoadFloat4(row.tangentTarget) - (cx * tx + cy * ty) * LoadFloat4(row.tangentMass);
     const Float4 y = Min(Max(dt + tangentImpulse, -limit), limit);
     dt = y - tangentImpulse;
     Store(row.normalImpulse, normalImpulse + dn);
     Store(row.tangentImpulse, tangentImpulse + dt);
-    if constexpr (KEEP_DELTAS) {
+    if constexpr (KIND == SweepKind::WITH_TREND) {
         Store(trend->normalDelta, dn);
         Store(trend->tangentDelta, dt);
+        squares = squares + (dn * dn + dt * dt);
     }
 
     const Float4 px = nx * dn + tx * dt;
@@ -267,21 +282,27 @@ inline void SolveGroup(ContactRow4& row, ContactTrend4* trend, SolverBody* bodie
 
 }  // namespace
 
-template <bool KEEP_DELTAS>
-void ConstraintSolver::Sweep() {
+// Gives the sum of the squares of the contacts' changes, of a sweep with a trend.
+template <ConstraintSolver::SweepKind KIND>
+math::real ConstraintSolver::Sweep(math::real trendShare) {
     SolverBody* const bodies = m_bodies.data();
     ContactRow4* group = m_groups.data();
     ContactTrend4* trend = m_trends.data();
     const HingeRow* hinge = m_hinges.data();
+    const Float4 share = Fill4(trendShare);
+    Float4 squares = Zero4();
     for (const Level& level : m_levels) {
         for (ContactRow4* const end = m_groups.data() + level.groupsEnd; group != end; ++group, ++trend) {
-            SolveGroup<KEEP_DELTAS>(*group, trend, bodies);
+            SolveGroup<KIND>(*group, trend, share, bodies, squares);
         }
         for (const HingeRow* const end = m_hinges.data() + level.hingesEnd; hinge != end; ++hinge) {
             hinge->hinge->Calc(bodies[hinge->body0], bodies[hinge->body1]);
             hinge->hinge->Apply(bodies[hinge->body0], bodies[hinge->body1]);
         }
     }
+    alignas(16) math::real lanes[ContactRow4::LANES];
+    Store(lanes, squares);
+    return (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]);
 }
 
 // The conjugate gradients of Silcowitz-Hansen, Niebe and Erleben ("A nonsmooth nonlinear conjugate gradient
@@ -291,58 +312,41 @@ void ConstraintSolver::Sweep() {
 //   x += beta p,  p = d + beta p     if beta is below 1, else
 //   p = 0                            and the next sweep begins anew.
 // The fixed point is that of the sweeps alone. The last sweep stands as it is, so that all bounds hold. The
-// bodies' velocities are linear in the impulses, and so have trends of their own: rows need not be applied.
+// bodies' velocities are linear in the impulses, and so have trends of their own: rows need not be applied,
+// and the next sweep makes the step of each row when it comes by.
 void ConstraintSolver::SweepWithTrend(int sweeps) {
     m_trends.clear();
     m_trends.resize(m_groups.size(), ContactTrend4{});
     for (const HingeRow& row : m_hinges) row.hinge->ForgetTrend();
     m_bodyTrends.clear();
     m_bodyTrends.resize(m_bodies.size(), SolverBody());
-    math::real last = 0;
+    m_bodiesBefore = m_bodies;
+    math::real last = 0, share = 0;
     for (int i = 1; i < sweeps; ++i) {
-        m_bodiesBefore = m_bodies;
-        Sweep<true>();
-        const math::real size = SquareDeltas();
-        FollowTrend(size < last ? size / last : 0);
+        math::real size = Sweep<SweepKind::WITH_TREND>(share);
+        for (const HingeRow& row : m_hinges) size += row.hinge->GetSquaredDelta();
+        share = size < last ? size / last : 0;
         last = size;
+        FollowTrend(share);
     }
-    Sweep<false>();
+    Sweep<SweepKind::LAST>(share);
 }
 
-math::real ConstraintSolver::SquareDeltas() const {
-    Float4 sum = Zero4();
-    for (const ContactTrend4& trend : m_trends) {
-        const Float4 n = LoadFloat4(trend.normalDelta);
-        const Float4 t = LoadFloat4(trend.tangentDelta);
-        sum = sum + (n * n + t * t);
-    }
-    alignas(16) math::real lanes[ContactRow4::LANES];
-    Store(lanes, sum);
-    math::real total = (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]);
-    for (const HingeRow& row : m_hinges) total += row.hinge->GetSquaredDelta();
-    return total;
-}
-
+// Of bodies and hinges; those of the contacts follow in the next sweep.
 void ConstraintSolver::FollowTrend(math::real share) {
     const Float4 s = Fill4(share);
-    const auto follow = [s](math::real* impulse, math::real* trend, const math::real* delta) {
-        const Float4 step = LoadFloat4(trend) * s;
-        Store(impulse, LoadFloat4(impulse) + step);
-        Store(trend, step + LoadFloat4(delta));
-    };
-    for (size_t i = 0; i < m_groups.size(); ++i) {
-        follow(m_groups[i].normalImpulse, m_trends[i].normalTrend, m_trends[i].normalDelta);
-        follow(m_groups[i].tangentImpulse, m_trends[i].tangentTrend, m_trends[i].tangentDelta);
-    }
     for (const HingeRow& row : m_hinges) row.hinge->FollowTrend(share);
     // The fourth number of a body is its inverse mass, whose trend stays 0.
     for (size_t i = 0; i < m_bodies.size(); ++i) {
         math::real* const velocity = &m_bodies[i].m_deltaVel.x;
+        math::real* const before = &m_bodiesBefore[i].m_deltaVel.x;
         math::real* const trend = &m_bodyTrends[i].m_deltaVel.x;
         const Float4 now = LoadFloat4(velocity);
         const Float4 step = LoadFloat4(trend) * s;
-        Store(trend, step + (now - LoadFloat4(&m_bodiesBefore[i].m_deltaVel.x)));
-        Store(velocity, now + step);
+        const Float4 next = now + step;
+        Store(trend, step + (now - LoadFloat4(before)));
+        Store(velocity, next);
+        Store(before, next);
     }
 }
 
