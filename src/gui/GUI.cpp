@@ -61,6 +61,9 @@ GUI::GUI()
     m_clickTimeTolerance->AddOnChange(push);
     m_scale->AddOnChange(new util::Callback([this] { OnScaleChange(); }, this));
     PushSettings();
+    Input::Instance().GetSettings().m_isCovered = [](Vec2 place) {
+        return IsCreated() && Instance().m_root->FindAt(place) != nullptr;
+    };
     ResizeRoot();
     LoadCursor();
 }

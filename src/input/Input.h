@@ -28,9 +28,10 @@ enum class Modifier {
 
 // What gui::GUI's attributes say about input; it writes them here at its construction and on each change.
 struct InputSettings {
-    float m_scale = 1;                  // pixels per GUI unit, above 0
-    float m_clickTolerance = 3.5f;      // GUI units of movement that turn a press into a drag
-    float m_clickTimeTolerance = 0.4f;  // seconds of holding that turn a press into a drag
+    float m_scale = 1;                            // pixels per GUI unit, above 0
+    float m_clickTolerance = 3.5f;                // GUI units of movement that turn a press into a drag
+    float m_clickTimeTolerance = 0.4f;            // seconds of holding that turn a press into a drag
+    std::function<bool(math::Vec2)> m_isCovered;  // whether something takes the mouse there; GUI units
 };
 
 // The root of all input. Once a frame Pump() takes the window system's events, one after the other, turns
@@ -50,6 +51,10 @@ class Input : public InputDelegator, public util::Singleton<Input> {
 
     void Pump();
     bool IsWaiting();  // whether there is input for the next Pump
+    // Whether the interface lies over what the mouse means there, GUI units.
+    bool IsCovered(math::Vec2 position) const {
+        return m_settings.m_isCovered && m_settings.m_isCovered(position);
+    }
 
     // The two halves of Pump, for callers with events of their own making.
     void HandleEvent(const SDL_Event& event);  // never throws a std::exception

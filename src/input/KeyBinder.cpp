@@ -2,6 +2,7 @@
 
 #include <boost/algorithm/string/predicate.hpp>
 #include <tuple>
+#include <utility>
 
 #include "input/Input.h"
 #include "input/Key.h"
@@ -121,6 +122,16 @@ void KeyBinder::Unbind(const String& key) {
     if (entry != m_entries.end()) entry->second.function = nullptr;
 }
 
+bool KeyBinder::Move(const String& from, const String& to) {
+    const auto source = m_entries.find(KeyCombination::Parse(from));
+    if (source == m_entries.end() || !source->second.function) return false;
+    Entry& target = m_entries[KeyCombination::Parse(to)];
+    if (&target == &source->second) return true;
+    if (target.function) return false;
+    target.function = std::exchange(source->second.function, nullptr);
+    return true;
+}
+
 void KeyBinder::NoteAutoexec(const ObjectPtr& key, const ObjectPtr& action) {
     m_entries[KeyCombination::Parse(ObjectToValue<String>(key))].answered = ToAction(action);
 }
@@ -155,6 +166,7 @@ AbstractFunctionPtr KeyBinder::FindAction(const gui::KeyEvent& event) const {
 // A key that repeats while it is held has done its work already.
 void KeyBinder::OnKeyEvent(gui::KeyEvent& event) {
     if (event.m_handled || !event.m_pressed) return;
+    if (event.m_key >= gui::Key::LeftMouse && gui::Input::Instance().IsCovered(event.m_position)) return;
     const AbstractFunctionPtr function = FindAction(event);  // held: it may bind its own key anew
     if (!function) return;
     event.m_handled = true;

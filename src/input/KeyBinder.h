@@ -46,6 +46,8 @@ class KeyBinder : public Reflected {
     // ScriptException.
     void Bind(const ObjectPtr& key, const ObjectPtr& action);
     void Unbind(const String& key);
+    // What one key does another does from now on. False, and nothing changes, when that one is bound already.
+    bool Move(const String& from, const String& to);
 
     // By the order of the key codes.
     std::vector<KeyBinding> GetBindings() const;

@@ -9,6 +9,7 @@ import sys
 import time
 import traceback
 
+import face
 import hand
 from boxes import circle, is_at, line, polygons, start_boxes
 from harness import AUTOSAVE, Failure, Session, check, of_type, wait_for
@@ -174,7 +175,7 @@ def case_clean_exit(session):
     check(len(polygons(session.quit(by=signal.SIGINT))) == 2, "the scene of the last exit did not come back")
 
 
-CASES = {name[len("case_"):]: case for name, case in sorted({**globals(), **vars(hand)}.items())
+CASES = {name[len("case_"):]: case for name, case in sorted({**globals(), **vars(face), **vars(hand)}.items())
          if name.startswith("case_")}
 
 

@@ -70,6 +70,31 @@ TEST_F(KeyBinderTest, PressesRunTheBinding) {
     EXPECT_EQ(m_probe->m_notes, "b");
 }
 
+TEST_F(KeyBinderTest, ABindingMovesToAFreeKey) {
+    m_parser.Execute("Keys.bind(\"f5\", { Probe.hit }); Keys.bind(\"f6\", { Probe.note \"6\" })");
+    script::KeyBinder& binder = *script::KeyBinder::Find();
+    EXPECT_FALSE(binder.Move("f5", "f6")) << "taken";
+    EXPECT_FALSE(binder.Move("f7", "f8")) << "nothing there";
+    EXPECT_TRUE(binder.Move("f5", "ctrl+k"));
+    EXPECT_EQ(GetSaved(), "Keys.bind(\"ctrl+k\", {Probe.hit});\nKeys.bind(\"f6\", {Probe.note(\"6\")})\n");
+}
+
+TEST_F(KeyBinderTest, MouseButtonsOverTheInterfaceRunNothing) {
+    m_parser.Execute("Keys.bind(\"middle mousebutton\", { Probe.hit })");
+    gui::Input& input = gui::Input::Instance();
+    bool isCovered = true;
+    input.GetSettings().m_isCovered = [&isCovered](math::Vec2) { return isCovered; };
+    for (const int hits : {0, 1}) {
+        gui::KeyEvent press;
+        press.m_key = gui::Key::MiddleMouse;
+        press.m_pressed = true;
+        script::KeyBinder::Find()->OnKeyEvent(press);
+        EXPECT_EQ(m_probe->m_hits, hits);
+        isCovered = false;
+    }
+    input.GetSettings().m_isCovered = nullptr;
+}
+
 TEST_F(KeyBinderTest, AFailingBindingIsLogged) {
     LogCapture log;
     m_parser.Execute("Keys.bind(\"f6\", { Probe.fail })");

@@ -181,6 +181,7 @@ void EntityPopup::AddSceneRows() {
         const Command chosen = m_desk.m_commands.Find(command);
         AddFinalRow(command, chosen.m_icon, [chosen](const EntitySet&) { chosen.m_run(); });
     }
+    AddMenu("WindowsMenu", "file/fullscreen", [this] { return MakeWindowsMenu(); });
     if (m_desk.m_scene.GetTrackedEntity()) {
         Scene& scene = m_desk.m_scene;
         AddFinalRow("NoFollow", "blank", [&scene](const EntitySet&) { scene.Track(EntityPtr()); });
@@ -226,6 +227,16 @@ void EntityPopup::AddMenuRows() {
 }
 
 // ---- menus
+
+// Each opens its window, or closes it.
+WindowPtr EntityPopup::MakeWindowsMenu() const {
+    const WindowPtr window = MakeMenuWindow("WindowsMenu");
+    for (const char* const command : {"ToolbarTitle", "ControlTitle", "FileButton", "OptionsButton",
+                                      "GalleryButton", "AllSettings", "KeysTitle", "ShowStats"}) {
+        window->AddChild(MakeCommandRow(m_desk, command));
+    }
+    return window;
+}
 
 WindowPtr EntityPopup::MakeColorMenu() const {
     const WindowPtr window = MakeMenuWindow("ChooseColor");

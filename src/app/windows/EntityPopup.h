@@ -24,6 +24,7 @@ class EntityPopup : public gui::Window {
     void AddRow(const char* key, const char* icon, const std::function<void(const EntitySet&)>& act);
     void AddMenu(const char* key, const char* icon, const std::function<gui::WindowPtr()>& factory);
 
+    gui::WindowPtr MakeWindowsMenu() const;
     gui::WindowPtr MakeInfoMenu() const;
     gui::WindowPtr MakeColorMenu() const;
     gui::WindowPtr MakeCollisionMenu() const;

@@ -1,5 +1,7 @@
 #include "app/windows/KeysWindow.h"
 
+#include <algorithm>
+
 #include "app/Language.h"
 #include "app/windows/Rows.h"
 #include "gui/LookAndFeel.h"
@@ -38,6 +40,23 @@ bool IsModifier(int key) {
     return key >= gui::Key::RightShift && key <= gui::Key::LeftMeta;
 }
 
+String GetCombination(const gui::KeyEvent& event) {
+    script::KeyCombination combination;
+    combination.key = event.m_key;
+    combination.ctrl = event.m_ctrl;
+    combination.alt = event.m_alt;
+    combination.shift = event.m_shift;
+    return combination.GetName();
+}
+
+bool IsBound(const String& key) {
+    const script::KeyBinder* const binder = script::KeyBinder::Find();
+    if (binder == nullptr) return false;
+    const std::vector<script::KeyBinding> all = binder->GetBindings();
+    return std::any_of(all.begin(), all.end(),
+                       [&key](const script::KeyBinding& binding) { return binding.key == key; });
+}
+
 }  // namespace
 
 KeysWindow::KeysWindow(Commands& commands, const Desk& desk)
@@ -57,31 +76,43 @@ void KeysWindow::Fill() {
     m_isStale = false;
     m_rows->RemoveAllChildren();
     for (const Command& command : m_commands.GetAll()) {
-        const char* const name = command.m_name;
-        const String key = m_awaited == name ? Translate("PressAKey") : GetKeyText(command);
-        const gui::ButtonPtr button = new gui::Button(key.empty() ? "-" : key);
-        button->SetSize(KEY_WIDTH, button->GetSize().y);
-        button->SetKey(name);
-        button->GetOnPress().Add(
-            new util::Callback([this, name] { Await(name); }, util::WeakPtr<util::Pointee>(this)));
-        m_rows->AddChild(MakeRow({MakeName(Translate(name)), button}));
+        const String name = command.m_name;
+        m_rows->AddChild(
+            MakeKeyRow(name, Translate(command.m_name), GetKeyText(command), [=](const gui::KeyEvent& event) {
+                return !IsBound(GetCombination(event)) && m_commands.SetKey(name, event.m_key, event.m_ctrl);
+            }));
     }
     for (const auto& [name, key] : FIXED_KEYS) m_rows->AddChild(MakeFixedRow(Translate(name), key));
     AddBoundKeys();
 }
 
-void KeysWindow::AddBoundKeys() {
-    const script::KeyBinder* const binder = script::KeyBinder::Find();
-    if (binder == nullptr) return;
-    for (const script::KeyBinding& binding : binder->GetBindings()) {
-        m_rows->AddChild(MakeFixedRow(binding.action, binding.key));
-    }
+gui::ComponentPtr KeysWindow::MakeKeyRow(const String& name, const String& text, const String& key,
+                                         const std::function<bool(const gui::KeyEvent&)>& take) {
+    const String shown = m_awaited == name ? Translate("PressAKey") : key;
+    const gui::ButtonPtr button = new gui::Button(shown.empty() ? "-" : shown);
+    button->SetSize(KEY_WIDTH, button->GetSize().y);
+    button->SetKey(name);
+    const auto await = [this, name, take] {
+        m_awaited = name;
+        m_take = take;
+        m_message->SetText(Translate("PressAKey"));
+        m_isStale = true;
+    };
+    button->GetOnPress().Add(new util::Callback(await, util::WeakPtr<util::Pointee>(this)));
+    return MakeRow({MakeName(text), button});
 }
 
-void KeysWindow::Await(const char* command) {
-    m_awaited = command;
-    m_message->SetText(Translate("PressAKey"));
-    m_isStale = true;
+void KeysWindow::AddBoundKeys() {
+    script::KeyBinder* const binder = script::KeyBinder::Find();
+    if (binder == nullptr) return;
+    for (const script::KeyBinding& binding : binder->GetBindings()) {
+        const String key = binding.key;
+        m_rows->AddChild(MakeKeyRow(key, binding.action, key, [=](const gui::KeyEvent& event) {
+            if (event.m_key != gui::Key::Delete) return binder->Move(key, GetCombination(event));
+            binder->Unbind(key);
+            return true;
+        }));
+    }
 }
 
 // Rows are not taken away while one of their own buttons is at work.
@@ -101,12 +132,12 @@ void KeysWindow::OnKeyEvent(gui::KeyEvent& event) {
 }
 
 void KeysWindow::Take(const gui::KeyEvent& event) {
-    const String command = m_awaited;
+    const auto take = m_take;
     m_awaited.clear();
     m_isStale = true;
     m_message->SetText(String());
     if (event.m_key == gui::Key::Escape) return;
-    if (!m_commands.SetKey(command, event.m_key, event.m_ctrl)) m_message->SetText(Translate("KeyTaken"));
+    if (!take(event)) m_message->SetText(Translate("KeyTaken"));
 }
 
 }  // namespace app
