@@ -22,6 +22,14 @@ class Box2DEngine : public Engine {
         m_world.SetContinuousPhysics(false);
         for (const Wall& wall : scene.walls) AddWall(wall, scene);
         for (const Shape& shape : scene.shapes) AddShape(shape, scene);
+        b2BodyDef definition;
+        b2Body* const ground = m_world.CreateBody(&definition);
+        for (const Pin& pin : scene.pins) {
+            b2RevoluteJointDef joint;
+            joint.Initialize(pin.first < 0 ? ground : m_bodies[static_cast<size_t>(pin.first)],
+                             m_bodies[static_cast<size_t>(pin.second)], ToB2(pin.point));
+            m_world.CreateJoint(&joint);
+        }
     }
     void Step() override { m_world.Step(TIME_STEP, SWEEPS, POSITION_SWEEPS); }
     int CountContacts() const override {
@@ -55,6 +63,7 @@ class Box2DEngine : public Engine {
         definition.position = ToB2(shape.pos);
         definition.linearVelocity = ToB2(shape.vel);
         b2Body* const body = m_world.CreateBody(&definition);
+        m_bodies.push_back(body);
         if (shape.kind == Shape::CIRCLE) {
             b2CircleShape circle;
             circle.m_radius = shape.radius;
@@ -73,6 +82,7 @@ class Box2DEngine : public Engine {
     }
 
     b2World m_world;
+    std::vector<b2Body*> m_bodies;  // of the scene's shapes
 };
 
 }  // namespace

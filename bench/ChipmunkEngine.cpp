@@ -32,8 +32,17 @@ class ChipmunkEngine : public Engine {
         cpSpaceSetGravity(m_space, ToCp(scene.gravity));
         for (const Wall& wall : scene.walls) AddWall(wall, scene);
         for (const Shape& shape : scene.shapes) AddShape(shape, scene);
+        for (const Pin& pin : scene.pins) {
+            cpBody* const first =
+                pin.first < 0 ? cpSpaceGetStaticBody(m_space) : m_bodies[static_cast<size_t>(pin.first)];
+            m_pins.push_back(
+                cpPivotJointNew(first, m_bodies[static_cast<size_t>(pin.second)], ToCp(pin.point)));
+            cpConstraintSetCollideBodies(m_pins.back(), cpFalse);
+            cpSpaceAddConstraint(m_space, m_pins.back());
+        }
     }
     ~ChipmunkEngine() override {
+        for (cpConstraint* pin : m_pins) cpConstraintFree(pin);
         for (cpShape* shape : m_shapes) cpShapeFree(shape);
         for (cpBody* body : m_bodies) cpBodyFree(body);
         cpSpaceFree(m_space);
@@ -80,6 +89,7 @@ class ChipmunkEngine : public Engine {
     cpSpace* m_space;
     std::vector<cpBody*> m_bodies;
     std::vector<cpShape*> m_shapes;
+    std::vector<cpConstraint*> m_pins;
 };
 
 }  // namespace

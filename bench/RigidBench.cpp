@@ -82,6 +82,8 @@ static const bool s_isRegistered = [] {
     RegisterScene("sparse", 8000, 100);
     RegisterScene("stack", 20, 500);
     RegisterScene("mixed", 300, 200);
+    RegisterScene("chain at rest", 100, 500);
+    RegisterScene("chain swinging", 100, 200);
     for (const char* const scene : {"pile/1000", "pyramid/20"}) {
         const std::string text = scene;
         const size_t slash = text.find('/');

@@ -113,11 +113,29 @@ Scene MakeMixed(int shapes) {
     return scene;
 }
 
+Scene MakeChain(int links, bool swings) {
+    constexpr float LENGTH = 0.2f;
+    constexpr float THICKNESS = 0.05f;
+    Scene scene;
+    // Hangs straight down, or lies straight out and falls.
+    for (int i = 0; i < links; ++i) {
+        const float start = LENGTH * static_cast<float>(i), middle = start + LENGTH / 2;
+        const Vec2 pos = swings ? Vec2(middle, 0) : Vec2(0, -middle);
+        scene.shapes.push_back(swings ? MakeBox(LENGTH / 2, THICKNESS / 2, pos)
+                                      : MakeBox(THICKNESS / 2, LENGTH / 2, pos));
+        scene.pins.push_back({i - 1, i, swings ? Vec2(start, 0) : Vec2(0, -start)});
+    }
+    scene.settleSteps = swings ? 50 : 300;
+    return scene;
+}
+
 Scene MakeScene(const std::string& name, int size) {
     if (name == "pile") return MakePile(size);
     if (name == "pyramid") return MakePyramid(size);
     if (name == "stack") return MakeStack(size);
     if (name == "sparse") return MakeSparse(size);
+    if (name == "chain at rest") return MakeChain(size, false);
+    if (name == "chain swinging") return MakeChain(size, true);
     if (name == "mixed") return MakeMixed(size);
     throw std::runtime_error("no scene " + name);
 }

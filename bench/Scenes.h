@@ -28,19 +28,28 @@ struct Wall {
     float d;
 };
 
+// Holds two shapes together; they do not collide.
+struct Pin {
+    int first;   // index of the shape, or -1 for the fixed world
+    int second;  // index of the shape
+    math::Vec2 point;
+};
+
 struct Scene {
     std::vector<Shape> shapes;
+    std::vector<Pin> pins;
     std::vector<Wall> walls;
     math::Vec2 gravity{0, -9.8f};
     float restitution = 0;
     int settleSteps = 0;  // before anything is measured
 };
 
-Scene MakePile(int circles);   // circles of radius 0.1 in a box of walls
-Scene MakePyramid(int rows);   // boxes of 0.4 m
-Scene MakeStack(int boxes);    // boxes of 0.4 m
-Scene MakeSparse(int bodies);  // circles in free flight
-Scene MakeMixed(int shapes);   // polygons, circles and boxes in a box of walls
+Scene MakePile(int circles);              // circles of radius 0.1 in a box of walls
+Scene MakePyramid(int rows);              // boxes of 0.4 m
+Scene MakeStack(int boxes);               // boxes of 0.4 m
+Scene MakeSparse(int bodies);             // circles in free flight
+Scene MakeMixed(int shapes);              // polygons, circles and boxes in a box of walls
+Scene MakeChain(int links, bool swings);  // links of 0.2 m that hang from the world
 Scene MakeScene(const std::string& name, int size);
 
 }  // namespace bench

@@ -1,7 +1,10 @@
+#include <vector>
+
 #include "bench/Engine.h"
 #include "math/Vector.h"
 #include "physics/Body.h"
 #include "physics/Geom.h"
+#include "physics/Hinge.h"
 #include "physics/Polygon.h"
 #include "physics/Simulation.h"
 
@@ -32,7 +35,17 @@ class VexaEngine : public Engine {
         m_simulation.m_solveIter->Set(SWEEPS);
         m_simulation.m_gravity->Set(scene.gravity);
         for (const Wall& wall : scene.walls) Add(new physics::Plane(wall.normal, wall.d), {}, scene);
-        for (const Shape& shape : scene.shapes) Add(MakeGeom(shape), shape.vel, scene);
+        std::vector<physics::GeomPtr> geoms;
+        for (const Shape& shape : scene.shapes) {
+            geoms.push_back(MakeGeom(shape));
+            Add(geoms.back(), shape.vel, scene);
+        }
+        for (const Pin& pin : scene.pins) {
+            const physics::GeomPtr& first = pin.first < 0 ? m_simulation.GetWorldBody()->GetParts()[0].geom
+                                                          : geoms[static_cast<size_t>(pin.first)];
+            m_simulation.AddConstraint(
+                new physics::Hinge(first, geoms[static_cast<size_t>(pin.second)], pin.point));
+        }
     }
     void Step() override { m_simulation.Step(true); }
     int CountContacts() const override { return static_cast<int>(m_simulation.GetContacts().size()); }

@@ -20,6 +20,8 @@ BARS = {
     "pyramid/40": ("box2d", 0.70),
     "stack/20": ("box2d", 1.0),
     "mixed/300": ("box2d", 0.5),
+    "chain at rest/100": ("box2d", 1.2),
+    "chain swinging/100": ("box2d", 1.2),
     "polygon/100": ("bruteforce", 0.5),
     "water/4000": ("reference", 0.85),
     "water/16000": ("reference", 0.85),
@@ -86,6 +88,10 @@ def main():
         ratio = scenes["water/16000"]["vexa"]["ms"] / scenes["water/4000"]["vexa"]["ms"]
         print(f"water grows like N^{math.log(ratio, 4):.2f} (bar 1.3)")
         missed += ratio > 4**1.3
+    if "boxes in water/200" in scenes and "boxes in water/0" in scenes:
+        ratio = scenes["boxes in water/200"]["vexa"]["ms"] / scenes["boxes in water/0"]["vexa"]["ms"]
+        print(f"200 boxes in water: {ratio:.2f} of the water alone (bar 1.5)")
+        missed += ratio > 1.5
     return 1 if missed else 0
 
 
