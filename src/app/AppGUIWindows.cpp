@@ -87,7 +87,7 @@ void AppGUI::AddWindowCommands() {
     m_commands.Add({"ControlTitle", "tools/play", 0, false, toggle("Control")});
     m_commands.Add({"ShowHelp", "file/help", gui::Key::F1, false, [this] {
                         const String text = Language::Instance().GetHelpText();
-                        OpenDialog(MakeTextDialog(m_desk, "HelpTitle", text));
+                        OpenDialog(MakeHelpDialog(m_desk, text));
                     }});
     m_commands.Add({"ShowAbout", "file/about", 0, false, [this] {
                         const String text = Language::Instance().GetAboutText();

@@ -14,6 +14,8 @@
 #include "gui/Focus.h"
 #include "gui/GUI.h"
 #include "gui/LookAndFeel.h"
+#include "gui/components/Icon.h"
+#include "gui/components/Label.h"
 #include "gui/components/ScrollArea.h"
 #include "gui/components/TextField.h"
 #include "input/WindowHost.h"
@@ -32,6 +34,8 @@ constexpr float NAME_WIDTH = 260;      // GUI units
 constexpr float TEXT_WIDTH = 700;      // GUI units, of a wrapped text
 constexpr float SIDE_ROOM = 40;        // GUI units that a dialog leaves free
 constexpr size_t GALLERY_COLUMNS = 5;  // at most
+constexpr size_t GESTURE_COLUMNS = 6;  // at most
+constexpr float GESTURE_WIDTH = 96;    // GUI units
 constexpr float INFO_WIDTH = 200;      // GUI units
 constexpr double MEGABYTE = 1 << 20;
 const String SCENE_MASK = "*.vxa";
@@ -62,17 +66,45 @@ gui::ButtonPtr MakeCancelButton(const WindowPtr& window) {
 }
 
 // Rows of as many tiles as fit into the width.
-ComponentPtr MakeGrid(const std::vector<ComponentPtr>& tiles, float width) {
+ComponentPtr MakeGrid(const std::vector<ComponentPtr>& tiles, float width, size_t columns) {
     const ComponentPtr grid = new gui::Component("Grid", MakeRowLayout());
     std::vector<ComponentPtr> row;
     for (size_t i = 0; i < tiles.size(); ++i) {
         row.push_back(tiles[i]);
         const float next = static_cast<float>(row.size() + 1) * tiles[i]->GetOuterSize().x;
-        if (row.size() < GALLERY_COLUMNS && next <= width && i + 1 < tiles.size()) continue;
+        if (row.size() < columns && next <= width && i + 1 < tiles.size()) continue;
         grid->AddChild(MakeRow(row));
         row.clear();
     }
     return grid;
+}
+
+float GetTextWidth(const Desk& desk) {
+    return std::min(TEXT_WIDTH, desk.m_interface.GetSize().x - SIDE_ROOM);
+}
+
+ComponentPtr MakeText(const Desk& desk, const String& text) {
+    const gui::LabelPtr label = new gui::Label;
+    label->SetMaxWidth(GetTextWidth(desk));
+    label->SetText(text);
+    return label;
+}
+
+struct Gesture {
+    const char* m_picture;
+    const char* m_key;  // of the text below it
+};
+const Gesture GESTURES[] = {{"gui/help/draw", "UndoPolygon"}, {"gui/help/select", "SelectMenu"},
+                            {"gui/help/erase", "UndoErase"},  {"gui/help/move", "UndoMove"},
+                            {"gui/help/turn", "UndoRotate"},  {"gui/help/zoom", "Zoom"}};
+
+ComponentPtr MakeGestureTile(const Gesture& gesture) {
+    const ComponentPtr tile = new gui::Component("Gesture", new gui::ListLayout(gui::ListLayout::Vertical));
+    const gui::LabelPtr label = new gui::Label(Translate(gesture.m_key));
+    label->SetFixedWidth(GESTURE_WIDTH);
+    tile->AddChild(new gui::Icon(gesture.m_picture));
+    tile->AddChild(label);
+    return tile;
 }
 
 }  // namespace
@@ -151,7 +183,8 @@ WindowPtr MakeGallery(const Desk& desk, const NameFunction& choose) {
     for (const String& file : names) {
         tiles.push_back(new SceneButton(file, SceneButton::Shape::Tile, [choose, file] { choose(file); }));
     }
-    window->AddChild(MakeScrolled(MakeGrid(tiles, desk.m_interface.GetSize().x - SIDE_ROOM), desk));
+    window->AddChild(
+        MakeScrolled(MakeGrid(tiles, desk.m_interface.GetSize().x - SIDE_ROOM, GALLERY_COLUMNS), desk));
     return window;
 }
 
@@ -171,10 +204,18 @@ WindowPtr MakeLanguageDialog(const NameFunction& choose) {
 
 WindowPtr MakeTextDialog(const Desk& desk, const char* titleKey, const String& text) {
     const WindowPtr window = MakeDialog(titleKey);
-    const gui::LabelPtr label = new gui::Label;
-    label->SetMaxWidth(std::min(TEXT_WIDTH, desk.m_interface.GetSize().x - SIDE_ROOM));
-    label->SetText(text);
-    window->AddChild(MakeScrolled(label, desk));
+    window->AddChild(MakeScrolled(MakeText(desk, text), desk));
+    return window;
+}
+
+WindowPtr MakeHelpDialog(const Desk& desk, const String& text) {
+    const WindowPtr window = MakeDialog("HelpTitle");
+    std::vector<ComponentPtr> tiles;
+    for (const Gesture& gesture : GESTURES) tiles.push_back(MakeGestureTile(gesture));
+    const ComponentPtr content = new gui::Component("Help", MakeRowLayout());
+    content->AddChild(MakeGrid(tiles, GetTextWidth(desk), GESTURE_COLUMNS));
+    content->AddChild(MakeText(desk, text));
+    window->AddChild(MakeScrolled(content, desk));
     return window;
 }
 

@@ -43,6 +43,9 @@ gui::WindowPtr MakeLanguageDialog(const NameFunction& choose);
 // A text to read, wrapped and scrolled as far as there is no room for it.
 gui::WindowPtr MakeTextDialog(const Desk& desk, const char* titleKey, const String& text);
 
+// The help text below pictures of the gestures.
+gui::WindowPtr MakeHelpDialog(const Desk& desk, const String& text);
+
 // Frame rate, state of the world, video memory.
 gui::WindowPtr MakeInfoWindow();
 
