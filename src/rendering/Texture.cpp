@@ -125,7 +125,7 @@ Texture::ImageType Texture::ImageType::Frame() {
 
 // ---- life ---------------------------------------------------------------------------------------------
 
-Texture::Texture(AbstractImagePtr image, const ImageType& type)
+Texture::Texture(const AbstractImagePtr& image, const ImageType& type)
     : m_image(image), m_width(image->GetWidth()), m_height(image->GetHeight()), m_type(type) {
     if (Context::Exists()) Upload();
 }
@@ -245,11 +245,11 @@ String FindImage(const String& name) {
 
 }  // namespace
 
-Texture* TextureFromImage(ImageRGBA32Ptr image, Texture::ImageType type) {
+Texture* TextureFromImage(const ImageRGBA32Ptr& image, Texture::ImageType type) {
     return new Texture(image, type);
 }
 
-Texture* TextureFromImageFloat(ImageFloatPtr image, Texture::ImageType type) {
+Texture* TextureFromImageFloat(const ImageFloatPtr& image, Texture::ImageType type) {
     return new Texture(image, type);
 }
 

@@ -46,7 +46,7 @@ class Texture : public GraphicsResource {
 
     // Without a context it only keeps its parts, with GL name 0; the resource manager makes it anew once
     // there is one. Throws BadDataException for a format of unknown size.
-    Texture(AbstractImagePtr image, const ImageType& type);
+    Texture(const AbstractImagePtr& image, const ImageType& type);
     ~Texture() noexcept(false) override;
 
     // The unit is above 0 only with multitexturing (asserted); unit 0 is selected again afterward.
@@ -88,8 +88,8 @@ using TextureMentorPtr = util::SharedPtr<TextureMentor>;
 bool operator<(const Texture::ImageType& a, const Texture::ImageType& b);
 
 // For factories: each gives an object that nobody owns yet.
-Texture* TextureFromImage(ImageRGBA32Ptr image, Texture::ImageType type);
-Texture* TextureFromImageFloat(ImageFloatPtr image, Texture::ImageType type);
+Texture* TextureFromImage(const ImageRGBA32Ptr& image, Texture::ImageType type);
+Texture* TextureFromImageFloat(const ImageFloatPtr& image, Texture::ImageType type);
 // The picture `name`, sought below Data/Textures/ by the extensions png, tga, bmp, jpg when it has none.
 // Null, with a line at Error, when it cannot be loaded.
 Texture* TextureFromPath(const String& name, Texture::ImageType type);

@@ -10,12 +10,12 @@ TextureMentorPtr TextureManager::Get(const String& name, const Texture::ImageTyp
     return Register({name, type}, [name, type] { return TextureFromPath(name, type); });
 }
 
-TextureMentorPtr TextureManager::Get(const String& name, ImageRGBA32Ptr image,
+TextureMentorPtr TextureManager::Get(const String& name, const ImageRGBA32Ptr& image,
                                      const Texture::ImageType& type) {
     return Register({name, type}, [image, type] { return TextureFromImage(image, type); });
 }
 
-TextureMentorPtr TextureManager::Get(const String& name, ImageFloatPtr image,
+TextureMentorPtr TextureManager::Get(const String& name, const ImageFloatPtr& image,
                                      const Texture::ImageType& type) {
     return Register({name, type}, [image, type] { return TextureFromImageFloat(image, type); });
 }

@@ -19,8 +19,8 @@ class TextureManager : public util::Pointee, public util::Singleton<TextureManag
     TextureMentorPtr Get(const String& name, const Texture::ImageType& type = Texture::ImageType::Sprite());
 
     // An image made by the program, kept inside the mentor, under a name of its own.
-    TextureMentorPtr Get(const String& name, ImageRGBA32Ptr image, const Texture::ImageType& type);
-    TextureMentorPtr Get(const String& name, ImageFloatPtr image, const Texture::ImageType& type);
+    TextureMentorPtr Get(const String& name, const ImageRGBA32Ptr& image, const Texture::ImageType& type);
+    TextureMentorPtr Get(const String& name, const ImageFloatPtr& image, const Texture::ImageType& type);
 
     // Any other way to make a texture, not registered: the caller owns the mentor.
     static TextureMentorPtr Make(const TextureMentor::Factory& factory);

@@ -120,18 +120,6 @@ auto Rethrowing(Function function) -> decltype(function()) {
     }
 }
 
-StringList ListEntries(const String& directory, bool wantDirectories, const String& mask) {
-    StringList names;
-    boost::system::error_code error;
-    for (fs::directory_iterator it(directory, error), end; !error && it != end; it.increment(error)) {
-        boost::system::error_code statusError;
-        if (fs::is_directory(it->path(), statusError) != wantDirectories) continue;
-        const String name = it->path().filename().string();
-        if (mask == "*" || WildcardMatch(name.c_str(), mask.c_str())) names.push_back(name);
-    }
-    return names;
-}
-
 }  // namespace
 
 void FileSystem::FindWorkDir() {
@@ -213,11 +201,15 @@ bool FileSystem::KeepBadCopy(const String& path) const {
 }
 
 StringList FileSystem::ListFiles(const String& directory, const String& mask) const {
-    return ListEntries(directory, false, mask);
-}
-
-StringList FileSystem::ListDirs(const String& directory) const {
-    return ListEntries(directory, true, "*");
+    StringList names;
+    boost::system::error_code error;
+    for (fs::directory_iterator it(directory, error), end; !error && it != end; it.increment(error)) {
+        boost::system::error_code statusError;
+        if (fs::is_directory(it->path(), statusError)) continue;
+        const String name = it->path().filename().string();
+        if (mask == "*" || WildcardMatch(name.c_str(), mask.c_str())) names.push_back(name);
+    }
+    return names;
 }
 
 void FileSystem::Rename(const String& from, const String& to) const {

@@ -67,7 +67,6 @@ class FileSystem : public Pointee, public Singleton<FileSystem> {
     // Plain names in `directory` that match `mask` ("*" takes all), in the order of the disk; empty when
     // the folder does not exist.
     StringList ListFiles(const String& directory, const String& mask) const;
-    StringList ListDirs(const String& directory) const;
 
     void Rename(const String& from, const String& to) const;  // replaces `to`
     void Remove(const String& path) const;                    // a missing file is no failure
