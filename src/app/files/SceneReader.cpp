@@ -423,8 +423,8 @@ void SceneReader::LinkChain(const EntityPtr& entity, const EntitySerializer& val
 }
 
 void SceneReader::EnterScene() {
-    for (const auto& [_, entity] : m_entities) {
-        Guarded([&] { m_scene.AddEntity(entity); });
+    for (const auto& numbered : m_entities) {
+        Guarded([&] { m_scene.AddEntity(numbered.second); });
     }
 }
 
