@@ -31,7 +31,7 @@ def case_save_asks_before_it_replaces(session):
 
 
 def case_popup_by_key(session):
-    """The menu on shapes is opened, walked and pressed by keys alone."""
+    """The menu on shapes opens by a key, and what it does can be undone by one."""
     session.append_autoexec("GUI.Console.scroll = false")
     start_boxes(session)
     session.click(VIEW(-4.5, 0.5))
