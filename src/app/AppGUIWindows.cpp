@@ -27,9 +27,6 @@
 namespace app {
 namespace {
 
-// GUI units: what a window with a long list leaves free, and how high the list is at least.
-constexpr float LIST_ROOM = 140;
-
 // GUI units that scenes and hints keep clear of the tools at the left.
 constexpr float TOOLS_ROOM = 120;
 

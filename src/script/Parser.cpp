@@ -238,11 +238,12 @@ namespace {
 // The statements of nested blocks, one by one and in order. Joined, they give the text of the whole.
 void Flatten(const ExpressionPtr& expression, ExpressionList& statements) {
     if (!expression) return;
-    if (typeid(*expression) != typeid(CodeBlock)) {
+    const Expression& node = *expression;
+    if (typeid(node) != typeid(CodeBlock)) {
         statements.push_back(expression);
         return;
     }
-    const CodeBlock& block = static_cast<const CodeBlock&>(*expression);
+    const CodeBlock& block = static_cast<const CodeBlock&>(node);
     for (const ExpressionPtr& inner : block.GetExpressions()) Flatten(inner, statements);
 }
 
