@@ -40,11 +40,10 @@ Component::Component(const String& name, const LayoutPtr& layout)
 
 void Component::Draw() {
     Renderer& renderer = Renderer::Instance();
-    const math::Vec4 kept = renderer.GetColor();
+    const rendering::ScopedColor kept;
     renderer.MultColor(m_color);
     DrawComp();
     DrawChildren();
-    renderer.SetColor(kept);
 }
 
 void Component::DrawChildren() {

@@ -270,10 +270,9 @@ void Console::DrawComp() {
 void Console::DrawBackground() const {
     rendering::Renderer& renderer = rendering::Renderer::Instance();
     const rendering::ScopedCapability untextured(GL_TEXTURE_2D, false);
-    const Vec4 kept = renderer.GetColor();
+    const rendering::ScopedColor kept;
     renderer.MultColor(m_background->Get());
     renderer.DrawQuad({0, 0}, GetSize());
-    renderer.SetColor(kept);
 }
 
 // Half a second on, half a second off.

@@ -78,15 +78,13 @@ void Focus::DrawRing(const Component& component) {
     if (!component.HasFocus()) return;
     const math::BoundingBox2f box = component.GetOuterBox();
     rendering::Renderer& renderer = rendering::Renderer::Instance();
-    const math::Vec4 kept = renderer.GetColor();
-    renderer.SetColor(RING_COLOR);
+    const rendering::ScopedColor ring(RING_COLOR);
     const rendering::ScopedCapability untextured(GL_TEXTURE_2D, false);
     const math::Vec2 a = box.min, b = box.max;
     renderer.DrawQuad(a, {b.x, a.y + RING_WIDTH});
     renderer.DrawQuad({a.x, b.y - RING_WIDTH}, b);
     renderer.DrawQuad({a.x, a.y + RING_WIDTH}, {a.x + RING_WIDTH, b.y - RING_WIDTH});
     renderer.DrawQuad({b.x - RING_WIDTH, a.y + RING_WIDTH}, {b.x, b.y - RING_WIDTH});
-    renderer.SetColor(kept);
 }
 
 }  // namespace gui

@@ -80,22 +80,20 @@ void Notices::DrawComp() {
 
 void Notices::DrawNotice(const Notice& notice, float bottom) const {
     rendering::Renderer& renderer = rendering::Renderer::Instance();
-    const Vec4 kept = renderer.GetColor();
+    const rendering::ScopedColor kept;
     const double left = (notice.end - util::Clock::Now()) / FADING;
     renderer.MultColor({1, 1, 1, static_cast<float>(std::clamp(left, 0.0, 1.0))});
     const Vec2 size(notice.text.m_width + 2 * MARGIN, notice.text.m_height + 2 * MARGIN);
     const Vec2 corner(std::floor((GetParent()->GetSize().x - size.x) / 2), bottom - size.y);
-    const Vec4 faded = renderer.GetColor();
     {
+        const rendering::ScopedColor faded;
         const rendering::ScopedCapability untextured(GL_TEXTURE_2D, false);
         renderer.MultColor(BACKGROUND);
         renderer.DrawQuad(corner, corner + size);
     }
-    renderer.SetColor(faded);
     TextFormat format = notice.text.m_format;
     format.m_color = notice.color;
     DrawText(format, corner.x + MARGIN, corner.y + MARGIN, notice.text);
-    renderer.SetColor(kept);
 }
 
 }  // namespace gui

@@ -167,11 +167,9 @@ math::Vec2 DrawText(const TextFormat& format, float x, float y, const FormattedT
     PROFILE_SECTION("FF::DrawText");
     if (formatted.m_lines.empty()) return {x, y};
     if (rendering::Context::Exists()) {
-        rendering::Renderer& renderer = rendering::Renderer::Instance();
-        const math::Vec4 kept = renderer.GetColor();
-        renderer.MultColor(format.m_color);
+        const rendering::ScopedColor kept;
+        rendering::Renderer::Instance().MultColor(format.m_color);
         DrawLines(format, x, y, formatted);
-        renderer.SetColor(kept);
     }
     const TextLine& last = formatted.m_lines.back();
     return {x + last.m_x + last.m_w, y + last.m_y};

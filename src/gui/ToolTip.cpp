@@ -59,14 +59,12 @@ void ToolTip::Show(const String& text) {
 
 // The skin is transparent; a tip lies over other texts.
 void ToolTip::DrawComp() {
-    rendering::Renderer& renderer = rendering::Renderer::Instance();
-    const math::Vec4 kept = renderer.GetColor();
-    renderer.MultColor(BACKGROUND);
     {
+        const rendering::ScopedColor kept;
         const rendering::ScopedCapability untextured(GL_TEXTURE_2D, false);
-        renderer.DrawQuad({0, 0}, GetSize());
+        rendering::Renderer::Instance().MultColor(BACKGROUND);
+        rendering::Renderer::Instance().DrawQuad({0, 0}, GetSize());
     }
-    renderer.SetColor(kept);
     Label::DrawComp();
 }
 

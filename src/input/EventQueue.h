@@ -21,8 +21,8 @@ class EventQueue {
     void Install();
 
     void Push(const SDL_Event& event);
-    bool Pop(SDL_Event& event);
-    bool IsEmpty() const { return m_events.empty(); }  // in the order of coming; false when there is none
+    bool Pop(SDL_Event& event);  // in the order of coming; false when there is none
+    bool IsEmpty() const { return m_events.empty(); }
     size_t GetSize() const { return m_events.size(); }
 
   private:

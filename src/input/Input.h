@@ -1,5 +1,8 @@
 #pragma once
 
+#include <functional>
+#include <map>
+
 #include "input/InputListener.h"
 #include "util/Singleton.h"
 

@@ -284,4 +284,8 @@ bool Body::IsBad() const {
     return IsOutOfRange() || m_parts.empty();
 }
 
+BodyPtr BodyOf(const GeomPtr& geom) {
+    return geom ? util::DynamicCast<Body>(geom->GetBody()) : BodyPtr();
+}
+
 }  // namespace physics

@@ -158,4 +158,7 @@ class Body : public AbstractBody {
     GeomSet m_geoms;
 };
 
+// The body that a geom belongs to; null for no geom, one outside the world, and a drop's.
+BodyPtr BodyOf(const GeomPtr& geom);
+
 }  // namespace physics

@@ -27,10 +27,6 @@ Joint::Joint(const GeomPtr& geom0, const GeomPtr& geom1) : m_geoms{geom0, geom1}
 
 Joint::~Joint() noexcept(false) = default;
 
-static BodyPtr BodyOf(const GeomPtr& geom) {
-    return geom ? util::DynamicCast<Body>(geom->GetBody()) : BodyPtr();
-}
-
 void Joint::GetBodies(BodyPtr& body0, BodyPtr& body1) const {
     body0 = BodyOf(m_geoms[0]);
     body1 = BodyOf(m_geoms[1]);

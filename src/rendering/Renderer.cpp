@@ -192,6 +192,8 @@ ScopedAttribs::~ScopedAttribs() {
     Renderer::Instance().RestoreColor();
 }
 
+ScopedColor::ScopedColor() : m_kept(Renderer::Instance().GetColor()) {}
+
 ScopedColor::ScopedColor(const math::Vec4& color) : m_kept(Renderer::Instance().GetColor()) {
     Renderer::Instance().SetColor(color);
 }

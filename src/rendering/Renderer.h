@@ -73,6 +73,7 @@ class ScopedAttribs {
 // A colour for a scope, after which the present one comes back.
 class ScopedColor {
   public:
+    ScopedColor();  // the present one, for who changes it by himself
     explicit ScopedColor(const math::Vec4& color);
     explicit ScopedColor(const math::Vec3& factor);  // times the present colour, of which alpha stays
     ~ScopedColor();

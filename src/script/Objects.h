@@ -91,7 +91,6 @@ class Function : public AbstractFunction {
     Function(const ClosurePtr& closure, const StringList& args, const ExpressionPtr& code);
     ~Function() noexcept(false) override;
 
-    const StringList& GetArgs() const { return m_args; }
     const ExpressionPtr& GetCode() const { return m_code; }
     // The locals of the latest call, kept until the next one; null before the first.
     const ClosurePtr& GetCallClosure() const { return m_callClosure; }

@@ -74,7 +74,7 @@ class Solver : public World {
         m_hinges.insert(hinge);
     }
 
-    // The state before the solve. Hinges forget their impulses by a solve without warm start.
+    // The state before the solve, but for the impulses of hinges.
     void Restore() {
         for (size_t i = 0; i < m_bodies.size(); ++i) {
             m_bodies[i]->m_vel = m_start[i].vel;
@@ -89,6 +89,23 @@ class Solver : public World {
         std::vector<Motion> motions;
         for (const physics::AbstractBody* body : m_bodies) motions.push_back({body->m_vel, body->m_angVel});
         return motions;
+    }
+
+    void Clear() {
+        sim.Clear();
+        m_contacts.Clear();
+        m_hinges.clear();
+        m_start.clear();
+        m_impulses.clear();
+    }
+
+    // A solve without sweep and warm start.
+    void ForgetHingeImpulses(physics::ConstraintSolver& solver) {
+        sim.m_warmStart->Set(false);
+        sim.m_solveIter->Set(0);
+        solver.Run(m_bodies, m_hinges, m_contacts, sim.GetStepSettings());
+        sim.m_warmStart->Set(true);
+        sim.m_solveIter->Set(30);
     }
 
     // The textbook form of the solve: one constraint after the other through their own operations.
@@ -147,20 +164,11 @@ TEST_F(Solver, PackedSweepsEqualThePlainOrderBitForBit) {
                           {100, 400, 30, true},
                           {300, 200, 0, true}}) {
         SCOPED_TRACE(testing::Message() << c.bodies << " bodies, " << c.contacts << " contacts");
-        sim.Clear();
-        m_contacts.Clear();
-        m_hinges.clear();
-        m_start.clear();
-        m_impulses.clear();
+        Clear();
         sim.m_solvePreSortConstraints->Set(c.preSort);
         MakeScene(seed++, c.bodies, c.contacts, c.hinges);
         physics::ConstraintSolver solver;
-        // Once without warm start: clears the hinges' impulses.
-        sim.m_warmStart->Set(false);
-        sim.m_solveIter->Set(0);
-        solver.Run(m_bodies, m_hinges, m_contacts, sim.GetStepSettings());
-        sim.m_warmStart->Set(true);
-        sim.m_solveIter->Set(30);
+        ForgetHingeImpulses(solver);
 
         Restore();
         SolveOneByOne(c.preSort);
@@ -169,11 +177,7 @@ TEST_F(Solver, PackedSweepsEqualThePlainOrderBitForBit) {
         for (const physics::ContactPtr& contact : m_contacts) {
             impulses.push_back({contact->m_normalImpulse, contact->m_tangentImpulse});
         }
-        sim.m_warmStart->Set(false);
-        sim.m_solveIter->Set(0);
-        solver.Run(m_bodies, m_hinges, m_contacts, sim.GetStepSettings());
-        sim.m_warmStart->Set(true);
-        sim.m_solveIter->Set(30);
+        ForgetHingeImpulses(solver);
 
         Restore();
         solver.Run(m_bodies, m_hinges, m_contacts, sim.GetStepSettings());

@@ -94,12 +94,9 @@ void SelectionPainter::Draw(const Selection& selection, const math::BoundingBox2
     }
     const rendering::TexturePtr profile = m_profile->Get();
     if (!profile) return m_strokes.Clear();
-    rendering::Renderer& renderer = rendering::Renderer::Instance();
-    const math::Vec4 kept = renderer.GetColor();
+    const rendering::ScopedColor colored(math::Vec4(color.x, color.y, color.z, 1));
     const rendering::ScopedTexture bound(profile);
-    renderer.SetColor({color.x, color.y, color.z, 1});
     m_strokes.DrawAndClear();
-    renderer.SetColor(kept);
 }
 
 void SelectionPainter::AddOutline(const Entity& entity, const math::BoundingBox2f& view) {

@@ -191,19 +191,14 @@ void WaterPainter::DrawSurfaceByShader(const WaterView& view) {
 
 // Two layers in plain colours, opaque but for their edges: the rim, and from a higher field on the water.
 void WaterPainter::DrawSurfaceByUnit(const WaterView& view) {
-    Renderer& renderer = Renderer::Instance();
-    const math::Vec4 kept = renderer.GetColor();
     {
         const ScopedCut cut(view.cutoff);
-        renderer.SetColor(RIM_COLOR);
+        const rendering::ScopedColor rim(RIM_COLOR);
         DrawFrameQuad(m_region, view.size, view.guiScale);
     }
-    {
-        const ScopedCut cut(view.cutoff + (1 - view.cutoff) * RIM_SHARE);
-        renderer.SetColor({view.color.x, view.color.y, view.color.z, 1});
-        DrawFrameQuad(m_region, view.size, view.guiScale);
-    }
-    renderer.SetColor(kept);
+    const ScopedCut cut(view.cutoff + (1 - view.cutoff) * RIM_SHARE);
+    const rendering::ScopedColor inner(math::Vec4(view.color.x, view.color.y, view.color.z, 1));
+    DrawFrameQuad(m_region, view.size, view.guiScale);
 }
 
 void WaterPainter::DrawDiscs(const physics::ParticleList& particles, const WaterView& view) {

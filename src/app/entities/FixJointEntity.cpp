@@ -17,14 +17,6 @@ using physics::BodyPtr;
 using physics::GeomPtr;
 using physics::GeomSet;
 
-namespace {
-
-BodyPtr BodyOf(const GeomPtr& geom) {
-    return geom ? util::DynamicCast<physics::Body>(geom->GetBody()) : BodyPtr();
-}
-
-}  // namespace
-
 // What the fix joints of a scene hold together, all but one of them.
 class FixJointEntity::Links {
   public:
@@ -136,7 +128,7 @@ void FixJointEntity::KeepTogether() {
     const int leader = GetEnd(0).geom->GetBoundingBox().IsFinite() ? 0 : 1;
     End ends[2] = {GetEnd(0), GetEnd(1)};
     End& other = ends[1 - leader];
-    other.pos = other.geom->GetInvTransform()(GetPos(leader));
+    other = EndAt(other.geom, GetPos(leader));
     SetEnds(ends[0], ends[1]);
 }
 

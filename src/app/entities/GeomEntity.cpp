@@ -32,10 +32,6 @@ script::TAttribPtr<float> DeclareGeomFloat(script::Reflected& owner, const char*
         });
 }
 
-physics::BodyPtr BodyOf(const Geom& geom) {
-    return util::DynamicCast<physics::Body>(geom.GetBody());
-}
-
 }  // namespace
 
 GeomEntity::GeomEntity(const String& name, const physics::GeomPtr& geom)
@@ -50,7 +46,7 @@ GeomEntity::GeomEntity(const String& name, const physics::GeomPtr& geom)
 GeomEntity::~GeomEntity() noexcept(false) = default;
 
 void GeomEntity::UpdateBodyPtr() {
-    m_body = BodyOf(*m_geom);
+    m_body = physics::BodyOf(m_geom);
 }
 
 bool GeomEntity::IsPointInside(math::Vec2 point) const {
@@ -79,14 +75,14 @@ void GeomEntity::RemoveFromSimulation() {
 }
 
 bool GeomEntity::IsInSimulation() const {
-    const physics::BodyPtr body = BodyOf(*m_geom);
+    const physics::BodyPtr body = physics::BodyOf(m_geom);
     return body && physics::Simulation::Instance().HasBody(body);
 }
 
 // A held body still moves: the tool that holds it is the one that moves it. On an immovable body the shape
 // is put elsewhere, and the body takes that in.
 void GeomEntity::Transform(const math::RigidTransform& transform) {
-    const physics::BodyPtr body = BodyOf(*m_geom);
+    const physics::BodyPtr body = physics::BodyOf(m_geom);
     if (!body) return;
     if (body->m_massInv == 0) {
         m_geom->SetTransform(transform * m_geom->GetTransform());
@@ -106,13 +102,13 @@ void GeomEntity::BeginMove() {
 // From here on the body is what a file would make of it.
 void GeomEntity::EndMove() {
     Entity::EndMove();
-    const physics::BodyPtr body = BodyOf(*m_geom);
+    const physics::BodyPtr body = physics::BodyOf(m_geom);
     if (body && !(m_geom->GetTransform() == m_startTransform)) body->Settle();
 }
 
 void GeomEntity::Serialize(EntitySerializer& out) const {
     Entity::Serialize(out);
-    const physics::BodyPtr body = BodyOf(*m_geom);
+    const physics::BodyPtr body = physics::BodyOf(m_geom);
     if (body) out["body"] = script::ValueToObject(static_cast<int>(body->GetID()));
     out["id"] = script::ValueToObject(static_cast<int>(m_geom->GetID()));
     out["pos"] = script::ValueToObject(m_geom->GetPos());

@@ -110,7 +110,7 @@ void HingeEntity::CarryPin(const math::RigidTransform& transform) {
     const int ground = FindGroundEnd(*this);
     if (ground < 0) return;
     End ends[2] = {GetEnd(0), GetEnd(1)};
-    ends[ground].pos = ends[ground].geom->GetInvTransform()(transform(GetPos(ground)));
+    ends[ground] = EndAt(ends[ground].geom, transform(GetPos(ground)));
     SetEnds(ends[0], ends[1]);
     if (m_hinge) m_hinge->SetAnchor(ground, ends[ground].pos);
 }

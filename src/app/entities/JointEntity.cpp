@@ -24,10 +24,6 @@ bool IsWorld(const physics::GeomPtr& geom) {
     return geom == physics::GeomPtr(physics::Simulation::Instance().GetWorldGeom());
 }
 
-physics::BodyPtr BodyOf(const physics::GeomPtr& geom) {
-    return geom ? util::DynamicCast<physics::Body>(geom->GetBody()) : physics::BodyPtr();
-}
-
 bool HasBody(const physics::GeomPtr& geom) {
     return physics::Simulation::Instance().HasBody(BodyOf(geom));
 }
@@ -40,6 +36,10 @@ JointEntity::~JointEntity() noexcept(false) = default;
 
 physics::BodyPtr JointEntity::GetEndBody(int i) const {
     return BodyOf(m_ends[i].geom);
+}
+
+JointEntity::End JointEntity::EndAt(const physics::GeomPtr& geom, Vec2 world) {
+    return {geom, geom->GetInvTransform()(world)};
 }
 
 // ---- partners
@@ -64,7 +64,7 @@ void JointEntity::Attach(Vec2 p0, Vec2 p1) {
     if (m_orphaned) return;
     for (int i = 0; i < 2; ++i) {
         m_pos[i] = points[i];
-        m_ends[i] = {found[i], found[i]->GetInvTransform()(points[i])};
+        m_ends[i] = EndAt(found[i], points[i]);
     }
 }
 
@@ -86,7 +86,7 @@ void JointEntity::ReplaceLostPartners() {
         lost[left] ? nullptr : GetScene()->GetGeomAt(m_pos[1 - left], GetEndBody(left));
     m_orphaned = !other || IsWorld(other);
     if (m_orphaned) return;
-    m_ends[1 - left] = {other, other->GetInvTransform()(m_pos[1 - left])};
+    m_ends[1 - left] = EndAt(other, m_pos[1 - left]);
     Rebuild();
     AddToSimulation();
 }

@@ -17,6 +17,7 @@ class JointEntity : public Entity {
         physics::GeomPtr geom;
         math::Vec2 pos;  // m
     };
+    static End EndAt(const physics::GeomPtr& geom, math::Vec2 world);
 
     JointEntity(const String& name, math::real size);
     ~JointEntity() noexcept(false) override;

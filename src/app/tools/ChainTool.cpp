@@ -66,19 +66,13 @@ real WayOut(const physics::Geom& geom, Vec2 from, Vec2 to) {
     return whole;
 }
 
-// The same geom at another point of the world.
-JointEntity::End At(const JointEntity::End& end, Vec2 world) {
-    return {end.geom, end.geom->GetInvTransform()(world)};
-}
-
 }  // namespace
 
 ChainTool::ChainTool(const Workbench& bench) : Tool(bench) {}
 ChainTool::~ChainTool() noexcept(false) = default;
 
 JointEntity::End ChainTool::PickAt(Vec2 world) const {
-    const physics::GeomPtr geom = m_scene.GetGeomAt(world);
-    return {geom, geom->GetInvTransform()(world)};
+    return JointEntity::EndAt(m_scene.GetGeomAt(world), world);
 }
 
 Vec2 ChainTool::GetStart() const {
@@ -138,12 +132,13 @@ void ChainTool::Build(const Layout& layout, const JointEntity::End& last) {
         const physics::CirclePtr circle = new physics::Circle(half, joint + layout.along * half, surface);
         const JointEntity::End link{circle, {}};
         builder.Add(new CircleEntity(circle), place + 1);
-        builder.AddHinge(At(previous, joint), At(link, joint), half, place);
+        builder.AddHinge(JointEntity::EndAt(previous.geom, joint), JointEntity::EndAt(link.geom, joint), half,
+                         place);
         place += 2;
         previous = link;
     }
     const Vec2 end = jointAt(layout.links);
-    builder.AddHinge(At(previous, end), At(last, end), half, place);
+    builder.AddHinge(JointEntity::EndAt(previous.geom, end), JointEntity::EndAt(last.geom, end), half, place);
 }
 
 // The links where they will lie, as far as the mouse has come.

@@ -14,6 +14,7 @@
 #include "app/history/Undoer.h"
 #include "app/scene/Scene.h"
 #include "app/scene/View.h"
+#include "app/tools/JointTool.h"
 #include "physics/Body.h"
 #include "physics/Particle.h"
 #include "physics/Simulation.h"
@@ -21,8 +22,6 @@
 
 namespace app {
 namespace {
-
-constexpr float HINGE_SIZE = 1;  // cm on the screen
 
 // Ends a change that began with the snapshot.
 void Finish(const SnapshotPtr& before, const char* name) {
@@ -121,9 +120,8 @@ void CenterHinge(Scene& scene, const View& view, const EntitySet& entities) {
         const math::Vec2 center = geom->GetPos();
         const physics::GeomPtr below = FindBelow(scene, geom, center);
         if (!below) continue;
-        const HingeEntityPtr hinge = new HingeEntity(HINGE_SIZE * view.GetCmToWorld());
-        hinge->SetScene(&scene);
-        hinge->SetEnds({geom, geom->GetInvTransform()(center)}, {below, below->GetInvTransform()(center)});
+        const HingeEntityPtr hinge = new HingeEntity(JointTool::ICON_SIZE * view.GetCmToWorld());
+        hinge->SetEnds(JointEntity::EndAt(geom, center), JointEntity::EndAt(below, center));
         hinge->Rebuild();
         scene.AddEntity(hinge);
     }

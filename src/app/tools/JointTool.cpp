@@ -9,8 +9,6 @@
 
 namespace app {
 
-constexpr float ICON_SIZE = 1;  // cm on the screen
-
 // Over one shape of the world's own body and nothing else there is no second partner, and nothing is made.
 void JointTool::OnClick(gui::ClickEvent& event) {
     if (event.m_handled || event.m_key != gui::Key::LeftMouse || event.m_clicks != 1) return;

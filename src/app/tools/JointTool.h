@@ -7,6 +7,8 @@ namespace app {
 // A click on a shape pins or fixes it there to the shape below, or to the world where there is none.
 class JointTool : public Tool {
   public:
+    static constexpr math::real ICON_SIZE = 1;  // cm on the screen
+
     void OnClick(gui::ClickEvent& event) override;
 
   protected:

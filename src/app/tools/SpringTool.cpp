@@ -18,11 +18,10 @@ void SpringTool::OnDragStart(gui::DragEvent& event) {
     if (event.m_handled || event.m_key != gui::Key::LeftMouse) return;
     event.m_handled = true;
     const math::Vec2 world = m_view.GUIToWorld(event.m_position);
-    const physics::GeomPtr geom = m_scene.GetGeomAt(world);
     m_before = new Snapshot(m_scene);
     m_spring = new SpringEntity(SPRING_WIDTH * m_view.GetCmToWorld());
     m_spring->SetScene(&m_scene);
-    const JointEntity::End pressed{geom, geom->GetInvTransform()(world)};
+    const JointEntity::End pressed = JointEntity::EndAt(m_scene.GetGeomAt(world), world);
     m_spring->SetEnds(pressed, pressed);
 }
 
@@ -30,7 +29,7 @@ void SpringTool::OnDragStart(gui::DragEvent& event) {
 void SpringTool::MoveFreeEnd(math::Vec2 world) {
     const physics::GeomPtr other = m_scene.GetGeomAt(world, m_spring->GetEndBody(0));
     const physics::GeomPtr& geom = other ? other : m_spring->GetEnd(0).geom;
-    m_spring->SetEnds(m_spring->GetEnd(0), {geom, geom->GetInvTransform()(world)});
+    m_spring->SetEnds(m_spring->GetEnd(0), JointEntity::EndAt(geom, world));
     m_spring->SetLength(math::Length(m_spring->GetPos(1) - m_spring->GetPos(0)));
 }
 

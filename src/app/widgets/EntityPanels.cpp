@@ -74,14 +74,11 @@ class Swatch : public gui::Component {
     explicit Swatch(const math::Vec3& hsl) : Component("Swatch"), m_hsl(hsl) { SetSize(0, SWATCH_HEIGHT); }
 
     void DrawComp() override {
-        rendering::Renderer& renderer = rendering::Renderer::Instance();
-        const math::Vec4 kept = renderer.GetColor();
         const rendering::ScopedCapability untextured(GL_TEXTURE_2D, false);
         const math::Vec3 rgb = math::HSLtoRGB(m_hsl);
-        renderer.SetColor({rgb.x, rgb.y, rgb.z, 1});
-        renderer.DrawQuad({SWATCH_MARGIN, SWATCH_MARGIN},
-                          GetSize() - math::Vec2(SWATCH_MARGIN, SWATCH_MARGIN));
-        renderer.SetColor(kept);
+        const rendering::ScopedColor color(math::Vec4(rgb.x, rgb.y, rgb.z, 1));
+        const math::Vec2 margin(SWATCH_MARGIN, SWATCH_MARGIN);
+        rendering::Renderer::Instance().DrawQuad(margin, GetSize() - margin);
     }
 
   private:

@@ -39,17 +39,21 @@ void ToolIcon::Update(float dt) {
     if (m_isCurrent() && !IsSelected()) GetGroup()->Select(this);
 }
 
-void ToolIcon::DrawComp() {
-    rendering::Renderer& renderer = rendering::Renderer::Instance();
-    const math::Vec4 kept = renderer.GetColor();
-    MultStateColor();
-    const math::Vec4 state = renderer.GetColor();
-    renderer.MultColor(IsSelected() ? SELECTED_COLOR : UNSELECTED_COLOR);
+// The button's face; its icon keeps its own colours.
+void ToolIcon::DrawPlate() {
+    const rendering::ScopedColor kept;
+    rendering::Renderer::Instance().MultColor(IsSelected() ? SELECTED_COLOR : UNSELECTED_COLOR);
     Component::DrawComp();
-    renderer.SetColor(state);
-    const math::Vec2 corner = (GetSize() - math::Vec2(ICON_SIZE, ICON_SIZE)) * 0.5f;
-    gui::DrawImage(m_icon, corner, corner + math::Vec2(ICON_SIZE, ICON_SIZE));
-    renderer.SetColor(kept);
+}
+
+void ToolIcon::DrawComp() {
+    {
+        const rendering::ScopedColor kept;
+        MultStateColor();
+        DrawPlate();
+        const math::Vec2 corner = (GetSize() - math::Vec2(ICON_SIZE, ICON_SIZE)) * 0.5f;
+        gui::DrawImage(m_icon, corner, corner + math::Vec2(ICON_SIZE, ICON_SIZE));
+    }
     gui::Focus::DrawRing(*this);
 }
 

@@ -19,6 +19,8 @@ class ToolIcon : public gui::AbstractRadioButton {
     void DrawComp() override;
 
   private:
+    void DrawPlate();
+
     const std::function<void()> m_select;
     const std::function<bool()> m_isCurrent;
     const rendering::TextureMentorPtr m_icon;

@@ -156,14 +156,15 @@ void ScrollArea::DrawComp() {
 void ScrollArea::DrawBar() const {
     rendering::Renderer& renderer = rendering::Renderer::Instance();
     const rendering::ScopedCapability untextured(GL_TEXTURE_2D, false);
-    const math::Vec4 kept = renderer.GetColor();
-    renderer.MultColor(BAR_COLOR);
-    renderer.DrawQuad({GetSize().x - BAR_WIDTH, 0}, GetSize());
-    renderer.SetColor(kept);
+    {
+        const rendering::ScopedColor kept;
+        renderer.MultColor(BAR_COLOR);
+        renderer.DrawQuad({GetSize().x - BAR_WIDTH, 0}, GetSize());
+    }
+    const rendering::ScopedColor kept;
     renderer.MultColor(KNOB_COLOR);
     const math::BoundingBox2f knob = GetKnob();
     renderer.DrawQuad(knob.min, knob.max);
-    renderer.SetColor(kept);
 }
 
 void ScrollArea::DrawChildren() {

@@ -194,12 +194,11 @@ void Slider::DrawKnob() const {
     if (std::isnan(value)) return;
     const Vec2 middle(std::round(GetKnobX(value)), std::round(GetSize().y / 2));
     rendering::Renderer& renderer = rendering::Renderer::Instance();
-    const Vec4 kept = renderer.GetColor();
+    const rendering::ScopedColor kept;
     renderer.MultColor(KNOB_COLOR);
     const rendering::ScopedCapability untextured(GL_TEXTURE_2D, false);
     const Vec2 half(KNOB_HALF_WIDTH, KNOB_HALF_HEIGHT);
     renderer.DrawQuad(middle - half, middle + half);
-    renderer.SetColor(kept);
 }
 
 }  // namespace gui
