@@ -95,6 +95,64 @@ ImageRGBA32Ptr CopySurface(const SDL_Surface* pic) {
     return image;
 }
 
+// ---- halves -------------------------------------------------------------------------------------------
+
+math::Vec4 Widen(const RGBA32& pixel) {
+    return {static_cast<float>(pixel.x), static_cast<float>(pixel.y), static_cast<float>(pixel.z),
+            static_cast<float>(pixel.w)};
+}
+float Widen(float value) {
+    return value;
+}
+
+void Narrow(const math::Vec4& sum, RGBA32& pixel) {
+    const auto round = [](float value) {
+        return static_cast<unsigned char>(value + 0.5f);
+    };  // NOLINT(bugprone-*)
+    pixel = {round(sum.x), round(sum.y), round(sum.z), round(sum.w)};
+}
+void Narrow(float sum, float& value) {
+    value = sum;
+}
+
+// What texel i of a half covers along one axis: so much of each of the texels from 2 i on. Of an even length
+// these are two. Of an odd one, 2 n + 1, each covers 2 + 1 / n, and neighbours share the texel between them.
+struct Cover {
+    uint32_t count;
+    float parts[3];
+};
+
+Cover GetCover(uint32_t length, uint32_t i) {
+    if (length == 1) return {1, {1}};
+    if (length % 2 == 0) return {2, {0.5f, 0.5f}};
+    const auto n = static_cast<float>(length / 2), whole = static_cast<float>(length);
+    return {3, {(n - static_cast<float>(i)) / whole, n / whole, (static_cast<float>(i) + 1) / whole}};
+}
+
+template <class Image>
+AbstractImagePtr MakeHalfOf(const Image& image) {
+    const uint32_t width = image.GetWidth(), height = image.GetHeight();
+    if (width <= 1 && height <= 1) return nullptr;
+    const uint32_t halfWidth = std::max(width / 2, 1u), halfHeight = std::max(height / 2, 1u);
+    const util::SharedPtr<Image> half = new Image(halfWidth, halfHeight);
+    auto* target = half->GetData().data();
+    for (uint32_t y = 0; y < halfHeight; ++y) {
+        const Cover rows = GetCover(height, y);
+        for (uint32_t x = 0; x < halfWidth; ++x) {
+            const Cover columns = GetCover(width, x);
+            decltype(Widen(*target)) sum{};
+            for (uint32_t row = 0; row < rows.count; ++row) {
+                const auto* source = image.GetData().data() + (2 * y + row) * width + 2 * x;
+                for (uint32_t column = 0; column < columns.count; ++column) {
+                    sum = sum + Widen(source[column]) * (rows.parts[row] * columns.parts[column]);
+                }
+            }
+            Narrow(sum, *target++);
+        }
+    }
+    return half;
+}
+
 }  // namespace
 
 // ---- ImageRGBA32 --------------------------------------------------------------------------------------
@@ -104,6 +162,9 @@ unsigned int ImageRGBA32::GetPixelFormat() const {
 }
 unsigned int ImageRGBA32::GetPixelType() const {
     return GL_UNSIGNED_BYTE;
+}
+AbstractImagePtr ImageRGBA32::MakeHalf() const {
+    return MakeHalfOf(*this);
 }
 
 ImageRGBA32Ptr ImageRGBA32::LoadRAW(const std::string& path, RAWFormat format, unsigned int width,
@@ -160,6 +221,9 @@ unsigned int ImageFloat::GetPixelFormat() const {
 }
 unsigned int ImageFloat::GetPixelType() const {
     return GL_FLOAT;
+}
+AbstractImagePtr ImageFloat::MakeHalf() const {
+    return MakeHalfOf(*this);
 }
 
 unsigned int BlankImage::GetPixelFormat() const {

@@ -22,6 +22,10 @@ class AbstractImage : public util::Pointee {
     uint32_t GetWidth() const { return m_width; }
     uint32_t GetHeight() const { return m_height; }
 
+    // The next level of a mipmap: sides half as long, rounded down, but at least 1; each texel is the mean of
+    // what it covers. Null for a single texel and for an image without contents.
+    virtual util::SharedPtr<AbstractImage> MakeHalf() const = 0;
+
   protected:
     AbstractImage(uint32_t width, uint32_t height) : m_width(width), m_height(height) {}
 
@@ -70,6 +74,7 @@ class ImageRGBA32 : public TImage<RGBA32> {
 
     unsigned int GetPixelFormat() const override;
     unsigned int GetPixelType() const override;
+    AbstractImagePtr MakeHalf() const override;
 
     bool HasAlpha() const { return m_hasAlpha; }
     void SetHasAlpha(bool hasAlpha) { m_hasAlpha = hasAlpha; }
@@ -95,6 +100,7 @@ class ImageFloat : public TImage<float> {
 
     unsigned int GetPixelFormat() const override;
     unsigned int GetPixelType() const override;
+    AbstractImagePtr MakeHalf() const override;
 };
 
 // Just a size: room that the frame buffer will be copied into.
@@ -105,6 +111,7 @@ class BlankImage : public AbstractImage {
     const void* GetPixels() const override { return nullptr; }
     unsigned int GetPixelFormat() const override;
     unsigned int GetPixelType() const override;
+    AbstractImagePtr MakeHalf() const override { return nullptr; }
 };
 
 }  // namespace rendering

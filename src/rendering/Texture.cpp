@@ -139,18 +139,31 @@ void Texture::Upload() {
     glGenTextures(1, &m_id);
     m_generation = Context::GetGeneration();
     const ScopedBinding binding(m_id);
-    const GLsizei width = static_cast<GLsizei>(m_width), height = static_cast<GLsizei>(m_height);
-    // GLU would stretch a picture of another size to powers of two, and so blur it.
     const bool stretches = !IsPowerOfTwo(m_width) || !IsPowerOfTwo(m_height);
-    if (m_type.mipmaps && !(stretches && HasFreeTextureSizes())) {
-        gluBuild2DMipmaps(GL_TEXTURE_2D, m_type.internalFormat, width, height, m_image->GetPixelFormat(),
-                          m_image->GetPixelType(), m_image->GetPixels());
+    if (m_type.mipmaps && stretches && !HasFreeTextureSizes()) {
+        StretchToPowersOfTwo();
     } else {
-        glTexParameteri(GL_TEXTURE_2D, GL_GENERATE_MIPMAP, m_type.mipmaps ? GL_TRUE : GL_FALSE);
-        glTexImage2D(GL_TEXTURE_2D, 0, m_type.internalFormat, width, height, 0, m_image->GetPixelFormat(),
-                     m_image->GetPixelType(), m_image->GetPixels());
+        UploadLevels();
     }
     SetSampling();
+}
+
+// All levels are made here. A driver that draws in software would compile programs for it at the start.
+void Texture::UploadLevels() const {
+    GLint level = 0;
+    for (AbstractImagePtr image = m_image; image; image = m_type.mipmaps ? image->MakeHalf() : nullptr) {
+        glTexImage2D(GL_TEXTURE_2D, level++, m_type.internalFormat, static_cast<GLsizei>(image->GetWidth()),
+                     static_cast<GLsizei>(image->GetHeight()), 0, image->GetPixelFormat(),
+                     image->GetPixelType(), image->GetPixels());
+    }
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, level - 1);
+}
+
+// Which blurs it.
+void Texture::StretchToPowersOfTwo() const {
+    gluBuild2DMipmaps(GL_TEXTURE_2D, m_type.internalFormat, static_cast<GLsizei>(m_width),
+                      static_cast<GLsizei>(m_height), m_image->GetPixelFormat(), m_image->GetPixelType(),
+                      m_image->GetPixels());
 }
 
 void Texture::SetSampling() const {

@@ -72,6 +72,8 @@ class Texture : public GraphicsResource {
 
   private:
     void Upload();
+    void UploadLevels() const;
+    void StretchToPowersOfTwo() const;
     void SetSampling() const;
 
     AbstractImagePtr m_image;

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "Pictures.h"
 #include "rendering/ImageFile.h"
 #include "support/LogCapture.h"
@@ -26,6 +28,41 @@ String LoadFailure(const String& path) {
     } catch (const FileReadException& e) {
         return e.what();
     }
+}
+
+// ---- halves -------------------------------------------------------------------------------------------
+
+float Mean(const rendering::ImageFloat& image) {
+    float sum = 0;
+    for (const float value : image.GetData()) sum += value;
+    return sum / static_cast<float>(image.GetData().size());
+}
+
+// Whatever the sides are, no texel counts more than another, and a picture does not get brighter or darker.
+TEST(HalfImageTest, KeepsTheMeanDownToASingleTexel) {
+    util::Random random;
+    for (const math::Vec2i size : {math::Vec2i(8, 4), {7, 5}, {96, 96}, {1, 9}, {13, 2}}) {
+        const util::SharedPtr<rendering::ImageFloat> whole = new rendering::ImageFloat(size.x, size.y);
+        for (float& value : whole->GetData()) value = random.GetUniform(0, 1);
+        rendering::AbstractImagePtr half = whole->MakeHalf();
+        EXPECT_EQ(half->GetWidth(), std::max(whole->GetWidth() / 2, 1u));
+        EXPECT_EQ(half->GetHeight(), std::max(whole->GetHeight() / 2, 1u));
+        for (; half; half = half->MakeHalf()) {
+            EXPECT_NEAR(Mean(dynamic_cast<const rendering::ImageFloat&>(*half)), Mean(*whole), 1e-5f);
+            const bool isTexel = half->GetWidth() * half->GetHeight() == 1;
+            EXPECT_EQ(!half->MakeHalf(), isTexel);
+        }
+    }
+}
+
+TEST(HalfImageTest, EachTexelIsTheRoundedMeanOfWhatItCovers) {
+    const ImageRGBA32Ptr whole = new ImageRGBA32(4, 2);
+    whole->GetData() = {{0, 10, 0, 255}, {0, 20, 0, 255}, {4, 0, 0, 0}, {4, 0, 9, 0},
+                        {0, 30, 0, 255}, {2, 40, 0, 255}, {4, 0, 0, 0}, {4, 0, 9, 1}};
+    const rendering::AbstractImagePtr half = whole->MakeHalf();
+    const auto& texels = dynamic_cast<const ImageRGBA32&>(*half);
+    EXPECT_EQ(texels(0, 0), RGBA32(1, 25, 0, 255));
+    EXPECT_EQ(texels(1, 0), RGBA32(4, 0, 5, 0));
 }
 
 // ---- bare pixels --------------------------------------------------------------------------------------
