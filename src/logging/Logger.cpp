@@ -20,12 +20,14 @@ void Log(logging::LogLevel level, const std::string& text) {
 namespace logging {
 
 constexpr size_t MAX_EARLY_LINES = 1000;
+constexpr size_t MAX_WARNING = 16u << 10;  // bytes: a file may be quoted that is one endless line
 
 void Logger::Log(LogLevel level, const String& text) {
     const bool filtered = level == Warning || level == Error;
     String line = text;
-    if (level == Warning) line = "-- Warning: " + text;
-    if (level == Error) line = "!! ERROR: " + text;
+    if (filtered && line.size() > MAX_WARNING) line = line.substr(0, MAX_WARNING) + " ...";
+    if (level == Warning) line = "-- Warning: " + line;
+    if (level == Error) line = "!! ERROR: " + line;
     if (!m_thisFrame.insert(line).second && filtered) return;
     if (filtered && m_lastFrame.count(line) != 0) return;
     if (m_keepsEarlyLines && level != Trace && m_earlyLines.size() < MAX_EARLY_LINES) {

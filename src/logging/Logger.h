@@ -10,7 +10,8 @@
 namespace logging {
 
 // Distributes messages to sinks and keeps a repeating warning from flooding the log at frame rate: a text
-// of level Warning or Error is passed on only if neither this frame nor the last one has had it.
+// of level Warning or Error is passed on only if neither this frame nor the last one has had it, and cut when
+// it is very long.
 class Logger : public util::Pointee, public util::Singleton<Logger> {
   public:
     void AddLogger(const ILoggerPtr& sink) { m_loggers.insert(sink); }

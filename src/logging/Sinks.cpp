@@ -19,10 +19,19 @@ String FormatNow(const char* format) {
 
 constexpr size_t BANNER_WIDTH = 29;
 
+// A stranger's text must not command the terminal on which it is read.
+String WithoutControls(String text) {
+    for (char& c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if ((byte < 32 && c != '\n' && c != '\t') || byte == 127) c = '?';
+    }
+    return text;
+}
+
 }  // namespace
 
 void StreamLogger::Log(const String& text) {
-    m_stream << text << std::endl;
+    m_stream << WithoutControls(text) << std::endl;
 }
 
 FileLogger::FileLogger(int levels, const String& path, bool append) : ILogger(levels) {
@@ -39,7 +48,7 @@ void FileLogger::WriteBanner() {
 }
 
 void FileLogger::Log(const String& text) {
-    m_file << FormatNow("%H:%M:%S: ") << text << std::endl;
+    m_file << FormatNow("%H:%M:%S: ") << WithoutControls(text) << std::endl;
 }
 
 void FunctionLogger::Log(const String& text) {

@@ -22,7 +22,7 @@ class ILogger : public util::Pointee {
 };
 using ILoggerPtr = util::SharedPtr<ILogger>;
 
-// Writes lines to a stream that it does not own, each flushed.
+// Writes lines to a stream that it does not own, each flushed, control characters as question marks.
 class StreamLogger : public ILogger {
   public:
     StreamLogger(int levels, std::ostream& stream) : ILogger(levels), m_stream(stream) {}

@@ -1,4 +1,5 @@
 #include "logging/Logger.h"
+#include "logging/Sinks.h"
 
 #include <gtest/gtest.h>
 
@@ -40,6 +41,20 @@ TEST(Logger, ARepeatingWarningAppearsOnceUntilAFrameWithoutIt) {
     EXPECT_EQ(Pattern(logging::Error, "e", "xxx"), "x..");
     EXPECT_EQ(Pattern(logging::Trace, "t", "xxx"), "xxx");
     EXPECT_EQ(Pattern(logging::DataError, "d", "xx"), "xx");
+}
+
+TEST(Logger, TextsDoNotCommandATerminal) {
+    std::ostringstream stream;
+    logging::StreamLogger(31, stream).Log("caf\xe9\t1\n\x1b[2J\x07\x7f");
+    EXPECT_EQ(stream.str(), "caf\xe9\t1\n?[2J??\n");
+}
+
+TEST(Logger, AnEndlessWarningIsCut) {
+    test::LogCapture log;
+    Log(logging::Warning, String(10u << 20, 'x'));
+    ASSERT_EQ(log.GetLines().size(), 1u);
+    EXPECT_LT(log.GetLines()[0].size(), 20000u);
+    EXPECT_NE(log.GetLines()[0].find("x ..."), String::npos);
 }
 
 TEST(Logger, MasksAndPrefixes) {
