@@ -321,8 +321,8 @@ void AppGUI::SetGroup(bool assign) {
 
 bool AppGUI::SaveSceneAs(const String& name, bool autosave) {
     const auto save = [&] {
-        const String saved = app::SaveScene(m_scene, name);
-        if (!autosave) NoteSaved(saved);
+        if (autosave) return WriteScene(m_scene, name);
+        NoteSaved(app::SaveScene(m_scene, name));
     };
     return util::Guarded(save, "Error: ", logging::Error);
 }

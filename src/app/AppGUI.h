@@ -55,8 +55,8 @@ class AppGUI : public gui::Component {
     Tool& GetTool() const;
     bool CancelTool();  // as Tool::Cancel, of that tool
 
-    // Saves the scene to Scenes/. An autosave is silent and does not change the scene's name. A failure is
-    // told to the user, and the answer is false.
+    // Saves the scene to Scenes/. An autosave is silent, has a name of the program's own and does not change
+    // the scene's. A failure is told to the user, and the answer is false.
     bool SaveSceneAs(const String& name, bool autosave);
     // What the dialog does: under the name of the scene itself to where it lies.
     bool SaveSceneNamed(const String& name);

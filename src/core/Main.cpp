@@ -10,6 +10,7 @@
 #include "app/AppGUI.h"
 #include "app/Language.h"
 #include "app/entities/Entity.h"
+#include "app/files/SceneFiles.h"
 #include "app/files/SceneLoader.h"
 #include "core/CommandLine.h"
 #include "core/Platform.h"
@@ -191,18 +192,16 @@ void LoadConfigurations() {
 
 // ---- scene
 
-bool LoadAtStart(app::App& application, const String& path) {
-    return app::SceneLoader::LoadAtStart(application.GetScene(), application.GetView(), path);
-}
-
 // A scene that a crash left gives way to one that was asked for, yet is not lost: the next autosave would
 // overwrite it.
 bool LoadAskedScene(app::App& application, const String& path) {
     if (path.empty()) return false;
     const String autosave = GetSlot().GetAutosaveScene();
-    if (GetFiles().Exists(GetFiles().GetScenesDir() + autosave)) util::RunSlot::KeepAsRecovered(autosave);
+    const String autosavePath = GetFiles().GetScenesDir() + autosave;
+    if (GetFiles().IsSameFile(autosavePath, app::GetScenePath(path))) return false;  // it comes first anyway
+    if (GetFiles().Exists(autosavePath)) util::RunSlot::KeepAsRecovered(autosave);
     Log(logging::Info, "Loading argument " + path);
-    return LoadAtStart(application, path);
+    return app::SceneLoader::LoadAtStart(application.GetScene(), application.GetView(), path);
 }
 
 void LoadFirstScene(app::App& application, const String& asked) {
@@ -212,7 +211,8 @@ void LoadFirstScene(app::App& application, const String& asked) {
     // An empty world would take the place of the last scene at the end of this run.
     for (const String& scene : {GetSlot().GetAutosaveScene(), ONEXIT_SCENE, WELCOME_SCENE}) {
         const String path = GetFiles().FindScene(scene);
-        if (!GetFiles().Exists(path) || !LoadAtStart(application, path)) continue;
+        if (!GetFiles().Exists(path)) continue;
+        if (!app::SceneLoader::LoadLast(application.GetScene(), application.GetView(), path)) continue;
         // What was read back is the scene that was open, and is saved under its name.
         if (scene != WELCOME_SCENE) application.GetScene().SetName(lastName);
         return;
@@ -254,7 +254,7 @@ void Save(app::App& application) {
     const core::CommandLine line = ReadCommandLine(arguments);
     MakeSubsystem();
     GetSlot().Take();
-    GetSlot().SweepTemporaries();
+    util::RunSlot::SweepTemporaries();
     MakeServices();
     const AppPtr application = MakeApp();
     RenameOldScenes();

@@ -2,11 +2,14 @@
 
 #include <fcntl.h>
 #include <pwd.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <boost/algorithm/string/predicate.hpp>
 #include <boost/filesystem.hpp>
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
@@ -72,6 +75,11 @@ String FollowLinks(const String& path) {
         target = next.is_absolute() ? next : target.parent_path() / next;
     }
     return target.string();
+}
+
+// No two programs write the same one, and a killed one's is known by its number.
+String MakeTemporaryName(const String& path) {
+    return path + "." + std::to_string(getpid()) + TEMPORARY_ENDING;
 }
 
 // Before the first byte is written, or a private text would be open to all for a moment.
@@ -173,9 +181,14 @@ String FileSystem::ReadFile(const String& path) const {
 
 void FileSystem::WriteFileAtomically(const String& path, const String& text) const {
     const String target = FollowLinks(path);
-    const String temporary = target + TEMPORARY_ENDING;
+    boost::system::error_code error;
+    if (fs::exists(target, error) && !fs::is_regular_file(target, error)) {
+        THROW(std::runtime_error, "Not a file: \"" + path + "\"");
+    }
+    const String temporary = MakeTemporaryName(target);
+    std::remove(temporary.c_str());
     try {
-        FILEWrapper file(temporary, "wb");
+        FILEWrapper file(temporary, "wbx");  // never through a link that lies there
         CopyPermissions(target, file.Get());
         file.Write(text.data(), text.size());
         file.Sync();
@@ -188,10 +201,23 @@ void FileSystem::WriteFileAtomically(const String& path, const String& text) con
     }
 }
 
+bool FileSystem::IsLeftOver(const String& name) {
+    constexpr size_t MAX_DIGITS = 9;
+    if (!boost::algorithm::ends_with(name, TEMPORARY_ENDING)) return false;
+    const String stem = name.substr(0, name.size() - TEMPORARY_ENDING.size());
+    const size_t dot = stem.rfind('.');
+    const String number = dot == String::npos ? String() : stem.substr(dot + 1);
+    const bool isNumber = !number.empty() && number.find_first_not_of("0123456789") == String::npos;
+    if (!isNumber || number.size() > MAX_DIGITS) return false;
+    return kill(std::stoi(number), 0) != 0 && errno == ESRCH;
+}
+
 bool FileSystem::KeepBadCopy(const String& path) const {
     const String copy = path + ".bad";
     boost::system::error_code error;
-    fs::copy_file(path, copy, fs::copy_option::overwrite_if_exists, error);
+    const bool isText = fs::is_regular_file(path, error) && fs::file_size(path, error) <= MAX_FILE_SIZE;
+    if (!isText && !error) error = make_error_code(boost::system::errc::not_supported);
+    if (!error) fs::copy_file(path, copy, fs::copy_option::overwrite_if_exists, error);
     if (error) {
         Log(logging::Error, "Could not read " + path + ", nor copy it to " + copy + ": " + error.message());
         return false;
@@ -205,7 +231,7 @@ StringList FileSystem::ListFiles(const String& directory, const String& mask) co
     boost::system::error_code error;
     for (fs::directory_iterator it(directory, error), end; !error && it != end; it.increment(error)) {
         boost::system::error_code statusError;
-        if (fs::is_directory(it->path(), statusError)) continue;
+        if (!fs::is_regular_file(it->path(), statusError)) continue;
         const String name = it->path().filename().string();
         if (mask == "*" || WildcardMatch(name.c_str(), mask.c_str())) names.push_back(name);
     }
@@ -223,6 +249,11 @@ void FileSystem::Remove(const String& path) const {
 bool FileSystem::Exists(const String& path) const {
     boost::system::error_code error;
     return fs::exists(path, error);
+}
+
+bool FileSystem::IsSameFile(const String& a, const String& b) const {
+    boost::system::error_code error;
+    return fs::equivalent(a, b, error) && !error;
 }
 
 void FileSystem::MakeDir(const String& path) const {

@@ -55,22 +55,27 @@ class FileSystem : public Pointee, public Singleton<FileSystem> {
     // MAX_FILE_SIZE: such a file is no text of this program.
     String ReadFile(const String& path) const;
 
-    // The one routine for files that replace others: writes `path`.tmp, flushes it to the disk and renames
-    // it over the target, so that a crash or a full disk never costs the old contents. A link stays a link
-    // and its target is replaced; permissions stay as they were.
+    // The one routine for files that replace others: writes a temporary file beside the target, flushes it to
+    // the disk and renames it over the target, so that a crash or a full disk never costs the old contents,
+    // and the last of two programs that write at once wins whole. A link stays a link and its target is
+    // replaced; permissions stay as they were. What is no file, such as a device, is left alone.
     void WriteFileAtomically(const String& path, const String& text) const;
+    // Whether a file of that name is a temporary one whose program has ended without renaming it.
+    static bool IsLeftOver(const String& name);
 
     // Copies `path` to `path`.bad before something overwrites what could not be read, and says so at level
-    // Error. Never throws; false when the copy could not be made.
+    // Error. Never throws; false when the copy could not be made, or `path` is too large to be a text of this
+    // program.
     bool KeepBadCopy(const String& path) const;
 
-    // Plain names in `directory` that match `mask` ("*" takes all), in the order of the disk; empty when
-    // the folder does not exist.
+    // Plain names of the files in `directory` that match `mask` ("*" takes all), in the order of the disk;
+    // empty when the folder does not exist. Folders, pipes and links to nothing are no files.
     StringList ListFiles(const String& directory, const String& mask) const;
 
     void Rename(const String& from, const String& to) const;  // replaces `to`
     void Remove(const String& path) const;                    // a missing file is no failure
     bool Exists(const String& path) const;
+    bool IsSameFile(const String& a, const String& b) const;  // by whatever way; false where one is missing
     void MakeDir(const String& path) const;  // with its parents; an existing one is no failure
 
   private:

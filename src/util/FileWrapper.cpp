@@ -1,5 +1,6 @@
 #include "util/FileWrapper.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -15,8 +16,13 @@ namespace util {
     THROW(std::runtime_error, "Failed to write: " + reason);
 }
 
+static bool IsSomethingElse(const String& path) {
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
+}
+
 FILEWrapper::FILEWrapper(const String& path, const String& mode)
-    : m_file(std::fopen(path.c_str(), mode.c_str())) {
+    : m_file(IsSomethingElse(path) ? nullptr : std::fopen(path.c_str(), mode.c_str())) {
     if (m_file == nullptr) THROW(std::runtime_error, "Failed to open file \"" + path + "\"");
 }
 

@@ -10,7 +10,8 @@ namespace util {
 // A file handle that closes itself and reports failure by std::runtime_error.
 class FILEWrapper {
   public:
-    // "Failed to open file "<path>""; `mode` as for fopen.
+    // "Failed to open file "<path>""; `mode` as for fopen. What is no file, such as a pipe, is not opened: it
+    // could keep its reader waiting for ever.
     FILEWrapper(const String& path, const String& mode);
     ~FILEWrapper();
     FILEWrapper(const FILEWrapper&) = delete;

@@ -2,7 +2,11 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include <algorithm>
+#include <ctime>
 
 #include "logging/Log.h"
 #include "util/Exception.h"
@@ -33,6 +37,44 @@ int OpenLock(int number) {
     if (flock(file, LOCK_EX | LOCK_NB) == 0) return file;
     close(file);
     return -1;
+}
+
+// Of the moment at which the scene was saved: the same from a name and from the file that it was given to,
+// until the user renames or saves it.
+String NameRecovered(const String& path) {
+    struct stat info = {};
+    if (stat(path.c_str(), &info) != 0) info.st_mtime = std::time(nullptr);
+    std::tm local = {};
+    localtime_r(&info.st_mtime, &local);
+    char text[64] = "";
+    std::strftime(text, sizeof text, "recovered-%Y-%m-%d-%H.%M.%S.vxa", &local);
+    return text;
+}
+
+bool IsAsItWasKept(const String& name) {
+    const String own = NameRecovered(GetFiles().GetScenesDir() + name);
+    const size_t length = own.rfind('.');
+    return name == own || (name.compare(0, length, own, 0, length) == 0 && name[length] == '-');
+}
+
+void TryToRemove(const String& path) {
+    try {
+        GetFiles().Remove(path);
+    } catch (const std::exception& e) {
+        Log(logging::Warning, "Could not remove \"" + path + "\": " + e.what());
+    }
+}
+
+// Names tell the time, so their order is that of the scenes.
+void RemoveOldRecovered(const String& justKept) {
+    StringList kept;
+    for (const String& name : GetFiles().ListFiles(GetFiles().GetScenesDir(), "recovered-*.vxa")) {
+        if (name != justKept && IsAsItWasKept(name)) kept.push_back(name);
+    }
+    std::sort(kept.begin(), kept.end(), std::greater<>());
+    for (size_t i = RunSlot::MAX_RECOVERED - 1; i < kept.size(); ++i) {
+        TryToRemove(GetFiles().GetScenesDir() + kept[i]);
+    }
 }
 
 }  // namespace
@@ -72,13 +114,12 @@ String RunSlot::GetAutosaveConfig() const {
 
 String RunSlot::KeepAsRecovered(const String& scene) {
     const String folder = GetFiles().GetScenesDir();
-    int number = 1;
-    String name;
-    do {
-        name = "recovered-" + std::to_string(number++) + ".vxa";
-    } while (GetFiles().Exists(folder + name));
+    const String base = NameRecovered(folder + scene);
+    String name = base;
+    for (int number = 2; GetFiles().Exists(folder + name); ++number) name = NameInSlot(base, number);
     try {
         GetFiles().Rename(folder + scene, folder + name);
+        RemoveOldRecovered(name);
     } catch (const std::exception& e) {
         Log(logging::Error, "Could not keep the recovered scene \"" + scene + "\": " + e.what());
         return String();
@@ -101,17 +142,15 @@ StringList RunSlot::KeepOrphans() const {
     return kept;
 }
 
-void RunSlot::SweepTemporaries() const {
-    if (m_number != 1) return;
-    const std::pair<String, String> places[] = {{GetFiles().GetScenesDir(), "*.vxa" + TEMPORARY_ENDING},
-                                                {GetFiles().GetWorkDir(), "*.cfg" + TEMPORARY_ENDING}};
-    for (const auto& [folder, mask] : places) {
-        for (const String& name : GetFiles().ListFiles(folder, mask)) {
-            try {
-                GetFiles().Remove(folder + name);
-            } catch (const std::exception& e) {
-                Log(logging::Warning, "Could not remove \"" + name + "\": " + e.what());
-            }
+void RunSlot::SweepTemporaries() {
+    const std::pair<String, String> places[] = {{GetFiles().GetScenesDir(), "*.vxa."},
+                                                {GetFiles().GetScenesDir(), "*.png."},
+                                                {GetFiles().GetScreenshotsDir(), "*.png."},
+                                                {GetFiles().GetWorkDir(), "*.cfg."},
+                                                {GetFiles().GetWorkDir(), "*.history."}};
+    for (const auto& [folder, form] : places) {
+        for (const String& name : GetFiles().ListFiles(folder, form + "*" + TEMPORARY_ENDING)) {
+            if (FileSystem::IsLeftOver(name)) TryToRemove(folder + name);
         }
     }
 }

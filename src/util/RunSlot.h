@@ -30,11 +30,14 @@ class RunSlot {
     // Renames autosaved scenes that crashed programs left in other slots, so that nothing overwrites them,
     // and returns their new names.
     StringList KeepOrphans() const;
-    // Renames one scene to the first free "recovered-N.vxa" and returns that name; empty when that failed.
+    // Renames one scene to "recovered-" and the time at which it was saved, and returns that name; empty when
+    // that failed. Of scenes that are still as they were kept, under the name that they were given, only the
+    // newest MAX_RECOVERED stay.
     static String KeepAsRecovered(const String& scene);
+    static constexpr size_t MAX_RECOVERED = 10;
 
-    // Removes what killed programs left half written. Only for who is alone: another's may be under way.
-    void SweepTemporaries() const;
+    // Removes what killed programs left half written.
+    static void SweepTemporaries();
 
   private:
     bool TakeSlot(int number);

@@ -249,7 +249,7 @@ TEST_F(AppGUISaveTest, SavesUnderACleanName) {
 }
 
 TEST_F(AppGUISaveTest, TheDialogNeverWritesOverASceneThatTheUserDidNotName) {
-    EXPECT_TRUE(GUI().SaveSceneAs("scene-1", true));
+    EXPECT_TRUE(GUI().SaveSceneAs("scene-1.vxa", true));
     const String old = Read("Scenes/scene-1.vxa");
     AddCircle({0, 0});
     EXPECT_TRUE(Key('s', true));
@@ -264,7 +264,7 @@ TEST_F(AppGUISaveTest, TheDialogNeverWritesOverASceneThatTheUserDidNotName) {
 }
 
 TEST_F(AppGUISaveTest, AnotherSceneIsReplacedAtTheSecondPressOnly) {
-    EXPECT_TRUE(GUI().SaveSceneAs("mine", true));
+    EXPECT_TRUE(GUI().SaveSceneAs("mine.vxa", true));
     const String old = Read("Scenes/mine.vxa");
     AddCircle({0, 0});
     Key('s', true);
@@ -339,7 +339,7 @@ TEST_F(AppGUISaveTest, AutosavesOnlyWhatHasChanged) {
 
 TEST_F(AppGUISaveTest, ASceneIsSavedBackToItsFile) {
     AddCircle({0, 0});
-    EXPECT_TRUE(GUI().SaveSceneAs("mine", true));
+    EXPECT_TRUE(GUI().SaveSceneAs("mine.vxa", true));
     Scene().Clear();
     const String elsewhere = (m_folder / "far.vxa").string();
     fs::copy_file(m_folder / "Scenes" / "mine.vxa", elsewhere);

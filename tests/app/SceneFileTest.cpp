@@ -337,6 +337,7 @@ TEST_F(SceneFileTest, NamesAreCleaned) {
         {"  .hidden", "hidden.vxa"},
         {"x\r\n", "x.vxa"},
         {"caf\xe9", "caf\xe9.vxa"},
+        {"_AUTOSAVE.vxa", "AUTOSAVE.vxa"},
         {"...", ""},
         {"", ""},
         {" / ", ""},
@@ -460,14 +461,16 @@ TEST_F(SceneFileTest, WhatCannotBeReadChangesNothing) {
     EXPECT_EQ(GetUndoer().GetUndoCount(), 0u);
 }
 
-TEST_F(SceneFileTest, AStartSceneThatCannotBeReadIsKept) {
+TEST_F(SceneFileTest, ALastSceneThatCannotBeReadIsKept) {
     const util::FileSystem& files = util::FileSystem::Instance();
     WriteScene("start.vxa", "x = \"open");
     test::LogCapture log;
     EXPECT_FALSE(SceneLoader::LoadAtStart(GetScene(), GetView(), "start.vxa"));
+    EXPECT_FALSE(files.Exists(files.GetScenesDir() + "start.vxa.bad"));
+    EXPECT_FALSE(SceneLoader::LoadLast(GetScene(), GetView(), "start.vxa"));
     EXPECT_EQ(files.ReadFile(files.GetScenesDir() + "start.vxa.bad"), "x = \"open");
     EXPECT_TRUE(log.Contains("start.vxa.bad"));
-    EXPECT_FALSE(SceneLoader::LoadAtStart(GetScene(), GetView(), "nowhere.vxa"));
+    EXPECT_FALSE(SceneLoader::LoadLast(GetScene(), GetView(), "nowhere.vxa"));
     EXPECT_FALSE(files.Exists(files.GetScenesDir() + "nowhere.vxa.bad"));
 }
 

@@ -51,11 +51,38 @@ TEST(FileSystem, ReplacesFilesWholeOrNotAtAll) {
     Files().WriteFileAtomically(path, "one");
     Files().WriteFileAtomically(path, "two");
     EXPECT_EQ(Files().ReadFile(path), "two");
-    EXPECT_FALSE(Files().Exists(path + ".tmp"));
     EXPECT_THROW(Files().WriteFileAtomically(Files().GetWorkDir() + "nowhere/x", "y"), std::runtime_error);
     Files().MakeDir(Files().GetWorkDir() + "folder.vxa/full");
     EXPECT_THROW(Files().WriteFileAtomically(Files().GetWorkDir() + "folder.vxa", "y"), std::runtime_error);
-    EXPECT_FALSE(Files().Exists(Files().GetWorkDir() + "folder.vxa.tmp"));
+    EXPECT_TRUE(Files().ListFiles(Files().GetWorkDir(), "*.tmp").empty());
+}
+
+TEST(FileSystem, PipesAndDevicesAreNoFiles) {
+    const String folder = Files().GetWorkDir() + "odd/";
+    Files().MakeDir(folder + "folder.vxa");
+    ASSERT_EQ(mkfifo((folder + "pipe.vxa").c_str(), 0600), 0);
+    ASSERT_EQ(symlink("pipe.vxa", (folder + "link.vxa").c_str()), 0);
+    ASSERT_EQ(symlink("circle.vxa", (folder + "circle.vxa").c_str()), 0);
+    EXPECT_TRUE(Files().ListFiles(folder, "*").empty());
+    for (const String name : {"folder.vxa", "pipe.vxa", "link.vxa", "circle.vxa"}) {
+        EXPECT_THROW(Files().ReadFile(folder + name), std::runtime_error) << name;
+        EXPECT_FALSE(Files().KeepBadCopy(folder + name)) << name;
+    }
+    EXPECT_THROW(Files().WriteFileAtomically(folder + "link.vxa", "x"), std::runtime_error);
+    struct stat status;
+    ASSERT_EQ(stat((folder + "pipe.vxa").c_str(), &status), 0);
+    EXPECT_TRUE(S_ISFIFO(status.st_mode));
+}
+
+// Someone may have laid a link where the temporary file will be.
+TEST(FileSystem, WritesThroughNoLinkOnTheWay) {
+    const String path = Files().GetWorkDir() + "way.vxa";
+    Put(path + ".mine", "mine");
+    const String temporary = path + "." + std::to_string(getpid()) + ".tmp";
+    ASSERT_EQ(symlink((path + ".mine").c_str(), temporary.c_str()), 0);
+    Files().WriteFileAtomically(path, "new");
+    EXPECT_EQ(Files().ReadFile(path), "new");
+    EXPECT_EQ(Files().ReadFile(path + ".mine"), "mine");
 }
 
 TEST(FileSystem, ReplacingKeepsLinksAndPermissions) {

@@ -21,7 +21,7 @@ const char* const EXTENSION = ".vxa";
 String CleanSceneName(const String& name) {
     String clean;
     for (const char c : name) {
-        const bool leading = clean.empty() && (c == '.' || c == ' ');
+        const bool leading = clean.empty() && (c == '.' || c == ' ' || c == '_');
         if (leading || static_cast<unsigned char>(c) < 32 || c == '/' || c == '\\') continue;
         clean += c;
     }

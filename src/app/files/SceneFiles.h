@@ -5,7 +5,8 @@
 namespace app {
 
 // A file name in Scenes/ from what a user typed: without bytes below 32, slashes, backslashes and leading
-// dots and blanks, with the extension ".vxa" once. Empty when nothing is left of it.
+// dots, blanks and underscores, with which the program's own names begin; with the extension ".vxa" once.
+// Empty when nothing is left of it.
 String CleanSceneName(const String& name);
 
 // The name without the extension.

@@ -30,10 +30,13 @@ bool SceneLoader::Load(Scene& scene, View& view, const String& filename, bool im
 }
 
 bool SceneLoader::LoadAtStart(Scene& scene, View& view, const String& filename) {
-    if (Load(scene, view, filename)) {
-        Undoer::Instance().Clear();
-        return true;
-    }
+    if (!Load(scene, view, filename)) return false;
+    Undoer::Instance().Clear();
+    return true;
+}
+
+bool SceneLoader::LoadLast(Scene& scene, View& view, const String& filename) {
+    if (LoadAtStart(scene, view, filename)) return true;
     const String path = GetScenePath(filename);
     const util::FileSystem& files = util::FileSystem::Instance();
     if (files.Exists(path)) files.KeepBadCopy(path);

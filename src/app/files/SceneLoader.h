@@ -15,9 +15,11 @@ class SceneLoader : public Action {
     static bool Load(Scene& scene, View& view, const String& filename, bool import = false);
 
     // For the start of the program, which has other scenes to fall back on: as Load, but no step of the
-    // history, whose floor the first scene is; and a file that is there but cannot be read is copied to a
-    // name with ".bad" before anything overwrites it.
+    // history, whose floor the first scene is.
     static bool LoadAtStart(Scene& scene, View& view, const String& filename);
+    // As LoadAtStart, for a scene that this run will overwrite: one that is there but cannot be read is
+    // copied to a name with ".bad" before.
+    static bool LoadLast(Scene& scene, View& view, const String& filename);
 
     SceneLoader(Scene& scene, View& view, const String& filename, bool import);
 
