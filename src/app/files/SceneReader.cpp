@@ -97,6 +97,12 @@ void SceneReader::Read(const script::CodeBlock& code) {
     if (m_scene.GetLoadedPart() < 100) m_scene.SetLoadedPart(100);
 }
 
+// A file may be nothing but such: after many of them they are failures, which are all alike.
+void SceneReader::Warn(const String& text) const {
+    m_guest->NoteFailure();
+    Log(logging::Warning, text);
+}
+
 void SceneReader::TellProgress() {
     constexpr double PATIENCE = 0.3, INTERVAL = 0.1;  // s
     ++m_steps;
@@ -127,7 +133,7 @@ void SceneReader::ReadStatement(const script::ExpressionPtr& statement) {
     } else if (auto assignment = util::DynamicCast<script::Assignment>(statement)) {
         ReadAssignment(*assignment);
     } else {
-        Log(logging::Warning, "Unknown garbage found in scene file: " + statement->ToCode());
+        Warn("Unknown garbage found in scene file: " + statement->ToCode());
     }
 }
 
@@ -161,7 +167,7 @@ void SceneReader::SortShapes() {
 
 void SceneReader::ReadAssignment(const script::Assignment& assignment) {
     if (assignment.GetIdentifier()->ToCode() != "version") {
-        Log(logging::Warning, "Unknown constant declared in scene file: " + assignment.ToCode());
+        Warn("Unknown constant declared in scene file: " + assignment.ToCode());
         return;
     }
     m_version = script::ObjectToValue<script::Int>(assignment.GetExpression()->Evaluate(m_closure));
@@ -175,7 +181,7 @@ void SceneReader::DeserializeBody(Record& record) {
     EntitySerializer& values = record.m_values;
     const GeomEntityPtr entity = BuildShape(record.m_type, values);
     if (!entity) {
-        Log(logging::Warning, "Unknown body type: " + record.m_type);
+        Warn("Unknown body type: " + record.m_type);
         return;
     }
     RenumberGroup(values);
@@ -334,7 +340,7 @@ void SceneReader::DeserializeNonbody(Record& record) {
     }
     const JointEntityPtr joint = BuildJoint(record.m_type, record.m_values);
     if (!joint) {
-        Log(logging::Warning, "Unknown entity: " + record.m_type);
+        Warn("Unknown entity: " + record.m_type);
         return;
     }
     TieJoint(*joint, record.m_values);
@@ -401,9 +407,8 @@ void SceneReader::ReadSettings(const EntitySerializer& values) {
         if (setting && SceneSettings::IsValueFor(*setting, value)) {
             m_settings[name] = value;
         } else {
-            Log(logging::Warning,
-                (setting ? "Bad value of a setting in scene file: " : "Unknown setting in scene file: ") +
-                    name);
+            Warn((setting ? "Bad value of a setting in scene file: " : "Unknown setting in scene file: ") +
+                 name);
         }
     }
 }

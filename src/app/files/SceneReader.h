@@ -62,6 +62,7 @@ class SceneReader {
     void Enter(const EntityPtr& entity, const Record& record);
     static script::Int Renumber(NumberMap& numbers, std::set<script::Int>& taken, script::Int number);
     void RenumberGroup(EntitySerializer& values);
+    void Warn(const String& text) const;
     void ChargePolygon(size_t vertices);
     bool IsFull() const;
     GeomEntityPtr BuildShape(const String& type, const EntitySerializer& values);
