@@ -4,6 +4,7 @@
 
 #include "util/Exception.h"
 #include "util/FileSystem.h"
+#include "util/FileWrapper.h"
 
 namespace rendering {
 
@@ -22,6 +23,20 @@ void WritePng(const ImageRGBA32& image, const String& path) {
     }
     bytes.resize(size);
     util::FileSystem::Instance().WriteFileAtomically(path, bytes);
+}
+
+bool IsPngOfSize(const String& path, uint32_t width, uint32_t height) {
+    png_image png = {};
+    png.version = PNG_IMAGE_VERSION;
+    try {
+        const util::FILEWrapper file(path, "rb");
+        const bool isPng = png_image_begin_read_from_stdio(&png, file.Get()) != 0;
+        png_image_free(&png);
+        return isPng && png.width == width && png.height == height;
+    } catch (const std::exception& e) {
+        LogException(e, WHERE);
+        return false;
+    }
 }
 
 }  // namespace rendering

@@ -6,6 +6,7 @@
 #include "rendering/Gl.h"
 #include "rendering/Image.h"
 #include "rendering/PngFile.h"
+#include "util/FileSystem.h"
 #include "util/Guarded.h"
 
 namespace app {
@@ -56,10 +57,17 @@ String SceneThumbnail::GetPath(const String& scenePath) {
     return (hasEnding ? scenePath.substr(0, dot) : scenePath) + ".png";
 }
 
+bool SceneThumbnail::IsThumbnail(const String& path) {
+    return rendering::IsPngOfSize(path, WIDTH, HEIGHT);
+}
+
 void SceneThumbnail::Take() {
     if (m_wanted.empty() || !rendering::Context::Exists()) return;
     const String path = m_wanted;
     m_wanted.clear();
+    if (util::FileSystem::Instance().Exists(path) && !IsThumbnail(path)) {
+        return Log(logging::Info, "No picture of the scene: \"" + path + "\" is the user's own");
+    }
     util::Guarded(
         [&] {
             const math::Vec2i size = rendering::Context::GetSize();

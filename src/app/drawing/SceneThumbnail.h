@@ -4,7 +4,8 @@
 
 namespace app {
 
-// The small picture of a scene that lies beside its file, made from what is on the screen when it is saved.
+// The small picture of a scene that lies beside its file, made from what is on the screen when it is saved. A
+// picture of another size is not one of these, and is left alone.
 class SceneThumbnail {
   public:
     static constexpr unsigned int WIDTH = 160;  // pixels
@@ -12,6 +13,8 @@ class SceneThumbnail {
 
     // Of the scene file of that path, whether it exists or not.
     static String GetPath(const String& scenePath);
+    // Whether the picture there is one of these, and so no larger.
+    static bool IsThumbnail(const String& path);
 
     // The next frame becomes the picture of that scene.
     void Request(const String& scenePath) { m_wanted = GetPath(scenePath); }

@@ -38,10 +38,10 @@ String GetDate(const String& path) {
     return text.data();
 }
 
-// A damaged picture is no better than none.
+// A damaged picture is no better than none, and one of another size, however large, is not the scene's.
 rendering::TextureMentorPtr GetPicture(const String& scenePath) {
     const String path = SceneThumbnail::GetPath(scenePath);
-    if (!util::FileSystem::Instance().Exists(path)) {
+    if (!util::FileSystem::Instance().Exists(path) || !SceneThumbnail::IsThumbnail(path)) {
         return rendering::TextureManager::Instance().Get("gui/noscene",
                                                          rendering::Texture::ImageType::Icon());
     }
@@ -59,8 +59,14 @@ rendering::TextureMentorPtr GetPicture(const String& scenePath) {
 }  // namespace
 
 String GetSceneTitle(const String& file) {
+    constexpr size_t MAX_TITLE = 40;  // characters
     const String name = StripSceneEnding(file), key = "Scene_" + name;
-    return Language::Instance().Has(key) ? Language::Instance().Get(key) : util::Latin1FromUtf8(name);
+    if (Language::Instance().Has(key)) return Language::Instance().Get(key);
+    String title = util::Latin1FromUtf8(name);
+    for (char& c : title) {
+        if (static_cast<unsigned char>(c) < ' ') c = '?';  // a file's name may hold line ends
+    }
+    return title.size() > MAX_TITLE ? title.substr(0, MAX_TITLE - 3) + "..." : title;
 }
 
 SceneButton::SceneButton(const String& file, Shape shape, const std::function<void()>& choose)

@@ -28,7 +28,8 @@ class SceneButton : public gui::AbstractButton {
     gui::FormattedText m_date;
 };
 
-// What a scene is called: the translated title of one that ships, else its file's name without the ending.
+// What a scene is called in a line: the translated title of one that ships, else its file's name without the
+// ending, shortened when it is very long.
 String GetSceneTitle(const String& file);
 
 }  // namespace app
