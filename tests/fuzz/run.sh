@@ -20,7 +20,7 @@ build_them() {
     echo 'extern "C" int LLVMFuzzerTestOneInput(const unsigned char*, unsigned long) { return 0; }' >"$probe/a.cpp"
     if ! clang++ -fsanitize=fuzzer "$probe/a.cpp" -o "$probe/a" 2>/dev/null; then
         rm -r "$probe"
-        echo "fuzz: skipped, there is no clang++ with libFuzzer"
+        echo "fuzz: skipped, there is no clang++ with libFuzzer (Debian: clang, libclang-rt-dev)"
         exit 77
     fi
     rm -r "$probe"
