@@ -34,6 +34,7 @@ constexpr int FRAMES = 50;                 // measured of each row
 // ---- the window ----------------------------------------------------------------------------------------
 
 static String OpenWindow() {
+    core::SetStretching(false);  // as in the program's ordinary window
     if (SDL_Init(SDL_INIT_VIDEO | SDL_INIT_NOPARACHUTE) != 0) return SDL_GetError();
     if (!core::HasDisplay()) return "there is no display";
     for (const SDL_GLattr channel :

@@ -1,6 +1,6 @@
 #include "core/Platform.h"
 
-#include <SDL/SDL_video.h>
+#include <SDL/SDL.h>
 
 #include <csignal>
 #include <cstdint>
@@ -122,6 +122,17 @@ float GetDisplayDPI() {
     return horizontal >= LEAST && horizontal <= MOST ? horizontal : 0;
 }
 
+// SDL 2 counts who uses a part of it.
+ScopedDisplay::ScopedDisplay() {
+    const auto init = gui::FindSdl2<int(uint32_t)>("SDL_InitSubSystem");
+    if (init != nullptr) init(SDL_INIT_VIDEO);
+}
+
+ScopedDisplay::~ScopedDisplay() {
+    const auto quit = gui::FindSdl2<void(uint32_t)>("SDL_QuitSubSystem");
+    if (quit != nullptr) quit(SDL_INIT_VIDEO);
+}
+
 bool HasSwapControl() {
     return gui::FindSdl2<int(int)>("SDL_GL_SetSwapInterval") != nullptr;
 }
@@ -136,13 +147,21 @@ void SetSwapInterval(bool enabled) {
     if (set != nullptr) set(enabled ? 1 : 0);
 }
 
+void SetStretching(bool stretching) {
+    constexpr const char* SETTING = "SDL12COMPAT_OPENGL_SCALING";
+    static const bool s_isUsers = std::getenv(SETTING) != nullptr;
+    if (!s_isUsers) setenv(SETTING, stretching ? "1" : "0", 1);
+}
+
 void CatchDroppedFiles() {
     const auto get = gui::FindSdl2<int(EventFilter**, void**)>("SDL_GetEventFilter");
     const auto set = gui::FindSdl2<void(EventFilter*, void*)>("SDL_SetEventFilter");
     if (get == nullptr || set == nullptr) return;
+    EventFilter* present = nullptr;
     void* data = nullptr;
-    get(&s_innerFilter, &data);
-    if (s_innerFilter == &TakeDrop) return;
+    get(&present, &data);
+    if (present == &TakeDrop) return;
+    s_innerFilter = present;
     set(&TakeDrop, data);
 }
 

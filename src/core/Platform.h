@@ -26,13 +26,28 @@ math::Vec2i GetDesktopSize();
 // Pixels per inch of the first screen; 0 where that is unknown or not to be believed.
 float GetDisplayDPI();
 
+// Keeps the connection to the display for a scope in which the 1.2 library stops its video part: the last
+// client that leaves may end an X server.
+class ScopedDisplay {
+  public:
+    ScopedDisplay();
+    ~ScopedDisplay();
+    ScopedDisplay(const ScopedDisplay&) = delete;
+    ScopedDisplay& operator=(const ScopedDisplay&) = delete;
+};
+
 // Synchronisation of buffer swaps with the display, for the current context.
 bool HasSwapControl();
 bool GetSwapInterval();
 void SetSwapInterval(bool enabled);
 
-// From now on files that the user drops on the window are kept until they are taken, in order. Once, after
-// the library's start.
+// Whether the 1.2 library draws into a frame buffer of its own and stretches that over the window, as its own
+// default is: a screen of another resolution and smoothing need it, but it costs a copy of each frame. Takes
+// effect when its video part is started. A wish of the user's in the environment stays.
+void SetStretching(bool stretching);
+
+// From now on files that the user drops on the window are kept until they are taken, in order. After each
+// start of the library's video part.
 void CatchDroppedFiles();
 util::StringList TakeDroppedFiles();
 

@@ -54,8 +54,12 @@ void Subsystem::SetCaption(const String& caption) {
 }
 
 void Subsystem::SetDocumentName(const String& name) {
-    const String title = name.empty() ? m_caption : name + " - " + m_caption;
-    SDL_WM_SetCaption(title.c_str(), "Vexa");
+    m_title = name.empty() ? m_caption : name + " - " + m_caption;
+    ShowTitle();
+}
+
+void Subsystem::ShowTitle() const {
+    SDL_WM_SetCaption(m_title.c_str(), "Vexa");
 }
 
 void Subsystem::AddLoggers() {
@@ -68,6 +72,7 @@ void Subsystem::AddLoggers() {
 
 void Subsystem::StartSDL() {
     Log(logging::Trace, "Init SDL...");
+    SetStretching(m_stretches);
     if (SDL_Init(SDL_INIT_TIMER | SDL_INIT_VIDEO | SDL_INIT_JOYSTICK | SDL_INIT_NOPARACHUTE) < 0) {
         THROW(std::runtime_error, String("Couldn't init SDL: ") + SDL_GetError());
     }

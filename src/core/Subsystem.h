@@ -57,11 +57,13 @@ class Subsystem : public gui::InputListener, public gui::WindowHost, public util
     void StartSDL();
     void StartInput();
     void SetIcon();
+    void ShowTitle() const;
     void AddCommands();
 
     // ---- WindowCreation.cpp
     void BuildWindow(WindowParams params);
     void RestoreWindow(const WindowParams& params);
+    void StartStretching();
     void SetVideoMode(const WindowParams& params);
     void ApplyVSync();
     void AdoptParams(const WindowParams& params);
@@ -101,7 +103,10 @@ class Subsystem : public gui::InputListener, public gui::WindowHost, public util
     WindowParams m_windowParams;  // of the window that exists
     WindowParams m_wantedParams;  // what scripts edit and the next creation uses; equal after each creation
 
+    bool m_stretches = false;  // from now on the library stretches the picture over the window
+
     String m_caption;
+    String m_title;  // of the window
     std::function<void(const String&)> m_onFileDropped;
     bool m_quit = false;                // the loop is to end
     bool m_commandsRegistered = false;  // the commands that need a window

@@ -64,6 +64,11 @@ void CheckDrawing() {
     }
 }
 
+// The screen may have another resolution, and the library smooths in the frame buffer that it stretches.
+bool NeedsStretching(const WindowParams& params) {
+    return params.m_fullscreen || params.m_antiAlias > 1;
+}
+
 math::Vec2i ClampResolution(math::Vec2i size) {
     return {std::clamp(size.x, MIN_WINDOW_SIZE, MAX_WINDOW_SIZE),
             std::clamp(size.y, MIN_WINDOW_SIZE, MAX_WINDOW_SIZE)};
@@ -98,6 +103,7 @@ void Subsystem::BuildWindow(WindowParams params) {
     Log(logging::Info, "Creating window...");
     ResourceManager::Instance().DestroyAll();
     params.m_resolution = ClampResolution(params.m_resolution);
+    if (NeedsStretching(params) && !m_stretches) StartStretching();
     SetVideoMode(params);
     gui::Input::Instance().Reset();
     Log(logging::Trace, "Init GLEW...");
@@ -112,6 +118,23 @@ void Subsystem::BuildWindow(WindowParams params) {
     m_vSync->CalcValue();  // a saved setting has been read before there was a context to apply it to
     util::Redraw::Request();
     Log(logging::Info, "Window created.");
+}
+
+// The library looks at its start whether it is to stretch. There is no way back: of that it would keep the
+// old frame buffer and show it.
+void Subsystem::StartStretching() {
+    Log(logging::Trace, "Restarting video");
+    m_stretches = true;
+    SetStretching(m_stretches);
+    const ScopedDisplay display;
+    SDL_QuitSubSystem(SDL_INIT_VIDEO);
+    if (SDL_InitSubSystem(SDL_INIT_VIDEO) < 0) {
+        THROW(std::runtime_error, String("Couldn't restart SDL's video: ") + SDL_GetError());
+    }
+    CatchDroppedFiles();
+    CatchTerminationSignals();
+    SetIcon();
+    ShowTitle();
 }
 
 void Subsystem::SetVideoMode(const WindowParams& params) {
