@@ -40,7 +40,9 @@ void ConstraintSolver::BuildList(const HingeSet& hinges, const ContactPool& cont
     m_list.clear();
     m_list.reserve(hinges.size() + contacts.size());
     for (const HingePtr& hinge : hinges) m_list.push_back({hinge.Get(), hinge.Get()});
-    for (const ContactPtr& contact : contacts) m_list.push_back({contact.Get(), nullptr});
+    for (const ContactPtr& contact : contacts) {
+        if (!contact.Get()->m_implied) m_list.push_back({contact.Get(), nullptr});
+    }
 }
 
 // A constraint that refuses gives its place to the last one, which is then asked in turn.

@@ -57,6 +57,7 @@ void Contact::Reset(Geom* geomA, Geom* geomB, uint32_t index, math::Vec2 point, 
     m_r[0] = point - m_bodies[0]->m_pos;
     m_r[1] = point - m_bodies[1]->m_pos;
     m_new = true;
+    m_implied = false;
     m_normalImpulse = m_tangentImpulse = 0;
     m_normalDelta = m_tangentDelta = 0;
     m_residual = 0;

@@ -36,6 +36,7 @@ class Contact final : public Constraint {
     math::real m_restitution = 0;     // geometric mean of the two geoms
     math::Vec2 m_tangent;             // the normal, a quarter turn to the left
     bool m_new = true;                // until matched with a contact of the previous step
+    bool m_implied = false;           // held by others, see ContactReduction.h
     math::Vec2 m_relVel;              // m/s at the point, body 1 less body 0, as of SolveInit
     math::real m_normalMass = 0;      // kg, exact effective mass of the normal row
     math::real m_tangentMass = 0;     // kg, of the friction row

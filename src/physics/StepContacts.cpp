@@ -17,6 +17,7 @@ void StepContacts::Find(const BodyList& bodies, const ParticleList& particles) {
         m_collider.Collide(m_contacts);
     }
     MatchCache();
+    m_reduction.Mark(m_contacts);
 }
 
 void StepContacts::MatchCache() {

@@ -5,6 +5,7 @@
 #include "physics/CollisionDetection.h"
 #include "physics/ContactCache.h"
 #include "physics/ContactPool.h"
+#include "physics/ContactReduction.h"
 #include "physics/Fwd.h"
 
 namespace physics {
@@ -28,6 +29,7 @@ class StepContacts {
     ContactPool m_contacts;      // this step's
     ContactPool m_lastContacts;  // the previous step's, which the cache looks up
     ContactCache m_cache;
+    ContactReduction m_reduction;
     uint32_t m_cacheHits = 0;
 };
 
