@@ -116,6 +116,7 @@ class AppGUI : public gui::Component {
     void AddWindows();
     void KeepRoomForTools();
     void OpenPopup(math::Vec2 place);
+    void OpenPopupByKey();
     bool ClosePopup();  // whether there was one
     void BreakOff();
     void OpenSaveDialog();

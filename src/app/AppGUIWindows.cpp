@@ -48,7 +48,7 @@ void AppGUI::AddEditCommands() {
     m_commands.Add({"KeyErase", "popup/erase", gui::Key::Delete, false, [this] { EraseSelection(); }});
     m_commands.Add({"KeyGroup", "blank", 'g', true, [this] { SetGroup(true); }});
     m_commands.Add({"KeyUngroup", "blank", 'u', true, [this] { SetGroup(false); }});
-    m_commands.Add({"PopupTitle", "blank", 'e', true, [this] { OpenPopup(m_view.GetMiddle()); }});
+    m_commands.Add({"PopupTitle", "blank", 'e', true, [this] { OpenPopupByKey(); }});
     m_commands.Add({"EraseWater", "file/clear", 0, false, [this] { EraseWater(); }});
     m_commands.Add({"ClearScene", "file/clear", 0, false, [this] { m_app.ClearScene(); }});
 }
@@ -147,6 +147,19 @@ void AppGUI::OpenPopup(math::Vec2 place) {
     m_popup->StopWobble();
 }
 
+// Where the selection is, as far as it is in view, or in the middle; ready for the arrows.
+void AppGUI::OpenPopupByKey() {
+    math::BoundingBox2f box;
+    for (const EntityPtr& entity : m_scene.GetSelection().Get()) {
+        const math::BoundingBox2f extent = entity->GetBoundingBox();
+        if (extent.IsFinite()) box.Extend(extent);
+    }
+    const math::BoundingBox2f view = m_view.GetViewBox();
+    const bool isInView = box.IsFinite() && view.Contains(box.GetCenter());
+    OpenPopup(isInView ? m_view.WorldToGUI(box.GetCenter()) : m_view.GetMiddle());
+    m_popup->TakeFocus();
+}
+
 bool AppGUI::ClosePopup() {
     const gui::WindowPtr popup = m_popup;
     m_popup = nullptr;
@@ -162,16 +175,12 @@ void AppGUI::OpenDialog(const gui::WindowPtr& dialog) {
     dialog->AddCloseButton();
     AddChild(dialog);
     PlaceInMiddle(*dialog, *this);
-    gui::Focus::Set(nullptr);
-    gui::Focus::Move(*dialog, false);  // so that escape and the arrows are its own
+    dialog->TakeFocus();
 }
 
 void AppGUI::OpenSaveDialog() {
     const String name = m_scene.GetName().empty() ? FindFreeName() : m_scene.GetName();
-    const util::SharedPtr<SaveDialog> dialog =
-        new SaveDialog(m_scene, name, [this](const String& chosen) { SaveSceneNamed(chosen); });
-    OpenDialog(dialog);
-    dialog->TakeFocus();
+    OpenDialog(new SaveDialog(m_scene, name, [this](const String& chosen) { SaveSceneNamed(chosen); }));
 }
 
 void AppGUI::OpenSceneDialog(bool import) {

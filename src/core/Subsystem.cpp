@@ -12,6 +12,8 @@
 #include "logging/Sinks.h"
 #include "rendering/Renderer.h"
 #include "rendering/TextureManager.h"
+#include "script/Exceptions.h"
+#include "script/Expressions.h"
 #include "script/Parser.h"
 #include "util/Clock.h"
 #include "util/Exception.h"
@@ -28,6 +30,13 @@ constexpr int FILE_LEVELS = STDERR_LEVELS | logging::Trace | logging::Info;
 // Nothing ever counted objects made; the command stays for the scripts that name it.
 int GetObjectTotal() {
     return 0;
+}
+
+// A value as a file would hold it: unlike what is printed, with quotes and all digits, so it reads back.
+String GetCode(const script::ObjectPtr& value) {
+    const script::ExpressionPtr source = value->ToExpression();
+    if (!source) THROW(script::ScriptException, "There is no source text for " + value->ToCode());
+    return source->ToCode();
 }
 
 }  // namespace
@@ -105,7 +114,8 @@ void Subsystem::AddCommands() {
     AddCmd("objectCurrent", &util::Pointee::GetCount);
     AddCmd("objectHandleCurrent", [] { return static_cast<int>(util::Pointee::GetHandleCount()); });
     AddCmd("objectTotal", &GetObjectTotal);
-    AllowGuests({"time", "objectCurrent", "objectHandleCurrent", "objectTotal"});
+    AddCmd1("code", &GetCode);
+    AllowGuests({"time", "objectCurrent", "objectHandleCurrent", "objectTotal", "code"});
     AddCmd("recreateWindow", this, &Subsystem::RecreateWindow);
 
     script::DeclareAttribRemotePoker<bool>(*this, "resizable", &m_wantedParams.m_resizable);

@@ -1,8 +1,11 @@
 #include "gui/Focus.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 #include "gui/Component.h"
+#include "gui/WidgetList.h"
 #include "input/Key.h"
 #include "rendering/Gl.h"
 #include "rendering/Renderer.h"
@@ -20,6 +23,7 @@ ComponentWeakPtr& Current() {
 
 // In the order of reading; of windows that lie over each other the front one first.
 void Collect(Component& component, std::vector<Component*>& found) {
+    if (!component.IsVisible()) return;
     if (component.CanFocus()) found.push_back(&component);
     const ComponentList& children = component.GetChildren();
     const bool areWindows = std::any_of(children.begin(), children.end(),
@@ -29,6 +33,30 @@ void Collect(Component& component, std::vector<Component*>& found) {
     } else {
         for (const ComponentPtr& child : children) Collect(*child, found);
     }
+}
+
+// An interval along one axis, GUI units.
+struct Span {
+    float m_begin;
+    float m_end;
+};
+
+// How far `there` lies from `here` in the direction of the arrow, what lies beside that way counting more;
+// infinite for what lies elsewhere.
+float GetStepLength(const math::BoundingBox2f& here, const math::BoundingBox2f& there, int arrow) {
+    constexpr float SIDE_WEIGHT = 4;
+    constexpr float MOST_OVERLAP = 4;  // GUI units, of a button in a title bar and what lies below
+    const bool isVertical = arrow == Key::Up || arrow == Key::Down;
+    const Span xs[] = {{here.min.x, here.max.x}, {there.min.x, there.max.x}};
+    const Span ys[] = {{here.min.y, here.max.y}, {there.min.y, there.max.y}};
+    const Span(&along)[2] = isVertical ? ys : xs;
+    const Span(&across)[2] = isVertical ? xs : ys;
+    const bool isForward = arrow == Key::Down || arrow == Key::Right;
+    const float gap = isForward ? along[1].m_begin - along[0].m_end : along[0].m_begin - along[1].m_end;
+    if (gap < -MOST_OVERLAP) return std::numeric_limits<float>::infinity();
+    const float side =
+        std::max({across[1].m_begin - across[0].m_end, across[0].m_begin - across[1].m_end, 0.0f});
+    return gap + SIDE_WEIGHT * side + std::fabs(across[0].m_begin - across[1].m_begin);
 }
 
 }  // namespace
@@ -54,6 +82,30 @@ void Focus::Move(Component& root, bool backward) {
     size_t next = backward ? count - 1 : 0;
     if (place != all.end()) next = (place - all.begin() + (backward ? count - 1 : 1)) % count;
     Set(all[next]);
+}
+
+bool Focus::Step(Component& root, int arrow) {
+    const Component* const from = Get();
+    if (from == nullptr) return false;
+    std::vector<Component*> all;
+    Collect(root, all);
+    const math::BoundingBox2f here = GetBoxInView(*from);
+    float shortest = std::numeric_limits<float>::infinity();
+    Component* nearest = nullptr;
+    for (Component* const candidate : all) {
+        const float length = GetStepLength(here, GetBoxInView(*candidate), arrow);
+        if (candidate == from || !(length < shortest)) continue;
+        shortest = length;
+        nearest = candidate;
+    }
+    if (nearest != nullptr) Set(nearest);
+    return nearest != nullptr;
+}
+
+bool Focus::CanMoveInto(Component& root) {
+    std::vector<Component*> all;
+    Collect(root, all);
+    return !all.empty();
 }
 
 void Focus::HandleKey(Component& root, KeyEvent& event) {

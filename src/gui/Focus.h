@@ -6,14 +6,17 @@
 namespace gui {
 
 // The one component that the keyboard belongs to; none most of the time. Tab and shift+tab move it over all
-// components that can have it (Component::CanFocus), front windows first; escape leaves it, and so does a
-// press of the mouse anywhere else.
+// components that can have it (Component::CanFocus), front windows first, the arrows over those of one
+// window; escape leaves it, and so does a press of the mouse anywhere else.
 class Focus {
   public:
     static Component* Get();                        // null for none
     static void Set(const ComponentWeakPtr& next);  // null takes it away
     // To the next or previous one in the tree under `root`; to the first or last while nobody has it.
     static void Move(Component& root, bool backward);
+    // To what lies next to it under `root` in the direction of an arrow key; whether there is such a thing.
+    static bool Step(Component& root, int arrow);
+    static bool CanMoveInto(Component& root);  // something under `root` can have it
 
     // The keys told above, for what nobody took. Called by the root of the tree.
     static void HandleKey(Component& root, KeyEvent& event);

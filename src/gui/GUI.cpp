@@ -54,6 +54,7 @@ GUI::GUI()
       m_scale(script::DeclareAttrib(*this, "scale", 1.0f)),
       m_opaqueness(script::DeclareAttrib(*this, "opaqueness", 0.9f)) {
     AddCmd("widgets", [this] { return ListWidgets(*m_root, GetScale()); });
+    AddCmd("focused", [this] { return DescribeFocus(GetScale()); });
     AddCmd1("press", [this](const String& key) { PressWidget(*m_root, key); });
     AddChildren();
     const util::CallbackPtr push = new util::Callback([this] { PushSettings(); }, this);

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "gui/Focus.h"
 #include "gui/Window.h"
 #include "gui/components/ScrollArea.h"
 #include "input/Input.h"
@@ -18,19 +19,11 @@ using script::ObjectPtr;
 
 const char* const PLAIN_KIND = "Component";
 
-BoundingBox2f GetBoxOnScreen(const Component& component) {
-    const BoundingBox2f box = component.GetOuterBox();
-    BoundingBox2f result;
-    result.Extend(component.ToGUI(box.min));
-    result.Extend(component.ToGUI(box.max));
-    return result;
-}
-
 // Calls `visit` for the visible components, topmost first, until it answers true.
 template <class Visit>
 bool Walk(Component& component, const BoundingBox2f& clip, const Visit& visit) {
     if (!component.IsVisible()) return false;
-    const BoundingBox2f box = GetBoxOnScreen(component);
+    const BoundingBox2f box = GetBoxInView(component);
     const bool clips = dynamic_cast<ScrollArea*>(&component) != nullptr;
     const ComponentList children = component.GetChildren();
     for (size_t i = children.size(); i-- > 0;) {
@@ -100,6 +93,14 @@ void Click(Vec2 gui) {
 
 }  // namespace
 
+BoundingBox2f GetBoxInView(const Component& component) {
+    const BoundingBox2f box = component.GetOuterBox();
+    BoundingBox2f result;
+    result.Extend(component.ToGUI(box.min));
+    result.Extend(component.ToGUI(box.max));
+    return result;
+}
+
 ObjectPtr ListWidgets(Component& root, float scale) {
     script::ObjectList rows;
     Walk(root, GetEverything(), [&](const Component& component, const BoundingBox2f& box) {
@@ -108,6 +109,12 @@ ObjectPtr ListWidgets(Component& root, float scale) {
         return false;
     });
     return script::ValueToObject(rows);
+}
+
+ObjectPtr DescribeFocus(float scale) {
+    const Component* const focused = Focus::Get();
+    if (focused == nullptr) return script::ValueToObject(script::ObjectList());
+    return Describe(*focused, GetBoxInView(*focused), scale);
 }
 
 void PressWidget(Component& root, const String& key) {

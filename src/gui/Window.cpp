@@ -70,7 +70,41 @@ void Window::AddCloseButton() {
 void Window::Close() {
     const WindowPtr self(this);  // the parent may be its last owner
     m_dragging = false;
+    const bool hadFocus = HasFocusInside();
     if (Component* const parent = GetParent()) parent->RemoveChild(this);
+    if (hadFocus) Focus::Set(m_focusBefore);
+}
+
+// ---- the keyboard
+
+void Window::TakeFocus() {
+    m_closesAtEscape = true;
+    if (!HasFocusInside()) m_focusBefore = Focus::Get();
+    Focus::Set(nullptr);
+    Focus::Move(*this, false);
+}
+
+bool Window::HasFocusInside() const {
+    const Component* const focused = Focus::Get();
+    return focused != nullptr && focused->IsInside(*this);
+}
+
+// An arrow at the last control goes nowhere, above all not on to the world.
+bool Window::HandleFocusKey(const KeyEvent& event) {
+    if (event.m_handled || event.m_ctrl || event.m_alt || !HasFocusInside()) return false;
+    switch (event.m_key) {
+        case Key::Escape:
+            if (m_closesAtEscape) Close();
+            return m_closesAtEscape;
+        case Key::Left:
+        case Key::Right:
+        case Key::Up:
+        case Key::Down:
+            Focus::Step(*this, event.m_key);
+            return true;
+        default:
+            return false;
+    }
 }
 
 // ---- moving ------------------------------------------------------------------------------------------
@@ -89,7 +123,7 @@ void Window::Raise() {
 void Window::OnKeyEvent(KeyEvent& event) {
     WobbleComponent::OnKeyEvent(event);
     if (event.m_pressed) {
-        if (HandlePress(event)) event.m_handled = true;
+        if (HandleFocusKey(event) || HandlePress(event)) event.m_handled = true;
     } else if (event.m_key == Key::LeftMouse && m_dragging) {
         m_dragging = false;
         event.m_handled = true;
@@ -97,12 +131,6 @@ void Window::OnKeyEvent(KeyEvent& event) {
 }
 
 bool Window::HandlePress(const KeyEvent& event) {
-    if (event.m_key == Key::Escape && !event.m_handled && m_closesAtEscape) {
-        const Component* const focused = Focus::Get();
-        if (focused == nullptr || !focused->IsInside(*this)) return false;
-        Close();
-        return true;
-    }
     if (event.m_key != Key::LeftMouse || !IsHit(event.m_position)) return false;
     const bool isOnTitleBar = !event.m_handled && IsOnTitleBar(event.m_position);
     if (isOnTitleBar) {

@@ -36,8 +36,10 @@ class Window : public WobbleComponent {
     void AddCloseButton();
     const ButtonPtr& GetCloseButton() const { return m_closeButton; }  // may be null
 
-    // Escape closes the window while something in it has the focus; for dialogs.
+    // The arrows move the focus among the window's controls. Escape closes it while one of them has the
+    // focus, if it is a dialog or the focus came by TakeFocus; otherwise escape only leaves it.
     void SetClosesAtEscape(bool closes) { m_closesAtEscape = closes; }
+    virtual void TakeFocus();  // until the window is closed, when it goes back to where it was
 
     void Raise();  // over its siblings
 
@@ -56,6 +58,8 @@ class Window : public WobbleComponent {
   private:
     float GetMinWidth() const;
     bool HandlePress(const KeyEvent& event);
+    bool HandleFocusKey(const KeyEvent& event);
+    bool HasFocusInside() const;
     bool IsOnTitleBar(math::Vec2 gui) const;
     void TearOff(Component& target);
 
@@ -64,7 +68,8 @@ class Window : public WobbleComponent {
     bool m_dragging = false;
     math::Vec2 m_dragPos;  // where the mouse would have it; beyond the view it stays behind
     bool m_closesAtEscape = false;
-    ButtonPtr m_closeButton;  // a child too; may be null
+    ComponentWeakPtr m_focusBefore;  // TakeFocus; null for none
+    ButtonPtr m_closeButton;         // a child too; may be null
     util::CallbackSet m_movedCallbacks;
     ComponentWeakPtr m_tearOffTarget;
 };

@@ -47,7 +47,7 @@ class SubsystemTest : public testing::Test {
         return params;
     }
     static core::Subsystem& GetSystem() { return core::Subsystem::Instance(); }
-    static String Run(const char* text) { return script::Parser::Instance().ExecuteToString(text); }
+    static String Run(const String& text) { return script::Parser::Instance().ExecuteToString(text); }
 };
 
 TEST_F(SubsystemTest, SettingsAsScriptsSeeThem) {
@@ -55,6 +55,9 @@ TEST_F(SubsystemTest, SettingsAsScriptsSeeThem) {
     EXPECT_EQ(Run("System.objectTotal"), "0");
     EXPECT_GT(std::stoi(Run("System.objectCurrent")), 0);
     EXPECT_GT(std::stoi(Run("System.objectHandleCurrent")), 0);
+    const String code = R"([0.1, "a, \"b\"", [true, 7]])";
+    EXPECT_EQ(Run("System.code " + code), code) << "it reads back";
+    EXPECT_EQ(Run("System.code (System.code 1.0)"), "\"1.0\"");
     EXPECT_TRUE(GetSystem().HasVariable("screenshot"));
     test::CheckSettings(GetSystem(), "vSync");  // which the display may refuse
 }

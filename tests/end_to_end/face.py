@@ -3,7 +3,7 @@
 import os
 
 from boxes import VIEW, polygons, start_boxes
-from harness import check, wait_for
+from harness import Failure, check, wait_for
 
 
 def case_save_asks_before_it_replaces(session):
@@ -23,7 +23,7 @@ def case_save_asks_before_it_replaces(session):
     check(not os.path.exists(session.path("Scenes/mine.vxa.vxa")), "the ending was added twice")
     session.write("Scenes/other.vxa", "version = 1\n")
     save_as("other")
-    wait_for("the question", lambda: any("Replace" in row[1] for row in session.widgets()))
+    wait_for("the question", lambda: any(row[2] == "Replace" for row in session.widgets()))
     check(session.read("Scenes/other.vxa") == "version = 1\n", "it was replaced without a question")
     session.key("Escape")
     wait_for("the dialog gone", lambda: not session.find_widget("EnterName"))
@@ -43,6 +43,50 @@ def case_popup_by_key(session):
     session.wait_scene("none", lambda e: len(polygons(e)) == 2)
 
 
+def case_keyboard_only(session):
+    """Without a mouse: the toolbar's menu and the save dialog, the menu on shapes and its slider, help."""
+    session.append_autoexec("GUI.Console.scroll = false")
+    start_boxes(session)
+
+    def go_to(key, step, most):
+        for _ in range(most):
+            if session.focused() == key:
+                return
+            session.key(step)
+        raise Failure("%s leads to %s, not to %s" % (step, session.focused(), key))
+
+    session.xdo("key", "--repeat", "14", "Tab")
+    go_to("FileButton", "Tab", 4)
+    session.xdo("key", "Return", "Down")
+    check(session.focused() == "SaveScene", "the menu did not take the focus")
+    session.key("Return")
+    wait_for("the name's field", lambda: session.focused() == "EnterName")
+    session.xdo("key", "--repeat", "12", "BackSpace")
+    session.xdo("type", "typed")
+    session.xdo("key", "Down", "Return")
+    wait_for("the saved scene", lambda: session.read("Scenes/typed.vxa"))
+    check(session.focused() == "SaveScene", "the dialog did not give the focus back")
+    session.key("Escape")
+    check(not session.find_widget("SaveScene") and session.focused() == "FileButton", "escape left the menu open")
+    session.key("Escape")
+
+    session.chord("ctrl", "a")
+    session.chord("ctrl", "e")
+    check(session.focused() == "Erase", "the popup did not take the focus")
+    session.xdo("key", "--repeat", "9", "Down")
+    go_to("GeomMenuButton", "Down", 3)
+    session.key("Return")
+    check(session.focused() == "Friction", "the menu of the material did not take the focus")
+    session.xdo("key", "Right", "Right", "Left", "Right")
+    session.wait_scene("more friction", lambda e: all(abs(p["friction"] - 0.54) < 1e-3 for p in polygons(e)))
+    session.xdo("key", "Escape", "Escape")
+    check(session.focused() is None, "the popup is still open")
+    session.key("F1")
+    check(session.find_widget("HelpTitle"), "no help")
+    session.xdo("key", "Escape", "space")
+    wait_for("the running world", lambda: session.console("Sim.running") == "true")
+
+
 def case_language_keeps_windows(session):
     """Another language rebuilds the interface at once, with its windows and its tool."""
     session.append_autoexec("GUI.Console.scroll = false")
@@ -50,7 +94,7 @@ def case_language_keeps_windows(session):
     session.click_widget("OptionsButton")
     session.key("x")
     session.console('App.language = "French"')
-    wait_for("the options in French", lambda: session.find_widget("DrawClouds")[1][1] == "Nuages")
+    wait_for("the options in French", lambda: session.find_widget("DrawClouds")[2] == "Nuages")
     check(session.console("App.AppGUI.tool") == "box", "the tool was lost")
 
 
@@ -63,6 +107,6 @@ def case_keys_are_changed(session):
     wait_for("the list", lambda: session.find_widget("ToolBox"))
     session.click_widget("ToolBox")
     session.key("k")
-    wait_for("the new key", lambda: session.find_widget("ToolBox")[1][-1] == "k")
+    wait_for("the new key", lambda: session.find_widget("ToolBox")[2] == "k")
     session.quit()
     check('ToolBox k' in session.read("config.cfg"), "the key was not kept")

@@ -265,15 +265,16 @@ class Session:
         return re.sub(r"^[\d:]+: ", "", answer.group(1).rstrip("\n"), count=1)
 
     def widgets(self):
-        """The controls on the screen, topmost first, as (kind, words, place, size, state); the words are key and
-        text, where a printed list leaves out what is empty."""
-        number = r"(-?[\d.e+-]+)"
-        row = re.compile(r"\[(\w+)((?:, [^\[\]]*)?), \[%s, %s\], \[%s, %s\](?:, ([^\[\]]*))?\]" % ((number,) * 4))
-        return [(kind, words[2:].split(", "), (float(x), float(y)), (float(w), float(h)), to_value(state))
-                for kind, words, x, y, w, h, state in row.findall(self.console("GUI.widgets"))]
+        """The controls on the screen, topmost first, each [kind, key, text, [x, y], [width, height], state]."""
+        return json.loads(self.console("System.code GUI.widgets"), strict=False)
+
+    def focused(self):
+        """The key of the control that has the keyboard; None for none."""
+        row = json.loads(self.console("System.code GUI.focused"), strict=False)
+        return row[1] if row else None
 
     def find_widget(self, key):
-        found = [row for row in self.widgets() if row[1][0] == key]
+        found = [row for row in self.widgets() if row[1] == key]
         return found[0] if found else None
 
     def widget(self, key):
@@ -282,7 +283,7 @@ class Session:
         return found
 
     def click_widget(self, key):
-        _, _, place, size, _ = self.widget(key)
+        _, _, _, place, size, _ = self.widget(key)
         self.click((place[0] + size[0] / 2, place[1] + size[1] / 2))
 
     @contextlib.contextmanager

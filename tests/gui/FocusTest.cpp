@@ -134,6 +134,69 @@ TEST_F(TreeTest, EscapeClosesADialogThatHasTheFocus) {
     EXPECT_TRUE(Press('x', 'x') == false && field->GetText().empty());
 }
 
+TEST_F(TreeTest, ArrowsGoToTheNextControlOfTheWindow) {
+    const WindowPtr window = AddWindow({0, 0}, {300, 300}), other = AddWindow({300, 0}, {100, 100});
+    // a  b
+    //    c
+    // d
+    ButtonPtr a = new Button("a"), b = new Button("b"), c = new Button("c"), d = new Button("d");
+    const Vec2 places[] = {{0, 0}, {100, 0}, {100, 50}, {0, 100}};
+    size_t i = 0;
+    for (const ButtonPtr& button : {a, b, c, d}) {
+        window->AddChild(button);
+        button->SetPos(places[i].x, places[i].y);
+        ++i;
+    }
+    other->AddChild(new Button("far"));
+    Focus::Set(a);
+    const std::pair<int, ButtonPtr> steps[] = {
+        {Key::Right, b}, {Key::Right, b}, {Key::Down, c}, {Key::Down, d}, {Key::Right, c},
+        {Key::Up, b},    {Key::Left, a},  {Key::Down, d}, {Key::Up, a},   {Key::Up, a}};
+    for (const auto& [arrow, expected] : steps) {
+        EXPECT_TRUE(Press(arrow)) << "arrows at the edge do not reach the world";
+        EXPECT_EQ(Focus::Get(), expected.Get()) << arrow;
+    }
+    Focus::Set(nullptr);
+    EXPECT_FALSE(Press(Key::Right));
+}
+
+TEST_F(TreeTest, AWindowThatTookTheFocusGivesItBack) {
+    const WindowPtr window = AddWindow({0, 0}, {100, 100});
+    const ButtonPtr button = new Button("a"), first = new Button("b");
+    window->AddChild(button);
+    Focus::Set(button);
+    const WindowPtr opened = AddWindow({300, 0}, {100, 100});
+    opened->AddCloseButton();
+    opened->AddChild(first);
+    opened->TakeFocus();
+    EXPECT_EQ(Focus::Get(), opened->GetCloseButton().Get());
+    EXPECT_TRUE(Press(Key::Down));
+    EXPECT_EQ(Focus::Get(), first.Get());
+    EXPECT_TRUE(Press(Key::Escape));
+    EXPECT_EQ(opened->GetParent(), nullptr);
+    EXPECT_EQ(Focus::Get(), button.Get());
+    EXPECT_TRUE(Press(Key::Escape)) << "a window that the focus walked into stays";
+    EXPECT_EQ(window->GetParent(), m_view.Get());
+    EXPECT_EQ(Focus::Get(), nullptr);
+}
+
+TEST_F(TreeTest, AScrolledTextTakesTheArrows) {
+    const ComponentPtr text = new Component("text");
+    text->SetSize(100, 500);
+    const gui::ScrollAreaPtr area = new gui::ScrollArea(text, 110);
+    const WindowPtr window = AddWindow({0, 0}, {100, 100});
+    window->AddChild(area);
+    Press(Key::Tab);
+    EXPECT_EQ(Focus::Get(), area.Get());
+    Press(Key::Down);
+    Press(Key::Down);
+    EXPECT_EQ(area->GetOffset(), 44);
+    Press(Key::Up);
+    EXPECT_EQ(area->GetOffset(), 22);
+    text->AddChild(new Button("m"));
+    EXPECT_FALSE(area->CanFocus()) << "the controls inside have it";
+}
+
 // ---- covering ----------------------------------------------------------------------------------------
 
 TEST_F(TreeTest, WhatLiesUnderAWindowIsOutOfReach) {

@@ -127,11 +127,14 @@ TEST_F(SliderInputTest, ArrowKeysMoveItWhileItHasTheFocus) {
     gui::Focus::Set(m_slider);
     m_slider->SetValueSilent(5);
     Send(*m_slider, test::Press(gui::Key::Right, {}));
-    EXPECT_NEAR(m_slider->GetValue(), 5.2, 1e-9);
+    Send(*m_slider, test::Press(gui::Key::Right, {}));
+    EXPECT_NEAR(m_slider->GetValue(), 5.4, 1e-9);
+    EXPECT_EQ(m_calls, "scc") << "a held key is one change";
+    Send(*m_slider, test::Release(gui::Key::Right, {}));
     Send(*m_slider, test::Press(gui::Key::Left, {}));
-    EXPECT_NEAR(m_slider->GetValue(), 5, 1e-9);
-    EXPECT_EQ(m_calls, "scesce");
+    EXPECT_NEAR(m_slider->GetValue(), 5.2, 1e-9);
     gui::Focus::Set(nullptr);
+    EXPECT_EQ(m_calls, "sccesce") << "the loss of the focus ends it, too";
 }
 
 }  // namespace

@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "app/Language.h"
 #include "app/scene/View.h"
 #include "app/widgets/MenuButton.h"
+#include "gui/Focus.h"
 #include "gui/LookAndFeel.h"
 #include "gui/components/Images.h"
+#include "input/Key.h"
 #include "rendering/Renderer.h"
 
 namespace app {
@@ -16,6 +19,13 @@ namespace {
 constexpr float PAN_FACTOR = -2;
 constexpr float NOTCH = 10;  // GUI units of a drag that zoom as one notch of the wheel does
 constexpr math::Vec4 HOVER_COLOR(1.3f, 1.3f, 1.3f, 1.2f);
+
+struct Arrow {
+    int m_key;
+    math::Vec2 m_direction;
+};
+const Arrow ARROWS[] = {
+    {gui::Key::Left, {-1, 0}}, {gui::Key::Right, {1, 0}}, {gui::Key::Up, {0, -1}}, {gui::Key::Down, {0, 1}}};
 
 }  // namespace
 
@@ -31,10 +41,21 @@ void InfDraggable::OnDrag(gui::DragEvent& event) {
     Move(event.m_delta);
 }
 
+void InfDraggable::OnKeyEvent(gui::KeyEvent& event) {
+    Draggable::OnKeyEvent(event);
+    if (event.m_handled || !event.m_pressed || !HasFocus()) return;
+    const auto arrow = std::find_if(std::begin(ARROWS), std::end(ARROWS),
+                                    [&event](const Arrow& a) { return a.m_key == event.m_key; });
+    if (arrow == std::end(ARROWS)) return;
+    event.m_handled = true;
+    Move(arrow->m_direction * NOTCH);
+}
+
 void InfDraggable::DrawComp() {
     if (IsDragged() || IsMouseInside()) rendering::Renderer::Instance().MultColor(HOVER_COLOR);
     Draggable::DrawComp();
     gui::DrawImage(m_icon, {0, 0}, GetSize());
+    gui::Focus::DrawRing(*this);
 }
 
 Panner::Panner(View& view) : InfDraggable("tools/pan", "Panner"), m_view(view) {

@@ -7,13 +7,16 @@
 
 namespace app {
 
-// A picture that takes a drag without end: what it moves follows the movement, not the place.
+// A picture that takes a drag without end: what it moves follows the movement, not the place. With the focus
+// the arrows move it.
 class InfDraggable : public gui::Draggable {
   public:
     InfDraggable(const String& icon, const String& name);
 
     void OnDrag(gui::DragEvent& event) override;
+    void OnKeyEvent(gui::KeyEvent& event) override;
     void DrawComp() override;
+    bool CanFocus() const override { return true; }
     const char* GetKind() const override { return "Handle"; }
 
   private:

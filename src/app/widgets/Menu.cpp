@@ -53,6 +53,7 @@ void Menu::Open() {
     place = window->GetNearestInView(place);
     window->SetPos(place.x, place.y);
     window->StopWobble();
+    if (HasFocus()) window->TakeFocus();
 }
 
 void Menu::DrawComp() {

@@ -134,6 +134,7 @@ SaveDialog::SaveDialog(const Scene& scene, const String& name, const NameFunctio
 SaveDialog::~SaveDialog() noexcept(false) = default;
 
 void SaveDialog::TakeFocus() {
+    Window::TakeFocus();
     gui::Focus::Set(m_name.Get());
 }
 

@@ -17,7 +17,7 @@ class SaveDialog : public gui::Window {
     SaveDialog(const Scene& scene, const String& name, const NameFunction& save);
     ~SaveDialog() noexcept(false) override;
 
-    void TakeFocus();  // the name; once the dialog is on the screen
+    void TakeFocus() override;  // for the name
 
   private:
     void Save();

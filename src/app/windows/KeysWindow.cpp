@@ -4,6 +4,7 @@
 
 #include "app/Language.h"
 #include "app/windows/Rows.h"
+#include "gui/Focus.h"
 #include "gui/LookAndFeel.h"
 #include "gui/components/Button.h"
 #include "gui/components/Label.h"
@@ -21,6 +22,7 @@ constexpr float LIST_ROOM = 140;  // of the interface's height, left free
 // Keys that need no command: built into the interface.
 const std::pair<const char*, const char*> FIXED_KEYS[] = {{"KeyCancel", "escape"},
                                                           {"KeyPan", "left, right, up, down"},
+                                                          {"KeyFocus", "tab, shift+tab"},
                                                           {"KeyWheel", "scrollup, scrolldown"},
                                                           {"KeyConsole", "f11"}};
 
@@ -74,6 +76,8 @@ KeysWindow::~KeysWindow() noexcept(false) = default;
 
 void KeysWindow::Fill() {
     m_isStale = false;
+    const gui::Component* const focused = gui::Focus::Get();
+    const String row = focused != nullptr && focused->IsInside(*m_rows) ? focused->GetKey() : String();
     m_rows->RemoveAllChildren();
     for (const Command& command : m_commands.GetAll()) {
         const String name = command.m_name;
@@ -84,6 +88,10 @@ void KeysWindow::Fill() {
     }
     for (const auto& [name, key] : FIXED_KEYS) m_rows->AddChild(MakeFixedRow(Translate(name), key));
     AddBoundKeys();
+    for (const gui::ComponentPtr& line : m_rows->GetChildren()) {
+        const gui::ComponentPtr last = line->GetChildren().back();
+        if (!row.empty() && last->GetKey() == row) gui::Focus::Set(last.Get());
+    }
 }
 
 gui::ComponentPtr KeysWindow::MakeKeyRow(const String& name, const String& text, const String& key,

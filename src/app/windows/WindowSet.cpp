@@ -4,6 +4,8 @@
 #include <cmath>
 #include <sstream>
 
+#include "gui/Focus.h"
+
 namespace app {
 namespace {
 
@@ -109,6 +111,7 @@ void WindowSet::Toggle(const String& name) {
         Close(name);
     } else {
         Open(name);
+        if (gui::Focus::Get() != nullptr) Get(name)->TakeFocus();
     }
 }
 

@@ -103,6 +103,10 @@ Component* ScrollArea::FindAt(Vec2 place) {
 
 // ---- input -------------------------------------------------------------------------------------------
 
+bool ScrollArea::CanFocus() const {
+    return CanScroll() && !Focus::CanMoveInto(*m_content);
+}
+
 void ScrollArea::OnKeyEvent(KeyEvent& event) {
     Component::OnKeyEvent(event);
     if (!event.m_pressed) {
@@ -117,6 +121,10 @@ bool ScrollArea::HandlePress(const KeyEvent& event) {
     const bool hasFocus = focused != nullptr && focused->IsInside(*this);
     if (!hasFocus && !IsHit(event.m_position)) return false;
     switch (event.m_key) {
+        case Key::Up:
+        case Key::Down:
+            if (HasFocus()) ScrollTo(m_offset + (event.m_key == Key::Up ? -ROW_HEIGHT : ROW_HEIGHT));
+            return HasFocus();
         case Key::ScrollUp:
             ScrollTo(m_offset - WHEEL_STEP * ROW_HEIGHT);
             return true;
@@ -168,8 +176,11 @@ void ScrollArea::DrawBar() const {
 }
 
 void ScrollArea::DrawChildren() {
-    const ScopedClip clip(GetSize());
-    Component::DrawChildren();
+    {
+        const ScopedClip clip(GetSize());
+        Component::DrawChildren();
+    }
+    Focus::DrawRing(*this);
 }
 
 }  // namespace gui

@@ -27,6 +27,7 @@ class ScrollArea : public Component {
     void OnMouseMove(MouseMoveEvent& event) override;
     Component* FindAt(math::Vec2 place) override;
     bool TakesMouse() const override { return true; }
+    bool CanFocus() const override;  // for the arrows, where nothing inside could lead them
     const char* GetKind() const override { return "ScrollArea"; }
 
   private:

@@ -126,6 +126,8 @@ void Slider::OnKeyEvent(KeyEvent& event) {
         m_dragging = false;
         FireDragEnd();
         event.m_handled = true;
+    } else if (!event.m_pressed && event.m_key == m_heldArrow) {
+        EndHeldArrow();
     } else if (event.m_pressed && !event.m_handled) {
         event.m_handled = HandlePress(event) || HandleFocusKey(event);
     }
@@ -144,12 +146,28 @@ bool Slider::HandlePress(const KeyEvent& event) {
     return true;
 }
 
-// A value that there is not, of several things that differ, starts at the near end.
+// A value that there is not, of several things that differ, starts at the near end. A key that is held is one
+// change, as one drag is.
 bool Slider::HandleFocusKey(const KeyEvent& event) {
     if (!HasFocus() || (event.m_key != Key::Left && event.m_key != Key::Right)) return false;
+    if (event.m_key != m_heldArrow) {
+        EndHeldArrow();
+        FireDragStart();
+        m_heldArrow = event.m_key;
+    }
     const double t = GetFraction(GetValue()), step = event.m_shift ? FINE_KEY_STEP : KEY_STEP;
-    ChangeAsUser(GetValueOf((std::isnan(t) ? 0 : t) + (event.m_key == Key::Left ? -step : step)));
+    SetValue(GetValueOf((std::isnan(t) ? 0 : t) + (event.m_key == Key::Left ? -step : step)));
     return true;
+}
+
+void Slider::EndHeldArrow() {
+    if (m_heldArrow == 0) return;
+    m_heldArrow = 0;
+    FireDragEnd();
+}
+
+void Slider::OnFocus(bool) {
+    EndHeldArrow();
 }
 
 void Slider::ChangeAsUser(double value) {

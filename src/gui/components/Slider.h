@@ -31,7 +31,7 @@ class Slider : public Component {
     util::CallbackSet& GetOnChange() { return m_onChange; }
     util::CallbackSet& GetOnDragStart() { return m_onDragStart; }  // before a user's change
     util::CallbackSet& GetOnDragEnd() { return m_onDragEnd; }
-    bool IsDragging() const { return m_dragging; }
+    bool IsDragging() const { return m_dragging || m_heldArrow != 0; }
 
     // Between the value and the knob's middle, content coordinates.
     float GetKnobX(double value) const;
@@ -39,6 +39,7 @@ class Slider : public Component {
 
     void OnKeyEvent(KeyEvent& event) override;
     void OnMouseMove(MouseMoveEvent& event) override;
+    void OnFocus(bool focused) override;
     void DrawComp() override;
     bool TakesMouse() const override { return true; }
     bool CanFocus() const override { return true; }
@@ -48,6 +49,7 @@ class Slider : public Component {
   private:
     bool HandlePress(const KeyEvent& event);
     bool HandleFocusKey(const KeyEvent& event);
+    void EndHeldArrow();
     void ChangeAsUser(double value);
     double GetFraction(double value) const;
     double GetValueOf(double fraction) const;
@@ -63,6 +65,7 @@ class Slider : public Component {
     double m_maxClampValue = 0;
     bool m_logarithmic = false;
     bool m_dragging = false;
+    int m_heldArrow = 0;  // the key whose press began a change that its release ends; 0 for none
     util::CallbackSet m_onChange;
     util::CallbackSet m_onDragStart;
     util::CallbackSet m_onDragEnd;
