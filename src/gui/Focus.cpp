@@ -5,7 +5,6 @@
 #include <limits>
 
 #include "gui/Component.h"
-#include "gui/WidgetList.h"
 #include "input/Key.h"
 #include "rendering/Gl.h"
 #include "rendering/Renderer.h"
@@ -45,21 +44,30 @@ struct Span {
 // infinite for what lies elsewhere.
 float GetStepLength(const math::BoundingBox2f& here, const math::BoundingBox2f& there, int arrow) {
     constexpr float SIDE_WEIGHT = 4;
-    constexpr float MOST_OVERLAP = 4;  // GUI units, of a button in a title bar and what lies below
     const bool isVertical = arrow == Key::Up || arrow == Key::Down;
     const Span xs[] = {{here.min.x, here.max.x}, {there.min.x, there.max.x}};
     const Span ys[] = {{here.min.y, here.max.y}, {there.min.y, there.max.y}};
     const Span(&along)[2] = isVertical ? ys : xs;
     const Span(&across)[2] = isVertical ? xs : ys;
     const bool isForward = arrow == Key::Down || arrow == Key::Right;
+    const float middle = (along[1].m_begin + along[1].m_end) / 2;
+    if (isForward ? middle <= along[0].m_end : middle >= along[0].m_begin)
+        return std::numeric_limits<float>::infinity();
     const float gap = isForward ? along[1].m_begin - along[0].m_end : along[0].m_begin - along[1].m_end;
-    if (gap < -MOST_OVERLAP) return std::numeric_limits<float>::infinity();
     const float side =
         std::max({across[1].m_begin - across[0].m_end, across[0].m_begin - across[1].m_end, 0.0f});
-    return gap + SIDE_WEIGHT * side + std::fabs(across[0].m_begin - across[1].m_begin);
+    return std::max(gap, 0.0f) + SIDE_WEIGHT * side + std::fabs(across[0].m_begin - across[1].m_begin);
 }
 
 }  // namespace
+
+math::BoundingBox2f GetBoxInView(const Component& component) {
+    const math::BoundingBox2f box = component.GetOuterBox();
+    math::BoundingBox2f result;
+    result.Extend(component.ToGUI(box.min));
+    result.Extend(component.ToGUI(box.max));
+    return result;
+}
 
 Component* Focus::Get() {
     return Current().Get();

@@ -2,6 +2,7 @@
 
 #include "gui/Fwd.h"
 #include "input/InputEvents.h"
+#include "math/BoundingBox.h"
 
 namespace gui {
 
@@ -24,5 +25,7 @@ class Focus {
     // Round the focused component's content box; for its DrawComp, as the last thing.
     static void DrawRing(const Component& component);
 };
+
+math::BoundingBox2f GetBoxInView(const Component& component);  // its outer box, GUI units
 
 }  // namespace gui

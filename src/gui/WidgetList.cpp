@@ -93,14 +93,6 @@ void Click(Vec2 gui) {
 
 }  // namespace
 
-BoundingBox2f GetBoxInView(const Component& component) {
-    const BoundingBox2f box = component.GetOuterBox();
-    BoundingBox2f result;
-    result.Extend(component.ToGUI(box.min));
-    result.Extend(component.ToGUI(box.max));
-    return result;
-}
-
 ObjectPtr ListWidgets(Component& root, float scale) {
     script::ObjectList rows;
     Walk(root, GetEverything(), [&](const Component& component, const BoundingBox2f& box) {

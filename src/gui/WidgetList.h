@@ -1,14 +1,11 @@
 #pragma once
 
 #include "gui/Fwd.h"
-#include "math/BoundingBox.h"
 #include "script/Fwd.h"
 #include "util/String.h"
 
 // The interface as scripts, tests and assistive tools see it.
 namespace gui {
-
-math::BoundingBox2f GetBoxInView(const Component& component);  // its outer box, GUI units
 
 // Every visible component of a kind of its own under `root`, topmost first, each as
 // [kind, key, text, [x, y], [width, height], state], in pixels of the window.
