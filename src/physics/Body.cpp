@@ -1,5 +1,6 @@
 #include "physics/Body.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -19,7 +20,6 @@ using math::Vec2;
 namespace {
 
 constexpr real INF = std::numeric_limits<real>::infinity();
-constexpr real RANGE = 100000;  // m, m/s and rad/s: whatever is beyond is bad
 
 }  // namespace
 
@@ -42,16 +42,6 @@ AbstractBody::AbstractBody(const AbstractBody& other)
       m_id(s_nextID++) {}
 
 AbstractBody::~AbstractBody() noexcept(false) = default;
-
-bool AbstractBody::IsOutOfRange() const {
-    constexpr real RANGE_SQUARED = RANGE * RANGE;
-    return math::LengthSquared(m_pos) > RANGE_SQUARED || math::LengthSquared(m_vel) > RANGE_SQUARED ||
-           std::fabs(m_angVel) > RANGE;
-}
-
-bool AbstractBody::IsBad() const {
-    return IsOutOfRange();
-}
 
 void AbstractBody::SetHeld(bool held) {
     m_held = held;
@@ -203,6 +193,7 @@ void Body::DetachGeoms() {
     }
     m_parts.clear();
     m_geoms.clear();
+    m_coreRadius = UNKNOWN;
 }
 
 void Body::BecomeUnitMass() {
@@ -279,9 +270,11 @@ void Body::UpdateGeoms() {
     for (const BodyPart& part : m_parts) part.geom.Get()->SetTransform(m_transform * part.fromGeom);
 }
 
-bool Body::IsBad() const {
-    CheckParts();
-    return IsOutOfRange() || m_parts.empty();
+real Body::GetCoreRadius() const {
+    if (m_coreRadius != UNKNOWN) return m_coreRadius;
+    m_coreRadius = INF;
+    for (const BodyPart& part : m_parts) m_coreRadius = std::min(m_coreRadius, part.geom->GetCoreRadius());
+    return m_coreRadius;
 }
 
 BodyPtr BodyOf(const GeomPtr& geom) {

@@ -28,7 +28,7 @@ class AbstractBody : public util::Pointee {
     virtual void UpdateGeoms() {}
     // Too far out or too fast to be worth keeping. A NaN in the state does not count: the limits are
     // strict comparisons.
-    virtual bool IsBad() const;
+    bool IsOutOfRange() const;
 
     uint32_t GetID() const { return m_id; }  // creation number, counted over all bodies and particles
 
@@ -40,34 +40,31 @@ class AbstractBody : public util::Pointee {
     // Taking hold stops the body; letting go changes nothing else.
     void SetHeld(bool held);
 
-    util::VectorPOD<Constraint*> m_constraints;  // touching this body; filled by the prioritized solver only
+    // What each pass over the bodies of a step reads and writes stands together.
+    math::Vec2 m_pos;             // m, centre of mass
+    math::Vec2 m_vel;             // m/s
+    math::Vec2 m_force;           // N, gathered during a step
+    math::real m_angle = 0;       // rad, in (-pi, pi] after UpdateGeoms
+    math::real m_angVel = 0;      // rad/s
+    math::real m_torque = 0;      // N m, gathered during a step
+    math::real m_massInv = 0;     // of m_mass the inverse
+    math::real m_inertiaInv = 0;  // of m_inertia
+    bool m_held = false;          // while a tool holds the body; SetHeld also stops it
+    uint32_t m_index = 0;         // place in the list of bodies that a step works on; set by who lists them
+    math::real m_moveShare = 1;   // of the step's motion, where something stands in the way; see SweptMotion
 
-    // What the solver has added to the velocities so far in this step.
-    math::Vec2 m_deltaVel;
-    math::real m_deltaAngVel = 0;
-
-    math::Vec2 m_pos;         // m, centre of mass
-    math::Vec2 m_vel;         // m/s
-    math::Vec2 m_force;       // N, gathered during a step
-    math::real m_angle = 0;   // rad, in (-pi, pi] after UpdateGeoms
-    math::real m_angVel = 0;  // rad/s
-    math::real m_torque = 0;  // N m, gathered during a step
-
-    math::real m_inertia;         // kg m^2, infinite in a new body
-    math::real m_inertiaInv = 0;  // its inverse
-    math::real m_mass;            // kg, infinite in a new body
-    math::real m_massInv = 0;     // its inverse
-    math::real m_area = 0;        // m^2, for buoyancy
+    math::real m_inertia;   // kg m^2, infinite in a new body
+    math::real m_mass;      // kg, infinite in a new body
+    math::real m_area = 0;  // m^2, for buoyancy
 
     math::Vec2 m_lastPos;  // m, after the last step that ended finite, and the angle; see IntegratePlaces
     math::real m_lastAngle = 0;  // rad
-    math::real m_moveShare = 1;  // of the step's motion, where something stands in the way; see SweptMotion
 
-    bool m_held = false;   // while a tool holds the body; SetHeld also stops it
-    uint32_t m_index = 0;  // place in the solver's packed arrays; owned by the solver, valid during a solve
+    // What the solver has added to the velocities so far in this step, of bodies with constraints.
+    math::Vec2 m_deltaVel;
+    math::real m_deltaAngVel = 0;
 
-  protected:
-    bool IsOutOfRange() const;
+    util::VectorPOD<Constraint*> m_constraints;  // touching this body; filled by the prioritized solver only
 
   private:
     uint32_t m_id;
@@ -133,7 +130,9 @@ class Body : public AbstractBody {
     // Derives the frame anew from the places of the geoms, as a file would give them: after it a saved and
     // loaded body is the same to the bit. To be called when a hand lets go of the body.
     void Settle();
-    bool IsBad() const override;
+    // Out of range, or without geoms.
+    bool IsBad() const { return IsOutOfRange() || m_parts.empty(); }
+    math::real GetCoreRadius() const;  // the least of its geoms'
 
     const GeomSet& GetGeoms() const { return m_geoms; }
     const std::vector<BodyPart>& GetParts() const { return m_parts; }         // in the order of GetGeoms
@@ -156,7 +155,17 @@ class Body : public AbstractBody {
     math::RigidTransform m_invTransform;
     std::vector<BodyPart> m_parts;  // in the order of m_geoms
     GeomSet m_geoms;
+    mutable math::real m_coreRadius = UNKNOWN;  // m, see GetCoreRadius
+
+    static constexpr math::real UNKNOWN = -1;
 };
+
+inline bool AbstractBody::IsOutOfRange() const {
+    constexpr math::real RANGE = 100000;  // m, m/s and rad/s
+    constexpr math::real RANGE_SQUARED = RANGE * RANGE;
+    return math::LengthSquared(m_pos) > RANGE_SQUARED || math::LengthSquared(m_vel) > RANGE_SQUARED ||
+           m_angVel > RANGE || m_angVel < -RANGE;
+}
 
 // The body that a geom belongs to; null for no geom, one outside the world, and a drop's.
 BodyPtr BodyOf(const GeomPtr& geom);

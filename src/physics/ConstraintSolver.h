@@ -30,7 +30,7 @@ namespace physics {
 // their memory between steps.
 class ConstraintSolver {
   public:
-    // Constraints over bodies that are not in `bodies` are left out.
+    // Each of `bodies` knows its place in the list (m_index). Constraints over others are left out.
     void Run(const AbstractBodyList& bodies, const HingeSet& hinges, const ContactPool& contacts,
              const StepSettings& settings);
 
@@ -54,16 +54,16 @@ class ConstraintSolver {
         uint32_t body1;
     };
 
-    void InitBodies(const AbstractBodyList& bodies);
     void BuildList(const HingeSet& hinges, const ContactPool& contacts);
+    void ActivateBodies(const AbstractBodyList& bodies);
+    void Activate(AbstractBody& body);
     void InitConstraints(const AbstractBodyList& bodies, const SolveConstants& constants);
     static bool InitConstraint(const Entry& entry, const AbstractBodyList& bodies,
                                const SolveConstants& constants);
-    static void ApplyVelocityChanges(const AbstractBodyList& bodies);
+    void ApplyVelocityChanges();
 
-    void SolveGaussSeidel(const AbstractBodyList& bodies, const StepSettings& settings);
-    void PackRows(size_t bodies);
-    uint32_t Activate(AbstractBody* body);
+    void SolveGaussSeidel(const StepSettings& settings);
+    void PackRows();
     void PackBodies();
     void SortByResidual();
     void AssignLevels();

@@ -12,10 +12,10 @@
 
 namespace physics {
 
-void ConstraintSolver::SolveGaussSeidel(const AbstractBodyList& bodies, const StepSettings& settings) {
+void ConstraintSolver::SolveGaussSeidel(const StepSettings& settings) {
     PROFILE_SECTION("GaussSeidelSolver");
     if (m_list.empty() || settings.sweeps <= 0) return;
-    PackRows(bodies.size());
+    PackRows();
     PackBodies();
     if (settings.preSort) {
         SortByResidual();
@@ -51,27 +51,14 @@ static void PackRow(ContactRow& row, const Contact& contact) {
     row.m_tangentImpulse = contact.m_tangentImpulse;
 }
 
-void ConstraintSolver::PackRows(size_t bodies) {
-    m_active.clear();
-    m_places.clear();
-    m_places.resize(bodies, INACTIVE);
+void ConstraintSolver::PackRows() {
     m_rows.resize(m_list.size());
     for (uint32_t i = 0; i < m_list.size(); ++i) {
         const Constraint& constraint = *m_list[i].constraint;
-        m_rows[i].body0 = Activate(constraint.m_bodies[0]);
-        m_rows[i].body1 = Activate(constraint.m_bodies[1]);
+        m_rows[i].body0 = m_places[constraint.m_bodies[0]->m_index];
+        m_rows[i].body1 = m_places[constraint.m_bodies[1]->m_index];
         if (!m_list[i].hinge) PackRow(m_rows[i], static_cast<const Contact&>(constraint));
     }
-}
-
-// The body's place among those that have constraints.
-uint32_t ConstraintSolver::Activate(AbstractBody* body) {
-    uint32_t& place = m_places[body->m_index];
-    if (place == INACTIVE) {
-        place = static_cast<uint32_t>(m_active.size());
-        m_active.push_back(body);
-    }
-    return place;
 }
 
 void ConstraintSolver::PackBodies() {

@@ -1,5 +1,6 @@
 #include "physics/Geom.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -20,6 +21,7 @@ using math::Vec3;
 namespace {
 
 constexpr real INF = std::numeric_limits<real>::infinity();
+constexpr real LEAST_CORE = 0.1f;  // of the bounding radius, for shapes whose middle lies outside
 
 OBB2D AlignedBox(Vec2 center, real halfSize) {
     OBB2D box;
@@ -81,6 +83,13 @@ double Geom::GetAngle() const {
 void Geom::SetPlace(const GeomPlace& place) {
     m_givenAngle = place.angle;
     SetTransform(place.transform);
+}
+
+// The distance map knows how far the middle of a polygon is from its outline.
+real Geom::GetCoreRadius() const {
+    const real radius = GetBoundingCircle().z;
+    if (m_kind != Kind::POLYGON) return radius;
+    return std::max(-GetDistance(m_pos), LEAST_CORE * radius);
 }
 
 void Geom::SetBody(AbstractBody* body) {

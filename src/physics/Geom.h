@@ -42,6 +42,8 @@ class Geom : public util::Pointee {
     virtual math::OBB2D GetOBB() const = 0;
     virtual math::Vec3 GetBoundingCircle() const = 0;  // x, y, radius
     virtual void SetTransform(const math::RigidTransform& transform);
+    // m, of a circle about the middle that lies within the shape. Asks for the distance map of a polygon.
+    math::real GetCoreRadius() const;
 
     uint32_t GetID() const { return m_id; }  // creation number; a count of its own, apart from the bodies'
     Kind GetKind() const { return m_kind; }

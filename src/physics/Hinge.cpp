@@ -64,9 +64,12 @@ bool Hinge::AreBodiesValid() const {
     return IsInWorld(m_geoms[0]) && IsInWorld(m_geoms[1]);
 }
 
+void Hinge::FindBodies() {
+    for (int end = 0; end < 2; ++end) m_bodies[end] = m_geoms[end]->GetBodyPtr();
+}
+
 bool Hinge::SolveInit(const SolveConstants& constants) {
-    m_bodies[0] = m_geoms[0]->GetBodyPtr();
-    m_bodies[1] = m_geoms[1]->GetBodyPtr();
+    FindBodies();
     if (m_bodies[0] == m_bodies[1] || !HasMovableBody()) return false;
     PreparePoint(constants);
     if (m_motor) PrepareMotor(constants);

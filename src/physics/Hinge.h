@@ -40,6 +40,7 @@ class Hinge final : public Constraint {
     // Whether the bodies of both geoms are in the simulation.
     bool AreBodiesValid() const;
 
+    void FindBodies();  // for a step; null for a geom without one
     bool SolveInit(const SolveConstants& constants) override;
     void SolveCalc() override;
     void SolveApply() override;

@@ -303,12 +303,23 @@ void Simulation::RemoveBadObjects() {
     RemoveBadHinges();
 }
 
+// One pass lists the bodies for the step and looks for bad ones, which are rare.
 void Simulation::RemoveBadBodies(math::Vec2 down) {
     const float limit = m_fallLimit->Get();
     const auto isBad = [&](const BodyPtr& body) {
         return body.Get()->IsBad() || math::Dot(down, body.Get()->m_pos) > limit;
     };
-    if (std::none_of(m_bodies.begin(), m_bodies.end(), isBad)) return;
+    const auto listBodies = [&] {
+        bool anyBad = false;
+        m_allBodies.clear();
+        m_allBodies.reserve(m_bodies.size() + m_particles.size());
+        for (const BodyPtr& body : m_bodies) {
+            List(*body.Get());
+            anyBad |= isBad(body);
+        }
+        return anyBad;
+    };
+    if (!listBodies()) return;
     const BodyPtr world = GetWorldBody();
     BodyList good, bad;
     for (const BodyPtr& body : m_bodies) (isBad(body) && body != world ? bad : good).push_back(body);
@@ -318,6 +329,12 @@ void Simulation::RemoveBadBodies(math::Vec2 down) {
         body->m_inWorld = false;
         body->SetGeoms(GeomSet());
     }
+    listBodies();
+}
+
+void Simulation::List(AbstractBody& body) {
+    body.m_index = static_cast<uint32_t>(m_allBodies.size());
+    m_allBodies.push_back(&body);
 }
 
 void Simulation::RemoveBadParticles(math::Vec2 down) {
@@ -326,7 +343,7 @@ void Simulation::RemoveBadParticles(math::Vec2 down) {
     const float vaporizeTime = SPH::Instance().m_vaporizeTime->Get();
     for (size_t i = 0; i < m_particles.size();) {
         const Particle& particle = *m_particles[i].Get();
-        const bool isGone = particle.IsBad() || particle.m_vaporTime > vaporizeTime ||
+        const bool isGone = particle.IsOutOfRange() || particle.m_vaporTime > vaporizeTime ||
                             math::Dot(down, particle.m_pos) > limit;
         if (!isGone) {
             ++i;

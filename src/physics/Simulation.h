@@ -121,7 +121,7 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     void PayTimeDebt(double dt);
     void WriteStats();
 
-    void RebuildAllBodies();
+    void List(AbstractBody& body);
     void CalcForces();
     static math::real CalcDrag(const Air& air, math::real width, math::real speed, math::real mass);
     static void AddBodyForces(Body& body, const Air& air);
@@ -143,7 +143,7 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     JointSet m_joints;
     HingeSet m_hinges;
     ParticleList m_particles;
-    AbstractBodyList m_allBodies;  // bodies, then particles; rebuilt at each step
+    AbstractBodyList m_allBodies;  // bodies, then particles; listed anew in each step
     StepContacts m_contacts;
     ConstraintSolver m_solver;
     SweptMotion m_sweptMotion;

@@ -8,6 +8,7 @@
 #include "physics/Geom.h"
 #include "physics/Joints.h"
 #include "physics/Particle.h"
+#include "physics/Polygon.h"
 #include "physics/SPH.h"
 #include "physics/Simulation.h"
 #include "physics/SolverBody.h"
@@ -45,17 +46,35 @@ struct AirSurface {
     math::Vec2 areaPos;    // sum of area * place
 };
 
-// n is the unit vector across the motion; zero for a body at rest.
+// Of the geom's box along the unit vector n.
+static math::real MeasureWidth(const math::OBB2D& box, math::Vec2 n) {
+    return 2 * (std::fabs(math::Dot(n, box.axis[1])) * box.halfSize.y +
+                std::fabs(math::Dot(n, box.axis[0])) * box.halfSize.x);
+}
+
+// n is the unit vector across the motion; zero for a body at rest. The shapes that fill worlds are asked
+// without a virtual call and a copy of their box.
 static AirSurface MeasureSurface(const Body& body, math::Vec2 n) {
     AirSurface surface;
+    const auto add = [&](math::real width, math::Vec2 center, math::real area, const Geom& geom) {
+        surface.width += width;
+        surface.widthPos += width * center;
+        surface.areaPos += area * geom.GetPos();
+    };
     for (const BodyPart& part : body.GetParts()) {
         const Geom& geom = *part.geom.Get();
-        const math::OBB2D box = geom.GetOBB();
-        const math::real w = 2 * (std::fabs(math::Dot(n, box.axis[1])) * box.halfSize.y +
-                                  std::fabs(math::Dot(n, box.axis[0])) * box.halfSize.x);
-        surface.width += w;
-        surface.widthPos += w * box.center;
-        surface.areaPos += geom.GetArea() * geom.GetPos();
+        if (geom.GetKind() == Geom::Kind::CIRCLE) {
+            const Circle& circle = static_cast<const Circle&>(geom);
+            const math::real w = 2 * (std::fabs(n.y) * circle.m_radius + std::fabs(n.x) * circle.m_radius);
+            add(w, circle.GetPos(), circle.Circular::GetArea(), circle);
+        } else if (geom.GetKind() == Geom::Kind::POLYGON) {
+            const Polygon& polygon = static_cast<const Polygon&>(geom);
+            const math::OBB2D& box = polygon.GetWorldOBB();
+            add(MeasureWidth(box, n), box.center, polygon.Polygon::GetArea(), polygon);
+        } else {
+            const math::OBB2D box = geom.GetOBB();
+            add(MeasureWidth(box, n), box.center, geom.GetArea(), geom);
+        }
     }
     return surface;
 }

@@ -21,8 +21,8 @@ void Simulation::Step(bool active) {
     const ScopedFlushToZero flushToZero;
     try {
         RemoveBadObjects();
-        RebuildAllBodies();
         SPH::Instance().Sort(m_particles);
+        for (const ParticlePtr& particle : m_particles) List(*particle.Get());
         if (active) CalcForces();
         CalcContacts();
         if (active && m_timeDelta->Get() >= SHORTEST_STEP) SolveAndMove();
@@ -70,13 +70,6 @@ void Simulation::SolveAndMove() {
         move();
         IntegrateVelocities(m_allBodies, h);
     }
-}
-
-void Simulation::RebuildAllBodies() {
-    m_allBodies.clear();
-    m_allBodies.reserve(m_bodies.size() + m_particles.size());
-    for (const BodyPtr& body : m_bodies) m_allBodies.push_back(body.Get());
-    for (const ParticlePtr& particle : m_particles) m_allBodies.push_back(particle.Get());
 }
 
 void Simulation::ClearForces() {

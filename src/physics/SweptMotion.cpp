@@ -18,7 +18,6 @@ using math::Vec2;
 namespace {
 
 constexpr real SLOW_WAY = 0.01f;       // m per step, too short to pass through anything worth a test
-constexpr real LEAST_CORE = 0.1f;      // of the bounding radius, for shapes whose middle lies outside
 constexpr real CORE_SHARE = 0.5f;      // of the radius, for what touches already
 constexpr real TOUCH_DEPTH = 0.0005f;  // m, of the overlap at which a body is stopped
 constexpr real GRAZING = 0.25f;        // of the radius: less way into the shape than that does no harm
@@ -41,18 +40,9 @@ void SweptMotion::Release() {
     m_limited.clear();
 }
 
-// The distance map knows how far the middle of a polygon is from its outline.
-real SweptMotion::GetCoreRadius(const Geom& geom) {
-    const real radius = geom.GetBoundingCircle().z;
-    if (geom.GetKind() != Geom::Kind::POLYGON) return radius;
-    return std::max(-geom.GetDistance(geom.GetPos()), LEAST_CORE * radius);
-}
-
 bool SweptMotion::IsFast(const Body& body, real h) {
     const real way = math::Length(body.m_vel) * h;
-    if (!(way > SLOW_WAY) || body.IsImmovable()) return false;
-    const auto isShort = [way](const BodyPart& part) { return GetCoreRadius(*part.geom.Get()) < way; };
-    return std::any_of(body.GetParts().begin(), body.GetParts().end(), isShort);
+    return way > SLOW_WAY && !body.IsImmovable() && body.GetCoreRadius() < way;
 }
 
 void SweptMotion::Gather(const BodyList& bodies, real h) {
@@ -69,7 +59,7 @@ void SweptMotion::Gather(const BodyList& bodies, real h) {
             if (geom.GetKind() == Geom::Kind::PLANE) m_endless.push_back(shape);
             if (geom.GetKind() != Geom::Kind::CIRCLE && geom.GetKind() != Geom::Kind::POLYGON) continue;
             m_shapes.push_back(shape);
-            m_shapes.back().radius = isFast ? GetCoreRadius(geom) : 0;
+            m_shapes.back().radius = isFast ? geom.GetCoreRadius() : 0;
             math::BoundingBox2f box = geom.GetBoundingBox();
             box.Extend({box.min + move, box.max + move});
             m_sweep.Add(box.min.x, box.min.y, box.max.x, box.max.y);

@@ -39,7 +39,6 @@ class SweptMotion {
         Geom* GetGeom() const { return geom; }
     };
 
-    static math::real GetCoreRadius(const Geom& geom);
     static bool IsFast(const Body& body, math::real h);
     void Gather(const BodyList& bodies, math::real h);
     void TestPairs();

@@ -77,6 +77,7 @@ class Solver : public World {
     // The state before the solve, but for the impulses of hinges.
     void Restore() {
         for (size_t i = 0; i < m_bodies.size(); ++i) {
+            m_bodies[i]->m_index = static_cast<uint32_t>(i);
             m_bodies[i]->m_vel = m_start[i].vel;
             m_bodies[i]->m_angVel = m_start[i].angVel;
         }
