@@ -151,7 +151,7 @@ real RoundSize(real size) {
 int16_t RoundStep(real place, real halfSize) {
     constexpr real STEPS = RasterOutline::STEPS;
     const real step = std::floor(place / halfSize * STEPS + 0.5f);
-    return static_cast<int16_t>(std::min(std::max(step, -STEPS), STEPS));
+    return static_cast<int16_t>(std::max(-STEPS, std::min(step, STEPS)));  // so ordered for a NaN: 0 / 0
 }
 
 uint64_t CalcHash(const RasterOutline& outline) {

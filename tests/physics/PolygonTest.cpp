@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include <algorithm>
 #include <limits>
 
@@ -191,6 +193,12 @@ TEST(Polygon, NumbersThatAreNoneAreOutside) {
     EXPECT_FALSE(square->GetDistance({NOT_A_NUMBER, 0.5f}) < 0);
     square->SetTransform(math::RigidTransform(NOT_A_NUMBER, 0, NOT_A_NUMBER, 0));
     EXPECT_FALSE(square->GetDistance({0.5f, 0.5f}) < 0);
+}
+
+// The width is less than the least number that does not count as 0.
+TEST(Polygon, AnOutlineWithoutWidthHasADistance) {
+    const PolygonPtr needle = new Polygon({{0, 4.4e19f}, {8.5e-40f, 3}, {0, 0}});
+    EXPECT_FALSE(std::isnan(needle->GetDistance({0, 1})));
 }
 
 TEST(Polygon, EnclosesWhatLiesWhollyInside) {
