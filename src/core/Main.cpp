@@ -68,6 +68,14 @@ core::CommandLine ReadCommandLine(const util::StringList& arguments) {
     }
 }
 
+// Single files may be missing, each of which is told; without all of them there would be nothing to read.
+void RequireData() {
+    const String folder = GetFiles().GetDataDir();
+    if (GetFiles().Exists(folder)) return;
+    THROW(FatalException,
+          "The folder \"" + folder + "\" is missing: the program needs all that it came with");
+}
+
 void MakeSubsystem() {
     core::Subsystem::Create();
     core::Subsystem::Instance().SetCaption(util::FileSystem::Version() + String(" by ") + CREDIT);
@@ -253,6 +261,7 @@ void Save(app::App& application) {
 [[noreturn]] void RunProgram(const util::StringList& arguments) {
     const core::CommandLine line = ReadCommandLine(arguments);
     MakeSubsystem();
+    RequireData();
     GetSlot().Take();
     util::RunSlot::SweepTemporaries();
     MakeServices();
