@@ -1,4 +1,7 @@
+#include <sys/time.h>
+
 #include <algorithm>
+#include <ctime>
 #include <fstream>
 #include <limits>
 
@@ -344,6 +347,21 @@ TEST_F(SceneFileTest, NamesAreCleaned) {
     };
     for (const auto& [name, clean] : table) EXPECT_EQ(CleanSceneName(name), clean) << name;
     EXPECT_THROW(SaveScene(GetScene(), "///"), BadDataException);
+}
+
+TEST_F(SceneFileTest, ALongListKeepsWhatWasChangedLast) {
+    const util::StringList before = ListNewestScenes(1000);
+    const String folder = util::FileSystem::Instance().GetScenesDir();
+    const std::time_t year = 365 * 86400, now = std::time(nullptr) + year;
+    for (const auto& [name, at] : {std::pair<const char*, std::time_t>{"zz.vxa", now},
+                                   {"yy.vxa", now - year * 9},
+                                   {"ww.vxa", now + 5}}) {
+        WriteScene(name, "version = 1");
+        const timeval times[] = {{at, 0}, {at, 0}};
+        utimes((folder + name).c_str(), times);
+    }
+    EXPECT_EQ(ListNewestScenes(2), (util::StringList{"ww.vxa", "zz.vxa"}));
+    EXPECT_EQ(ListNewestScenes(1000).size(), before.size() + 3);
 }
 
 TEST_F(SceneFileTest, SavedScenesAreLoadedByNameAndPath) {

@@ -1,8 +1,12 @@
 #include "app/files/SceneFiles.h"
 
+#include <sys/stat.h>
+
+#include <algorithm>
 #include <boost/algorithm/string/predicate.hpp>
 #include <cstring>
 #include <limits>
+#include <map>
 
 #include "app/files/SceneWriter.h"
 #include "util/Exception.h"
@@ -45,6 +49,23 @@ String GetSceneName(const String& path) {
     const String autosave = util::RunSlot::Instance().GetAutosaveScene();
     if (name == autosave || name == ONEXIT_SCENE || name == WELCOME_SCENE) return String();
     return files.FindScene(name) == path ? name : path;
+}
+
+util::StringList ListNewestScenes(size_t most) {
+    const util::FileSystem& files = util::FileSystem::Instance();
+    util::StringList names = files.ListScenes(String("*") + EXTENSION);
+    if (names.size() <= most) return names;
+    const auto age = [&](const String& name) {
+        struct stat info = {};
+        return stat(files.FindScene(name).c_str(), &info) == 0 ? -info.st_mtime : 0;
+    };
+    std::map<String, time_t> ages;
+    for (const String& name : names) ages[name] = age(name);
+    std::stable_sort(names.begin(), names.end(),
+                     [&](const String& a, const String& b) { return ages[a] < ages[b]; });
+    names.resize(most);
+    std::sort(names.begin(), names.end());
+    return names;
 }
 
 String GetPathToWrite(const String& name) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Fwd.h"
+#include "util/FileSystem.h"
 
 namespace app {
 
@@ -19,6 +20,9 @@ String GetScenePath(const String& name);
 // that is Scenes/, else the path. Empty for the files that the program keeps for itself and for the welcome
 // scene: the user has not given them their names, and saving has to find a new one.
 String GetSceneName(const String& path);
+
+// The names of scenes that can be loaded, sorted: of more than `most` those that were changed last.
+util::StringList ListNewestScenes(size_t most);
 
 // The path to write the scene of that name to: one without a slash or backslash goes to Scenes/.
 String GetPathToWrite(const String& name);

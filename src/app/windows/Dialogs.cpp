@@ -34,6 +34,7 @@ constexpr float NAME_WIDTH = 260;      // GUI units
 constexpr float TEXT_WIDTH = 700;      // GUI units, of a wrapped text
 constexpr float SIDE_ROOM = 40;        // GUI units that a dialog leaves free
 constexpr size_t GALLERY_COLUMNS = 5;  // at most
+constexpr size_t MAX_ROWS = 1000;      // of the list of scenes, whose cost grows with the square
 constexpr size_t GESTURE_COLUMNS = 6;  // at most
 constexpr float GESTURE_WIDTH = 96;    // GUI units
 constexpr float INFO_WIDTH = 200;      // GUI units
@@ -162,9 +163,14 @@ void SaveDialog::Save() {
 WindowPtr MakeSceneDialog(const Desk& desk, const char* titleKey, const NameFunction& choose) {
     const WindowPtr window = MakeDialog(titleKey);
     const ComponentPtr list = new gui::Component("SceneList", MakeRowLayout());
-    for (const String& file : util::FileSystem::Instance().ListScenes(SCENE_MASK)) {
+    const util::StringList names = ListNewestScenes(MAX_ROWS);
+    for (const String& file : names) {
         list->AddChild(new SceneButton(file, SceneButton::Shape::Row,
                                        CloseAnd(window, [choose, file] { choose(file); })));
+    }
+    const size_t count = util::FileSystem::Instance().ListScenes(SCENE_MASK).size();
+    if (count > names.size()) {
+        list->AddChild(new gui::Label(std::to_string(names.size()) + " / " + std::to_string(count)));
     }
     if (list->GetChildren().empty()) list->AddChild(new gui::Label(Translate("NoScenes")));
     window->AddChild(MakeScrolled(list, desk));
