@@ -1,5 +1,9 @@
 #pragma once
 
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
@@ -45,6 +49,35 @@ inline Float4 Max(Float4 a, Float4 b) {
 inline Float4 Min(Float4 a, Float4 b) {
     return {_mm_min_ps(b.v, a.v)};
 }
+inline Float4 Sqrt(Float4 a) {
+    return {_mm_sqrt_ps(a.v)};
+}
+// `value` in lanes where a < b, and 0 in the others.
+inline Float4 KeepWhereLess(Float4 value, Float4 a, Float4 b) {
+    return {_mm_and_ps(value.v, _mm_cmplt_ps(a.v, b.v))};
+}
+// The lanes where a < b, as bits.
+inline uint32_t MaskLess4(Float4 a, Float4 b) {
+    return static_cast<uint32_t>(_mm_movemask_ps(_mm_cmplt_ps(a.v, b.v)));
+}
+// Whole numbers below 2^31.
+inline Float4 LoadWhole4(const uint32_t* p) {
+    return {_mm_cvtepi32_ps(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)))};
+}
+// The floats at these places.
+inline Float4 Gather4(const float* from, const uint32_t* places) {
+    return {_mm_setr_ps(from[places[0]], from[places[1]], from[places[2]], from[places[3]])};
+}
+// The same of pairs of floats: their first ones, and their second ones.
+inline void GatherPairs4(const float* from, const uint32_t* places, Float4& first, Float4& second) {
+    const auto load = [from](uint32_t a, uint32_t b) {
+        const __m128i low = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from + size_t(a) * 2));
+        return _mm_loadh_pi(_mm_castsi128_ps(low), reinterpret_cast<const __m64*>(from + size_t(b) * 2));
+    };
+    const __m128 a = load(places[0], places[1]), b = load(places[2], places[3]);
+    first = {_mm_shuffle_ps(a, b, 0x88)};
+    second = {_mm_shuffle_ps(a, b, 0xDD)};
+}
 // Rows become columns.
 inline void Transpose(Float4& a, Float4& b, Float4& c, Float4& d) {
     _MM_TRANSPOSE4_PS(a.v, b.v, c.v, d.v);
@@ -89,6 +122,27 @@ inline Float4 Max(Float4 a, Float4 b) {
 }
 inline Float4 Min(Float4 a, Float4 b) {
     return PerLane([=](int i) { return b.v[i] < a.v[i] ? b.v[i] : a.v[i]; });
+}
+inline Float4 Sqrt(Float4 a) {
+    return PerLane([=](int i) { return std::sqrt(a.v[i]); });
+}
+inline Float4 KeepWhereLess(Float4 value, Float4 a, Float4 b) {
+    return PerLane([=](int i) { return a.v[i] < b.v[i] ? value.v[i] : 0.0f; });
+}
+inline uint32_t MaskLess4(Float4 a, Float4 b) {
+    uint32_t mask = 0;
+    for (int i = 0; i < 4; ++i) mask |= (a.v[i] < b.v[i] ? 1u : 0u) << i;
+    return mask;
+}
+inline Float4 LoadWhole4(const uint32_t* p) {
+    return PerLane([=](int i) { return static_cast<float>(p[i]); });
+}
+inline Float4 Gather4(const float* from, const uint32_t* places) {
+    return PerLane([=](int i) { return from[places[i]]; });
+}
+inline void GatherPairs4(const float* from, const uint32_t* places, Float4& first, Float4& second) {
+    first = PerLane([=](int i) { return from[size_t(places[i]) * 2]; });
+    second = PerLane([=](int i) { return from[size_t(places[i]) * 2 + 1]; });
 }
 inline void Transpose(Float4& a, Float4& b, Float4& c, Float4& d) {
     const Float4 rows[4] = {a, b, c, d};

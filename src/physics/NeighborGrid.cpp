@@ -5,8 +5,6 @@
 
 namespace physics {
 
-constexpr uint64_t NEXT_COLUMN = uint64_t(1) << 32;
-
 int32_t CellIndex(math::real coordinate, math::real cellsPerMetre) {
     constexpr math::real FARTHEST = 1e9f;
     const math::real cell = coordinate * cellsPerMetre;
@@ -23,7 +21,8 @@ void NeighborGrid::Sort(const util::VectorPOD<math::Vec2>& points, math::real ce
     }
     const util::VectorPOD<Keys::Item>& items = m_keys.Sort();
     m_order.resize(points.size());
-    m_points.resize(points.size());
+    m_points.clear();
+    m_points.resize(points.size() + PADDING);
     for (size_t i = 0; i < items.size(); ++i) {
         m_order[i] = items[i].index;
         m_points[i] = points[items[i].index];
@@ -37,6 +36,30 @@ void NeighborGrid::ListCells(const util::VectorPOD<Keys::Item>& items) {
         if (m_cells.empty() || m_cells.back().key != items[i].key) m_cells.push_back({items[i].key, i, i});
         m_cells.back().end = i + 1;
     }
+    MakeTable();
+}
+
+void NeighborGrid::MakeTable() {
+    constexpr int64_t CELLS_PER_POINT = 4;
+    m_table.clear();
+    if (m_cells.empty()) return;
+    const auto column = [](const Cell& cell) { return static_cast<int64_t>(cell.key >> 32) - ORIGIN; };
+    const auto row = [](const Cell& cell) { return static_cast<int64_t>(cell.key & 0xFFFFFFFFu) - ORIGIN; };
+    Window& window = m_tableWindow;
+    window = {column(m_cells.front()), row(m_cells.front()), column(m_cells.back()), row(m_cells.front())};
+    for (const Cell& cell : m_cells) {
+        window.bottom = std::min(window.bottom, row(cell));
+        window.top = std::max(window.top, row(cell));
+    }
+    const int64_t columns = window.right - window.left + 1, rows = window.top - window.bottom + 1;
+    const int64_t most = CELLS_PER_POINT * static_cast<int64_t>(GetSize());
+    if (columns > most || rows > most || columns * rows > most) return;
+    m_table.reserve(static_cast<size_t>(columns * rows + 1));
+    for (const Cell& cell : m_cells) {
+        const int64_t place = (column(cell) - window.left) * rows + row(cell) - window.bottom;
+        m_table.resize(static_cast<size_t>(place + 1), cell.begin);
+    }
+    m_table.resize(static_cast<size_t>(columns * rows + 1), static_cast<uint32_t>(GetSize()));
 }
 
 uint32_t NeighborGrid::GetFullestCell() const {
@@ -50,26 +73,16 @@ uint32_t NeighborGrid::GetFullestCell() const {
 // the next column.
 void NeighborGrid::FindPairs(math::real radius) {
     m_pairCount = 0;
-    const Cell* const cellsEnd = m_cells.end();
-    const Cell* beside = m_cells.begin();
-    for (const Cell* cell = m_cells.begin(); cell != cellsEnd; ++cell) {
-        const Cell* const next = cell + 1;
-        const bool hasNext = next != cellsEnd && next->key == cell->key + 1;
-        const uint32_t ownEnd = hasNext ? next->end : cell->end;
-
-        const uint64_t firstBeside = cell->key + NEXT_COLUMN - 1;
-        while (beside != cellsEnd && beside->key < firstBeside) ++beside;
-        const Cell* besideStop = beside;
-        while (besideStop != cellsEnd && besideStop->key <= firstBeside + 2) ++besideStop;
-        const uint32_t besideBegin = beside == besideStop ? 0 : beside->begin;
-        const uint32_t besideEnd = beside == besideStop ? 0 : besideStop[-1].end;
-
-        for (uint32_t i = cell->begin; i < cell->end; ++i) {
+    m_partnerBegins.resize(GetSize() + 1);
+    VisitCells([&](const Neighborhood& near) {
+        for (uint32_t i = near.cell.begin; i < near.cell.end; ++i) {
             const size_t most = m_pairCount + MAX_PARTNERS;
-            PairWith(i, i + 1, ownEnd, radius * radius, most);
-            PairWith(i, besideBegin, besideEnd, radius * radius, most);
+            m_partnerBegins[i] = static_cast<uint32_t>(m_pairCount);
+            PairWith(i, i + 1, near.column.end, radius * radius, most);
+            PairWith(i, near.after.begin, near.after.end, radius * radius, most);
         }
-    }
+    });
+    m_partnerBegins[GetSize()] = static_cast<uint32_t>(m_pairCount);
 }
 
 // Writes every candidate and keeps it by moving on: whether a point is near is a coin toss to the
@@ -80,34 +93,16 @@ void NeighborGrid::PairWith(uint32_t i, uint32_t begin, uint32_t end, math::real
     const math::Vec2 p = points[i];
     while (begin < end && m_pairCount < most) {
         const uint32_t stop = end - begin < BLOCK ? end : begin + BLOCK;
-        ReservePairs(BLOCK);
-        uint32_t* const first = m_first.data();
-        uint32_t* const second = m_second.data();
-        math::Vec2* const deltas = m_delta.data();
-        math::real* const distSqs = m_distSq.data();
+        if (m_pairCount + BLOCK > m_partners.size()) m_partners.resize(2 * (m_pairCount + BLOCK));
+        uint32_t* const partners = m_partners.data();
         size_t count = m_pairCount;
         for (uint32_t j = begin; j < stop; ++j) {
-            const math::Vec2 delta = points[j] - p;
-            const math::real distSq = math::LengthSquared(delta);
-            first[count] = i;
-            second[count] = j;
-            deltas[count] = delta;
-            distSqs[count] = distSq;
-            count += distSq < radiusSq ? 1 : 0;
+            partners[count] = j;
+            count += math::LengthSquared(points[j] - p) < radiusSq ? 1 : 0;
         }
         m_pairCount = std::min(count, most);
         begin = stop;
     }
-}
-
-void NeighborGrid::ReservePairs(size_t more) {
-    const size_t wanted = m_pairCount + more;
-    if (wanted <= m_first.size()) return;
-    const size_t size = 2 * wanted;
-    m_first.resize(size);
-    m_second.resize(size);
-    m_delta.resize(size);
-    m_distSq.resize(size);
 }
 
 }  // namespace physics

@@ -26,33 +26,50 @@ class NeighborGrid {
     // A point is paired with at most so many of those behind it in the order, so that a crowd in one place
     // costs no more than its number. A drop of water at rest has some eight.
     static constexpr uint32_t MAX_PARTNERS = 64;
+    static constexpr uint32_t PADDING = 8;
 
     void Sort(const util::VectorPOD<math::Vec2>& points, math::real cellSize);
     // All pairs of the sorted points closer than `radius`, which should be at most the size of a cell: beyond
     // that pairs get lost.
     void FindPairs(math::real radius);
 
+    // Places [begin, end) in the sorted order.
+    struct Stretch {
+        uint32_t begin;
+        uint32_t end;
+        uint32_t GetSize() const { return end - begin; }
+    };
+    // The points of a cell, and those of the cells round it: all that may be near them.
+    struct Neighborhood {
+        Stretch cell;
+        Stretch before;  // in the column before
+        Stretch column;  // in its own, the cell's points among them
+        Stretch after;
+    };
+    // Calls visit(neighborhood) for each cell in the sorted order.
+    template <class Visit>
+    void VisitCells(Visit visit) const;
+
     // Calls visit(begin, end) with stretches of the sorted order that together hold all points in the box,
     // and some round it.
     template <class Visit>
     void VisitBox(const math::BoundingBox2f& box, Visit visit) const;
 
-    size_t GetSize() const { return m_points.size(); }
+    size_t GetSize() const { return m_order.size(); }
     // Index in `points` of each point in the sorted order.
     const util::VectorPOD<uint32_t>& GetOrder() const { return m_order; }
-    const util::VectorPOD<math::Vec2>& GetSortedPoints() const { return m_points; }
+    // The points in that order. PADDING more may be read behind them.
+    const math::Vec2* GetSortedPoints() const { return m_points.data(); }
 
     // How full the cells are that hold any points.
     size_t GetCellCount() const { return m_cells.size(); }
     uint32_t GetFullestCell() const;  // points in it
 
-    // The pairs, as parallel arrays: places i and j, point j less point i and its squared length. All pairs
-    // of one i stand together.
+    // The pairs: those of the point at place i with points behind it are at [begins[i], begins[i + 1]) in the
+    // list of partners, which are places too, in rising order.
     size_t GetPairCount() const { return m_pairCount; }
-    const uint32_t* GetFirst() const { return m_first.data(); }
-    const uint32_t* GetSecond() const { return m_second.data(); }
-    const math::Vec2* GetDelta() const { return m_delta.data(); }
-    const math::real* GetDistSq() const { return m_distSq.data(); }
+    const uint32_t* GetPartnerBegins() const { return m_partnerBegins.data(); }
+    const uint32_t* GetPartners() const { return m_partners.data(); }
 
   private:
     using Keys = RadixSort<uint64_t>;
@@ -62,28 +79,41 @@ class NeighborGrid {
         uint32_t end;
     };
 
+    // Columns and rows of cells, the last ones included.
+    struct Window {
+        int64_t left, bottom, right, top;
+    };
+
+    static constexpr uint32_t ORIGIN = 0x80000000u;  // of rows and columns in keys
+
     static uint64_t MakeKey(int32_t column, int32_t row);
     const Cell* FindCell(uint64_t key) const;  // the first that is not before it
+    Stretch FindBeside(const Cell*& from, uint64_t first) const;
     void ListCells(const util::VectorPOD<Keys::Item>& items);
+    void MakeTable();
+    template <class Visit>
+    void VisitInTable(Window box, Visit visit) const;
+    template <class Visit>
+    void VisitInCells(Window box, Visit visit) const;
     void PairWith(uint32_t i, uint32_t begin, uint32_t end, math::real radiusSq, size_t most);
-    void ReservePairs(size_t more);
 
     Keys m_keys;  // column in the upper half, row in the lower
     math::real m_cellsPerMetre = 1;
     util::VectorPOD<Cell> m_cells;
+    Window m_tableWindow = {0, 0, -1,
+                            -1};  // holds all points; empty where they are too far apart for a table
+    util::VectorPOD<uint32_t>
+        m_table;  // of each cell of it, column by column: the first point there or behind
     util::VectorPOD<uint32_t> m_order;
     util::VectorPOD<math::Vec2> m_points;
-    util::VectorPOD<uint32_t> m_first;
-    util::VectorPOD<uint32_t> m_second;
-    util::VectorPOD<math::Vec2> m_delta;
-    util::VectorPOD<math::real> m_distSq;
+    util::VectorPOD<uint32_t> m_partnerBegins;
+    util::VectorPOD<uint32_t> m_partners;
     size_t m_pairCount = 0;
 };
 
 // Rows and columns shifted to be unsigned, so that keys order like (column, row). Rows stay away from the
 // ends of their half, so that a key plus or minus 1 is the neighbour in the column.
 inline uint64_t NeighborGrid::MakeKey(int32_t column, int32_t row) {
-    constexpr uint32_t ORIGIN = 0x80000000u;
     return (uint64_t(static_cast<uint32_t>(column) + ORIGIN) << 32) | (static_cast<uint32_t>(row) + ORIGIN);
 }
 
@@ -92,14 +122,58 @@ inline const NeighborGrid::Cell* NeighborGrid::FindCell(uint64_t key) const {
                             [](const Cell& cell, uint64_t k) { return cell.key < k; });
 }
 
-// Column by column; where there is none or nothing in the rows of the box, on to the next cell that exists.
+// The three cells of a column from the key `first` on. `from` is a cell not behind the first of them, and
+// moves there.
+inline NeighborGrid::Stretch NeighborGrid::FindBeside(const Cell*& from, uint64_t first) const {
+    while (from != m_cells.end() && from->key < first) ++from;
+    const Cell* stop = from;
+    while (stop != m_cells.end() && stop->key <= first + 2) ++stop;
+    return stop == from ? Stretch{0, 0} : Stretch{from->begin, stop[-1].end};
+}
+
+template <class Visit>
+void NeighborGrid::VisitCells(Visit visit) const {
+    constexpr uint64_t COLUMN = uint64_t(1) << 32;
+    const Cell* before = m_cells.begin();
+    const Cell* after = m_cells.begin();
+    for (const Cell* cell = m_cells.begin(); cell != m_cells.end(); ++cell) {
+        Neighborhood near;
+        near.cell = near.column = {cell->begin, cell->end};
+        if (cell != m_cells.begin() && cell[-1].key + 1 == cell->key) near.column.begin = cell[-1].begin;
+        if (cell + 1 != m_cells.end() && cell[1].key == cell->key + 1) near.column.end = cell[1].end;
+        near.before = FindBeside(before, cell->key - COLUMN - 1);
+        near.after = FindBeside(after, cell->key + COLUMN - 1);
+        visit(near);
+    }
+}
+
 template <class Visit>
 void NeighborGrid::VisitBox(const math::BoundingBox2f& box, Visit visit) const {
     if (!(box.min.x <= box.max.x && box.min.y <= box.max.y)) return;
-    const int32_t bottom = CellIndex(box.min.y, m_cellsPerMetre);
-    const uint64_t height = static_cast<uint64_t>(CellIndex(box.max.y, m_cellsPerMetre) - int64_t(bottom));
-    const uint64_t last = MakeKey(CellIndex(box.max.x, m_cellsPerMetre), bottom) + height;
-    const Cell* cell = FindCell(MakeKey(CellIndex(box.min.x, m_cellsPerMetre), bottom));
+    const Window window = {CellIndex(box.min.x, m_cellsPerMetre), CellIndex(box.min.y, m_cellsPerMetre),
+                           CellIndex(box.max.x, m_cellsPerMetre), CellIndex(box.max.y, m_cellsPerMetre)};
+    m_table.empty() ? VisitInCells(window, visit) : VisitInTable(window, visit);
+}
+
+template <class Visit>
+void NeighborGrid::VisitInTable(Window box, Visit visit) const {
+    const Window all = m_tableWindow;
+    const int64_t bottom = std::max(box.bottom, all.bottom), top = std::min(box.top, all.top);
+    if (bottom > top) return;
+    for (int64_t x = std::max(box.left, all.left); x <= std::min(box.right, all.right); ++x) {
+        const uint32_t* const column = m_table.data() + (x - all.left) * (all.top - all.bottom + 1);
+        const uint32_t begin = column[bottom - all.bottom], end = column[top - all.bottom + 1];
+        if (begin < end) visit(begin, end);
+    }
+}
+
+// Column by column; where there is none or nothing in the rows of the box, on to the next cell that exists.
+template <class Visit>
+void NeighborGrid::VisitInCells(Window box, Visit visit) const {
+    const int32_t bottom = static_cast<int32_t>(box.bottom);
+    const uint64_t height = static_cast<uint64_t>(box.top - box.bottom);
+    const uint64_t last = MakeKey(static_cast<int32_t>(box.right), bottom) + height;
+    const Cell* cell = FindCell(MakeKey(static_cast<int32_t>(box.left), bottom));
     while (cell != m_cells.end() && cell->key <= last) {
         const uint64_t columnBottom = (cell->key >> 32 << 32) | (last - height) % (uint64_t(1) << 32);
         const uint64_t columnTop = columnBottom + height;

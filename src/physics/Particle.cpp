@@ -5,20 +5,20 @@
 namespace physics {
 
 Particle::Particle(math::Vec2 pos, math::Vec2 vel) {
-    const SPH& sph = SPH::Instance();
     m_pos = pos;
     m_vel = vel;
-    m_geom = new ParticleGeom(sph.m_radius->Get());
-    SetMaterial(sph.m_radius->Get(), sph.m_density->Get(), sph.m_friction->Get(), sph.m_restitution->Get());
+    const WaterMaterial& material = SPH::Instance().GetMaterial();
+    m_geom = new ParticleGeom(material.radius);
+    SetMaterial(material);
 }
 
-void Particle::SetMaterial(math::real radius, math::real density, math::real friction,
-                           math::real restitution) {
-    m_area = math::PI * (radius * radius);
-    m_mass = m_inertia = m_area * density;
+void Particle::SetMaterial(const WaterMaterial& material) {
+    m_area = math::PI * (material.radius * material.radius);
+    m_mass = m_inertia = m_area * material.density;
     m_massInv = m_inertiaInv = 1 / m_mass;
-    m_geom->m_friction = friction;
-    m_geom->m_restitution = restitution;
+    m_geom->m_friction = material.friction;
+    m_geom->m_restitution = material.restitution;
+    m_materialVersion = material.version;
 }
 
 }  // namespace physics

@@ -8,6 +8,15 @@
 
 namespace physics {
 
+// What drops are made of, by the settings of the water.
+struct WaterMaterial {
+    math::real radius;   // m
+    math::real density;  // kg/m^2
+    math::real friction;
+    math::real restitution;
+    uint32_t version;  // counts up with each change of the others
+};
+
 // A drop of water: a point body that feels its neighbours through SPH and rigid shapes through contacts.
 //
 // Its geom supplies identity, friction and restitution only. Positions are not pushed into it: collision
@@ -22,8 +31,9 @@ class Particle : public AbstractBody {
 
     Particle(math::Vec2 pos, math::Vec2 vel);
 
-    // Area, mass and inertia of a disc of `radius`, and the geom's surface. The geom's radius stays.
-    void SetMaterial(math::real radius, math::real density, math::real friction, math::real restitution);
+    // Area, mass and inertia of a disc, and the geom's surface. The geom's radius stays.
+    void SetMaterial(const WaterMaterial& material);
+    uint32_t GetMaterialVersion() const { return m_materialVersion; }
 
     // Results of the last fluid pass. The next one starts from the pressure.
     math::real m_density = 0;
@@ -33,6 +43,9 @@ class Particle : public AbstractBody {
 
     math::real m_vaporTime = 0;  // s that it has been alone
     util::SharedPtr<ParticleGeom> m_geom;
+
+  private:
+    uint32_t m_materialVersion = 0;
 };
 
 }  // namespace physics

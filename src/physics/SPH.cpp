@@ -28,6 +28,7 @@
 #include <sstream>
 
 #include "physics/Body.h"
+#include "physics/WaterSums.h"
 #include "physics/WaterTouch.h"
 #include "util/ProfileTree.h"
 #include "util/Random.h"
@@ -71,16 +72,14 @@ void SPH::Update(const ParticleList& particles, const BodyList& bodies, Vec2 gra
     if (particles.empty()) return;
     PROFILE_SECTION("SPH::Update");
     const Kernel kernel = MakeKernel();
-    SetMaterials(particles);
     FindNeighbors(particles, kernel);
     FindTouches(bodies, kernel);
-    CalcDensities();
-    AddInnerForces(kernel, dt);
+    InvertDensities();
     Jitter(particles, kernel.particleMass);
+    AddInnerForces(kernel, dt);
     ApplyFilm(bodies, kernel, gravity);
     SolvePressure(bodies, kernel, dt);
     StoreResults(dt);
-    Evaporate(dt);
     CalcStatistics();
     m_sorted.clear();
     ShowStatistics();
@@ -98,88 +97,94 @@ SPH::Kernel SPH::MakeKernel() const {
     kernel.h = h;
     kernel.weightNorm = 7 / (math::PI * h2);
     kernel.gradientNorm = 140 / (math::PI * (h2 * h2));
-    kernel.viscousNorm = 40 / (math::PI * (h2 * h2 * h));
+    kernel.viscousNorm = 40 / (math::PI * (h2 * h2));
     kernel.spacing = std::sqrt(math::PI) * m_radius->Get();
     kernel.restDensity = m_density->Get();
     kernel.particleMass = m_density->Get() * (m_radius->Get() * m_radius->Get() * math::PI);
     return kernel;
 }
 
-// Changed settings reach all water at once.
-void SPH::SetMaterials(const ParticleList& particles) const {
-    PROFILE_SECTION("Update rad/density");
-    const real radius = m_radius->Get();
-    const real density = m_density->Get();
-    const real friction = m_friction->Get();
-    const real restitution = m_restitution->Get();
-    for (const ParticlePtr& particle : particles) {
-        particle.Get()->SetMaterial(radius, density, friction, restitution);
+const WaterMaterial& SPH::GetMaterial() {
+    const WaterMaterial now = {m_radius->Get(), m_density->Get(), m_friction->Get(), m_restitution->Get(),
+                               m_material.version};
+    const bool isSame = now.radius == m_material.radius && now.density == m_material.density &&
+                        now.friction == m_material.friction && now.restitution == m_material.restitution;
+    if (!isSame) {
+        m_material = now;
+        ++m_material.version;
     }
+    return m_material;
 }
 
 // ---- neighbours ----------------------------------------------------------------------------------------
 
 void SPH::FindNeighbors(const ParticleList& particles, const Kernel& kernel) {
     PROFILE_SECTION("FindNeighbors");
-    m_grid.FindPairs(kernel.h);
-    TakeDrops(particles, kernel);
+    m_lists.Build(m_grid, kernel.h);
+    TakeDrops(particles);
     CalcKernels(kernel);
-    CountNeighbors();
 }
 
-void SPH::TakeDrops(const ParticleList& particles, const Kernel& kernel) {
-    const real self = kernel.weightNorm * kernel.particleMass;
+// Changed settings reach all water at once.
+void SPH::TakeDrops(const ParticleList& particles) {
+    const WaterMaterial& material = GetMaterial();
     const util::VectorPOD<uint32_t>& order = m_grid.GetOrder();
+    const size_t padded = m_lists.GetPaddedCount();
     m_sorted.resize(particles.size());
-    m_drops.resize(particles.size());
+    m_drops.vels.resize(padded);
+    m_drops.pressures.resize(padded);
     for (size_t i = 0; i < order.size(); ++i) {
-        m_sorted[i] = particles[order[i]].Get();
-        m_drops[i] = {m_sorted[i]->m_vel, self, m_sorted[i]->m_pressure, Vec2()};
+        Particle& particle = *particles[order[i]].Get();
+        if (particle.GetMaterialVersion() != material.version) particle.SetMaterial(material);
+        m_sorted[i] = &particle;
+        m_drops.vels[i] = particle.m_vel;
+        m_drops.pressures[i] = particle.m_pressure;
     }
+    for (size_t i = order.size(); i < padded; ++i) {
+        m_drops.vels[i] = Vec2();
+        m_drops.pressures[i] = 0;
+    }
+}
+
+void SPH::CalcKernels(const Kernel& kernel) {
+    constexpr real CLOSEST = 0.001f;  // kernel radii, that drops in one place count as being apart
+    const size_t pairs = m_lists.GetPlaceCount();
+    m_closeness.resize(pairs);
+    m_gradients.resize(2 * pairs);
+    m_drops.densities.resize(m_lists.GetPaddedCount());
+    KernelSums sums;
+    sums.perRadius = 1 / kernel.h;
+    sums.weightNorm = kernel.weightNorm * kernel.particleMass;
+    sums.self = sums.weightNorm;
+    sums.gradientNorm = kernel.gradientNorm * kernel.particleMass;
+    sums.points = m_grid.GetSortedPoints();
+    sums.gradients = m_gradients.data();
+    sums.closeness = m_closeness.data();
+    sums.densities = m_drops.densities.data();
+    const bool anyCoincide = GetWaterSums().addKernels(m_lists.GetRows(), sums);
+    if (anyCoincide) PartCoincident(sums.gradientNorm, CLOSEST * kernel.h);
 }
 
 // Drops in one and the same place have no direction apart; they get one by their numbers.
 static Vec2 MakeDirection(uint32_t i, uint32_t j, real length) {
+    if (i > j) return -MakeDirection(j, i, length);
     const real angle = static_cast<real>((i * 2376512323u + j * 3625334849u) >> 16);
     return {length * std::cos(angle), length * std::sin(angle)};
 }
 
-void SPH::CalcKernels(const Kernel& kernel) {
-    constexpr real CLOSEST = 0.001f;  // kernel radii
-    const size_t pairs = m_grid.GetPairCount();
-    m_dist.resize(pairs);
-    m_weights.resize(pairs);
-    m_gradients.resize(pairs);
-    const real* const distSq = m_grid.GetDistSq();
-    const Vec2* const deltas = m_grid.GetDelta();
-    const real inverseH = 1 / kernel.h;
-    const real weightNorm = kernel.weightNorm * kernel.particleMass;
-    const real gradientNorm = kernel.gradientNorm * kernel.particleMass;
-    for (size_t p = 0; p < pairs; ++p) {
-        const real dist = std::sqrt(distSq[p]);
-        const real q = dist * inverseH;
-        const real u = std::max(1 - q, 0.0f);
-        const real u3 = u * u * u;
-        m_dist[p] = dist;
-        m_weights[p] = weightNorm * (u3 * u) * (1 + 4 * q);
-        m_gradients[p] = deltas[p] * (gradientNorm * u3);
-    }
-    for (size_t p = 0; p < pairs; ++p) {
-        if (distSq[p] > 0) continue;
-        const Vec2 apart = MakeDirection(m_grid.GetFirst()[p], m_grid.GetSecond()[p], CLOSEST * kernel.h);
-        m_gradients[p] = apart * gradientNorm;
-    }
-}
-
-void SPH::CountNeighbors() {
-    const size_t pairs = m_grid.GetPairCount();
-    const uint32_t* const first = m_grid.GetFirst();
-    const uint32_t* const second = m_grid.GetSecond();
-    m_counts.clear();
-    m_counts.resize(m_sorted.size(), 1);
-    for (size_t p = 0; p < pairs; ++p) {
-        ++m_counts[first[p]];
-        ++m_counts[second[p]];
+void SPH::PartCoincident(real gradientNorm, real closest) {
+    constexpr uint32_t LANES = NeighborLists::LANES;
+    const NeighborRows lists = m_lists.GetRows();
+    const Vec2* const points = m_grid.GetSortedPoints();
+    for (uint32_t i = 0; i < m_sorted.size(); ++i) {
+        for (uint32_t k = 0; k < lists.counts[i]; ++k) {
+            const size_t row = lists.begins[i / LANES] + k, lane = i % LANES;
+            const uint32_t j = lists.neighbors[row * LANES + lane];
+            if (math::LengthSquared(points[j] - points[i]) > 0) continue;
+            const Vec2 gradient = MakeDirection(i, j, closest) * gradientNorm;
+            m_gradients[2 * row * LANES + lane] = gradient.x;
+            m_gradients[(2 * row + 1) * LANES + lane] = gradient.y;
+        }
     }
 }
 
@@ -189,7 +194,7 @@ void SPH::FindTouches(const BodyList& bodies, const Kernel& kernel) {
     PROFILE_SECTION("Finding touches");
     m_touches.clear();
     m_liesOnShape.clear();
-    m_liesOnShape.resize(m_drops.size(), 0);
+    m_liesOnShape.resize(m_sorted.size(), 0);
     for (uint32_t b = 0; b < bodies.size(); ++b) {
         const Body& body = *bodies[b].Get();
         for (const BodyPart& part : body.GetParts()) {
@@ -215,36 +220,44 @@ void SPH::AddTouch(const Kernel& kernel, const Body& body, uint32_t bodyIndex, u
     const real outside = u4 * u * (1.5f - u);
     const real slope = 1.5f * u4 * (5 - 4 * u) / kernel.h;
     const real density = BODY_SHARE * kernel.restDensity;
-    m_drops[drop].density += density * (distance < 0 ? 1 - outside : outside);
+    m_drops.densities[drop] += density * (distance < 0 ? 1 - outside : outside);
     const Vec2 gradient = normal * (density * slope);
     m_touches.push_back({drop, bodyIndex, gradient, gradient, m_grid.GetSortedPoints()[drop] - body.m_pos});
 }
 
 // ---- forces --------------------------------------------------------------------------------------------
 
-void SPH::CalcDensities() {
-    const size_t pairs = m_grid.GetPairCount();
-    const uint32_t* const first = m_grid.GetFirst();
-    const uint32_t* const second = m_grid.GetSecond();
-    for (size_t p = 0; p < pairs; ++p) {
-        m_drops[first[p]].density += m_weights[p];
-        m_drops[second[p]].density += m_weights[p];
-    }
+void SPH::InvertDensities() {
+    const size_t count = m_drops.densities.size();
+    m_perDensity.resize(count);
+    for (size_t i = 0; i < count; ++i) m_perDensity[i] = 1 / m_drops.densities[i];
 }
 
 // Viscosity and surface tension, which pressure then takes into account like gravity.
 void SPH::AddInnerForces(const Kernel& kernel, real dt) {
     PROFILE_SECTION("Inner forces");
-    const bool hasSurface = m_surfaceTension->Get() != 0;
-    hasSurface ? SumPairs<true>(kernel) : SumPairs<false>(kernel);
+    m_sums.resize(m_lists.GetPaddedCount());
+    GetWaterSums().addFriction(m_lists.GetRows(),
+                               {m_closeness.data(), m_perDensity.data(), m_drops.vels.data(), m_sums.data()});
     const real m = kernel.particleMass;
-    const real viscosity = GetViscosity(kernel, dt) * m;
-    const real surface = m_surfaceTension->Get() * m;
+    const real viscosity = GetViscosity(kernel, dt) * kernel.viscousNorm * m * m;
     for (size_t i = 0; i < m_sorted.size(); ++i) {
         Particle& particle = *m_sorted[i];
-        particle.m_surfaceNormal = m_sums[i].surface * surface;
+        particle.m_surfaceNormal = Vec2();
+        if (!particle.IsImmovable()) particle.m_force += viscosity * m_perDensity[i] * m_sums[i];
+        m_drops.vels[i] += dt * particle.GetMassInv() * particle.m_force;
+    }
+    if (m_surfaceTension->Get() != 0) AddSurfaceTension(m, dt);
+}
+
+void SPH::AddSurfaceTension(real particleMass, real dt) {
+    GetWaterSums().addSurface(m_lists.GetRows(), {m_gradients.data(), m_perDensity.data(), m_sums.data()});
+    for (size_t i = 0; i < m_sorted.size(); ++i) {
+        Particle& particle = *m_sorted[i];
+        particle.m_surfaceNormal = m_sums[i] * m_surfaceTension->Get();
         if (particle.IsImmovable()) continue;
-        particle.m_force += m * (viscosity * m_sums[i].viscosity + particle.m_surfaceNormal);
+        particle.m_force += particleMass * particle.m_surfaceNormal;
+        m_drops.vels[i] += dt * particle.m_surfaceNormal;
     }
 }
 
@@ -254,35 +267,6 @@ real SPH::GetViscosity(const Kernel& kernel, real dt) const {
     const real wanted = m_viscMultiplier->Get() * m_viscosity->Get();
     const real greatest = kernel.restDensity * kernel.h * kernel.h * 3 / 40 / dt;
     return dt > 0 ? std::min(wanted, greatest) : wanted;
-}
-
-template <bool SURFACE>
-void SPH::SumPairs(const Kernel& kernel) {
-    m_sums.clear();
-    m_sums.resize(m_drops.size());
-    const size_t pairs = m_grid.GetPairCount();
-    const uint32_t* const first = m_grid.GetFirst();
-    const uint32_t* const second = m_grid.GetSecond();
-    const real massInv = 1 / kernel.particleMass;
-    for (size_t p = 0; p < pairs;) {
-        const uint32_t i = first[p];
-        const WaterPressure::Drop a = m_drops[i];
-        Sums own = m_sums[i];
-        for (; p < pairs && first[p] == i; ++p) {
-            const WaterPressure::Drop& b = m_drops[second[p]];
-            Sums& other = m_sums[second[p]];
-            const real l = kernel.viscousNorm * (kernel.h - m_dist[p]);
-            const Vec2 viscosity = (b.vel - a.vel) * (l / (a.density * b.density));
-            own.viscosity += viscosity;
-            other.viscosity -= viscosity;
-            if (SURFACE) {
-                const Vec2 gradient = m_gradients[p] * massInv;
-                own.surface += gradient / b.density;
-                other.surface -= gradient / a.density;
-            }
-        }
-        m_sums[i] = own;
-    }
 }
 
 // By the pressures of the last step, which the drops still have.
@@ -295,19 +279,16 @@ void SPH::SolvePressure(const BodyList& bodies, const Kernel& kernel, real dt) {
     PROFILE_SECTION("Pressure");
     constexpr real LONGEST = 0.5f;  // kernel radii in a step
     const real stiffness = m_pressMultiplier->Get() * m_soundSpeed->Get() * m_soundSpeed->Get();
+    m_drops.shifts.clear();
+    m_drops.shifts.resize(m_lists.GetPaddedCount());
     if (!(dt > 0 && stiffness > 0)) {
-        for (WaterPressure::Drop& drop : m_drops) drop.pressure = 0;
+        for (real& pressure : m_drops.pressures) pressure = 0;
         return;
-    }
-    for (size_t i = 0; i < m_drops.size(); ++i) {
-        const Particle& particle = *m_sorted[i];
-        m_drops[i].vel += dt * particle.GetMassInv() * particle.m_force;
     }
     ApplyFormula();
     const WaterPressure::Settings settings = {
         dt, kernel.restDensity, stiffness, kernel.particleMass, LONGEST * kernel.h, m_pressureSweeps->Get()};
-    const WaterPressure::Pairs pairs = {m_grid.GetPairCount(), m_grid.GetFirst(), m_grid.GetSecond(),
-                                        m_gradients.data(),
+    const WaterPressure::Pairs pairs = {m_lists.GetRows(), m_gradients.data(),
                                         m_specialPressure->Get() ? m_pushes.data() : m_gradients.data()};
     m_pressure.Solve(settings, pairs, m_touches, bodies, m_shares.data(), m_drops);
 }
@@ -315,45 +296,45 @@ void SPH::SolvePressure(const BodyList& bodies, const Kernel& kernel, real dt) {
 // What pressures act along, and the share of each that does: C of the one formula or of the other.
 void SPH::ApplyFormula() {
     const bool isSpecial = m_specialPressure->Get();
-    m_shares.resize(m_drops.size());
-    for (size_t i = 0; i < m_drops.size(); ++i) {
-        m_shares[i] = isSpecial ? 1 : 1 / (m_drops[i].density * m_drops[i].density);
+    m_shares.resize(m_perDensity.size());
+    for (size_t i = 0; i < m_shares.size(); ++i) {
+        m_shares[i] = isSpecial ? 1 : m_perDensity[i] * m_perDensity[i];
     }
     if (!isSpecial) return;
-    const size_t pairs = m_grid.GetPairCount();
-    m_pushes.resize(pairs);
-    for (size_t p = 0; p < pairs; ++p) {
-        const real a = m_drops[m_grid.GetFirst()[p]].density;
-        const real b = m_drops[m_grid.GetSecond()[p]].density;
-        m_pushes[p] = m_gradients[p] / (2 * a * b);
+    constexpr uint32_t LANES = NeighborLists::LANES;
+    const NeighborRows lists = m_lists.GetRows();
+    m_pushes.resize(m_gradients.size());
+    for (uint32_t g = 0; g < lists.groups; ++g) {
+        for (size_t at = size_t(lists.begins[g]) * LANES; at < size_t(lists.begins[g + 1]) * LANES; ++at) {
+            const size_t lane = at % LANES;
+            const real share = m_perDensity[g * LANES + lane] * m_perDensity[lists.neighbors[at]] / 2;
+            const size_t x = 2 * at - lane;
+            m_pushes[x] = m_gradients[x] * share;
+            m_pushes[x + LANES] = m_gradients[x + LANES] * share;
+        }
     }
     for (WaterPressure::Touch& touch : m_touches) {
-        const real density = m_drops[touch.drop].density;
-        touch.push = touch.gradient / (density * density);
+        touch.push = touch.gradient * (m_perDensity[touch.drop] * m_perDensity[touch.drop]);
     }
 }
 
+// A drop is alone when it has no neighbour but itself. Simulation removes those that were for too long.
 void SPH::StoreResults(real dt) {
     const real accelerationPerShift = dt > 0 ? 1 / (dt * dt) : 0;
+    const uint32_t* const counts = m_lists.GetRows().counts;
     for (size_t i = 0; i < m_sorted.size(); ++i) {
         Particle& particle = *m_sorted[i];
-        const WaterPressure::Drop& drop = m_drops[i];
-        particle.m_density = drop.density;
-        particle.m_pressure = drop.pressure;
-        particle.m_neighborCount = m_counts[i];
-        if (!particle.IsImmovable()) particle.m_force += particle.m_mass * accelerationPerShift * drop.shift;
+        particle.m_density = m_drops.densities[i];
+        particle.m_pressure = m_drops.pressures[i];
+        particle.m_neighborCount = counts[i] + 1;
+        particle.m_vaporTime = counts[i] == 0 ? particle.m_vaporTime + dt : 0;
+        if (!particle.IsImmovable()) {
+            particle.m_force += particle.m_mass * accelerationPerShift * m_drops.shifts[i];
+        }
     }
 }
 
 // ---- the rest ------------------------------------------------------------------------------------------
-
-// A drop is alone when it has no neighbour but itself. Simulation removes those that were for too long.
-void SPH::Evaporate(real dt) {
-    PROFILE_SECTION("Evaporation");
-    for (Particle* const particle : m_sorted) {
-        particle->m_vaporTime = particle->m_neighborCount < 2 ? particle->m_vaporTime + dt : 0;
-    }
-}
 
 void SPH::Jitter(const ParticleList& particles, real particleMass) const {
     PROFILE_SECTION("Jitter");
@@ -370,15 +351,14 @@ void SPH::Jitter(const ParticleList& particles, real particleMass) const {
 
 void SPH::CalcStatistics() {
     PROFILE_SECTION("Statistics");
-    double neighbors = 0;
     double pressure = 0;
     double density = 0;
-    for (size_t i = 0; i < m_drops.size(); ++i) {
-        neighbors += m_counts[i];
-        pressure += m_drops[i].pressure;
-        density += m_drops[i].density;
+    for (size_t i = 0; i < m_sorted.size(); ++i) {
+        pressure += m_drops.pressures[i];
+        density += m_drops.densities[i];
     }
-    const double count = static_cast<double>(m_drops.size());
+    const double count = static_cast<double>(m_sorted.size());
+    const double neighbors = count + 2 * static_cast<double>(m_lists.GetPairCount());
     m_averageNeighborCount = static_cast<float>(neighbors / count);
     m_averagePressure = static_cast<float>(pressure / count);
     m_averageDensity = static_cast<float>(density / count);

@@ -5,6 +5,7 @@
 #include "math/Vector.h"
 #include "physics/Fwd.h"
 #include "physics/NeighborGrid.h"
+#include "physics/NeighborLists.h"
 #include "physics/Particle.h"
 #include "physics/WaterFilm.h"
 #include "physics/WaterPressure.h"
@@ -20,8 +21,8 @@ namespace physics {
 // sorted at the start of each step, and calls Update once per active step, after the rigid bodies' forces
 // and before the solver.
 //
-// The pass gathers the particles into arrays sorted by grid cell, finds each pair of neighbours once, sums
-// over the pairs and writes the results back to the particles. After the first pass scripts can call
+// The pass gathers the particles into arrays sorted by grid cell, lists the neighbours of each, sums over
+// these (WaterSums) and writes the results back to the particles. After the first pass scripts can call
 // AVG_neighCount, AVG_pressure, AVG_density and hashInfo. Equations: SPH.cpp, WaterPressure.cpp.
 class SPH : public script::Reflected, public util::Singleton<SPH> {
   public:
@@ -31,10 +32,15 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
     void Sort(const ParticleList& particles);
     // The particles as they were sorted last.
     const NeighborGrid& GetGrid() const { return m_grid; }
+    // Their neighbours in the last pass.
+    const NeighborLists& GetNeighbors() const { return m_lists; }
 
     // The whole water step over `particles`, sorted, among `bodies`; `dt` seconds long. Of gravity, m/s^2,
     // only the water in narrow gaps asks.
     void Update(const ParticleList& particles, const BodyList& bodies, math::Vec2 gravity, math::real dt);
+
+    // What particles are made of now.
+    const WaterMaterial& GetMaterial();
 
     // m: a particle's contacts with shapes begin at this distance. Pressure keeps it farther away where there
     // is enough water to press.
@@ -68,51 +74,44 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
         math::real h;             // m, kernel radius
         math::real weightNorm;    // 7 / (pi h^2)
         math::real gradientNorm;  // 140 / (pi h^4)
-        math::real viscousNorm;   // 40 / (pi h^5)
+        math::real viscousNorm;   // 40 / (pi h^4)
         math::real particleMass;  // kg
         math::real spacing;       // m, of drops at rest
         math::real restDensity;   // kg/m^2
     };
-    // What the sums give.
-    struct Sums {
-        math::Vec2 viscosity;
-        math::Vec2 surface;
-    };
-
     Kernel MakeKernel() const;
-    void SetMaterials(const ParticleList& particles) const;
     void FindNeighbors(const ParticleList& particles, const Kernel& kernel);
-    void TakeDrops(const ParticleList& particles, const Kernel& kernel);
+    void TakeDrops(const ParticleList& particles);
     void CalcKernels(const Kernel& kernel);
-    void CountNeighbors();
+    void PartCoincident(math::real gradientNorm, math::real closest);
     void FindTouches(const BodyList& bodies, const Kernel& kernel);
     void AddTouch(const Kernel& kernel, const Body& body, uint32_t bodyIndex, uint32_t drop,
                   math::real distance, math::Vec2 normal);
-    void CalcDensities();
+    void InvertDensities();
     void AddInnerForces(const Kernel& kernel, math::real dt);
-    template <bool SURFACE>
-    void SumPairs(const Kernel& kernel);
+    void AddSurfaceTension(math::real particleMass, math::real dt);
     math::real GetViscosity(const Kernel& kernel, math::real dt) const;
     void ApplyFilm(const BodyList& bodies, const Kernel& kernel, math::Vec2 gravity);
     void SolvePressure(const BodyList& bodies, const Kernel& kernel, math::real dt);
     void ApplyFormula();
     void StoreResults(math::real dt);
-    void Evaporate(math::real dt);
     void Jitter(const ParticleList& particles, math::real particleMass) const;
     void CalcStatistics();
     void ShowStatistics();
 
     NeighborGrid m_grid;
+    NeighborLists m_lists;
+    WaterMaterial m_material = {};
     util::VectorPOD<math::Vec2> m_points;  // positions, in the particles' order; as of the last Sort
-    util::VectorPOD<Particle*> m_sorted;   // from here on in the grid's order; empty between passes
+    // From here on in the grid's order; arrays per drop are filled up to whole groups.
+    util::VectorPOD<Particle*> m_sorted;  // empty between passes
     WaterPressure::Drops m_drops;
-    util::VectorPOD<Sums> m_sums;
-    util::VectorPOD<uint32_t> m_counts;       // neighbours, the particle itself among them
-    util::VectorPOD<math::real> m_shares;     // per drop: the share of its pressure that acts
-    util::VectorPOD<math::real> m_dist;       // per pair, m
-    util::VectorPOD<math::real> m_weights;    // per pair: density kernel times mass
-    util::VectorPOD<math::Vec2> m_gradients;  // per pair: gradient kernel times mass times delta
-    util::VectorPOD<math::Vec2> m_pushes;     // per pair: what pressure acts along, where that differs
+    util::VectorPOD<math::Vec2> m_sums;        // of viscosity or of surface tension
+    util::VectorPOD<math::real> m_perDensity;  // 1 / rho
+    util::VectorPOD<math::real> m_shares;      // per drop: the share of its pressure that acts
+    util::VectorPOD<math::real> m_closeness;   // per pair: 1 - r / h
+    util::VectorPOD<math::real> m_gradients;   // per pair: gradient kernel times mass times the way between
+    util::VectorPOD<math::real> m_pushes;      // per pair: what pressure acts along, where that differs
     WaterPressure::Touches m_touches;
     util::VectorPOD<uint8_t> m_liesOnShape;  // per drop: 1 for one that has a shape closer than other drops
     WaterPressure m_pressure;

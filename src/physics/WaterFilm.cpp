@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "math/Geometry.h"
 #include "physics/Body.h"
 #include "physics/LooseBox.h"
 #include "physics/Polygon.h"
 #include "physics/SolverBody.h"
+#include "physics/WaterSums.h"
 
 namespace physics {
 
@@ -29,9 +31,35 @@ math::BoundingBox2f GetLooseBox(const Geom& geom) {
     return LooseBox(geom.GetPos(), half);
 }
 
+// Holds all that is closer than this.
+math::BoundingBox2f GetReachBox(const Geom& geom, real distance) {
+    constexpr real EVERYWHERE = std::numeric_limits<real>::infinity();
+    if (geom.GetKind() == Geom::Kind::PLANE) return {{-EVERYWHERE, -EVERYWHERE}, {EVERYWHERE, EVERYWHERE}};
+    math::BoundingBox2f box = GetLooseBox(geom);
+    box.Grow(distance);
+    return box;
+}
+
 real GetGap(const Geom& geom, Vec2 point) {
     if (geom.GetKind() != Geom::Kind::POLYGON) return geom.GetDistance(point);
     return static_cast<const Polygon&>(geom).GetFieldDistance(point);
+}
+
+// Calls visit(drop) for the drops closer than this.
+template <class Visit>
+void VisitDrops(const WaterFilm::Water& water, Vec2 pos, real distance, Visit visit) {
+    constexpr uint32_t BLOCK = 256;
+    math::BoundingBox2f box(pos, pos);
+    box.Grow(distance);
+    water.grid.VisitBox(box, [&](uint32_t begin, uint32_t end) {
+        uint32_t drops[BLOCK + NeighborGrid::PADDING];
+        for (; begin < end; begin += std::min(BLOCK, end - begin)) {
+            const NeighborGrid::Stretch stretch = {begin, begin + std::min(BLOCK, end - begin)};
+            const uint32_t count = GetWaterSums().keepNear(water.grid.GetSortedPoints(), stretch, pos,
+                                                           distance * distance, drops);
+            for (uint32_t k = 0; k < count; ++k) visit(drops[k]);
+        }
+    });
 }
 
 }  // namespace
@@ -55,7 +83,7 @@ void WaterFilm::GatherShapes(const BodyList& bodies, const Water& water) {
     m_pieces.clear();
     m_sweep.Clear();
     math::BoundingBox2f box;
-    for (const Vec2 drop : water.grid.GetSortedPoints()) box.Extend(drop);
+    for (size_t i = 0; i < water.grid.GetSize(); ++i) box.Extend(water.grid.GetSortedPoints()[i]);
     box.Grow(m_reach);
     for (const BodyPtr& body : bodies) {
         for (const BodyPart& part : body.Get()->GetParts()) AddShape(*body.Get(), *part.geom.Get(), box);
@@ -141,8 +169,10 @@ void WaterFilm::AddPiece(Vec2 pos, Vec2 normal, real length, uint32_t shape) {
 }
 
 void WaterFilm::Seal(const Shape& shape, const Shape& other) {
+    const math::BoundingBox2f near = GetReachBox(*other.geom, m_reach);
     for (uint32_t i = shape.begin; i < shape.end; ++i) {
         Piece& piece = m_pieces[i];
+        if (!near.Contains(piece.pos)) continue;
         const real gap = GetGap(*other.geom, piece.pos);
         if (!(gap < m_reach && gap > -DEEPEST * m_reach)) continue;
         // What stands beside the shape does not seal it: there must be something before the piece.
@@ -197,19 +227,13 @@ void WaterFilm::FindEnds(const Water& water) {
 }
 
 void WaterFilm::LookAround(Piece& piece, const Water& water) {
-    const real near = NEAR * m_settings.spacing, far = FAR * m_settings.spacing;
-    math::BoundingBox2f box(piece.pos, piece.pos);
-    box.Grow(far);
+    const real near = NEAR * m_settings.spacing;
     m_heads.clear();
     bool isNear = false;
-    water.grid.VisitBox(box, [&](uint32_t begin, uint32_t end) {
-        for (uint32_t d = begin; d < end; ++d) {
-            const Vec2 drop = water.grid.GetSortedPoints()[d];
-            const real distSq = math::LengthSquared(drop - piece.pos);
-            if (!(distSq < far * far)) continue;
-            if (!water.liesOnShape[d]) m_heads.push_back(GetHead(drop, water.drops[d].pressure));
-            if (distSq < near * near) isNear = true;
-        }
+    VisitDrops(water, piece.pos, FAR * m_settings.spacing, [&](uint32_t drop) {
+        const Vec2 pos = water.grid.GetSortedPoints()[drop];
+        if (!water.liesOnShape[drop]) m_heads.push_back(GetHead(pos, water.drops.pressures[drop]));
+        if (math::LengthSquared(pos - piece.pos) < near * near) isNear = true;
     });
     if (!isNear || m_heads.empty()) return;
     piece.isReached = true;

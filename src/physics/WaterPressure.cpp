@@ -23,6 +23,7 @@
 #include <cmath>
 
 #include "physics/Body.h"
+#include "physics/WaterSums.h"
 
 namespace physics {
 
@@ -38,34 +39,30 @@ Vec2 AtArm(Vec2 linear, real angular, Vec2 arm) {
     return {linear.x - angular * arm.y, linear.y + angular * arm.x};
 }
 
-// Walks the pairs, those of one first drop in one go: visit(pair, first, second, sum of the first), where
-// the sum starts from nothing and is added to `sums` at the end.
-template <class Sum, class Visit>
-void VisitPairs(const WaterPressure::Pairs& pairs, Sum* sums, Visit visit) {
-    for (size_t p = 0; p < pairs.count;) {
-        const uint32_t i = pairs.first[p];
-        Sum own = Sum();
-        for (; p < pairs.count && pairs.first[p] == i; ++p) visit(p, i, pairs.second[p], own);
-        sums[i] += own;
-    }
-}
-
 }  // namespace
 
 void WaterPressure::Solve(const Settings& settings, const Pairs& pairs, const Touches& touches,
                           const BodyList& bodies, const real* perPressure, Drops& drops) {
     TakeBodies(settings, bodies);
+    TakeMovingTouches(touches);
     Predict(settings, pairs, touches, drops);
-    CalcResponses(settings, pairs, touches, perPressure);
-    AddBodyResponses(settings, touches, perPressure);
-    m_previous.resize(drops.size());
-    for (size_t i = 0; i < drops.size(); ++i) m_previous[i] = drops[i].pressure;
+    CalcResponses(settings, touches, perPressure);
+    AddBodyResponses(settings, perPressure);
+    const size_t count = m_expected.size();
+    m_previous = drops.pressures;
+    m_weights.resize(count);
+    for (size_t i = 0; i < count; ++i) m_weights[i] = m_shares[i] * drops.pressures[i];
+    drops.shifts.resize(count);
+    const PressureSums sums = {pairs.gradients, pairs.pushes,        m_weights.data(), m_gradients.data(),
+                               m_pushes.data(), drops.shifts.data(), m_changes.data()};
     for (int sweep = 0; sweep < settings.sweeps; ++sweep) {
-        Push(settings, pairs, touches, perPressure, drops);
-        CalcChanges(pairs, touches, drops);
+        GetWaterSums().addChanges(pairs.lists, sums);
+        PushBodies(settings);
+        AddBodyChanges();
         Correct(settings, drops);
     }
-    Push(settings, pairs, touches, perPressure, drops);
+    GetWaterSums().addShifts(pairs.lists, sums);
+    PushBodies(settings);
     Finish(settings, bodies, drops);
 }
 
@@ -81,66 +78,55 @@ void WaterPressure::TakeBodies(const Settings& settings, const BodyList& bodies)
     }
 }
 
-void WaterPressure::Predict(const Settings& settings, const Pairs& pairs, const Touches& touches,
-                            const Drops& drops) {
-    m_expected.resize(drops.size());
-    for (size_t i = 0; i < drops.size(); ++i) m_expected[i] = drops[i].density;
-    real* const expected = m_expected.data();
-    VisitPairs(pairs, expected, [&](size_t p, uint32_t i, uint32_t j, real& own) {
-        const real change = settings.dt * math::Dot(pairs.gradient[p], drops[i].vel - drops[j].vel);
-        own += change;
-        expected[j] += change;
-    });
+void WaterPressure::TakeMovingTouches(const Touches& touches) {
+    m_movingTouches.clear();
     for (const Touch& touch : touches) {
         const BodyState& body = m_bodies[touch.body];
-        const Vec2 vel = drops[touch.drop].vel - AtArm(body.vel, body.angVel, touch.arm);
-        expected[touch.drop] -= settings.dt * math::Dot(touch.gradient, vel);
+        if (body.massInv > 0 || body.inertiaInv > 0) m_movingTouches.push_back(touch);
     }
 }
 
-// k_i = h^2 w_i (sum g . sum f + sum over pairs of g.f)
-void WaterPressure::CalcResponses(const Settings& settings, const Pairs& pairs, const Touches& touches,
-                                  const real* perPressure) {
-    const size_t count = m_expected.size();
-    m_responses.clear();
-    m_gradients.clear();
-    m_pushes.clear();
-    m_responses.resize(count, 0);
+void WaterPressure::Predict(const Settings& settings, const Pairs& pairs, const Touches& touches,
+                            const Drops& drops) {
+    const size_t count = drops.densities.size();
+    m_changes.resize(count);
+    m_responses.resize(count);
     m_gradients.resize(count);
     m_pushes.resize(count);
-    Vec2* const gradients = m_gradients.data();
-    Vec2* const pushes = m_pushes.data();
-    real* const responses = m_responses.data();
-    for (size_t p = 0; p < pairs.count; ++p) {
-        const uint32_t i = pairs.first[p], j = pairs.second[p];
-        const Vec2 g = pairs.gradient[p], f = pairs.push[p];
-        const real both = math::Dot(g, f);
-        gradients[i] += g;
-        gradients[j] -= g;
-        pushes[i] += f;
-        pushes[j] -= f;
-        responses[i] += both;
-        responses[j] += both;
-    }
+    GetWaterSums().addMotion(pairs.lists, {pairs.gradients, pairs.pushes, drops.vels.data(), m_changes.data(),
+                                           m_responses.data(), m_gradients.data(), m_pushes.data()});
+    m_expected.resize(count);
+    for (size_t i = 0; i < count; ++i) m_expected[i] = drops.densities[i] + settings.dt * m_changes[i];
     for (const Touch& touch : touches) {
-        gradients[touch.drop] -= touch.gradient;
-        pushes[touch.drop] -= touch.push;
-    }
-    for (size_t i = 0; i < count; ++i) {
-        responses[i] = settings.dt * settings.dt * perPressure[i] *
-                       (std::max(math::Dot(gradients[i], pushes[i]), 0.0f) + responses[i]);
+        const BodyState& body = m_bodies[touch.body];
+        const Vec2 vel = drops.vels[touch.drop] - AtArm(body.vel, body.angVel, touch.arm);
+        m_expected[touch.drop] -= settings.dt * math::Dot(touch.gradient, vel);
     }
 }
 
-void WaterPressure::AddBodyResponses(const Settings& settings, const Touches& touches,
-                                     const real* perPressure) {
+// k_i = h^2 w_i (sum g . sum f + sum over pairs of g.f), of which the last sum is there already
+void WaterPressure::CalcResponses(const Settings& settings, const Touches& touches, const real* perPressure) {
     for (const Touch& touch : touches) {
+        m_gradients[touch.drop] -= touch.gradient;
+        m_pushes[touch.drop] -= touch.push;
+    }
+    const size_t count = m_responses.size();
+    m_shares.resize(count);
+    for (size_t i = 0; i < count; ++i) {
+        m_shares[i] = settings.dt * settings.dt * perPressure[i];
+        m_responses[i] =
+            m_shares[i] * (std::max(math::Dot(m_gradients[i], m_pushes[i]), 0.0f) + m_responses[i]);
+    }
+}
+
+void WaterPressure::AddBodyResponses(const Settings& settings, const real* perPressure) {
+    for (const Touch& touch : m_movingTouches) {
         BodyState& body = m_bodies[touch.body];
         const real push = perPressure[touch.drop] * math::Length(touch.push);
         body.pushes += push;
         body.torques += perPressure[touch.drop] * std::fabs(math::Cross(touch.arm, touch.push));
     }
-    for (const Touch& touch : touches) {
+    for (const Touch& touch : m_movingTouches) {
         const BodyState& body = m_bodies[touch.body];
         const real moved = math::Length(touch.gradient) * body.massInv * body.pushes;
         const real turned =
@@ -149,70 +135,47 @@ void WaterPressure::AddBodyResponses(const Settings& settings, const Touches& to
     }
 }
 
-void WaterPressure::Push(const Settings& settings, const Pairs& pairs, const Touches& touches,
-                         const real* perPressure, Drops& drops) {
-    const size_t count = drops.size();
-    m_weights.resize(count);
-    real* const weights = m_weights.data();
-    for (size_t i = 0; i < count; ++i) {
-        weights[i] = settings.dt * settings.dt * perPressure[i] * drops[i].pressure;
-    }
-    m_pushes.clear();
-    m_pushes.resize(count);
-    Vec2* const shifts = m_pushes.data();
-    VisitPairs(pairs, shifts, [&](size_t p, uint32_t i, uint32_t j, Vec2& own) {
-        const Vec2 push = pairs.push[p] * (weights[i] + weights[j]);
-        own -= push;
-        shifts[j] += push;
-    });
+void WaterPressure::PushBodies(const Settings& settings) {
     for (BodyState& body : m_bodies) {
         body.shift = Vec2();
         body.turn = 0;
     }
-    for (const Touch& touch : touches) {
+    for (const Touch& touch : m_movingTouches) {
         BodyState& body = m_bodies[touch.body];
-        const Vec2 push = touch.push * weights[touch.drop];
-        shifts[touch.drop] += push;
+        const Vec2 push = touch.push * m_weights[touch.drop];
         body.shift -= push * (settings.mass * body.massInv);
         body.turn -= math::Cross(touch.arm, push) * settings.mass * body.inertiaInv;
     }
-    for (size_t i = 0; i < count; ++i) drops[i].shift = shifts[i];
 }
 
-void WaterPressure::CalcChanges(const Pairs& pairs, const Touches& touches, const Drops& drops) {
-    m_changes.clear();
-    m_changes.resize(drops.size(), 0);
-    real* const changes = m_changes.data();
-    const Vec2* const shifts = m_pushes.data();
-    VisitPairs(pairs, changes, [&](size_t p, uint32_t i, uint32_t j, real& own) {
-        const real change = math::Dot(pairs.gradient[p], shifts[i] - shifts[j]);
-        own += change;
-        changes[j] += change;
-    });
-    for (const Touch& touch : touches) {
+// Of the touches, what the drops' own shifts do stands in the sums over pairs.
+void WaterPressure::AddBodyChanges() {
+    for (const Touch& touch : m_movingTouches) {
         const BodyState& body = m_bodies[touch.body];
-        const Vec2 apart = shifts[touch.drop] - AtArm(body.shift, body.turn, touch.arm);
-        changes[touch.drop] -= math::Dot(touch.gradient, apart);
+        m_changes[touch.drop] += math::Dot(touch.gradient, AtArm(body.shift, body.turn, touch.arm));
     }
 }
 
 void WaterPressure::Correct(const Settings& settings, Drops& drops) {
     const real softness = 1 / settings.stiffness;
-    for (size_t i = 0; i < drops.size(); ++i) {
-        const real p = drops[i].pressure;
+    real* const pressures = drops.pressures.data();
+    real* const previous = m_previous.data();
+    real* const weights = m_weights.data();
+    for (size_t i = 0; i < m_expected.size(); ++i) {
+        const real p = pressures[i];
         const real missing = m_expected[i] + m_changes[i] - settings.density - p * softness;
-        const real next =
-            p + RELAXATION * missing / (softness + m_responses[i]) + MEMORY * (p - m_previous[i]);
-        m_previous[i] = p;
-        drops[i].pressure = std::max(next, 0.0f);
+        const real next = p + RELAXATION * missing / (softness + m_responses[i]) + MEMORY * (p - previous[i]);
+        previous[i] = p;
+        pressures[i] = std::max(next, 0.0f);
+        weights[i] = m_shares[i] * pressures[i];
     }
 }
 
 // Drops poured into each other would leave like shots: no step moves one further than `longest`.
 void WaterPressure::Finish(const Settings& settings, const BodyList& bodies, Drops& drops) const {
-    for (Drop& drop : drops) {
-        const real way = math::Length(drop.shift);
-        if (way > settings.longest) drop.shift *= settings.longest / way;
+    for (Vec2& shift : drops.shifts) {
+        const real way = math::Length(shift);
+        if (way > settings.longest) shift *= settings.longest / way;
     }
     const real forcePerShift = 1 / (settings.dt * settings.dt);
     for (size_t b = 0; b < bodies.size(); ++b) {

@@ -5,6 +5,7 @@
 
 #include "math/Vector.h"
 #include "physics/Fwd.h"
+#include "physics/NeighborLists.h"
 #include "util/VectorPOD.h"
 
 namespace physics {
@@ -28,14 +29,12 @@ class WaterPressure {
         math::real longest;    // m, that pressure may move a drop in one step
         int sweeps;
     };
-    // A pair of drops. `gradient`: kg/m^3, by which the second one's moving away lowers the density of the
-    // first, and the other way round. `push` is what their pressures act along.
+    // Figures of pairs, in rows as WaterSums takes them. `gradients`: kg/m^3, by which the neighbour's moving
+    // away lowers the density of the drop. `pushes` is what their pressures act along.
     struct Pairs {
-        size_t count;
-        const uint32_t* first;  // all pairs of one first drop stand together
-        const uint32_t* second;
-        const math::Vec2* gradient;
-        const math::Vec2* push;
+        NeighborRows lists;
+        const math::real* gradients;
+        const math::real* pushes;
     };
     // A drop near a body.
     struct Touch {
@@ -45,18 +44,18 @@ class WaterPressure {
         math::Vec2 push;      // what its pressure acts along
         math::Vec2 arm;       // m, from the body's position to the drop
     };
-    struct Drop {
-        math::Vec2 vel;       // m/s, at the end of the step without pressure
-        math::real density;   // kg/m^2, at its start
-        math::real pressure;  // N/m; before the solve a guess: that of the last step
-        math::Vec2 shift;     // m: what the pressures add to the way of this step
+    // Arrays per drop, filled up to whole groups.
+    struct Drops {
+        util::VectorPOD<math::Vec2> vels;       // m/s, at the end of the step without pressure
+        util::VectorPOD<math::real> densities;  // kg/m^2, at its start
+        util::VectorPOD<math::real> pressures;  // N/m; before the solve a guess: those of the last step
+        util::VectorPOD<math::Vec2> shifts;     // m: what the pressures add to the way of this step
     };
 
-    using Drops = util::VectorPOD<Drop>;
     using Touches = util::VectorPOD<Touch>;
 
     // `perPressure` gives, per drop, the share of its pressure that acts along the pushes. Forces are added
-    // to the movable bodies; drops get their shift.
+    // to the movable bodies; drops get their shifts.
     void Solve(const Settings& settings, const Pairs& pairs, const Touches& touches, const BodyList& bodies,
                const math::real* perPressure, Drops& drops);
 
@@ -73,13 +72,12 @@ class WaterPressure {
     };
 
     void TakeBodies(const Settings& settings, const BodyList& bodies);
+    void TakeMovingTouches(const Touches& touches);
     void Predict(const Settings& settings, const Pairs& pairs, const Touches& touches, const Drops& drops);
-    void CalcResponses(const Settings& settings, const Pairs& pairs, const Touches& touches,
-                       const math::real* perPressure);
-    void AddBodyResponses(const Settings& settings, const Touches& touches, const math::real* perPressure);
-    void Push(const Settings& settings, const Pairs& pairs, const Touches& touches,
-              const math::real* perPressure, Drops& drops);
-    void CalcChanges(const Pairs& pairs, const Touches& touches, const Drops& drops);
+    void CalcResponses(const Settings& settings, const Touches& touches, const math::real* perPressure);
+    void AddBodyResponses(const Settings& settings, const math::real* perPressure);
+    void PushBodies(const Settings& settings);
+    void AddBodyChanges();
     void Correct(const Settings& settings, Drops& drops);
     void Finish(const Settings& settings, const BodyList& bodies, Drops& drops) const;
 
@@ -87,10 +85,12 @@ class WaterPressure {
     util::VectorPOD<math::real> m_responses;  // per drop: by how much its pressure lowers its density
     util::VectorPOD<math::real> m_previous;   // per drop: pressure before the last sweep
     util::VectorPOD<math::real> m_changes;    // kg/m^2 per drop, by the shifts
-    util::VectorPOD<math::real> m_weights;  // per drop: its pressure as it acts along the pushes, times dt^2
+    util::VectorPOD<math::real> m_shares;     // per drop: what its pressure does along the pushes, times dt^2
+    util::VectorPOD<math::real> m_weights;    // per drop: that times its pressure
     util::VectorPOD<math::Vec2> m_gradients;  // per drop, sums over pairs and touches
     util::VectorPOD<math::Vec2> m_pushes;
     util::VectorPOD<BodyState> m_bodies;
+    Touches m_movingTouches;  // those of bodies that pressure moves
 };
 
 }  // namespace physics

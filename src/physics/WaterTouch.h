@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <type_traits>
 
 #include "math/BoundingBox.h"
 #include "math/Geometry.h"
@@ -10,6 +9,7 @@
 #include "physics/LooseBox.h"
 #include "physics/NeighborGrid.h"
 #include "physics/Polygon.h"
+#include "physics/WaterSums.h"
 
 // Which drops of water are near a shape: what the water's pressure and its contacts both ask.
 namespace physics {
@@ -54,17 +54,27 @@ inline bool ProbePoint(const Plane& plane, math::Vec2 point, math::real reach, P
 // Calls visit(place, probe) for each point closer than `reach` to the shape, in the order of the grid.
 template <class Shape, class Visit>
 void VisitNear(const NeighborGrid& grid, const Shape& shape, math::real reach, Visit visit) {
-    const math::Vec2* const points = grid.GetSortedPoints().data();
-    const auto test = [&](uint32_t begin, uint32_t end) {
+    constexpr uint32_t BLOCK = 256;
+    const math::Vec2* const points = grid.GetSortedPoints();
+    const math::BoundingBox2f box = GetProbeBox(shape, reach);
+    grid.VisitBox(box, [&](uint32_t begin, uint32_t end) {
+        uint32_t places[BLOCK + NeighborGrid::PADDING];
         Probe probe;
-        for (uint32_t i = begin; i < end; ++i) {
-            if (ProbePoint(shape, points[i], reach, probe)) visit(i, probe);
+        for (; begin < end; begin += std::min(BLOCK, end - begin)) {
+            const uint32_t stop = begin + std::min(BLOCK, end - begin);
+            const uint32_t count = GetWaterSums().keepInBox(points, {begin, stop}, box, places);
+            for (uint32_t k = 0; k < count; ++k) {
+                if (ProbePoint(shape, points[places[k]], reach, probe)) visit(places[k], probe);
+            }
         }
-    };
-    if constexpr (std::is_same_v<Shape, Plane>) {
-        test(0, static_cast<uint32_t>(grid.GetSize()));
-    } else {
-        grid.VisitBox(GetProbeBox(shape, reach), test);
+    });
+}
+
+template <class Visit>
+void VisitNear(const NeighborGrid& grid, const Plane& plane, math::real reach, Visit visit) {
+    Probe probe;
+    for (uint32_t i = 0; i < grid.GetSize(); ++i) {
+        if (ProbePoint(plane, grid.GetSortedPoints()[i], reach, probe)) visit(i, probe);
     }
 }
 
