@@ -163,6 +163,32 @@ TEST_F(EntityPopupTest, PinsAShapeInItsMiddleToWhatLiesBelow) {
     EXPECT_EQ(Entities().size(), 3u);
 }
 
+TEST_F(EntityPopupTest, WhatIsFixedToTheWorldGetsNoHingeAndLeavesNoStep) {
+    AddBox({0, 0});
+    GUI().SelectTool("fixjoint");
+    Click({0, 0}, Key::LeftMouse);
+    GUI().SelectTool("brush");
+    ASSERT_EQ(UndoName(), "UndoFixate");
+    Click({0.3f, 0.3f}, Key::RightMouse);
+    PressButton("GeomMenuButton");
+    PressButton("CenterHinge");
+    EXPECT_EQ(UndoName(), "UndoFixate");
+}
+
+TEST_F(EntityPopupTest, OneMenuAtATimeUnlessItIsTornOff) {
+    AddBox({0, 0});
+    Click({0, 0}, Key::RightMouse);
+    PressButton("ChooseColor");
+    PressButton("EntInfoButton");
+    EXPECT_FALSE(FindTopLevel("ChooseColor"));
+    gui::Window* const info = FindTopLevel("EntInfoMenu");
+    ASSERT_TRUE(info);
+    GUI().AddChild(info);
+    PressButton("GeomMenuButton");
+    EXPECT_TRUE(FindTopLevel("EntInfoMenu"));
+    EXPECT_TRUE(FindTopLevel("GeomMenu"));
+}
+
 TEST_F(EntityPopupTest, ChangesMotorsOfAllHingesAsOneStep) {
     app::HingeEntityPtr hinges[2];
     for (int i = 0; i < 2; ++i) {

@@ -102,11 +102,17 @@ TEST_F(InterfaceTextTest, WindowsAndDialogs) {
 
 TEST_F(InterfaceTextTest, MenusOnShapes) {
     AddBox({0, 0});
+    GUI().SelectTool("hinge");
+    Click({0, 0}, gui::Key::LeftMouse);
+    GUI().SelectTool("spring");
+    Drag({{0.3f, 0}, {2, 1}}, gui::Key::LeftMouse);
+    GUI().SelectTool("brush");
     for (const String& language : app::Language::List()) {
         UseLanguage(language);
-        Click({0, 0}, gui::Key::RightMouse);
-        for (const char* menu :
-             {"ChooseColor", "EntInfoButton", "CollisionMenuButton", "SelectMenuButton", "GeomMenuButton"}) {
+        Key('a', true);
+        Key('e', true);
+        for (const char* menu : {"ChooseColor", "EntInfoButton", "CollisionMenuButton", "SelectMenuButton",
+                                 "GeomMenuButton", "HingeMenuButton", "SpringMenuButton"}) {
             PressButton(menu);
             ExpectAllFit(language);
             PressButton(menu);

@@ -2,8 +2,8 @@
 
 import os
 
-from boxes import VIEW, polygons, start_boxes
-from harness import Failure, check, wait_for
+from boxes import VIEW, is_at, polygons, start_boxes
+from harness import Failure, box, check, ground, scene, wait_for
 
 
 def case_save_asks_before_it_replaces(session):
@@ -110,3 +110,78 @@ def case_keys_are_changed(session):
     wait_for("the new key", lambda: session.find_widget("ToolBox")[2] == "k")
     session.quit()
     check('ToolBox k' in session.read("config.cfg"), "the key was not kept")
+
+
+def case_taps_and_held_keys(session):
+    """Taps shorter than a frame count once each and leave nothing pressed; a held space starts the world once."""
+    session.append_autoexec("GUI.Console.scroll = false; App.lineWidth = 1.0")
+    for name in ("left", "delete", "f6"):
+        session.append_autoexec('Keys.bind("alt+%s", { App.lineWidth = App.lineWidth + 1.0 })' % name)
+    start_boxes(session)
+    with session.holding("alt"):
+        session.xdo("key", "--delay", "1", *(["Left", "Delete", "F6"] * 6))
+    wait_for("18 presses", lambda: session.console("App.lineWidth") == "19")
+    session.wait_frames()
+    check(session.console("App.lineWidth") == "19", "a key goes on by itself")
+    session.xdo("keydown", "space")
+    for _ in range(3):
+        session.wait_frames()
+    session.xdo("keyup", "space")
+    check(session.console("Sim.running") == "true", "a held space stopped the world again")
+
+
+def case_resize_keeps_windows_and_wishes(session):
+    """A smaller window keeps every title bar in view, and does not throw away what the user wished for the next."""
+    session.append_autoexec("GUI.Console.scroll = false; System.antiAlias = 4; System.maxFPS = 50.0")
+    start_boxes(session)
+    session.console('GUI.press "OptionsButton"')
+    session.xdo("windowsize", "--sync", session.window, 700, 520)
+    wait_for("the new size", lambda: session.console("System.resolution") == "[700, 520]")
+    windows = [row for row in session.widgets() if row[0] == "Window"]
+    check(len(windows) == 3, "%d windows" % len(windows))
+    for _, key, _, (x, y), (width, _), _ in windows:
+        check(0 <= x and x + width <= 701 and 0 <= y < 500, "%s stands at %s, %s" % (key, x, y))
+    check(session.console("System.antiAlias") == "4", "the wished smoothing went")
+    session.quit()
+    check("System.antiAlias = 4" in session.read("config.cfg"), "the wish was not saved")
+
+
+def case_load_and_import(session):
+    """A scene of a long list is opened by a click, another one is added to it; each is one step of the history."""
+    session.append_autoexec("GUI.Console.scroll = false")
+    for i in range(30):
+        session.write("Scenes/list-%02d.vxa" % i, scene(ground(0), box(i, 3, 1)))
+    start_boxes(session)
+    session.chord("ctrl", "o")
+    session.console('GUI.press "list-20.vxa"')
+    session.wait_scene("the scene", lambda e: len(polygons(e)) == 1 and is_at(e, (20, 3)))
+    check(session.title().startswith("list-20.vxa - "), session.title())
+    session.chord("ctrl", "i")
+    session.click_widget("dam.vxa")
+    session.wait_scene("another one in it", lambda e: len(polygons(e)) > 3 and is_at(e, (20, 3)))
+    check(session.title().startswith("list-20.vxa - "), session.title())
+    session.chord("ctrl", "z")
+    session.wait_scene("the scene alone", lambda e: len(polygons(e)) == 1)
+    session.chord("ctrl", "z")
+    session.wait_scene("the boxes", lambda e: len(polygons(e)) == 2)
+
+
+def case_sliders_and_tips(session):
+    """A slider follows the mouse, its middle click brings the default; a tip shows when the mouse rests."""
+    session.append_autoexec("GUI.Console.scroll = false; GUI.Console.screenSize = 0.2")  # it covers no button
+    start_boxes(session)
+    session.console('GUI.press "OptionsButton"')
+    _, _, _, (x, y), (width, height), _ = session.widget("Gravity")
+    track = [(x + 5 + part * (width - 10), y + height / 2) for part in (0.3, 0.4, 0.5)]
+    session.stroke(track)
+    check(abs(session.widget("Gravity")[5] - 15) < 0.3, "dragged to %s" % session.widget("Gravity")[5])
+    check(session.console("Sim.gravity").startswith("[0, -1"), "gravity is " + session.console("Sim.gravity"))
+    session.click(track[0], button=2)
+    check(abs(session.widget("Gravity")[5] - 9.8) < 1e-3, "a middle click brings no default")
+
+    def has_tip():
+        return any(row[2].startswith("Help (f1)") for row in session.widgets())
+    _, _, _, (x, y), (width, height), _ = session.widget("ShowHelp")
+    check(not has_tip(), "a tip before the mouse came")
+    session.xdo(*session.mouse((x + width / 2, y + height / 2)))
+    wait_for("the tip", has_tip)

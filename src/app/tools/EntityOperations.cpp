@@ -113,6 +113,7 @@ void TransformIntoCircle(Scene& scene, const EntitySet& entities) {
 
 void CenterHinge(Scene& scene, const View& view, const EntitySet& entities) {
     const SnapshotPtr before = new Snapshot(scene);
+    bool hasHinged = false;
     for (const EntityPtr& entity : entities) {
         const auto polygon = util::DynamicCast<PolyEntity>(entity);
         if (!polygon || !scene.HasEntity(entity)) continue;
@@ -124,8 +125,9 @@ void CenterHinge(Scene& scene, const View& view, const EntitySet& entities) {
         hinge->SetEnds(JointEntity::EndAt(geom, center), JointEntity::EndAt(below, center));
         hinge->Rebuild();
         scene.AddEntity(hinge);
+        hasHinged = true;
     }
-    Finish(before, "UndoCenterHinge");
+    if (hasHinged) Finish(before, "UndoCenterHinge");
 }
 
 void DissolveChain(Scene& scene, const EntitySet& entities) {

@@ -13,8 +13,7 @@ Menu::Menu(const char* key, const String& icon, gui::Component& tearOffTarget, c
     : MenuButton(key, icon, "..."), m_tearOffTarget(tearOffTarget), m_factory(factory) {}
 
 Menu::~Menu() noexcept(false) {
-    gui::Window* const window = m_window.Get();
-    if (window != nullptr && window->GetParent() != &m_tearOffTarget) window->Close();
+    CloseIfAttached();
 }
 
 bool Menu::IsOpen() const {
@@ -37,9 +36,24 @@ gui::Window* Menu::FindOwnWindow() const {
     return dynamic_cast<gui::Window*>(c);
 }
 
+// One menu at a time hangs on a window; what has been torn off stays.
+void Menu::CloseOthers() const {
+    const gui::ComponentList siblings = GetParent()->GetChildren();
+    for (const gui::ComponentPtr& sibling : siblings) {
+        const auto* const menu = dynamic_cast<const Menu*>(sibling.Get());
+        if (menu != nullptr && menu != this) menu->CloseIfAttached();
+    }
+}
+
+void Menu::CloseIfAttached() const {
+    gui::Window* const window = m_window.Get();
+    if (window != nullptr && window->GetParent() != &m_tearOffTarget) window->Close();
+}
+
 void Menu::Open() {
     gui::Window* const own = FindOwnWindow();
     if (own == nullptr || own->GetParent() == nullptr) return;
+    CloseOthers();
     const gui::WindowPtr window = m_factory();
     m_window = window.Get();
     window->AddCloseButton();

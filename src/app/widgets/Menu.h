@@ -5,8 +5,8 @@
 
 namespace app {
 
-// A row that opens a window at its right, and closes it again. The window closes with the menu, unless the
-// user has torn it off.
+// A row that opens a window at its right, and closes it again. The window closes with the menu or when
+// another one is opened beside it, unless the user has torn it off.
 class Menu : public MenuButton {
   public:
     using Factory = std::function<gui::WindowPtr()>;
@@ -21,6 +21,8 @@ class Menu : public MenuButton {
   private:
     bool IsOpen() const;
     void Open();
+    void CloseOthers() const;
+    void CloseIfAttached() const;
     gui::Window* FindOwnWindow() const;
 
     gui::Component& m_tearOffTarget;

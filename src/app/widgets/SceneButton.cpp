@@ -58,11 +58,18 @@ rendering::TextureMentorPtr GetPicture(const String& scenePath) {
 
 }  // namespace
 
+static String GetTitleKey(const String& file) {
+    return "Scene_" + StripSceneEnding(file);
+}
+
+bool HasSceneTitle(const String& file) {
+    return Language::Instance().Has(GetTitleKey(file));
+}
+
 String GetSceneTitle(const String& file) {
     constexpr size_t MAX_TITLE = 40;  // characters
-    const String name = StripSceneEnding(file), key = "Scene_" + name;
-    if (Language::Instance().Has(key)) return Language::Instance().Get(key);
-    String title = util::Latin1FromUtf8(name);
+    if (HasSceneTitle(file)) return Language::Instance().Get(GetTitleKey(file));
+    String title = util::Latin1FromUtf8(StripSceneEnding(file));
     for (char& c : title) {
         if (static_cast<unsigned char>(c) < ' ') c = '?';  // a file's name may hold line ends
     }

@@ -31,5 +31,6 @@ class SceneButton : public gui::AbstractButton {
 // What a scene is called in a line: the translated title of one that ships, else its file's name without the
 // ending, shortened when it is very long.
 String GetSceneTitle(const String& file);
+bool HasSceneTitle(const String& file);  // it ships
 
 }  // namespace app

@@ -11,15 +11,13 @@
 #include "app/widgets/MenuButton.h"
 #include "app/widgets/SceneButton.h"
 #include "app/windows/Rows.h"
+#include "app/windows/StatsWindow.h"
 #include "gui/Focus.h"
-#include "gui/GUI.h"
 #include "gui/LookAndFeel.h"
 #include "gui/components/Icon.h"
 #include "gui/components/Label.h"
 #include "gui/components/ScrollArea.h"
 #include "gui/components/TextField.h"
-#include "input/WindowHost.h"
-#include "physics/Simulation.h"
 #include "rendering/GraphicsResource.h"
 #include "util/Encoding.h"
 #include "util/FileSystem.h"
@@ -183,7 +181,7 @@ WindowPtr MakeGallery(const Desk& desk, const NameFunction& choose) {
     window->SetKey("GalleryTitle");
     const util::FileSystem& files = util::FileSystem::Instance();
     util::StringList names = files.ListFiles(files.GetShippedScenesDir(), SCENE_MASK);
-    const auto isOwn = [](const String& name) { return name.empty() || name[0] == '_'; };
+    const auto isOwn = [](const String& name) { return !HasSceneTitle(name); };  // they may lie in one folder
     names.erase(std::remove_if(names.begin(), names.end(), isOwn), names.end());
     std::sort(names.begin(), names.end());
     std::vector<ComponentPtr> tiles;
@@ -228,13 +226,11 @@ WindowPtr MakeHelpDialog(const Desk& desk, const String& text) {
 
 WindowPtr MakeInfoWindow() {
     const WindowPtr window = MakeDialog("Info");
-    const auto text = [] {
-        const gui::WindowHost* const host = gui::GUI::Instance().GetWindowHost();
-        const double rate = host != nullptr ? host->GetFPS() : 0;
+    const auto text = [rate = SmoothedFrameRate()]() mutable {
+        rate.Follow();
         const unsigned int bytes = rendering::GraphicsResource::GetTotalMemoryUsage();
-        return boost::str(boost::format("%1%: %2$.0f\n%3%: %4$.1f MB\n%5%") % Translate("InfoFPS") % rate %
-                          Translate("InfoVRAM") % (double(bytes) / MEGABYTE) %
-                          physics::Simulation::Instance().GetStats());
+        return boost::str(boost::format("%1%: %2$.0f\n%3%: %4$.1f MB\n%5%") % Translate("InfoFPS") %
+                          rate.Get() % Translate("InfoVRAM") % (double(bytes) / MEGABYTE) % DescribeWorld());
     };
     window->AddChild(new InfoLabel(text, INFO_WIDTH));
     return window;

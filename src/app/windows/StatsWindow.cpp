@@ -5,16 +5,18 @@
 
 #include "app/Language.h"
 #include "app/scene/Scene.h"
+#include "app/scene/SceneSettings.h"
 #include "gui/GUI.h"
 #include "gui/components/Label.h"
 #include "input/WindowHost.h"
 #include "physics/Simulation.h"
+#include "util/Clock.h"
 
 namespace app {
 namespace {
 
 constexpr float WIDTH = 180;  // GUI units; wide enough for all counts, so that they do not move the edge
-constexpr float SMOOTHING_TIME = 1;    // s, of the frame rate
+constexpr double SMOOTHING_TIME = 1;   // s, of the frame rate
 constexpr float REFRESH_TIME = 0.25f;  // s, or the figures could not be read
 
 String Count(size_t count, const char* one, const char* many) {
@@ -39,6 +41,21 @@ String GetCounts(const physics::Simulation& simulation) {
 
 }  // namespace
 
+void SmoothedFrameRate::Follow() {
+    const gui::WindowHost* const host = gui::GUI::Instance().GetWindowHost();
+    const double rate = host ? host->GetFPS() : 0;
+    const double now = util::Clock::Now(), dt = now - m_lastTime;
+    m_lastTime = now;
+    if (!(rate > 0)) return;
+    const double part = m_rate > 0 ? std::clamp(dt / SMOOTHING_TIME, 0.0, 1.0) : 1;
+    m_rate += (rate - m_rate) * part;
+}
+
+String DescribeWorld() {
+    const physics::Simulation& simulation = physics::Simulation::Instance();
+    return GetCounts(simulation) + GetPace(simulation);
+}
+
 StatsWindow::StatsWindow(const Scene& scene)
     : Window(Translate("StatsTitle"), new gui::ListLayout(gui::ListLayout::Vertical)),
       m_scene(scene),
@@ -49,28 +66,19 @@ StatsWindow::StatsWindow(const Scene& scene)
 StatsWindow::~StatsWindow() noexcept(false) = default;
 
 void StatsWindow::Update(float dt) {
-    FollowFrameRate(dt);
+    m_frameRate.Follow();
     m_sinceRefresh += dt;
     if (m_sinceRefresh >= REFRESH_TIME || m_text->GetText().empty()) ShowText();
     Window::Update(dt);
 }
 
-void StatsWindow::FollowFrameRate(float dt) {
-    const gui::WindowHost* const host = gui::GUI::Instance().GetWindowHost();
-    const double rate = host ? host->GetFPS() : 0;
-    if (!(rate > 0)) return;
-    const double part = m_frameRate > 0 ? std::clamp(dt / SMOOTHING_TIME, 0.0f, 1.0f) : 1;
-    m_frameRate += (rate - m_frameRate) * part;
-}
-
 void StatsWindow::ShowText() {
     m_sinceRefresh = 0;
-    const physics::Simulation& simulation = physics::Simulation::Instance();
-    String text = GetCounts(simulation) + GetPace(simulation);
-    if (m_frameRate > 0) {
-        text = boost::str(boost::format("%s: %.0f\n") % Translate("InfoFPS") % m_frameRate) + text;
-    }
+    String text = DescribeWorld();
+    if (m_frameRate.Get() > 0)
+        text = boost::str(boost::format("%s: %.0f\n") % Translate("InfoFPS") % m_frameRate.Get()) + text;
     if (!m_scene.GetName().empty()) text += "\n" + Translate("StatScene") + ": " + m_scene.GetName();
+    if (!m_scene.GetSettings().Get().empty()) text += "\n" + Translate("StatOwnSettings");
     if (text == m_text->GetText()) return;
     m_text->SetText(text);
     if (m_text->GetSize().x < WIDTH) m_text->SetSize(WIDTH, m_text->GetSize().y);
