@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "physics/ContactRow.h"
+#include "physics/ContactSweeps.h"
 #include "physics/Fwd.h"
 #include "physics/ResidualSort.h"
 #include "physics/SolverBody.h"
@@ -17,7 +18,7 @@ namespace physics {
 // The sweeps run over packed copies of constraints and bodies, filled after SolveInit and stored back once.
 // The order of the sweeps is that of the list, or by residual; but all that it fixes is which of two
 // constraints over the same movable body goes first. So each constraint is given the first level after those
-// of its two bodies' earlier constraints, and the contacts of a level are solved four at a time, with the
+// of its two bodies' earlier constraints, and the contacts of a level are solved eight at a time, with the
 // very bits that one after the other would give.
 //
 // Between sweeps the solve goes on along the way it has been going (nonlinear conjugate gradients), which
@@ -34,7 +35,8 @@ class ConstraintSolver {
     void Run(const AbstractBodyList& bodies, const HingeSet& hinges, const ContactPool& contacts,
              const StepSettings& settings);
 
-    enum class SweepKind { PLAIN, WITH_TREND, LAST };  // the last makes the step that is left, and no more
+    // Which loops the sweeps use, all with the same bits. The fastest unless told otherwise.
+    void SetContactSweeps(const ContactSweeps& sweeps) { m_sweeps = &sweeps; }
 
   private:
     struct Entry {
@@ -71,8 +73,8 @@ class ConstraintSolver {
     void LayOutLevels();
     void ArrangeRows();
     void PutInGroup(const ContactRow& row, uint32_t slot);
-    template <SweepKind KIND>
-    math::real Sweep(math::real trendShare);
+    math::real Sweep(SweepKind kind, math::real trendShare);
+    void SolveHinge(const HingeRow& row);
     void SweepWithTrend(int sweeps);
     void FollowTrend(math::real share);
     void StoreRows();
@@ -80,6 +82,7 @@ class ConstraintSolver {
 
     void SolvePrioritized(const AbstractBodyList& bodies, int sweeps);
 
+    const ContactSweeps* m_sweeps = &GetContactSweeps();
     util::VectorPOD<Entry> m_list;             // hinges, then contacts
     util::VectorPOD<uint32_t> m_places;        // per body: its place in the two below, or INACTIVE
     AbstractBodyList m_active;                 // bodies with constraints, in order of first mention
@@ -92,9 +95,9 @@ class ConstraintSolver {
     util::VectorPOD<uint32_t> m_cursors;       // per level: the next free lane
     util::VectorPOD<uint32_t> m_hingeCursors;  // per level: the next free place in m_hinges
     util::VectorPOD<Level> m_levels;
-    util::VectorPOD<ContactRow4> m_groups;
+    util::VectorPOD<ContactRow8> m_groups;
     util::VectorPOD<HingeRow> m_hinges;
-    util::VectorPOD<ContactTrend4> m_trends;     // of m_groups
+    util::VectorPOD<ContactTrend8> m_trends;     // of m_groups
     util::VectorPOD<SolverBody> m_bodyTrends;    // of m_bodies: the velocities that the rows' trends make
     util::VectorPOD<SolverBody> m_bodiesBefore;  // the last sweep
     ResidualSort m_sort;

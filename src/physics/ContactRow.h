@@ -22,9 +22,9 @@ struct ContactRow {
     math::real m_tangentImpulse;
 };
 
-// Four contacts that no movable body has in common, turned so that their numbers lie side by side.
-struct alignas(16) ContactRow4 {
-    static constexpr uint32_t LANES = 4;
+// Eight contacts that no movable body has in common, turned so that their numbers lie side by side.
+struct alignas(16) ContactRow8 {
+    static constexpr uint32_t LANES = 8;
 
     uint32_t body0[LANES];
     uint32_t body1[LANES];
@@ -43,14 +43,17 @@ struct alignas(16) ContactRow4 {
     math::real tangentTarget[LANES];
     math::real normalImpulse[LANES];
     math::real tangentImpulse[LANES];
+
+    // Lanes are used from the first on; what is left over joins a body that never moves to itself.
+    bool IsUnused(uint32_t lane) const { return body0[lane] == body1[lane]; }
 };
 
-// Of four contacts the last sweep's changes of their impulses, and the way that these have been going.
-struct alignas(16) ContactTrend4 {
-    math::real normalDelta[ContactRow4::LANES];
-    math::real tangentDelta[ContactRow4::LANES];
-    math::real normalTrend[ContactRow4::LANES];
-    math::real tangentTrend[ContactRow4::LANES];
+// Of eight contacts the last sweep's changes of their impulses, and the way that these have been going.
+struct alignas(16) ContactTrend8 {
+    math::real normalDelta[ContactRow8::LANES];
+    math::real tangentDelta[ContactRow8::LANES];
+    math::real normalTrend[ContactRow8::LANES];
+    math::real tangentTrend[ContactRow8::LANES];
 };
 
 // The impulses still missing along the normal and the tangent.

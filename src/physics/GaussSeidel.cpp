@@ -30,7 +30,7 @@ void ConstraintSolver::SolveGaussSeidel(const StepSettings& settings) {
         SweepWithTrend(settings.sweeps);
     } else {
         m_trends.clear();
-        for (int i = 0; i < settings.sweeps; ++i) Sweep<SweepKind::PLAIN>(0);
+        for (int i = 0; i < settings.sweeps; ++i) Sweep(SweepKind::PLAIN, 0);
     }
     StoreRows();
     StoreBodies();
@@ -125,8 +125,8 @@ void ConstraintSolver::LayOutLevels() {
     uint32_t groups = 0;
     uint32_t hinges = 0;
     for (size_t i = 0; i < m_levels.size(); ++i) {
-        m_cursors[i] = groups * ContactRow4::LANES;
-        groups += (m_levels[i].groupsEnd + ContactRow4::LANES - 1) / ContactRow4::LANES;
+        m_cursors[i] = groups * ContactRow8::LANES;
+        groups += (m_levels[i].groupsEnd + ContactRow8::LANES - 1) / ContactRow8::LANES;
         hinges += m_levels[i].hingesEnd;
         m_levels[i] = {groups, hinges};
     }
@@ -135,7 +135,7 @@ void ConstraintSolver::LayOutLevels() {
 }
 
 void ConstraintSolver::ArrangeRows() {
-    const uint32_t lanes = static_cast<uint32_t>(m_groups.size()) * ContactRow4::LANES;
+    const uint32_t lanes = static_cast<uint32_t>(m_groups.size()) * ContactRow8::LANES;
     ContactRow unused = {};
     unused.body0 = unused.body1 = static_cast<uint32_t>(m_bodies.size() - 1);
     m_slots.resize(m_list.size());
@@ -151,14 +151,14 @@ void ConstraintSolver::ArrangeRows() {
         PutInGroup(m_rows[i], m_slots[i]);
     }
     for (size_t i = 0; i < m_levels.size(); ++i) {
-        const uint32_t end = std::min(m_levels[i].groupsEnd * ContactRow4::LANES, lanes);
+        const uint32_t end = std::min(m_levels[i].groupsEnd * ContactRow8::LANES, lanes);
         while (m_cursors[i] < end) PutInGroup(unused, m_cursors[i]++);
     }
 }
 
 void ConstraintSolver::PutInGroup(const ContactRow& row, uint32_t slot) {
-    ContactRow4& group = m_groups[slot / ContactRow4::LANES];
-    const uint32_t lane = slot % ContactRow4::LANES;
+    ContactRow8& group = m_groups[slot / ContactRow8::LANES];
+    const uint32_t lane = slot % ContactRow8::LANES;
     group.body0[lane] = row.body0;
     group.body1[lane] = row.body1;
     group.normalX[lane] = row.m_normal.x;
@@ -180,116 +180,35 @@ void ConstraintSolver::PutInGroup(const ContactRow& row, uint32_t slot) {
 
 // ---- sweeps --------------------------------------------------------------------------------------------
 
-namespace {
-
-using SweepKind = ConstraintSolver::SweepKind;
-
-// Four bodies' velocity changes and inverse masses, side by side.
-struct Body4 {
-    Body4(const SolverBody* bodies, const uint32_t* indices)
-        : vx(Load(bodies[indices[0]])),
-          vy(Load(bodies[indices[1]])),
-          w(Load(bodies[indices[2]])),
-          massInv(Load(bodies[indices[3]])) {
-        Transpose(vx, vy, w, massInv);
+// Gives the sum of the squares of the contacts' changes, of a sweep with a trend.
+math::real ConstraintSolver::Sweep(SweepKind kind, math::real trendShare) {
+    const ContactSweeps& sweeps = *m_sweeps;
+    const auto solve = kind == SweepKind::PLAIN  ? sweeps.plain
+                       : kind == SweepKind::LAST ? sweeps.last
+                                                 : sweeps.withTrend;
+    alignas(32) math::real squares[ContactRow8::LANES] = {};
+    const auto solveContacts = [&](uint32_t begin, uint32_t end) {
+        if (begin == end) return;
+        ContactTrend8* const trends = m_trends.empty() ? nullptr : m_trends.data() + begin;
+        solve({m_groups.data() + begin, end - begin, trends, trendShare, squares, m_bodies.data()});
+    };
+    uint32_t group = 0, hinge = 0;
+    for (const Level& level : m_levels) {
+        if (hinge == level.hingesEnd) continue;  // its contacts can wait for those of the next
+        solveContacts(group, level.groupsEnd);
+        group = level.groupsEnd;
+        for (; hinge < level.hingesEnd; ++hinge) SolveHinge(m_hinges[hinge]);
     }
-    void Save(SolverBody* bodies, const uint32_t* indices) {
-        Transpose(vx, vy, w, massInv);
-        Store(&bodies[indices[0]].m_deltaVel.x, vx);
-        Store(&bodies[indices[1]].m_deltaVel.x, vy);
-        Store(&bodies[indices[2]].m_deltaVel.x, w);
-        Store(&bodies[indices[3]].m_deltaVel.x, massInv);
-    }
-
-    Float4 vx;
-    Float4 vy;
-    Float4 w;
-    Float4 massInv;
-
-  private:
-    static Float4 Load(const SolverBody& body) { return LoadFloat4(&body.m_deltaVel.x); }
-};
-
-// SolveContactRows and ApplyImpulsePair, operation by operation, for four contacts; and, in a sweep with a
-// trend, the step along it that is still to be made, and the squares of the changes, added to `squares`.
-template <SweepKind KIND>
-inline void SolveGroup(ContactRow4& row, ContactTrend4* trend, Float4 share, SolverBody* bodies,
-                       Float4& squares) {
-    Body4 b0(bodies, row.body0);
-    Body4 b1(bodies, row.body1);
-    const Float4 r0x = LoadFloat4(row.r0x);
-    const Float4 r0y = LoadFloat4(row.r0y);
-    const Float4 r1x = LoadFloat4(row.r1x);
-    const Float4 r1y = LoadFloat4(row.r1y);
-    const Float4 nx = LoadFloat4(row.normalX);
-    const Float4 ny = LoadFloat4(row.normalY);
-    const Float4 tx = -ny;
-    const Float4 ty = nx;
-    const Float4 cx = (b1.vx - r1y * b1.w) - (b0.vx - r0y * b0.w);
-    const Float4 cy = (b1.vy + r1x * b1.w) - (b0.vy + r0x * b0.w);
-
-    Float4 normalImpulse = LoadFloat4(row.normalImpulse);
-    Float4 tangentImpulse = LoadFloat4(row.tangentImpulse);
-    if constexpr (KIND != SweepKind::PLAIN) {
-        const Float4 normalStep = LoadFloat4(trend->normalTrend) * share;
-        const Float4 tangentStep = LoadFloat4(trend->tangentTrend) * share;
-        normalImpulse = normalImpulse + normalStep;
-        tangentImpulse = tangentImpulse + tangentStep;
-        if constexpr (KIND == SweepKind::WITH_TREND) {
-            Store(trend->normalTrend, normalStep + LoadFloat4(trend->normalDelta));
-            Store(trend->tangentTrend, tangentStep + LoadFloat4(trend->tangentDelta));
-        }
-    }
-    Float4 dn = LoadFloat4(row.normalTarget) - (cx * nx + cy * ny) * LoadFloat4(row.normalMass);
-    const Float4 x = Max(dn + normalImpulse, Zero4());
-    dn = x - normalImpulse;
-    const Float4 limit = Max(LoadFloat4(row.friction) * x, Zero4());
-    Float4 dt = LoadFloat4(row.tangentTarget) - (cx * tx + cy * ty) * LoadFloat4(row.tangentMass);
-    const Float4 y = Min(Max(dt + tangentImpulse, -limit), limit);
-    dt = y - tangentImpulse;
-    Store(row.normalImpulse, normalImpulse + dn);
-    Store(row.tangentImpulse, tangentImpulse + dt);
-    if constexpr (KIND == SweepKind::WITH_TREND) {
-        Store(trend->normalDelta, dn);
-        Store(trend->tangentDelta, dt);
-        squares = squares + (dn * dn + dt * dt);
-    }
-
-    const Float4 px = nx * dn + tx * dt;
-    const Float4 py = ny * dn + ty * dt;
-    b0.vx = b0.vx - px * b0.massInv;
-    b0.vy = b0.vy - py * b0.massInv;
-    b0.w = b0.w - LoadFloat4(row.inertiaInv0) * (r0x * py - r0y * px);
-    b1.vx = b1.vx + px * b1.massInv;
-    b1.vy = b1.vy + py * b1.massInv;
-    b1.w = b1.w + LoadFloat4(row.inertiaInv1) * (r1x * py - r1y * px);
-    b0.Save(bodies, row.body0);
-    b1.Save(bodies, row.body1);
+    solveContacts(group, static_cast<uint32_t>(m_groups.size()));
+    const math::real* const s = squares;
+    return ((s[0] + s[1]) + (s[2] + s[3])) + ((s[4] + s[5]) + (s[6] + s[7]));
 }
 
-}  // namespace
-
-// Gives the sum of the squares of the contacts' changes, of a sweep with a trend.
-template <ConstraintSolver::SweepKind KIND>
-math::real ConstraintSolver::Sweep(math::real trendShare) {
-    SolverBody* const bodies = m_bodies.data();
-    ContactRow4* group = m_groups.data();
-    ContactTrend4* trend = m_trends.data();
-    const HingeRow* hinge = m_hinges.data();
-    const Float4 share = Fill4(trendShare);
-    Float4 squares = Zero4();
-    for (const Level& level : m_levels) {
-        for (ContactRow4* const end = m_groups.data() + level.groupsEnd; group != end; ++group, ++trend) {
-            SolveGroup<KIND>(*group, trend, share, bodies, squares);
-        }
-        for (const HingeRow* const end = m_hinges.data() + level.hingesEnd; hinge != end; ++hinge) {
-            hinge->hinge->Calc(bodies[hinge->body0], bodies[hinge->body1]);
-            hinge->hinge->Apply(bodies[hinge->body0], bodies[hinge->body1]);
-        }
-    }
-    alignas(16) math::real lanes[ContactRow4::LANES];
-    Store(lanes, squares);
-    return (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]);
+void ConstraintSolver::SolveHinge(const HingeRow& row) {
+    SolverBody& b0 = m_bodies[row.body0];
+    SolverBody& b1 = m_bodies[row.body1];
+    row.hinge->Calc(b0, b1);
+    row.hinge->Apply(b0, b1);
 }
 
 // The conjugate gradients of Silcowitz-Hansen, Niebe and Erleben ("A nonsmooth nonlinear conjugate gradient
@@ -303,20 +222,20 @@ math::real ConstraintSolver::Sweep(math::real trendShare) {
 // and the next sweep makes the step of each row when it comes by.
 void ConstraintSolver::SweepWithTrend(int sweeps) {
     m_trends.clear();
-    m_trends.resize(m_groups.size(), ContactTrend4{});
+    m_trends.resize(m_groups.size(), ContactTrend8{});
     for (const HingeRow& row : m_hinges) row.hinge->ForgetTrend();
     m_bodyTrends.clear();
     m_bodyTrends.resize(m_bodies.size(), SolverBody());
     m_bodiesBefore = m_bodies;
     math::real last = 0, share = 0;
     for (int i = 1; i < sweeps; ++i) {
-        math::real size = Sweep<SweepKind::WITH_TREND>(share);
+        math::real size = Sweep(SweepKind::WITH_TREND, share);
         for (const HingeRow& row : m_hinges) size += row.hinge->GetSquaredDelta();
         share = size < last ? size / last : 0;
         last = size;
         FollowTrend(share);
     }
-    Sweep<SweepKind::LAST>(share);
+    Sweep(SweepKind::LAST, share);
 }
 
 // Of bodies and hinges; those of the contacts follow in the next sweep.
@@ -343,9 +262,9 @@ void ConstraintSolver::StoreRows() {
     for (uint32_t i = 0; i < m_list.size(); ++i) {
         if (m_list[i].hinge) continue;
         Contact& contact = *static_cast<Contact*>(m_list[i].constraint);
-        const ContactRow4& group = m_groups[m_slots[i] / ContactRow4::LANES];
-        contact.m_normalImpulse = group.normalImpulse[m_slots[i] % ContactRow4::LANES];
-        contact.m_tangentImpulse = group.tangentImpulse[m_slots[i] % ContactRow4::LANES];
+        const ContactRow8& group = m_groups[m_slots[i] / ContactRow8::LANES];
+        contact.m_normalImpulse = group.normalImpulse[m_slots[i] % ContactRow8::LANES];
+        contact.m_tangentImpulse = group.tangentImpulse[m_slots[i] % ContactRow8::LANES];
     }
 }
 

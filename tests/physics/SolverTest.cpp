@@ -150,7 +150,7 @@ class Solver : public World {
     std::vector<Vec2> m_impulses;
 };
 
-// The packed sweeps, four contacts at a time, give the very bits of the plain order.
+// The packed sweeps, several contacts at a time, give the very bits of the plain order.
 TEST_F(Solver, PackedSweepsEqualThePlainOrderBitForBit) {
     struct Case {
         int bodies, contacts, hinges;
@@ -186,6 +186,31 @@ TEST_F(Solver, PackedSweepsEqualThePlainOrderBitForBit) {
         for (size_t i = 0; i < m_contacts.size(); ++i) {
             EXPECT_EQ(m_contacts[i]->m_normalImpulse, impulses[i].x) << "contact " << i;
             EXPECT_EQ(m_contacts[i]->m_tangentImpulse, impulses[i].y) << "contact " << i;
+        }
+    }
+}
+
+// With registers of eight floats as with those of four, trends and hinges between the levels included.
+TEST_F(Solver, WideSweepsEqualNarrowOnesBitForBit) {
+    const physics::ContactSweeps& fastest = physics::GetContactSweeps();
+    if (&fastest == &physics::GetNarrowContactSweeps())
+        GTEST_SKIP() << "this processor has no wide registers";
+    uint32_t seed = 1;
+    for (const int contacts : {1, 4, 5, 60, 400}) {
+        for (const int hinges : {0, 12}) {
+            SCOPED_TRACE(testing::Message() << contacts << " contacts, " << hinges << " hinges");
+            Clear();
+            MakeScene(seed++, 40, contacts, hinges);
+            std::vector<Motion> motions[2];
+            for (const auto* const sweeps : {&physics::GetNarrowContactSweeps(), &fastest}) {
+                physics::ConstraintSolver solver;
+                ForgetHingeImpulses(solver);
+                Restore();
+                solver.SetContactSweeps(*sweeps);
+                solver.Run(m_bodies, m_hinges, m_contacts, sim.GetStepSettings());
+                motions[sweeps == &fastest ? 1 : 0] = GetMotions();
+            }
+            EXPECT_TRUE(motions[0] == motions[1]);
         }
     }
 }

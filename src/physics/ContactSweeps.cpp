@@ -1,0 +1,53 @@
+#include "physics/ContactSweeps.h"
+
+#include "physics/ContactSweepLoops.h"
+#include "physics/Float4.h"
+
+namespace physics {
+
+namespace {
+
+struct Narrow {
+    static constexpr uint32_t LANES = 4;
+    using V = Float4;
+
+    static V Load(const float* p) { return LoadFloat4(p); }
+    static void Store(float* p, V a) { physics::Store(p, a); }
+    static V Fill(float x) { return Fill4(x); }
+    static V Zero() { return Zero4(); }
+    static V Max(V a, V b) { return physics::Max(a, b); }
+    static V Min(V a, V b) { return physics::Min(a, b); }
+
+    template <class Bodies>
+    static void LoadBodies(const SolverBody* from, const uint32_t* places, Bodies& to) {
+        to.vx = Load(&from[places[0]].m_deltaVel.x);
+        to.vy = Load(&from[places[1]].m_deltaVel.x);
+        to.w = Load(&from[places[2]].m_deltaVel.x);
+        to.massInv = Load(&from[places[3]].m_deltaVel.x);
+        Transpose(to.vx, to.vy, to.w, to.massInv);
+    }
+    template <class Bodies>
+    static void StoreBodies(SolverBody* to, const uint32_t* places, Bodies& from) {
+        Transpose(from.vx, from.vy, from.w, from.massInv);
+        Store(&to[places[0]].m_deltaVel.x, from.vx);
+        Store(&to[places[1]].m_deltaVel.x, from.vy);
+        Store(&to[places[2]].m_deltaVel.x, from.w);
+        Store(&to[places[3]].m_deltaVel.x, from.massInv);
+    }
+};
+
+}  // namespace
+
+const ContactSweeps& GetNarrowContactSweeps() {
+    return ContactSweepLoops<Narrow>::TABLE;
+}
+
+const ContactSweeps& GetContactSweeps() {
+#if defined(__x86_64__)
+    const ContactSweeps* const wide = GetWideContactSweeps();
+    if (wide != nullptr && __builtin_cpu_supports("avx2")) return *wide;
+#endif
+    return GetNarrowContactSweeps();
+}
+
+}  // namespace physics
