@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <unordered_map>
+#include <vector>
 
 #include "math/Geometry.h"
 
@@ -164,7 +165,7 @@ uint64_t CalcHash(const RasterOutline& outline) {
     return hash;
 }
 
-// The fields in use. Held by none but those who use them.
+// The fields of all outlines there are. Held by none but those who use them.
 using Fields = std::unordered_multimap<uint64_t, DistanceField*>;
 
 Fields& GetFields() {
@@ -199,13 +200,54 @@ Vec2 DistanceField::GetReach(Vec2 halfSize) {
             halfSize.y + MARGIN_CELLS * std::max(2 * halfSize.y / SIZE, MIN_CELL)};
 }
 
-DistanceField::DistanceField(const RasterOutline& outline)
-    : m_outline(outline), m_cells(SIZE, SIZE, std::numeric_limits<real>::infinity()) {
-    FieldBuilder(outline, m_cells.GetData()).Build();
+DistanceField::DistanceField(const RasterOutline& outline) : m_outline(outline) {
     GetFields().emplace(CalcHash(outline), this);
 }
 
+void DistanceField::Use() const {
+    if (m_lastUse == 0) Build();
+    m_lastUse = s_builds;
+}
+
+void DistanceField::Build() const {
+    if (s_kept >= s_mostKept) DropOldest();
+    Cells cells(SIZE, SIZE, std::numeric_limits<real>::infinity());
+    FieldBuilder(m_outline, cells.GetData()).Build();
+    m_cells = std::move(cells);
+    ++s_kept;
+    ++s_builds;
+}
+
+void DistanceField::Drop() const {
+    if (m_lastUse == 0) return;
+    m_cells = Cells();
+    m_lastUse = 0;
+    --s_kept;
+}
+
+// A part of them at once, so that a build seldom has to look for more.
+void DistanceField::DropOldest() {
+    constexpr size_t SHARE = 8;
+    std::vector<const DistanceField*> kept;
+    for (const auto& [_, field] : GetFields()) {
+        if (field->m_lastUse != 0) kept.push_back(field);
+    }
+    const auto isOlder = [](const DistanceField* a, const DistanceField* b) {
+        return a->m_lastUse < b->m_lastUse;
+    };
+    const size_t surplus = kept.size() - s_mostKept;
+    const auto end = kept.begin() + static_cast<ptrdiff_t>(std::max(s_mostKept / SHARE, surplus + 1));
+    std::nth_element(kept.begin(), end - 1, kept.end(), isOlder);
+    std::for_each(kept.begin(), end, [](const DistanceField* field) { field->Drop(); });
+}
+
+void DistanceField::SetMostKept(size_t fields) {
+    s_mostKept = std::max<size_t>(fields, 1);
+    if (s_kept > s_mostKept) DropOldest();
+}
+
 DistanceField::~DistanceField() noexcept(false) {
+    Drop();
     const auto range = GetFields().equal_range(CalcHash(m_outline));
     for (auto found = range.first; found != range.second; ++found) {
         if (found->second != this) continue;

@@ -31,7 +31,10 @@ struct RasterOutline {
 
 // Signed distances of an outline, negative inside, sampled into SIZE by SIZE cells over its box and a margin
 // of two cells, at least 0.2 m, on each side, so that every sample inside the box has four neighbours and the
-// corners lie outside the outline. Exact at the cells' centres. Never changes once built.
+// corners lie outside the outline. Exact at the cells' centres.
+//
+// The cells are made when something first asks for them. Of all fields together only so many keep theirs:
+// those that nobody has asked for the longest give them up, and make the same ones again when asked.
 class DistanceField : public util::Pointee {
   public:
     using Cells = util::Array2D<float, util::VectorPOD<float>>;
@@ -48,12 +51,34 @@ class DistanceField : public util::Pointee {
     explicit DistanceField(const RasterOutline& outline);
     ~DistanceField() noexcept(false) override;
 
-    const Cells& GetCells() const { return m_cells; }  // m
+    // m; good until the cells of another field have been asked for.
+    const Cells& GetCells() const {
+        if (m_lastUse != s_builds) Use();
+        return m_cells;
+    }
     const RasterOutline& GetOutline() const { return m_outline; }
 
+    // How many fields may keep their cells, at least 1.
+    static void SetMostKept(size_t fields);
+    static size_t GetMostKept() { return s_mostKept; }
+    static size_t GetKeptCount() { return s_kept; }
+
   private:
+    void Use() const;
+    void Build() const;
+    void Drop() const;
+    static void DropOldest();
+
+    static constexpr size_t BYTES = size_t(SIZE) * SIZE * sizeof(float);
+    static constexpr size_t BUDGET = size_t(300) << 20;  // bytes, of all cells
+
+    inline static uint64_t s_builds = 1;  // how many there have been
+    inline static size_t s_kept = 0;
+    inline static size_t s_mostKept = BUDGET / BYTES;
+
     RasterOutline m_outline;
-    Cells m_cells;
+    mutable Cells m_cells;           // none, or all
+    mutable uint64_t m_lastUse = 0;  // builds up to then; 0 without cells
 };
 
 }  // namespace physics

@@ -11,7 +11,7 @@
 namespace physics {
 
 // The signed distance field of a simple outline in the outline's own coordinates. The field itself is shared
-// by all congruent outlines, and made when something first asks for a distance.
+// by all congruent outlines, and made when something asks for a distance.
 //
 // Cell (i, j) has its centre at the map point (i, j) exactly.
 class DistanceMap : public util::Pointee {

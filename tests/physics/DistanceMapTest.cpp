@@ -83,6 +83,30 @@ TEST(DistanceMap, CongruentOutlinesShareOneField) {
     EXPECT_NE(&first->GetDistMap(), &other->GetDistMap());
 }
 
+// More shapes than maps are kept: those not asked for the longest give theirs up, and make the same again.
+TEST(DistanceMap, KeptMapsAreBounded) {
+    constexpr size_t MOST = 16, SHAPES = 40;
+    const size_t before = DistanceField::GetMostKept();
+    DistanceField::SetMostKept(MOST);
+    const Vec2 inside(0.3f, 0.1f);
+    std::vector<PolygonPtr> shapes;
+    std::vector<float> distances;
+    for (size_t i = 0; i < SHAPES; ++i) {
+        const float height = 0.5f + 0.1f * static_cast<float>(i);
+        shapes.push_back(new Polygon({{0, 0}, {1, 0}, {1, height}, {0, height / 2}}));
+        distances.push_back(shapes.back()->GetDistance(inside));
+        EXPECT_LE(DistanceField::GetKeptCount(), MOST);
+        // What is always in use is never given up.
+        const float* const cells = shapes.front()->GetDistMap().GetData().data();
+        shapes.back()->GetDistMap();
+        EXPECT_EQ(shapes.front()->GetDistMap().GetData().data(), cells);
+    }
+    for (size_t i = 0; i < SHAPES; ++i) EXPECT_EQ(shapes[i]->GetDistance(inside), distances[i]);
+    DistanceField::SetMostKept(3);
+    EXPECT_LE(DistanceField::GetKeptCount(), 3u);
+    DistanceField::SetMostKept(before);
+}
+
 TEST(DistanceMap, SamplesAreWithinACellOfTheTruth) {
     test::Random random(11);
     for (const PolygonPtr& polygon : GetSamples()) {
