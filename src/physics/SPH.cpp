@@ -12,9 +12,12 @@
 //   C  = (p_i + p_j) / (2 rho_i rho_j), or p_j / rho_j^2 + p_i / rho_i^2
 //   SP = sum C G(r) d;  SN = sum G(r) d / rho_j;  SV = sum (v_j - v_i) L(r) / (rho_i rho_j)
 //   surfaceNormal = surfaceTension m SN
-//   force = m (-m SP + viscMultiplier viscosity m SV + surfaceNormal)
-// In water at rest drops lie sqrt(pi) radius apart, so each has its mass in its share of the area, and what
-// floats displaces its own mass. G acts on d, not on d / r, so no division meets a zero.
+//   force = m (-m SP + viscMultiplier viscosity m SV + surfaceNormal - CALMING v / (1 + |v|^2 /
+//   CALM_SPEED^2))
+// The last term stands for what wears down small waves at walls, floor and surface, which drops are too
+// coarse for: without it a pool swings to and fro for half a minute. It holds up nothing that anything
+// pushes. In water at rest drops lie sqrt(pi) radius apart, so each has its mass in its share of the area,
+// and what floats displaces its own mass. G acts on d, not on d / r, so no division meets a zero.
 //
 // A body that is near, at the distance s from its surface with the normal n, counts as water at rest behind a
 // straight line: the share of the kernel beyond the line, with u = 1 - s / h,
@@ -233,6 +236,9 @@ void SPH::InvertDensities() {
     for (size_t i = 0; i < count; ++i) m_perDensity[i] = 1 / m_drops.densities[i];
 }
 
+constexpr real CALMING = 1;         // 1/s, by which the slowest drops lose speed
+constexpr real CALM_SPEED = 0.06f;  // m/s, up to which they do
+
 // Viscosity and surface tension, which pressure then takes into account like gravity.
 void SPH::AddInnerForces(const Kernel& kernel, real dt) {
     PROFILE_SECTION("Inner forces");
@@ -244,7 +250,11 @@ void SPH::AddInnerForces(const Kernel& kernel, real dt) {
     for (size_t i = 0; i < m_sorted.size(); ++i) {
         Particle& particle = *m_sorted[i];
         particle.m_surfaceNormal = Vec2();
-        if (!particle.IsImmovable()) particle.m_force += viscosity * m_perDensity[i] * m_sums[i];
+        if (!particle.IsImmovable()) {
+            const Vec2 v = particle.m_vel;
+            const real calming = CALMING * m / (1 + math::LengthSquared(v) / (CALM_SPEED * CALM_SPEED));
+            particle.m_force += viscosity * m_perDensity[i] * m_sums[i] - calming * v;
+        }
         m_drops.vels[i] += dt * particle.GetMassInv() * particle.m_force;
     }
     if (m_surfaceTension->Get() != 0) AddSurfaceTension(m, dt);
