@@ -50,6 +50,10 @@ class ConstraintSolver {
         uint32_t groupsEnd;  // in m_groups
         uint32_t hingesEnd;  // in m_hinges
     };
+    // Of a body its velocities, and its inverse mass, whose trend stays 0.
+    struct alignas(16) BodyMotion {
+        math::real numbers[4];
+    };
     struct HingeRow {
         Hinge* hinge;
         uint32_t body0;
@@ -97,9 +101,9 @@ class ConstraintSolver {
     util::VectorPOD<Level> m_levels;
     util::VectorPOD<ContactRow8> m_groups;
     util::VectorPOD<HingeRow> m_hinges;
-    util::VectorPOD<ContactTrend8> m_trends;     // of m_groups
-    util::VectorPOD<SolverBody> m_bodyTrends;    // of m_bodies: the velocities that the rows' trends make
-    util::VectorPOD<SolverBody> m_bodiesBefore;  // the last sweep
+    util::VectorPOD<ContactTrend8> m_trends;      // of m_groups
+    util::VectorPOD<BodyMotion> m_motionTrends;   // of m_bodies: the velocities that the rows' trends make
+    util::VectorPOD<BodyMotion> m_motionsBefore;  // the last sweep
     ResidualSort m_sort;
 };
 

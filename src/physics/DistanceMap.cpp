@@ -1,6 +1,7 @@
 #include "physics/DistanceMap.h"
 
 #include "math/Geometry.h"
+#include "physics/Float4.h"
 
 namespace physics {
 
@@ -58,10 +59,39 @@ Vec2 DistanceMap::GetGradient(int i, int j) const {
     return math::Normalized(m_gradientToLocal * Vec2(difference(at, 1, i), difference(at, SIZE, j)));
 }
 
+// The cells of a place side by side, away from the borders: GetGradient, operation by operation. False where
+// one of them has no gradient.
+bool DistanceMap::GetFourGradients(const Place& p, Vec2* gradients) const {
+    constexpr real LEAST = 1e-07f;  // what counts as zero
+    if (p.i < 1 || p.j < 1 || p.nextI > SIZE - 2 || p.nextJ > SIZE - 2) return false;
+    const float* const low = GetField().GetCells().GetData().data() + p.j * SIZE + p.i;
+    const float* const high = low + SIZE;
+    const Float4 dx = LoadTwoAndTwo(low + 1, high + 1) - LoadTwoAndTwo(low - 1, high - 1);
+    const Float4 dy = LoadTwoAndTwo(high, high + SIZE) - LoadTwoAndTwo(low - SIZE, low);
+    const auto& m = m_gradientToLocal.m;
+    const Float4 x = Fill4(m[0][0]) * dx + Fill4(m[0][1]) * dy;
+    const Float4 y = Fill4(m[1][0]) * dx + Fill4(m[1][1]) * dy;
+    const Float4 length = Sqrt(x * x + y * y);
+    if (MaskLess4(length, Fill4(LEAST)) != 0) return false;
+    const Float4 scale = Fill4(1) / length;
+    alignas(16) real xs[4], ys[4];
+    Store(xs, x * scale);
+    Store(ys, y * scale);
+    for (int k = 0; k < 4; ++k) gradients[k] = {xs[k], ys[k]};
+    return true;
+}
+
 Vec2 DistanceMap::SampleGradient(Vec2 local) const {
     const Place p = Locate(local);
-    const Vec2 low = GetGradient(p.i, p.j) * (1 - p.fx) + GetGradient(p.nextI, p.j) * p.fx;
-    const Vec2 high = GetGradient(p.i, p.nextJ) * (1 - p.fx) + GetGradient(p.nextI, p.nextJ) * p.fx;
+    Vec2 g[4];
+    if (!GetFourGradients(p, g)) {
+        g[0] = GetGradient(p.i, p.j);
+        g[1] = GetGradient(p.nextI, p.j);
+        g[2] = GetGradient(p.i, p.nextJ);
+        g[3] = GetGradient(p.nextI, p.nextJ);
+    }
+    const Vec2 low = g[0] * (1 - p.fx) + g[1] * p.fx;
+    const Vec2 high = g[2] * (1 - p.fx) + g[3] * p.fx;
     return low * (1 - p.fy) + high * p.fy;
 }
 

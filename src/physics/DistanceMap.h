@@ -42,6 +42,7 @@ class DistanceMap : public util::Pointee {
     void MakeTransforms();
     Place Locate(math::Vec2 local) const;
     math::Vec2 GetGradient(int i, int j) const;  // unit, of a cell
+    bool GetFourGradients(const Place& place, math::Vec2* gradients) const;
 
     const RasterOutline m_outline;
     math::OBB2D m_box;

@@ -39,8 +39,16 @@ inline Float4 operator-(Float4 a, Float4 b) {
 inline Float4 operator*(Float4 a, Float4 b) {
     return {_mm_mul_ps(a.v, b.v)};
 }
+inline Float4 operator/(Float4 a, Float4 b) {
+    return {_mm_div_ps(a.v, b.v)};
+}
 inline Float4 operator-(Float4 a) {
     return {_mm_xor_ps(a.v, _mm_set1_ps(-0.0f))};
+}
+// Two floats from each place.
+inline Float4 LoadTwoAndTwo(const float* first, const float* second) {
+    const __m128i low = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(first));
+    return {_mm_loadh_pi(_mm_castsi128_ps(low), reinterpret_cast<const __m64*>(second))};
 }
 // As std::max(a, b) and std::min(a, b), signed zeros and NaN included.
 inline Float4 Max(Float4 a, Float4 b) {
@@ -114,8 +122,14 @@ inline Float4 operator-(Float4 a, Float4 b) {
 inline Float4 operator*(Float4 a, Float4 b) {
     return PerLane([=](int i) { return a.v[i] * b.v[i]; });
 }
+inline Float4 operator/(Float4 a, Float4 b) {
+    return PerLane([=](int i) { return a.v[i] / b.v[i]; });
+}
 inline Float4 operator-(Float4 a) {
     return PerLane([=](int i) { return -a.v[i]; });
+}
+inline Float4 LoadTwoAndTwo(const float* first, const float* second) {
+    return {{first[0], first[1], second[0], second[1]}};
 }
 inline Float4 Max(Float4 a, Float4 b) {
     return PerLane([=](int i) { return a.v[i] < b.v[i] ? b.v[i] : a.v[i]; });

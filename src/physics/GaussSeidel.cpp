@@ -224,9 +224,11 @@ void ConstraintSolver::SweepWithTrend(int sweeps) {
     m_trends.clear();
     m_trends.resize(m_groups.size(), ContactTrend8{});
     for (const HingeRow& row : m_hinges) row.hinge->ForgetTrend();
-    m_bodyTrends.clear();
-    m_bodyTrends.resize(m_bodies.size(), SolverBody());
-    m_bodiesBefore = m_bodies;
+    m_motionTrends.clear();
+    m_motionTrends.resize(m_bodies.size(), BodyMotion{});
+    m_motionsBefore.resize(m_bodies.size());
+    for (size_t i = 0; i < m_bodies.size(); ++i)
+        Store(m_motionsBefore[i].numbers, LoadFloat4(&m_bodies[i].m_deltaVel.x));
     math::real last = 0, share = 0;
     for (int i = 1; i < sweeps; ++i) {
         math::real size = Sweep(SweepKind::WITH_TREND, share);
@@ -242,11 +244,10 @@ void ConstraintSolver::SweepWithTrend(int sweeps) {
 void ConstraintSolver::FollowTrend(math::real share) {
     const Float4 s = Fill4(share);
     for (const HingeRow& row : m_hinges) row.hinge->FollowTrend(share);
-    // The fourth number of a body is its inverse mass, whose trend stays 0.
     for (size_t i = 0; i < m_bodies.size(); ++i) {
         math::real* const velocity = &m_bodies[i].m_deltaVel.x;
-        math::real* const before = &m_bodiesBefore[i].m_deltaVel.x;
-        math::real* const trend = &m_bodyTrends[i].m_deltaVel.x;
+        math::real* const before = m_motionsBefore[i].numbers;
+        math::real* const trend = m_motionTrends[i].numbers;
         const Float4 now = LoadFloat4(velocity);
         const Float4 step = LoadFloat4(trend) * s;
         const Float4 next = now + step;
