@@ -78,7 +78,7 @@ Polygon::Polygon(const Vec2List& outline, const Surface& surface)
     if (m_vertices.size() < 3) THROW(BadDataException, "Bad polygon");
     if (m_vertices.size() > MAX_VERTICES) ThrowTooManyVertices();
     const Vec2 centroid = CalcAttribs();
-    const bool sound = m_area > 0 && m_inertiaSansMass > 0;
+    const bool sound = m_area > 0 && std::isfinite(m_area) && m_inertiaSansMass > 0;
     if (!std::isfinite(centroid.x) || !std::isfinite(centroid.y)) THROW(BadDataException, "Bad polygon");
     BuildLines();
     CheckSelfIntersection();

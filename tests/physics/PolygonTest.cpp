@@ -116,6 +116,7 @@ TEST(Polygon, RefusesWhatIsNoPolygon) {
         {"Bad polygon", {{0, 0}, {1, 0}, {1, INF}}},
         {"Bad polygon", {{0, 0}, {1, 0}, {1, NOT_A_NUMBER}}},
         {"Bad polygon", {{0, 0}, {3e38f, 0}, {0, 3e38f}}},
+        {"Bad polygon", {{0, 4e19f}, {4e19f, 0}, {0, -2e17f}, {0, 0}}},
         {"Self-intersecting polygon", {{0, 0}, {2, 2}, {2, 0}, {0, 1}}},
         {"Self-intersecting polygon", {{0, 0}, {1, 1}, {1, 0}, {0, 1}}},
         {"Self-intersecting polygon", {{0, 0}, {4, 0}, {4, 4}, {2, -1}, {0, 4}}},
