@@ -76,7 +76,7 @@ CommandLine ParseCommandLine(const util::StringList& arguments) {
         }
     }
     const String path = boost::join(pieces, " ");
-    if (boost::ends_with(path, SCENE_ENDING)) line.m_scene = path;
+    (boost::ends_with(path, SCENE_ENDING) ? line.m_scene : line.m_noScene) = path;
     return line;
 }
 

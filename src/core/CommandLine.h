@@ -12,7 +12,8 @@ struct CommandLine {
     bool m_help = false;
     // Statements of script that stand for the options, run after the saved settings.
     util::StringList m_settings;
-    String m_scene;  // a path, or a name in Scenes/; empty for none
+    String m_scene;    // a path, or a name in Scenes/; empty for none
+    String m_noScene;  // what was asked for and does not end as a scene does; empty for none
 };
 
 extern const char* const COMMAND_LINE_HELP;

@@ -227,11 +227,12 @@ void LoadFirstScene(app::App& application, const String& asked) {
     }
 }
 
+void TellNoScene(const String& path) {
+    Log(logging::Warning, "Not a scene: " + path);
+}
+
 void OpenDroppedFile(app::App& application, const String& path) {
-    if (!boost::algorithm::ends_with(path, SCENE_ENDING)) {
-        Log(logging::Warning, "Not a scene: " + path);
-        return;
-    }
+    if (!boost::algorithm::ends_with(path, SCENE_ENDING)) return TellNoScene(path);
     application.GetAppGUI()->LoadScene(path, false);
 }
 
@@ -272,6 +273,7 @@ void Save(app::App& application) {
     for (const String& setting : line.m_settings) script::Parser::Instance().Execute(setting);
     core::Subsystem::Instance().RecreateWindow();
     application->CreateGUI();
+    if (!line.m_noScene.empty()) TellNoScene(line.m_noScene);
     LoadFirstScene(*application, line.m_scene);
     application->GetView().Arrive();  // the first picture is not one on the way
     core::Subsystem::Instance().SetOnFileDropped(

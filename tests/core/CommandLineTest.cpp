@@ -32,6 +32,8 @@ TEST(CommandLine, TheVersionIsAskedForInManyWays) {
 
 TEST(CommandLine, OnlyASceneIsAScene) {
     EXPECT_EQ(core::ParseCommandLine({"notes.txt"}).m_scene, "");
+    EXPECT_EQ(core::ParseCommandLine({"my", "notes.txt"}).m_noScene, "my notes.txt");
+    EXPECT_EQ(core::ParseCommandLine({"a.vxa"}).m_noScene, "");
     EXPECT_EQ(core::ParseCommandLine({"a.vxa", "more"}).m_scene, "");
     EXPECT_EQ(core::ParseCommandLine({"a", "-", "b.vxa"}).m_scene, "a - b.vxa");
     EXPECT_EQ(core::ParseCommandLine({}).m_scene, "");

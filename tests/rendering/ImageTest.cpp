@@ -7,6 +7,7 @@
 
 #include "Pictures.h"
 #include "rendering/ImageFile.h"
+#include "rendering/PngFile.h"
 #include "support/LogCapture.h"
 #include "util/Exception.h"
 #include "util/FileSystem.h"
@@ -145,6 +146,15 @@ TEST(ImageFileTest, AllFormatsGiveTheSamePictureLowestRowFirst) {
         EXPECT_EQ((*image)(0, 2), RGBA32(0, 0, 200, 255)) << c.name;
         EXPECT_EQ(image->HasAlpha(), c.keepsAlpha) << c.name;
     }
+}
+
+TEST(ImageFileTest, APngIsKnownByItsSides) {
+    const String path = WriteFile("sides.png", test::MakePng(5, 3));
+    EXPECT_TRUE(rendering::IsPngOfSize(path, 5, 3));
+    EXPECT_FALSE(rendering::IsPngOfSize(path, 3, 5));
+    EXPECT_FALSE(rendering::IsPngOfSize(WriteFile("sides.bmp", test::MakeBmp(5, 3)), 5, 3));
+    EXPECT_FALSE(rendering::IsPngOfSize(WriteFile("none.png", {}), 5, 3));
+    EXPECT_FALSE(rendering::IsPngOfSize("nowhere.png", 5, 3));
 }
 
 TEST(ImageFileTest, ImplausibleFilesAreRefusedBeforeTheLibrarySeesThem) {
