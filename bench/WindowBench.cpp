@@ -9,27 +9,25 @@
 #include <stdexcept>
 
 #include "app/App.h"
-#include "app/drawing/WaterPainter.h"
 #include "app/entities/CircleEntity.h"
 #include "app/entities/PolyEntity.h"
 #include "app/files/SceneLoader.h"
 #include "app/history/Undoer.h"
 #include "bench/Driver.h"
+#include "bench/Window.h"
 #include "core/Platform.h"
 #include "gui/GUI.h"
 #include "physics/Particle.h"
 #include "physics/Simulation.h"
 #include "rendering/Context.h"
 #include "rendering/Gl.h"
+#include "rendering/TextureManager.h"
 #include "util/FileSystem.h"
 #include "util/Mentor.h"
 
 namespace bench {
 
 using math::Vec2;
-
-constexpr int WIDTH = 1024, HEIGHT = 768;  // pixels
-constexpr int FRAMES = 50;                 // measured of each row
 
 // ---- the window ----------------------------------------------------------------------------------------
 
@@ -51,26 +49,19 @@ static String OpenWindow() {
     return "";
 }
 
-// Whether there is a window; the row is skipped with the reason where there is none.
-static bool NeedWindow(benchmark::State& state) {
+bool NeedWindow(benchmark::State& state) {
     static const String s_failure = OpenWindow();
     if (!s_failure.empty()) state.SkipWithError(("needs a window: " + s_failure).c_str());
     return s_failure.empty();
 }
 
-// The pictures, shaders and scenes are found in the source tree for a scope.
-class ScopedFolder {
-  public:
-    ScopedFolder() : m_kept(util::FileSystem::Instance().GetWorkDir()) {
-        util::FileSystem::Instance().SetWorkDir(String(VEXA_SOURCE_DIR) + "/");
-    }
-    ~ScopedFolder() { util::FileSystem::Instance().SetWorkDir(m_kept); }
-    ScopedFolder(const ScopedFolder&) = delete;
-    ScopedFolder& operator=(const ScopedFolder&) = delete;
+ScopedFolder::ScopedFolder() : m_kept(util::FileSystem::Instance().GetWorkDir()) {
+    util::FileSystem::Instance().SetWorkDir(String(VEXA_SOURCE_DIR) + "/");
+}
 
-  private:
-    String m_kept;
-};
+ScopedFolder::~ScopedFolder() {
+    util::FileSystem::Instance().SetWorkDir(m_kept);
+}
 
 // ---- what is drawn -------------------------------------------------------------------------------------
 
@@ -84,8 +75,7 @@ static physics::PolygonPtr MakeFlower(Vec2 pos) {
     return new physics::Polygon(outline);
 }
 
-// An empty world at rest, one metre high and wide for every so many pixels.
-static void ClearWorld(float pixelsPerMetre) {
+void ClearWorld(float pixelsPerMetre) {
     app::App& app = app::App::Instance();
     app.SetFillParent(false);
     app.SetSize(WIDTH, HEIGHT);
@@ -150,7 +140,7 @@ static void FillWithWelcome() {
 
 // ---- frames --------------------------------------------------------------------------------------------
 
-static void Clear() {
+void Clear() {
     glClearColor(0, 0, 0, 0);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 }
@@ -205,7 +195,9 @@ static void BenchClearSwap(benchmark::State& state) {
 // What a frame with water does at least: the field is cleared, copied and cleared away.
 static void BenchCopySwap(benchmark::State& state) {
     if (!NeedWindow(state)) return;
-    const rendering::TexturePtr texture = app::MakeFrameTexture()->Get();
+    const rendering::TextureMentorPtr mentor =
+        rendering::TextureManager::MakeForFrame(rendering::Texture::ImageType::Frame());
+    const rendering::TexturePtr texture = mentor->Get();
     for (auto _ : state) {
         Clear();
         texture->Copy(WIDTH, HEIGHT);

@@ -189,9 +189,7 @@ void Subsystem::ShowAgain(double now) {
         PROFILE_SECTION("Show again");
         if (!m_keptFrame.Show()) {
             m_lastWholeFrame = now;
-            Clear();
-            gui::GUI::Instance().Draw();
-            m_keptFrame.Keep();
+            m_keptFrame.Draw([this] { DrawPicture(); });
         }
         SwapBuffers();
     }
@@ -210,11 +208,15 @@ void Subsystem::Rest() {
 void Subsystem::Draw() {
     try {
         PROFILE_SECTION("Draw");
-        Clear();
-        gui::GUI::Instance().Draw();
+        DrawPicture();
         SwapBuffers();
     }
     PASS_ON_EXCEPTIONS
+}
+
+void Subsystem::DrawPicture() {
+    Clear();
+    gui::GUI::Instance().Draw();
 }
 
 void Subsystem::Clear() {

@@ -87,6 +87,7 @@ class Subsystem : public gui::InputListener, public gui::WindowHost, public util
     void ShowAgain(double now);
     void Rest();
     void Draw();
+    void DrawPicture();
     void Clear();
     void SwapBuffers();
     void MeasureFrameRate();

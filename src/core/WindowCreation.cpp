@@ -166,7 +166,7 @@ void Subsystem::CheckAlpha() {
     const bool known = SDL_GL_GetAttribute(SDL_GL_ALPHA_SIZE, &bits) == 0;
     if (!known) {
         Log(logging::Warning, "You'r computer won't let me query the alpha bit depth");
-    } else if (bits != ALPHA_BITS) {
+    } else if (bits != ALPHA_BITS && !rendering::HasTargets()) {
         Log(logging::Warning,
             "Your computer doesn't support alpha framebuffers; water may not be rendered correctly.");
     }

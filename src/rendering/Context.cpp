@@ -16,6 +16,7 @@ uint32_t Context::s_generation = 0;
 math::Vec2i Context::s_size;
 bool Context::s_hasAlpha = true;
 int Context::s_textureUnits = 1;
+bool Context::s_useTargets = true;
 bool Context::s_useShaders = false;
 
 namespace {
@@ -83,6 +84,10 @@ bool HasBorderClamp() {
 
 bool HasFreeTextureSizes() {
     return Context::Exists() && GLEW_ARB_texture_non_power_of_two && GLEW_VERSION_1_4;
+}
+
+bool HasTargets() {
+    return Context::Exists() && Context::UseTargets() && GLEW_EXT_framebuffer_object;
 }
 
 bool HasShaderPrograms() {

@@ -26,9 +26,13 @@ class Context {
     static void SetViewport(int width, int height);
     static math::Vec2i GetSize() { return s_size; }  // pixels
 
-    // Whether the frame buffer has alpha bits; without them the cut of the water lets every pixel pass.
+    // Whether the frame buffer has alpha bits; without them the water's field cannot be summed up in it.
     static bool HasAlpha() { return s_hasAlpha; }
     static void SetHasAlpha(bool hasAlpha) { s_hasAlpha = hasAlpha; }
+
+    // Whether textures may be drawn into where the driver can do it. Default true.
+    static bool UseTargets() { return s_useTargets; }
+    static void SetUseTargets(bool useTargets) { s_useTargets = useTargets; }
 
     // The switch for all shaders. Default false.
     static bool UseShaders() { return s_useShaders; }
@@ -52,6 +56,7 @@ class Context {
     static math::Vec2i s_size;
     static bool s_hasAlpha;
     static int s_textureUnits;
+    static bool s_useTargets;
     static bool s_useShaders;
 };
 
@@ -60,5 +65,6 @@ bool HasMultiTexturing();
 bool HasBorderClamp();
 bool HasFreeTextureSizes();  // other ones than powers of two, with mipmaps that GL makes
 bool HasShaderPrograms();    // ARB vertex and fragment programs
+bool HasTargets();           // textures that can be drawn into; false as well when they are switched off
 
 }  // namespace rendering

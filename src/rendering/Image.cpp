@@ -6,6 +6,7 @@
 #include <boost/algorithm/string/predicate.hpp>
 #include <cmath>
 #include <memory>
+#include <vector>
 
 #include "rendering/Gl.h"
 #include "rendering/ImageFile.h"
@@ -173,12 +174,15 @@ ImageRGBA32Ptr ImageRGBA32::LoadRAW(const std::string& path, RAWFormat format, u
     image->SetName(path);
     image->SetHasAlpha(format != RAW_RGB);
     util::FILEWrapper file(path, "rb");
-    unsigned char bytes[4];
+    const size_t pixelSize = BytesPerPixel(format);
+    std::vector<unsigned char> bytes(image->GetData().size() * pixelSize);
+    if (std::fread(bytes.data(), 1, bytes.size(), file.Get()) != bytes.size()) {
+        THROW(FileReadException, "File \"" + path + "\" is corrupt.");
+    }
+    const unsigned char* source = bytes.data();
     for (RGBA32& pixel : image->GetData()) {
-        if (std::fread(bytes, BytesPerPixel(format), 1, file.Get()) != 1) {
-            THROW(FileReadException, "File \"" + path + "\" is corrupt.");
-        }
-        pixel = UnpackPixel(format, bytes);
+        pixel = UnpackPixel(format, source);
+        source += pixelSize;
     }
     FlipRows(image->GetData().data(), width, height);
     return image;

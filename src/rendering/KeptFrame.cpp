@@ -1,7 +1,5 @@
 #include "rendering/KeptFrame.h"
 
-#include <algorithm>
-
 #include "rendering/Context.h"
 #include "rendering/Gl.h"
 #include "rendering/Renderer.h"
@@ -11,32 +9,43 @@ namespace rendering {
 
 namespace {
 
-constexpr int MAX_SIDE = 4096;  // texels
 // Texel for pixel.
 constexpr Texture::ImageType PIXELS{GL_RGBA, 0, 1, 1, 0, 0, 0};
 
-// The least power of two that holds the length.
-uint32_t GetSide(int length) {
-    uint32_t side = 1;
-    while (side < static_cast<uint32_t>(length)) side *= 2;
-    return side;
-}
-
 }  // namespace
 
-void KeptFrame::Keep() {
-    const math::Vec2i size = Context::GetSize();
-    m_isKept = false;
-    if (std::max(size.x, size.y) > MAX_SIDE) return;
-    if (!m_texture || m_size != size) {
-        m_texture = TextureManager::Make(
-            [size] { return new Texture(new BlankImage(GetSide(size.x), GetSide(size.y)), PIXELS); });
-        m_size = size;
-    }
+// Null for a frame that no texture holds.
+TexturePtr KeptFrame::Prepare() {
+    if (!m_texture) m_texture = TextureManager::MakeForFrame(PIXELS);
     const TexturePtr texture = m_texture->Get();
-    if (!texture) return;
-    texture->Copy({0, 0}, size);
+    const math::Vec2i frame = Context::GetSize();
+    const bool fits = texture && static_cast<int>(texture->GetWidth()) >= frame.x &&
+                      static_cast<int>(texture->GetHeight()) >= frame.y;
+    return fits ? texture : nullptr;
+}
+
+// Where it can be, the picture is drawn into the texture at once. A copy of the window would be turned upside
+// down on its way, which some drivers do slowly.
+void KeptFrame::Draw(const std::function<void()>& draw) {
+    m_isKept = false;
+    const TexturePtr texture = Prepare();
+    if (!texture || texture->GetFrameBuffer() == 0) {
+        draw();
+        if (!texture) return;
+        texture->Copy({0, 0}, Context::GetSize());
+        return Adopt(texture);
+    }
+    {
+        const ScopedTarget target(*texture);
+        draw();
+    }
+    Adopt(texture);
+    Show();
+}
+
+void KeptFrame::Adopt(const TexturePtr& texture) {
     m_filled = texture;
+    m_size = Context::GetSize();
     m_isKept = true;
 }
 

@@ -132,7 +132,9 @@ Texture::Texture(const AbstractImagePtr& image, const ImageType& type)
 
 Texture::~Texture() noexcept(false) {
     // In a later context the name may belong to another texture.
-    if (m_id != 0 && m_generation == Context::GetGeneration()) glDeleteTextures(1, &m_id);
+    if (m_id == 0 || m_generation != Context::GetGeneration()) return;
+    if (m_frameBuffer != 0) glDeleteFramebuffersEXT(1, &m_frameBuffer);
+    glDeleteTextures(1, &m_id);
 }
 
 void Texture::Upload() {
@@ -231,6 +233,38 @@ void Texture::Copy(math::Vec2i min, math::Vec2i max) {
     if (m_id == 0 || size.x <= 0 || size.y <= 0) return;
     const ScopedBinding binding(m_id);
     Context::CopyTexSubImage(from, size);
+}
+
+// ---- as a target --------------------------------------------------------------------------------------
+
+unsigned int Texture::GetFrameBuffer() const {
+    if (m_id == 0 || !HasTargets()) return 0;
+    if (!m_triedFrameBuffer) MakeFrameBuffer();
+    return m_frameBuffer;
+}
+
+// Drivers may refuse a format or a size.
+void Texture::MakeFrameBuffer() const {
+    m_triedFrameBuffer = true;
+    glGenFramebuffersEXT(1, &m_frameBuffer);
+    bool isComplete = false;
+    {
+        const ScopedTarget target(*this);
+        glFramebufferTexture2DEXT(GL_FRAMEBUFFER_EXT, GL_COLOR_ATTACHMENT0_EXT, GL_TEXTURE_2D, m_id, 0);
+        isComplete = glCheckFramebufferStatusEXT(GL_FRAMEBUFFER_EXT) == GL_FRAMEBUFFER_COMPLETE_EXT;
+    }
+    if (isComplete) return;
+    glDeleteFramebuffersEXT(1, &m_frameBuffer);
+    m_frameBuffer = 0;
+}
+
+ScopedTarget::ScopedTarget(const Texture& texture) {
+    glGetIntegerv(GL_FRAMEBUFFER_BINDING_EXT, &m_previous);
+    glBindFramebufferEXT(GL_FRAMEBUFFER_EXT, texture.GetFrameBuffer());
+}
+
+ScopedTarget::~ScopedTarget() {
+    glBindFramebufferEXT(GL_FRAMEBUFFER_EXT, static_cast<GLuint>(m_previous));
 }
 
 // ---- from images and files ----------------------------------------------------------------------------

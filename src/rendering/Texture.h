@@ -55,6 +55,9 @@ class Texture : public GraphicsResource {
 
     unsigned int MemoryUsage() const override;
 
+    // A frame buffer that draws into this texture; 0 where there is none. See ScopedTarget.
+    unsigned int GetFrameBuffer() const;
+
     // What GL has now, in RGBA.
     ImageRGBA32Ptr Read() const;
 
@@ -74,6 +77,7 @@ class Texture : public GraphicsResource {
     void Upload();
     void UploadLevels() const;
     void StretchToPowersOfTwo() const;
+    void MakeFrameBuffer() const;
     void SetSampling() const;
 
     AbstractImagePtr m_image;
@@ -81,7 +85,9 @@ class Texture : public GraphicsResource {
     uint32_t m_height;  // texels
     ImageType m_type;
     unsigned int m_id = 0;
-    uint32_t m_generation = 0;  // of the context that m_id belongs to
+    uint32_t m_generation = 0;               // of the context that m_id belongs to
+    mutable unsigned int m_frameBuffer = 0;  // made at its first use
+    mutable bool m_triedFrameBuffer = false;
 };
 using TexturePtr = util::SharedPtr<Texture>;
 using TextureMentor = util::Mentor<Texture>;
@@ -111,6 +117,19 @@ class ScopedTexture {
   private:
     TexturePtr m_texture;
     int m_unit;
+};
+
+// For a scope drawing goes into a texture, a pixel to a texel from the lower left; the viewport stays. Nests.
+class ScopedTarget {
+  public:
+    // The texture's frame buffer must not be 0.
+    explicit ScopedTarget(const Texture& texture);
+    ~ScopedTarget();
+    ScopedTarget(const ScopedTarget&) = delete;
+    ScopedTarget& operator=(const ScopedTarget&) = delete;
+
+  private:
+    int m_previous = 0;  // the window's own may be any
 };
 
 }  // namespace rendering

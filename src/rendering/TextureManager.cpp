@@ -1,6 +1,25 @@
 #include "rendering/TextureManager.h"
 
+#include <algorithm>
+
+#include "rendering/Context.h"
+#include "rendering/Gl.h"
+
 namespace rendering {
+
+namespace {
+
+uint32_t GetFrameSide(int pixels) {
+    GLint limit = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
+    const auto wanted = static_cast<uint32_t>(std::clamp(pixels, 1, std::max(limit, 1)));
+    if (HasFreeTextureSizes()) return wanted;
+    uint32_t side = 1;
+    while (side < wanted) side *= 2;
+    return side;
+}
+
+}  // namespace
 
 TextureManager::TextureManager() {
     TextureMentor::SetDefault(Get("blank"));
@@ -18,6 +37,13 @@ TextureMentorPtr TextureManager::Get(const String& name, const ImageRGBA32Ptr& i
 TextureMentorPtr TextureManager::Get(const String& name, const ImageFloatPtr& image,
                                      const Texture::ImageType& type) {
     return Register({name, type}, [image, type] { return TextureFromImageFloat(image, type); });
+}
+
+TextureMentorPtr TextureManager::MakeForFrame(const Texture::ImageType& type) {
+    return Make([type] {
+        const math::Vec2i frame = Context::GetSize();
+        return new Texture(new BlankImage(GetFrameSide(frame.x), GetFrameSide(frame.y)), type);
+    });
 }
 
 TextureMentorPtr TextureManager::Make(const TextureMentor::Factory& factory) {

@@ -22,6 +22,10 @@ class TextureManager : public util::Pointee, public util::Singleton<TextureManag
     TextureMentorPtr Get(const String& name, const ImageRGBA32Ptr& image, const Texture::ImageType& type);
     TextureMentorPtr Get(const String& name, const ImageFloatPtr& image, const Texture::ImageType& type);
 
+    // Room for a frame, a texel for each pixel from the lower left, as far as the driver goes. Not
+    // registered, for whoever wants a picture of the frame has one of his own.
+    static TextureMentorPtr MakeForFrame(const Texture::ImageType& type);
+
     // Any other way to make a texture, not registered: the caller owns the mentor.
     static TextureMentorPtr Make(const TextureMentor::Factory& factory);
 

@@ -70,6 +70,7 @@ class SceneDrawingTest : public test::GlTest {
         app.GetDrawSettings().m_drawClouds->Set(true);
         Context::SetUseShaders(false);
         Context::SetHasAlpha(true);
+        Context::SetUseTargets(true);
         util::AbstractMentor::ForEach([](util::AbstractMentor& mentor) { mentor.Unload(); });
         util::FileSystem::Instance().SetWorkDir(m_workDir);
     }
@@ -146,10 +147,11 @@ TEST_F(SceneDrawingTest, AnEmptySceneIsSkyAndLeavesGlAsItWas) {
 
 TEST_F(SceneDrawingTest, WaterIsWhereTheDropsAreOnEveryPath) {
     AddBlockOfWater();
-    for (const int path : {0, 1, 2, 3}) {
+    for (const int path : {0, 1, 2, 3, 4}) {
         UseShaders(path == 1);
         App::Instance().GetDrawSettings().m_simpleWater->Set(path == 2);
-        Context::SetHasAlpha(path != 3);  // as simple
+        Context::SetUseTargets(path < 3);  // without: by the frame buffer
+        Context::SetHasAlpha(path != 4);   // and without its alpha: as simple
         const ImageRGBA32Ptr frame = Draw();
         const RGBA32 inside = (*frame)(64, 64);
         EXPECT_LT(inside.x, 70) << path;
@@ -157,6 +159,13 @@ TEST_F(SceneDrawingTest, WaterIsWhereTheDropsAreOnEveryPath) {
         EXPECT_TRUE(IsSky((*frame)(64 + 46, 64))) << path;
         EXPECT_TRUE(IsSky((*frame)(10, 120))) << path;
     }
+}
+
+TEST_F(SceneDrawingTest, WaterLooksAlikeWhetherItsFieldIsDrawnIntoATextureOrCopied) {
+    AddBlockOfWater();
+    const ImageRGBA32Ptr drawn = Draw();
+    Context::SetUseTargets(false);
+    EXPECT_EQ(GreatestDifference(*drawn, *Draw()), 0);
 }
 
 TEST_F(SceneDrawingTest, WaterStandsOutFromTheSkyWithAndWithoutShaders) {
@@ -230,7 +239,7 @@ TEST_F(SceneDrawingTest, FadingBringsTheLastFrameBackAndTakesNoMemoryUntilUsed) 
     app.GetDrawSettings().m_fadeColor->Set({1, 1, 1});
     app.GetDrawSettings().m_fadeScale->Set({1, 1});
     Draw();
-    EXPECT_EQ(rendering::GraphicsResource::GetTotalMemoryUsage(), usage + 2048 * 2048 * 4);
+    EXPECT_EQ(rendering::GraphicsResource::GetTotalMemoryUsage(), usage + SIZE * SIZE * 4);
     app.Clear();
     // An opaque sky covers what fades.
     EXPECT_TRUE(IsSky((*Draw())(64, 64)));

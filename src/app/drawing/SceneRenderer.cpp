@@ -16,6 +16,7 @@
 #include "rendering/Gl.h"
 #include "rendering/Renderer.h"
 #include "rendering/ShapePainter.h"
+#include "rendering/TextureManager.h"
 #include "util/Clock.h"
 #include "util/ProfileTree.h"
 
@@ -109,9 +110,10 @@ void SceneRenderer::Draw(const std::function<void()>& drawOver) {
 
 // ---- water ----------------------------------------------------------------------------------------------
 
-// Without alpha bits in the frame buffer every pixel would pass the cut.
+// In a frame buffer without alpha bits every pixel would pass the cut.
 bool SceneRenderer::HasWaterField() const {
-    return !GetParticles().empty() && !m_settings.m_simpleWater->Get() && rendering::Context::HasAlpha();
+    return !GetParticles().empty() && !m_settings.m_simpleWater->Get() &&
+           (rendering::HasTargets() || rendering::Context::HasAlpha());
 }
 
 WaterView SceneRenderer::GetWaterView() const {
@@ -194,8 +196,10 @@ void SceneRenderer::DrawFade() {
     if (!m_fadeTexture || m_fadeGeneration != rendering::Context::GetGeneration()) return;
     glEnable(GL_BLEND);
     glBlendFunc(GL_ONE, GL_ONE);
+    const rendering::TexturePtr last = m_fadeTexture->Get();
+    if (!last) return;
     const rendering::ScopedMatrix matrix;
-    const rendering::ScopedTexture frame(m_fadeTexture->Get());
+    const rendering::ScopedTexture frame(last);
     const Vec2 shift = m_settings.m_fadeTranslate->Get(), scale = m_settings.m_fadeScale->Get(),
                middle = m_view.GetMiddle();
     glTranslatef(shift.x, shift.y, 0);
@@ -204,13 +208,15 @@ void SceneRenderer::DrawFade() {
     glScalef(scale.x, scale.y, 1);
     glTranslatef(-middle.x, -middle.y, 0);
     Renderer::Instance().SetColor({color.x, color.y, color.z, 1});
-    DrawFrameQuad(GetWholeFrame(), m_view.GetSize(), GetGUIScale());
+    DrawFrameQuad(*last, GetWholeFrame(*last), m_view.GetSize(), GetGUIScale());
     Renderer::Instance().SetColor(WHITE);
 }
 
 void SceneRenderer::CaptureFade() {
     if (m_settings.m_fadeColor->Get() == Vec3(0, 0, 0)) return;
-    if (!m_fadeTexture) m_fadeTexture = MakeFrameTexture();
+    if (!m_fadeTexture) {
+        m_fadeTexture = rendering::TextureManager::MakeForFrame(rendering::Texture::ImageType::Frame());
+    }
     const rendering::TexturePtr texture = m_fadeTexture->Get();
     if (!texture) return;
     texture->Copy(static_cast<int>(texture->GetWidth()), static_cast<int>(texture->GetHeight()));

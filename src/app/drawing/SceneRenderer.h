@@ -15,8 +15,8 @@ class SelectionPainter;
 class WaterPainter;
 struct WaterView;
 
-// Draws a scene as a view shows it. The order of the passes is the design: the frame buffer is scratch paper
-// for the water's field before the picture proper begins.
+// Draws a scene as a view shows it. The order of the passes is the design: the water's field comes before the
+// picture proper, for the frame buffer may be its scratch paper.
 //
 // Making it touches no GL; drawing does, and makes what it needs.
 class SceneRenderer {

@@ -21,8 +21,7 @@ using rendering::TextureManager;
 
 namespace {
 
-constexpr uint32_t FRAME_TEXTURE_SIDE = 2048;  // texels
-constexpr float SPRITE_SIDE = 8;               // particle radii
+constexpr float SPRITE_SIDE = 8;  // particle radii
 
 // Without shaders; the shader has a colour of its own.
 constexpr math::Vec4 RIM_COLOR{0.88f, 0.96f, 1, 1};
@@ -67,9 +66,8 @@ void ClearToBlack() {
     glClear(GL_COLOR_BUFFER_BIT);
 }
 
-// The pixels that a box of the world covers, rounded outward.
-FrameRegion GetRegion(const math::BoundingBox2f& box, const WaterView& view) {
-    const FrameRegion frame = GetWholeFrame();
+// The pixels of the frame that a box of the world covers, rounded outward.
+FrameRegion GetRegion(const math::BoundingBox2f& box, const WaterView& view, const FrameRegion& frame) {
     if (!box.IsFinite()) return {};
     const Vec2 a = view.worldToGUI(box.min), b = view.worldToGUI(box.max);
     const auto toPixel = [&view](float gui, int limit) {
@@ -89,26 +87,20 @@ float Stretch(float speed, const WaterView& view) {
 
 }  // namespace
 
-rendering::TextureMentorPtr MakeFrameTexture() {
-    return TextureManager::Make([] {
-        return new Texture(new rendering::BlankImage(FRAME_TEXTURE_SIDE, FRAME_TEXTURE_SIDE),
-                           Texture::ImageType::Frame());
-    });
-}
-
-FrameRegion GetWholeFrame() {
-    constexpr int SIDE = FRAME_TEXTURE_SIDE;
+FrameRegion GetWholeFrame(const Texture& texture) {
     const math::Vec2i frame = rendering::Context::GetSize();
-    return {{0, 0}, {std::min(frame.x, SIDE), std::min(frame.y, SIDE)}};
+    return {{0, 0},
+            {std::min(frame.x, static_cast<int>(texture.GetWidth())),
+             std::min(frame.y, static_cast<int>(texture.GetHeight()))}};
 }
 
-void DrawFrameQuad(const FrameRegion& region, Vec2 size, float guiScale) {
+void DrawFrameQuad(const Texture& texture, const FrameRegion& region, Vec2 size, float guiScale) {
     const Vec2 min(static_cast<float>(region.min.x), static_cast<float>(region.min.y));
     const Vec2 max(static_cast<float>(region.max.x), static_cast<float>(region.max.y));
-    constexpr float SIDE = FRAME_TEXTURE_SIDE;
+    const Vec2 texels(static_cast<float>(texture.GetWidth()), static_cast<float>(texture.GetHeight()));
     Renderer::Instance().DrawQuad({min.x / guiScale, size.y - max.y / guiScale},
-                                  {max.x / guiScale, size.y - min.y / guiScale}, {min.x / SIDE, max.y / SIDE},
-                                  {max.x / SIDE, min.y / SIDE});
+                                  {max.x / guiScale, size.y - min.y / guiScale},
+                                  {min.x / texels.x, max.y / texels.y}, {max.x / texels.x, min.y / texels.y});
 }
 
 WaterPainter::WaterPainter(const script::AttribPtr<float>& fanceyFactor)
@@ -124,16 +116,29 @@ WaterPainter::WaterPainter(const script::AttribPtr<float>& fanceyFactor)
 
 void WaterPainter::DrawField(const physics::ParticleList& particles, const WaterView& view) {
     PROFILE_SECTION("DrawMetaTex");
-    if (!m_metaTexture) m_metaTexture = MakeFrameTexture();
+    if (!m_metaTexture) m_metaTexture = TextureManager::MakeForFrame(Texture::ImageType::Frame());
     const rendering::TexturePtr field = m_metaTexture->Get(), sprite = m_metaBallTexture->Get();
     if (!field || !sprite) return;
-    CollectSprites(particles, view);
+    CollectSprites(particles, view, GetWholeFrame(*field));
     if (m_region.IsEmpty()) return m_sprites.Clear();
     const rendering::ScopedMatrix matrix;
     const rendering::ScopedAttribs attribs;
     glEnable(GL_SCISSOR_TEST);
     glScissor(m_region.min.x, m_region.min.y, m_region.max.x - m_region.min.x,
               m_region.max.y - m_region.min.y);
+    if (field->GetFrameBuffer() != 0) {
+        const rendering::ScopedTarget target(*field);
+        SumUp(*sprite, view);
+    } else {
+        SumUp(*sprite, view);
+        field->Copy(m_region.min, m_region.max);
+        ClearToBlack();
+    }
+}
+
+// Into black.
+void WaterPainter::SumUp(const Texture& sprite, const WaterView& view) {
+    PROFILE_SECTION("Drawing particles");
     ClearToBlack();
     Renderer::Instance().SetColor({1, 1, 1, 1});
     glDisable(GL_DEPTH_TEST);
@@ -141,16 +146,13 @@ void WaterPainter::DrawField(const physics::ParticleList& particles, const Water
     glEnable(GL_BLEND);
     glBlendFunc(GL_ONE, GL_ONE);
     Renderer::Instance().MultMatrix(view.worldToGUI);
-    {
-        PROFILE_SECTION("Drawing particles");
-        const rendering::ScopedTexture bound(sprite);
-        m_sprites.DrawAndClear();
-    }
-    field->Copy(m_region.min, m_region.max);
-    ClearToBlack();
+    sprite.Bind();
+    m_sprites.DrawAndClear();
+    sprite.Unbind();
 }
 
-void WaterPainter::CollectSprites(const physics::ParticleList& particles, const WaterView& view) {
+void WaterPainter::CollectSprites(const physics::ParticleList& particles, const WaterView& view,
+                                  const FrameRegion& frame) {
     const float half = view.radius * SPRITE_SIDE / 2;
     math::BoundingBox2f box = view.box;
     // The square is no distance; how water behaves at the edge of the screen has been tuned with it.
@@ -167,38 +169,39 @@ void WaterPainter::CollectSprites(const physics::ParticleList& particles, const 
                                  math::Perpendicular(heading) * (half / stretch));
     }
     if (!m_sprites.IsEmpty()) drops.Grow(half * std::max(1.0f, view.maxElongation));
-    m_region = GetRegion(drops, view);
+    m_region = GetRegion(drops, view, frame);
 }
 
 // ---- the surface -----------------------------------------------------------------------------------------
 
 void WaterPainter::DrawSurface(const WaterView& view) {
     if (m_region.IsEmpty() || !m_metaTexture || !m_metaTexture->Get()) return;
-    const rendering::ScopedTexture field(m_metaTexture->Get());
+    const rendering::TexturePtr field = m_metaTexture->Get();
+    const rendering::ScopedTexture bound(field);
     if (rendering::Context::UseShaders() && m_waterShader->Get()) {
-        DrawSurfaceByShader(view);
+        DrawSurfaceByShader(*field, view);
     } else {
-        DrawSurfaceByUnit(view);
+        DrawSurfaceByUnit(*field, view);
     }
 }
 
-void WaterPainter::DrawSurfaceByShader(const WaterView& view) {
+void WaterPainter::DrawSurfaceByShader(const Texture& field, const WaterView& view) {
     const rendering::ScopedShader shader(*m_waterShader->Get());
     m_cutoff->Set(view.cutoff);
     m_color->Set(view.color);
-    DrawFrameQuad(m_region, view.size, view.guiScale);
+    DrawFrameQuad(field, m_region, view.size, view.guiScale);
 }
 
 // Two layers in plain colours, opaque but for their edges: the rim, and from a higher field on the water.
-void WaterPainter::DrawSurfaceByUnit(const WaterView& view) {
+void WaterPainter::DrawSurfaceByUnit(const Texture& field, const WaterView& view) {
     {
         const ScopedCut cut(view.cutoff);
         const rendering::ScopedColor rim(RIM_COLOR);
-        DrawFrameQuad(m_region, view.size, view.guiScale);
+        DrawFrameQuad(field, m_region, view.size, view.guiScale);
     }
     const ScopedCut cut(view.cutoff + (1 - view.cutoff) * RIM_SHARE);
     const rendering::ScopedColor inner(math::Vec4(view.color.x, view.color.y, view.color.z, 1));
-    DrawFrameQuad(m_region, view.size, view.guiScale);
+    DrawFrameQuad(field, m_region, view.size, view.guiScale);
 }
 
 void WaterPainter::DrawDiscs(const physics::ParticleList& particles, const WaterView& view) {

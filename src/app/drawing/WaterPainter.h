@@ -31,22 +31,21 @@ struct FrameRegion {
     bool IsEmpty() const { return max.x <= min.x || max.y <= min.y; }
 };
 
-// A texture that frames are copied into, 2048 by 2048.
-rendering::TextureMentorPtr MakeFrameTexture();
-FrameRegion GetWholeFrame();  // or what a frame texture covers of it
-// A region of a frame texture at the place in the frame that it was copied from. `size` of the frame in GUI
-// units, y down.
-void DrawFrameQuad(const FrameRegion& region, math::Vec2 size, float guiScale);
+FrameRegion GetWholeFrame(const rendering::Texture& texture);  // or what the texture covers of it
+// A region of a texture of the frame at its place in the frame. `size` of the frame in GUI units, y down.
+void DrawFrameQuad(const rendering::Texture& texture, const FrameRegion& region, math::Vec2 size,
+                   float guiScale);
 
 // Draws the particles as one smooth body of water: metaballs in screen space (after J. Blinn, ACM TOG 1,
 // 1982). Each particle adds a soft sprite to the field; where the sum exceeds a threshold there is water.
-// The frame buffer serves as the scratch paper for the field, before anything else of the frame is drawn, so
-// no frame buffer object is needed; water beyond 2048 pixels is lost.
+// The field comes before anything else of the frame, so that the frame buffer can be its scratch paper where
+// textures cannot be drawn into.
 class WaterPainter : public util::Pointee {
   public:
     explicit WaterPainter(const script::AttribPtr<float>& fanceyFactor);
 
-    // Adds up the field in the frame buffer, keeps it and leaves the buffer black.
+    // Adds up the field in a texture, or where that cannot be drawn into in the frame buffer, from which it
+    // is copied and which is left black.
     void DrawField(const physics::ParticleList& particles, const WaterView& view);
     // Over what is there: with the shader, or by a texture unit.
     void DrawSurface(const WaterView& view);
@@ -54,10 +53,12 @@ class WaterPainter : public util::Pointee {
     void DrawDiscs(const physics::ParticleList& particles, const WaterView& view);
 
   private:
-    // Fills m_sprites and m_region.
-    void CollectSprites(const physics::ParticleList& particles, const WaterView& view);
-    void DrawSurfaceByShader(const WaterView& view);
-    void DrawSurfaceByUnit(const WaterView& view);
+    void SumUp(const rendering::Texture& sprite, const WaterView& view);
+    // Fills m_sprites and m_region, within `frame`.
+    void CollectSprites(const physics::ParticleList& particles, const WaterView& view,
+                        const FrameRegion& frame);
+    void DrawSurfaceByShader(const rendering::Texture& field, const WaterView& view);
+    void DrawSurfaceByUnit(const rendering::Texture& field, const WaterView& view);
 
     rendering::TextureMentorPtr m_metaTexture;      // the field; made with the first water
     rendering::TextureMentorPtr m_metaBallTexture;  // one drop's field
