@@ -6,6 +6,7 @@
 set -euo pipefail
 SIZE=160x120
 WINDOW='[640, 480]'
+NO_TOOLS='App.AppGUI.windows = "Tools closed - - Control closed - -";'  # or the view keeps clear of them
 START_LIMIT_SECONDS=60
 SETTLE_SECONDS=2  # the view glides to the scene and clouds come into it
 
@@ -24,7 +25,7 @@ trap '[ -z "$pid" ] || kill -9 $pid 2>/dev/null || true; rm -rf "$copy"' EXIT
 for scene in "$@"; do
     rm -rf "$copy" && cp -r "$program" "$copy" && rm -f "$copy"/config*.cfg
     cp "$scene" "$copy/Scenes/"
-    echo "System.resolution = $WINDOW; GUI.opaqueness = 0.0;" >> "$copy/autoexec.cfg"
+    echo "System.resolution = $WINDOW; GUI.opaqueness = 0.0; $NO_TOOLS" >> "$copy/autoexec.cfg"
     (cd "$copy" && exec ./Vexa "Scenes/$(basename "$scene")") > /dev/null 2>&1 &
     pid=$!
     window=

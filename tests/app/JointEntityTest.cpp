@@ -7,6 +7,8 @@
 #include "app/entities/SpringEntity.h"
 #include "app/history/Actions.h"
 #include "app/history/Cloning.h"
+#include "input/Input.h"
+#include "input/Key.h"
 #include "physics/Hinge.h"
 #include "physics/Joints.h"
 #include "support/Length.h"
@@ -165,6 +167,34 @@ TEST_F(JointEntityTest, ArrowKeysWithoutAKeyLetTheHingeTurnFreely) {
     GetApp().Update(0.01f);
     EXPECT_FALSE(pin->GetHinge()->GetMotor());
     EXPECT_TRUE(pin->m_motor->Get());
+}
+
+// As a field that is typed into, or a menu that the arrows walk through.
+class KeyTaker : public gui::InputListener {
+  public:
+    void OnKeyEvent(gui::KeyEvent& event) override { event.m_handled = true; }
+};
+
+TEST_F(JointEntityTest, ArrowKeysThatSomebodyElseTookDriveNothing) {
+    AddCircle({0, 0}, 1);
+    const HingeEntityPtr pin = AddHinge({0, 0});
+    pin->m_controller->SetValue(script::ValueToObject("arrowkeys"));
+    gui::Input& input = gui::Input::Instance();
+    const auto isDrivenByPress = [&] {
+        gui::KeyEvent event;
+        event.m_key = gui::Key::Right;
+        event.m_pressed = true;
+        input.OnKeyEvent(event);
+        GetApp().Update(0.01f);
+        event.m_pressed = event.m_handled = false;
+        input.OnKeyEvent(event);
+        return pin->GetHinge()->GetMotor();
+    };
+    EXPECT_TRUE(isDrivenByPress());
+    const util::SharedPtr<KeyTaker> taker = new KeyTaker;
+    input.AddListener(taker);
+    EXPECT_FALSE(isDrivenByPress());
+    input.RemoveListener(*taker);
 }
 
 // Rolling without slipping, v = w r.

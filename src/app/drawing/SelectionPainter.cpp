@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "app/entities/GeomEntity.h"
+#include "app/entities/SpringEntity.h"
 #include "app/scene/Selection.h"
 #include "math/Geometry.h"
 #include "physics/Geom.h"
@@ -72,6 +73,11 @@ Vec2 GetNormal(Vec2 a, Vec2 b) {
     return length > 0 ? math::Perpendicular(b - a) / length : Vec2();
 }
 
+math::Vec2List GetStrip(const SpringEntity& spring) {
+    const Vec2 a = spring.GetPos(0), b = spring.GetPos(1), side = GetNormal(a, b) * (spring.GetSize() / 2);
+    return {a - side, b - side, b + side, a + side};
+}
+
 // From a corner to the line's left side, for half a width of 1.
 Vec2 GetMitre(Vec2 before, Vec2 after) {
     const Vec2 sum = before + after;
@@ -108,6 +114,8 @@ void SelectionPainter::AddOutline(const Entity& entity, const math::BoundingBox2
         AddStroke(GetCircle(circle->GetPos(), circle->m_radius), true);
     } else if (const auto* const plane = dynamic_cast<const physics::Plane*>(geom)) {
         AddStroke(GetEdge(plane->GetPlane(), view), false);
+    } else if (const auto* const spring = dynamic_cast<const SpringEntity*>(&entity)) {
+        AddStroke(GetStrip(*spring), true);
     } else {
         AddStroke(GetBox(entity.GetBoundingBox()), true);
     }

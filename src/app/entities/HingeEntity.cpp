@@ -74,13 +74,13 @@ void HingeEntity::PushSettings() {
 
 void HingeEntity::ObeyArrowKeys() {
     const gui::Input& input = gui::Input::Instance();
-    const float speed = GetSignedSpeed() * (input.IsKeyDown(gui::Key::Up) ? 2.0f : 1.0f);
+    const float speed = GetSignedSpeed() * (input.IsKeyDownHere(gui::Key::Up) ? 2.0f : 1.0f);
     m_hinge->SetMotor(true);
-    if (input.IsKeyDown(gui::Key::Down)) {
+    if (input.IsKeyDownHere(gui::Key::Down)) {
         m_hinge->SetMotorSpeed(0);
-    } else if (input.IsKeyDown(gui::Key::Right)) {
+    } else if (input.IsKeyDownHere(gui::Key::Right)) {
         m_hinge->SetMotorSpeed(speed);
-    } else if (input.IsKeyDown(gui::Key::Left)) {
+    } else if (input.IsKeyDownHere(gui::Key::Left)) {
         m_hinge->SetMotorSpeed(-speed);
     } else {
         m_hinge->SetMotor(false);

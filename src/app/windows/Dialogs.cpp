@@ -93,9 +93,9 @@ struct Gesture {
     const char* m_picture;
     const char* m_key;  // of the text below it
 };
-const Gesture GESTURES[] = {{"gui/help/draw", "UndoPolygon"}, {"gui/help/select", "SelectMenu"},
-                            {"gui/help/erase", "UndoErase"},  {"gui/help/move", "UndoMove"},
-                            {"gui/help/turn", "UndoRotate"},  {"gui/help/zoom", "Zoom"}};
+const Gesture GESTURES[] = {{"gui/help/draw", "GestureDraw"},   {"gui/help/select", "SelectMenu"},
+                            {"gui/help/erase", "GestureErase"}, {"gui/help/move", "GestureMove"},
+                            {"gui/help/turn", "GestureTurn"},   {"gui/help/zoom", "Zoom"}};
 
 ComponentPtr MakeGestureTile(const Gesture& gesture) {
     const ComponentPtr tile = new gui::Component("Gesture", new gui::ListLayout(gui::ListLayout::Vertical));
