@@ -3,9 +3,10 @@
 #include <cstdint>
 
 #include "physics/ContactRow.h"
-#include "physics/ContactSweeps.h"
 #include "physics/Fwd.h"
+#include "physics/HingeRow.h"
 #include "physics/ResidualSort.h"
+#include "physics/RowSweeps.h"
 #include "physics/SolverBody.h"
 #include "util/VectorPOD.h"
 
@@ -18,8 +19,8 @@ namespace physics {
 // The sweeps run over packed copies of constraints and bodies, filled after SolveInit and stored back once.
 // The order of the sweeps is that of the list, or by residual; but all that it fixes is which of two
 // constraints over the same movable body goes first. So each constraint is given the first level after those
-// of its two bodies' earlier constraints, and the contacts of a level are solved eight at a time, with the
-// very bits that one after the other would give.
+// of its two bodies' earlier constraints, and the contacts or hinges of a level are solved eight at a time,
+// with the very bits that one after the other would give.
 //
 // Between sweeps the solve goes on along the way it has been going (nonlinear conjugate gradients), which
 // carries loads through tall stacks and long chains.
@@ -36,7 +37,7 @@ class ConstraintSolver {
              const StepSettings& settings);
 
     // Which loops the sweeps use, all with the same bits. The fastest unless told otherwise.
-    void SetContactSweeps(const ContactSweeps& sweeps) { m_sweeps = &sweeps; }
+    void SetRowSweeps(const RowSweeps& sweeps) { m_sweeps = &sweeps; }
 
   private:
     struct Entry {
@@ -45,16 +46,18 @@ class ConstraintSolver {
     };
     static constexpr uint32_t INACTIVE = 0xFFFFFFFFu;
 
+    // What the sweeps treat alike: contacts and hinges in groups, and hinges with motors one by one.
+    enum RowKind : uint32_t { CONTACTS, HINGES, MOTORS, ROW_KINDS };
+
     // Constraints that share no movable body, up to these ends.
     struct Level {
-        uint32_t groupsEnd;  // in m_groups
-        uint32_t hingesEnd;  // in m_hinges
+        uint32_t ends[ROW_KINDS];  // in m_groups, m_hingeGroups and m_motors
     };
     // Of a body its velocities, and its inverse mass, whose trend stays 0.
     struct alignas(16) BodyMotion {
         math::real numbers[4];
     };
-    struct HingeRow {
+    struct MotorRow {
         Hinge* hinge;
         uint32_t body0;
         uint32_t body1;
@@ -74,11 +77,15 @@ class ConstraintSolver {
     void SortByResidual();
     void AssignLevels();
     uint32_t RaiseLevel(uint32_t body0, uint32_t body1);
+    static RowKind GetKind(const Entry& entry);
     void LayOutLevels();
+    void JoinLevels();
+    void ClearLastGroups();
     void ArrangeRows();
     void PutInGroup(const ContactRow& row, uint32_t slot);
+    void PutHinge(const ContactRow& row, const Hinge& hinge, uint32_t slot);
     math::real Sweep(SweepKind kind, math::real trendShare);
-    void SolveHinge(const HingeRow& row);
+    void SolveMotor(const MotorRow& row);
     void SweepWithTrend(int sweeps);
     void FollowTrend(math::real share);
     void StoreRows();
@@ -86,22 +93,24 @@ class ConstraintSolver {
 
     void SolvePrioritized(const AbstractBodyList& bodies, int sweeps);
 
-    const ContactSweeps* m_sweeps = &GetContactSweeps();
-    util::VectorPOD<Entry> m_list;             // hinges, then contacts
-    util::VectorPOD<uint32_t> m_places;        // per body: its place in the two below, or INACTIVE
-    AbstractBodyList m_active;                 // bodies with constraints, in order of first mention
-    util::VectorPOD<SolverBody> m_bodies;      // their copies, and one that never moves, for unused lanes
-    util::VectorPOD<ContactRow> m_rows;        // in the order of the list; of a hinge only the bodies
-    util::VectorPOD<uint32_t> m_order;         // list indices, greatest residual first
-    util::VectorPOD<uint32_t> m_bodyLevels;    // per body: levels in use so far
-    util::VectorPOD<uint32_t> m_entryLevels;   // per list entry
-    util::VectorPOD<uint32_t> m_slots;         // per list entry: its place among the groups' lanes
-    util::VectorPOD<uint32_t> m_cursors;       // per level: the next free lane
-    util::VectorPOD<uint32_t> m_hingeCursors;  // per level: the next free place in m_hinges
+    const RowSweeps* m_sweeps = &GetRowSweeps();
+    util::VectorPOD<Entry> m_list;            // hinges, then contacts
+    util::VectorPOD<uint32_t> m_places;       // per body: its place in the two below, or INACTIVE
+    AbstractBodyList m_active;                // bodies with constraints, in order of first mention
+    util::VectorPOD<SolverBody> m_bodies;     // their copies, and one that never moves, for unused lanes
+    util::VectorPOD<ContactRow> m_rows;       // in the order of the list; of a hinge only the bodies
+    util::VectorPOD<uint32_t> m_order;        // list indices, greatest residual first
+    util::VectorPOD<uint32_t> m_bodyLevels;   // per body: levels in use so far
+    util::VectorPOD<uint32_t> m_entryLevels;  // per list entry
+    util::VectorPOD<uint32_t> m_slots;        // per list entry: its place among the lanes of its kind
     util::VectorPOD<Level> m_levels;
+    util::VectorPOD<Level> m_cursors;  // per level: the next free lanes
+    util::VectorPOD<Level> m_stages;   // levels, and runs of levels of one kind joined to one
     util::VectorPOD<ContactRow8> m_groups;
-    util::VectorPOD<HingeRow> m_hinges;
+    util::VectorPOD<HingeRow8> m_hingeGroups;
+    util::VectorPOD<MotorRow> m_motors;
     util::VectorPOD<ContactTrend8> m_trends;      // of m_groups
+    util::VectorPOD<HingeTrend8> m_hingeTrends;   // of m_hingeGroups
     util::VectorPOD<BodyMotion> m_motionTrends;   // of m_bodies: the velocities that the rows' trends make
     util::VectorPOD<BodyMotion> m_motionsBefore;  // the last sweep
     ResidualSort m_sort;

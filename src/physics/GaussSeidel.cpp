@@ -30,6 +30,7 @@ void ConstraintSolver::SolveGaussSeidel(const StepSettings& settings) {
         SweepWithTrend(settings.sweeps);
     } else {
         m_trends.clear();
+        m_hingeTrends.clear();
         for (int i = 0; i < settings.sweeps; ++i) Sweep(SweepKind::PLAIN, 0);
     }
     StoreRows();
@@ -106,6 +107,11 @@ uint32_t ConstraintSolver::RaiseLevel(uint32_t body0, uint32_t body1) {
     return level;
 }
 
+ConstraintSolver::RowKind ConstraintSolver::GetKind(const Entry& entry) {
+    if (entry.hinge == nullptr) return CONTACTS;
+    return entry.hinge->GetMotor() ? MOTORS : HINGES;
+}
+
 void ConstraintSolver::AssignLevels() {
     m_bodyLevels.clear();
     m_bodyLevels.resize(m_bodies.size(), 0);
@@ -113,46 +119,78 @@ void ConstraintSolver::AssignLevels() {
     m_levels.clear();
     for (const uint32_t i : m_order) {
         const uint32_t level = RaiseLevel(m_rows[i].body0, m_rows[i].body1);
-        if (level >= m_levels.size()) m_levels.resize(level + 1, {0, 0});
-        ++(m_list[i].hinge ? m_levels[level].hingesEnd : m_levels[level].groupsEnd);
+        if (level >= m_levels.size()) m_levels.resize(level + 1, Level{});
+        ++m_levels[level].ends[GetKind(m_list[i])];
         m_entryLevels[i] = level;
     }
 }
 
 // Turns the levels' counts of constraints into places.
 void ConstraintSolver::LayOutLevels() {
+    constexpr uint32_t GROUP[ROW_KINDS] = {ContactRow8::LANES, HingeRow8::LANES, 1};
     m_cursors.resize(m_levels.size());
-    uint32_t groups = 0;
-    uint32_t hinges = 0;
+    Level total = {};
     for (size_t i = 0; i < m_levels.size(); ++i) {
-        m_cursors[i] = groups * ContactRow8::LANES;
-        groups += (m_levels[i].groupsEnd + ContactRow8::LANES - 1) / ContactRow8::LANES;
-        hinges += m_levels[i].hingesEnd;
-        m_levels[i] = {groups, hinges};
+        for (uint32_t kind = 0; kind < ROW_KINDS; ++kind) {
+            m_cursors[i].ends[kind] = total.ends[kind] * GROUP[kind];
+            total.ends[kind] += (m_levels[i].ends[kind] + GROUP[kind] - 1) / GROUP[kind];
+            m_levels[i].ends[kind] = total.ends[kind];
+        }
     }
-    m_groups.resize(groups);
-    m_hinges.resize(hinges);
+    m_groups.resize(total.ends[CONTACTS]);
+    m_hingeGroups.resize(total.ends[HINGES]);
+    m_motors.resize(total.ends[MOTORS]);
+    JoinLevels();
+    ClearLastGroups();
+}
+
+// Levels of nothing but contacts, or of nothing but hinges, follow each other without a break.
+void ConstraintSolver::JoinLevels() {
+    m_stages.clear();
+    Level begin = {};
+    RowKind last = ROW_KINDS;
+    for (const Level& level : m_levels) {
+        RowKind kind = ROW_KINDS;
+        uint32_t kinds = 0;
+        for (const RowKind k : {CONTACTS, HINGES, MOTORS}) {
+            if (level.ends[k] == begin.ends[k]) continue;
+            kind = k;
+            ++kinds;
+        }
+        if (kinds > 1) kind = ROW_KINDS;
+        if (kind != ROW_KINDS && kind == last) {
+            m_stages.back() = level;
+        } else {
+            m_stages.push_back(level);
+        }
+        last = kind;
+        begin = level;
+    }
+}
+
+// The lanes that stay free join the body that never moves to itself, and do nothing.
+void ConstraintSolver::ClearLastGroups() {
+    ContactRow8 unusedContacts = {};
+    HingeRow8 unusedHinges = {};
+    for (uint32_t lane = 0; lane < ContactRow8::LANES; ++lane) {
+        const uint32_t fixed = static_cast<uint32_t>(m_bodies.size() - 1);
+        unusedContacts.body0[lane] = unusedContacts.body1[lane] = fixed;
+        unusedHinges.body0[lane] = unusedHinges.body1[lane] = fixed;
+    }
+    for (const Level& level : m_levels) {
+        if (level.ends[CONTACTS] > 0) m_groups[level.ends[CONTACTS] - 1] = unusedContacts;
+        if (level.ends[HINGES] > 0) m_hingeGroups[level.ends[HINGES] - 1] = unusedHinges;
+    }
 }
 
 void ConstraintSolver::ArrangeRows() {
-    const uint32_t lanes = static_cast<uint32_t>(m_groups.size()) * ContactRow8::LANES;
-    ContactRow unused = {};
-    unused.body0 = unused.body1 = static_cast<uint32_t>(m_bodies.size() - 1);
     m_slots.resize(m_list.size());
-    m_hingeCursors.resize(m_levels.size());
-    for (size_t i = 0; i < m_levels.size(); ++i) m_hingeCursors[i] = i == 0 ? 0 : m_levels[i - 1].hingesEnd;
     for (const uint32_t i : m_order) {
-        const uint32_t level = m_entryLevels[i];
-        if (Hinge* const hinge = m_list[i].hinge) {
-            m_hinges[m_hingeCursors[level]++] = {hinge, m_rows[i].body0, m_rows[i].body1};
-            continue;
-        }
-        m_slots[i] = m_cursors[level]++;
-        PutInGroup(m_rows[i], m_slots[i]);
-    }
-    for (size_t i = 0; i < m_levels.size(); ++i) {
-        const uint32_t end = std::min(m_levels[i].groupsEnd * ContactRow8::LANES, lanes);
-        while (m_cursors[i] < end) PutInGroup(unused, m_cursors[i]++);
+        const RowKind kind = GetKind(m_list[i]);
+        const uint32_t slot = m_slots[i] = m_cursors[m_entryLevels[i]].ends[kind]++;
+        if (kind == CONTACTS) PutInGroup(m_rows[i], slot);
+        if (kind == HINGES) PutHinge(m_rows[i], *m_list[i].hinge, slot);
+        if (kind == MOTORS) m_motors[slot] = {m_list[i].hinge, m_rows[i].body0, m_rows[i].body1};
     }
 }
 
@@ -178,33 +216,39 @@ void ConstraintSolver::PutInGroup(const ContactRow& row, uint32_t slot) {
     group.tangentImpulse[lane] = row.m_tangentImpulse;
 }
 
+void ConstraintSolver::PutHinge(const ContactRow& row, const Hinge& hinge, uint32_t slot) {
+    HingeRow8& group = m_hingeGroups[slot / HingeRow8::LANES];
+    const uint32_t lane = slot % HingeRow8::LANES;
+    group.body0[lane] = row.body0;
+    group.body1[lane] = row.body1;
+    group.inertiaInv0[lane] = m_bodies[row.body0].m_inertiaInv;
+    group.inertiaInv1[lane] = m_bodies[row.body1].m_inertiaInv;
+    hinge.Pack(group, lane);
+}
+
 // ---- sweeps --------------------------------------------------------------------------------------------
 
-// Gives the sum of the squares of the contacts' changes, of a sweep with a trend.
+// Gives the sum of the squares of the groups' changes, of a sweep with a trend.
 math::real ConstraintSolver::Sweep(SweepKind kind, math::real trendShare) {
-    const ContactSweeps& sweeps = *m_sweeps;
-    const auto solve = kind == SweepKind::PLAIN  ? sweeps.plain
-                       : kind == SweepKind::LAST ? sweeps.last
-                                                 : sweeps.withTrend;
     alignas(32) math::real squares[ContactRow8::LANES] = {};
-    const auto solveContacts = [&](uint32_t begin, uint32_t end) {
+    const auto solve = [&](auto function, auto& groups, auto& trends, uint32_t begin, uint32_t end) {
         if (begin == end) return;
-        ContactTrend8* const trends = m_trends.empty() ? nullptr : m_trends.data() + begin;
-        solve({m_groups.data() + begin, end - begin, trends, trendShare, squares, m_bodies.data()});
+        auto* const trend = trends.empty() ? nullptr : trends.data() + begin;
+        function({groups.data() + begin, end - begin, trend, trendShare, squares, m_bodies.data()});
     };
-    uint32_t group = 0, hinge = 0;
-    for (const Level& level : m_levels) {
-        if (hinge == level.hingesEnd) continue;  // its contacts can wait for those of the next
-        solveContacts(group, level.groupsEnd);
-        group = level.groupsEnd;
-        for (; hinge < level.hingesEnd; ++hinge) SolveHinge(m_hinges[hinge]);
+    const auto k = static_cast<size_t>(kind);
+    Level begin = {};
+    for (const Level& end : m_stages) {
+        solve(m_sweeps->contacts[k], m_groups, m_trends, begin.ends[CONTACTS], end.ends[CONTACTS]);
+        solve(m_sweeps->hinges[k], m_hingeGroups, m_hingeTrends, begin.ends[HINGES], end.ends[HINGES]);
+        for (uint32_t i = begin.ends[MOTORS]; i < end.ends[MOTORS]; ++i) SolveMotor(m_motors[i]);
+        begin = end;
     }
-    solveContacts(group, static_cast<uint32_t>(m_groups.size()));
     const math::real* const s = squares;
     return ((s[0] + s[1]) + (s[2] + s[3])) + ((s[4] + s[5]) + (s[6] + s[7]));
 }
 
-void ConstraintSolver::SolveHinge(const HingeRow& row) {
+void ConstraintSolver::SolveMotor(const MotorRow& row) {
     SolverBody& b0 = m_bodies[row.body0];
     SolverBody& b1 = m_bodies[row.body1];
     row.hinge->Calc(b0, b1);
@@ -223,7 +267,9 @@ void ConstraintSolver::SolveHinge(const HingeRow& row) {
 void ConstraintSolver::SweepWithTrend(int sweeps) {
     m_trends.clear();
     m_trends.resize(m_groups.size(), ContactTrend8{});
-    for (const HingeRow& row : m_hinges) row.hinge->ForgetTrend();
+    m_hingeTrends.clear();
+    m_hingeTrends.resize(m_hingeGroups.size(), HingeTrend8{});
+    for (const MotorRow& row : m_motors) row.hinge->ForgetTrend();
     m_motionTrends.clear();
     m_motionTrends.resize(m_bodies.size(), BodyMotion{});
     m_motionsBefore.resize(m_bodies.size());
@@ -232,7 +278,7 @@ void ConstraintSolver::SweepWithTrend(int sweeps) {
     math::real last = 0, share = 0;
     for (int i = 1; i < sweeps; ++i) {
         math::real size = Sweep(SweepKind::WITH_TREND, share);
-        for (const HingeRow& row : m_hinges) size += row.hinge->GetSquaredDelta();
+        for (const MotorRow& row : m_motors) size += row.hinge->GetSquaredDelta();
         share = size < last ? size / last : 0;
         last = size;
         FollowTrend(share);
@@ -240,10 +286,10 @@ void ConstraintSolver::SweepWithTrend(int sweeps) {
     Sweep(SweepKind::LAST, share);
 }
 
-// Of bodies and hinges; those of the contacts follow in the next sweep.
+// Of bodies and motors; the groups follow in the next sweep.
 void ConstraintSolver::FollowTrend(math::real share) {
     const Float4 s = Fill4(share);
-    for (const HingeRow& row : m_hinges) row.hinge->FollowTrend(share);
+    for (const MotorRow& row : m_motors) row.hinge->FollowTrend(share);
     for (size_t i = 0; i < m_bodies.size(); ++i) {
         math::real* const velocity = &m_bodies[i].m_deltaVel.x;
         math::real* const before = m_motionsBefore[i].numbers;
@@ -261,11 +307,13 @@ void ConstraintSolver::FollowTrend(math::real share) {
 
 void ConstraintSolver::StoreRows() {
     for (uint32_t i = 0; i < m_list.size(); ++i) {
-        if (m_list[i].hinge) continue;
+        const uint32_t place = m_slots[i] / ContactRow8::LANES, lane = m_slots[i] % ContactRow8::LANES;
+        const RowKind kind = GetKind(m_list[i]);
+        if (kind == HINGES) m_list[i].hinge->Unpack(m_hingeGroups[place], lane);
+        if (kind != CONTACTS) continue;
         Contact& contact = *static_cast<Contact*>(m_list[i].constraint);
-        const ContactRow8& group = m_groups[m_slots[i] / ContactRow8::LANES];
-        contact.m_normalImpulse = group.normalImpulse[m_slots[i] % ContactRow8::LANES];
-        contact.m_tangentImpulse = group.tangentImpulse[m_slots[i] % ContactRow8::LANES];
+        contact.m_normalImpulse = m_groups[place].normalImpulse[lane];
+        contact.m_tangentImpulse = m_groups[place].tangentImpulse[lane];
     }
 }
 

@@ -24,6 +24,7 @@
 
 #include "physics/Body.h"
 #include "physics/Geom.h"
+#include "physics/HingeRow.h"
 #include "physics/HingeSolve.h"
 #include "physics/SolverBody.h"
 #include "physics/StepSettings.h"
@@ -139,6 +140,25 @@ void Hinge::WarmStart(math::real share) {
     if (!m_motor || m_motorImpulse == 0) return;
     m_motorImpulse *= share;
     ApplyTurnPair(*m_bodies[0], *m_bodies[1], m_motorImpulse);
+}
+
+void Hinge::Pack(HingeRow8& group, uint32_t lane) const {
+    group.r0x[lane] = m_r[0].x;
+    group.r0y[lane] = m_r[0].y;
+    group.r1x[lane] = m_r[1].x;
+    group.r1y[lane] = m_r[1].y;
+    group.k00[lane] = m_invK.m[0][0];
+    group.k01[lane] = m_invK.m[0][1];
+    group.k10[lane] = m_invK.m[1][0];
+    group.k11[lane] = m_invK.m[1][1];
+    group.targetX[lane] = m_target.x;
+    group.targetY[lane] = m_target.y;
+    group.impulseX[lane] = m_impulse.x;
+    group.impulseY[lane] = m_impulse.y;
+}
+
+void Hinge::Unpack(const HingeRow8& group, uint32_t lane) {
+    m_impulse = {group.impulseX[lane], group.impulseY[lane]};
 }
 
 math::real Hinge::GetSquaredDelta() const {

@@ -7,6 +7,8 @@
 
 namespace physics {
 
+struct HingeRow8;
+
 // A pin through two geoms: two rows that hold the anchors together and, with the motor on, one that drives
 // the relative angular velocity. Geoms joined by a hinge do not collide.
 //
@@ -52,8 +54,12 @@ class Hinge final : public Constraint {
     template <class B>
     void Apply(B& b0, B& b1);
 
-    // For the solver's conjugate gradients: the squared size of what Apply has just added, and the step along
-    // the trend of such additions.
+    // To and from a group of the solver, for a hinge without motor: all but the bodies, and the impulse.
+    void Pack(HingeRow8& group, uint32_t lane) const;
+    void Unpack(const HingeRow8& group, uint32_t lane);
+
+    // For the solver's conjugate gradients, of a hinge with a motor: the squared size of what Apply has just
+    // added, and the step along the trend of such additions.
     math::real GetSquaredDelta() const;
     void FollowTrend(math::real share);
     void ForgetTrend();

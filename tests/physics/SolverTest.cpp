@@ -192,9 +192,8 @@ TEST_F(Solver, PackedSweepsEqualThePlainOrderBitForBit) {
 
 // With registers of eight floats as with those of four, trends and hinges between the levels included.
 TEST_F(Solver, WideSweepsEqualNarrowOnesBitForBit) {
-    const physics::ContactSweeps& fastest = physics::GetContactSweeps();
-    if (&fastest == &physics::GetNarrowContactSweeps())
-        GTEST_SKIP() << "this processor has no wide registers";
+    const physics::RowSweeps& fastest = physics::GetRowSweeps();
+    if (&fastest == &physics::GetNarrowRowSweeps()) GTEST_SKIP() << "this processor has no wide registers";
     uint32_t seed = 1;
     for (const int contacts : {1, 4, 5, 60, 400}) {
         for (const int hinges : {0, 12}) {
@@ -202,11 +201,11 @@ TEST_F(Solver, WideSweepsEqualNarrowOnesBitForBit) {
             Clear();
             MakeScene(seed++, 40, contacts, hinges);
             std::vector<Motion> motions[2];
-            for (const auto* const sweeps : {&physics::GetNarrowContactSweeps(), &fastest}) {
+            for (const auto* const sweeps : {&physics::GetNarrowRowSweeps(), &fastest}) {
                 physics::ConstraintSolver solver;
                 ForgetHingeImpulses(solver);
                 Restore();
-                solver.SetContactSweeps(*sweeps);
+                solver.SetRowSweeps(*sweeps);
                 solver.Run(m_bodies, m_hinges, m_contacts, sim.GetStepSettings());
                 motions[sweeps == &fastest ? 1 : 0] = GetMotions();
             }

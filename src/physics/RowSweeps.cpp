@@ -1,7 +1,7 @@
-#include "physics/ContactSweeps.h"
+#include "physics/RowSweeps.h"
 
-#include "physics/ContactSweepLoops.h"
 #include "physics/Float4.h"
+#include "physics/RowSweepLoops.h"
 
 namespace physics {
 
@@ -38,16 +38,16 @@ struct Narrow {
 
 }  // namespace
 
-const ContactSweeps& GetNarrowContactSweeps() {
-    return ContactSweepLoops<Narrow>::TABLE;
+const RowSweeps& GetNarrowRowSweeps() {
+    return RowSweepLoops<Narrow>::TABLE;
 }
 
-const ContactSweeps& GetContactSweeps() {
+const RowSweeps& GetRowSweeps() {
 #if defined(__x86_64__)
-    const ContactSweeps* const wide = GetWideContactSweeps();
+    const RowSweeps* const wide = GetWideRowSweeps();
     if (wide != nullptr && __builtin_cpu_supports("avx2")) return *wide;
 #endif
-    return GetNarrowContactSweeps();
+    return GetNarrowRowSweeps();
 }
 
 }  // namespace physics

@@ -2,7 +2,7 @@
 // elsewhere that the compiler could leave as a function of its own: the linker might keep this file's copy
 // for everybody.
 
-#include "physics/ContactSweepLoops.h"
+#include "physics/RowSweepLoops.h"
 
 #if defined(__AVX2__)
 #include <immintrin.h>
@@ -65,13 +65,13 @@ struct Wide {
 
 }  // namespace
 
-const ContactSweeps* GetWideContactSweeps() {
-    return &ContactSweepLoops<Wide>::TABLE;
+const RowSweeps* GetWideRowSweeps() {
+    return &RowSweepLoops<Wide>::TABLE;
 }
 
 #else
 
-const ContactSweeps* GetWideContactSweeps() {
+const RowSweeps* GetWideRowSweeps() {
     return nullptr;
 }
 
