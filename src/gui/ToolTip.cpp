@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "gui/Focus.h"
 #include "gui/LookAndFeel.h"
 #include "input/Input.h"
 #include "rendering/Gl.h"
@@ -26,15 +27,26 @@ ToolTip::ToolTip() : Label(String(), "ToolTip") {
     SetMaxWidth(MAX_WIDTH);
 }
 
-// The nearest component around the mouse's place that has a text to show.
+// The mouse or the keyboard, whichever moved last.
+void ToolTip::ChooseLeader() {
+    Component* const focused = Focus::Get();
+    const math::Vec2 mouse = Input::Instance().GetMousePosition();
+    if (focused != m_focused.Get()) m_followsKeyboard = focused != nullptr;
+    if (mouse != m_mouse) m_followsKeyboard = false;
+    m_focused = focused;
+    m_mouse = mouse;
+}
+
+// The nearest component around the mouse's place or the focus that has a text to show.
 const Component* ToolTip::FindTarget() const {
-    const Component* c = GetTreeRoot().FindAt(Input::Instance().GetMousePosition());
+    const Component* c = m_followsKeyboard ? Focus::Get() : GetTreeRoot().FindAt(m_mouse);
     while (c != nullptr && c->GetToolTip().empty()) c = c->GetParent();
     return c;
 }
 
 void ToolTip::Update(float dt) {
     Label::Update(dt);
+    ChooseLeader();
     const Component* const target = FindTarget();
     const double now = util::Clock::Now();
     if (target != m_target.Get() || Input::Instance().IsMouseButtonDown()) {
@@ -42,18 +54,19 @@ void ToolTip::Update(float dt) {
         m_since = now;
     }
     const bool isDue = target != nullptr && now - m_since >= DELAY;
-    if (isDue && !m_visible) Show(target->GetToolTip());
+    if (isDue && !m_visible) Show(*target);
     if (isDue != m_visible) util::Redraw::Request();
     m_visible = isDue;
 }
 
-// Right below the mouse, or left above it where there is no room.
-void ToolTip::Show(const String& text) {
-    SetText(text);
-    const math::Vec2 mouse = Input::Instance().GetMousePosition(), size = GetOuterSize();
-    const math::Vec2 room = GetParent()->GetSize() - size;
-    math::Vec2 place = mouse + MOUSE_DISTANCE;
-    if (place.y > room.y) place.y = mouse.y - size.y;
+// Right below the mouse or the control, or above it where there is no room.
+void ToolTip::Show(const Component& target) {
+    SetText(target.GetToolTip());
+    const math::BoundingBox2f box = GetBoxInView(target);
+    const math::Vec2 size = GetOuterSize(), room = GetParent()->GetSize() - size;
+    const float top = m_followsKeyboard ? box.min.y : m_mouse.y;
+    math::Vec2 place = m_followsKeyboard ? math::Vec2(box.min.x, box.max.y) : m_mouse + MOUSE_DISTANCE;
+    if (place.y > room.y) place.y = top - size.y;
     SetPos(std::clamp(place.x, 0.0f, std::max(room.x, 0.0f)), std::max(place.y, 0.0f));
 }
 

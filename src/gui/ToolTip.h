@@ -4,8 +4,8 @@
 
 namespace gui {
 
-// The one text beside the mouse that explains what the mouse rests on. A child of the root, above all else;
-// empty and invisible most of the time.
+// The one text that explains what the mouse rests on, beside the mouse, or what the keyboard's focus rests
+// on, below that. A child of the root, above all else; empty and invisible most of the time.
 class ToolTip : public Label {
   public:
     ToolTip();
@@ -17,11 +17,15 @@ class ToolTip : public Label {
     const char* GetKind() const override { return "ToolTip"; }
 
   private:
+    void ChooseLeader();
     const Component* FindTarget() const;
-    void Show(const String& text);
+    void Show(const Component& target);
 
-    ComponentWeakPtr m_target;  // what the mouse is over
-    double m_since = 0;         // seconds; when it came there, or was last pressed there
+    ComponentWeakPtr m_focused;      // as of the last frame
+    math::Vec2 m_mouse;              // likewise
+    bool m_followsKeyboard = false;  // the focus has moved later than the mouse
+    ComponentWeakPtr m_target;       // what the mouse is over, or what has the focus
+    double m_since = 0;              // seconds; when it came there, or was last pressed there
     bool m_visible = false;
 };
 

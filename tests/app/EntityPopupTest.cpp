@@ -183,6 +183,17 @@ TEST_F(EntityPopupTest, OneMenuAtATimeUnlessItIsTornOff) {
     EXPECT_FALSE(FindTopLevel("ChooseColor"));
     gui::Window* const info = FindTopLevel("EntInfoMenu");
     ASSERT_TRUE(info);
+    const Vec2 between = info->GetPos() - FindPopup()->GetPos();
+    gui::KeyEvent press;
+    press.m_key = Key::LeftMouse;
+    press.m_pressed = true;
+    press.m_position = FindPopup()->ToGUI({10, -10});
+    App().OnKeyEvent(press);
+    gui::MouseMoveEvent move;
+    move.m_delta = {-100, -30};
+    App().OnMouseMove(move);
+    App().Component::Update(0);
+    EXPECT_EQ(info->GetPos() - FindPopup()->GetPos(), between) << "it goes along";
     GUI().AddChild(info);
     PressButton("GeomMenuButton");
     EXPECT_TRUE(FindTopLevel("EntInfoMenu"));

@@ -8,6 +8,8 @@
 #include "gui/components/Button.h"
 #include "gui/components/ScrollArea.h"
 #include "gui/components/TextField.h"
+#include "input/Input.h"
+#include "util/Clock.h"
 
 namespace {
 
@@ -195,6 +197,41 @@ TEST_F(TreeTest, AScrolledTextTakesTheArrows) {
     EXPECT_EQ(area->GetOffset(), 22);
     text->AddChild(new Button("m"));
     EXPECT_FALSE(area->CanFocus()) << "the controls inside have it";
+}
+
+TEST_F(TreeTest, ATipShowsWhenMouseOrFocusHaveRested) {
+    static double s_time;
+    s_time = 100;
+    util::Clock::SetSource([] { return s_time; });
+    const WindowPtr window = AddWindow({100, 100}, {200, 200});
+    const ButtonPtr button = new Button("mm");
+    button->SetToolTip("what it does");
+    window->AddChild(button);
+    const auto isShownAfter = [&](double seconds) {
+        s_time += seconds;
+        m_root->Update(0);
+        const gui::ComponentList& all = m_root->GetChildren();
+        return std::any_of(all.begin(), all.end(), [](const ComponentPtr& child) {
+            return child->IsVisible() && child->GetShownText() == "what it does";
+        });
+    };
+    const auto moveMouse = [](Vec2 place) {
+        gui::Input::Instance().FinishPump({static_cast<int>(place.x), static_cast<int>(place.y)});
+    };
+    moveMouse({700, 500});
+    EXPECT_FALSE(isShownAfter(1));
+    moveMouse(button->ToGUI({5, 5}));
+    EXPECT_FALSE(isShownAfter(0));
+    EXPECT_FALSE(isShownAfter(0.4));
+    EXPECT_TRUE(isShownAfter(0.2));
+    moveMouse({700, 500});
+    EXPECT_FALSE(isShownAfter(0.1));
+    Focus::Set(button);
+    EXPECT_FALSE(isShownAfter(0.1));
+    EXPECT_TRUE(isShownAfter(0.6));
+    moveMouse({710, 500});
+    EXPECT_FALSE(isShownAfter(0.1)) << "the mouse takes over again";
+    util::Clock::SetSource(nullptr);
 }
 
 // ---- covering ----------------------------------------------------------------------------------------

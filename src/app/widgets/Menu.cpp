@@ -45,9 +45,12 @@ void Menu::CloseOthers() const {
     }
 }
 
+bool Menu::IsAttached() const {
+    return IsOpen() && m_window.Get()->GetParent() != &m_tearOffTarget;
+}
+
 void Menu::CloseIfAttached() const {
-    gui::Window* const window = m_window.Get();
-    if (window != nullptr && window->GetParent() != &m_tearOffTarget) window->Close();
+    if (IsAttached()) m_window.Get()->Close();
 }
 
 void Menu::Open() {
@@ -58,16 +61,27 @@ void Menu::Open() {
     m_window = window.Get();
     window->AddCloseButton();
     window->SetTearOffTarget(&m_tearOffTarget);
-    gui::Component& parent = *own->GetParent();
-    parent.AddChild(window);
-    math::Vec2 place(own->GetPos().x + own->GetOuterSize().x, own->GetPos().y + GetPos().y);
-    const math::Vec2 room = parent.GetSize() - window->GetOuterSize();
-    if (place.x > room.x) place.x = own->GetPos().x - window->GetOuterSize().x;  // no room at the right
-    if (place.y > room.y) place.y = room.y;
-    place = window->GetNearestInView(place);
-    window->SetPos(place.x, place.y);
-    window->StopWobble();
+    own->GetParent()->AddChild(window);
+    Place(*own, *window);
     if (HasFocus()) window->TakeFocus();
+}
+
+// At the side where there is room for it.
+void Menu::Place(const gui::Window& own, gui::Window& window) const {
+    math::Vec2 place(own.GetPos().x + own.GetOuterSize().x, own.GetPos().y + GetPos().y);
+    const math::Vec2 room = window.GetParent()->GetSize() - window.GetOuterSize();
+    if (place.x > room.x) place.x = own.GetPos().x - window.GetOuterSize().x;
+    if (place.y > room.y) place.y = room.y;
+    place = window.GetNearestInView(place);
+    window.SetPos(place.x, place.y);
+    window.StopWobble();
+}
+
+// What hangs on a window goes along when that is dragged.
+void Menu::Update(float dt) {
+    MenuButton::Update(dt);
+    const gui::Window* const own = FindOwnWindow();
+    if (own != nullptr && own->IsDragged() && IsAttached()) Place(*own, *m_window.Get());
 }
 
 void Menu::DrawComp() {

@@ -16,11 +16,14 @@ class Menu : public MenuButton {
     ~Menu() noexcept(false) override;
 
     void OnPressed() override;
+    void Update(float dt) override;
     void DrawComp() override;
 
   private:
     bool IsOpen() const;
+    bool IsAttached() const;
     void Open();
+    void Place(const gui::Window& own, gui::Window& window) const;
     void CloseOthers() const;
     void CloseIfAttached() const;
     gui::Window* FindOwnWindow() const;
