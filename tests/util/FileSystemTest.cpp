@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -83,6 +84,30 @@ TEST(FileSystem, WritesThroughNoLinkOnTheWay) {
     Files().WriteFileAtomically(path, "new");
     EXPECT_EQ(Files().ReadFile(path), "new");
     EXPECT_EQ(Files().ReadFile(path + ".mine"), "mine");
+}
+
+// As programs do that share a folder and end with the desktop's session.
+TEST(FileSystem, TwoProgramsThatWriteAtOnceBothWriteWhole) {
+    constexpr size_t ROUNDS = 30, SIZE = 200000;
+    const String path = Files().GetWorkDir() + "shared.cfg";
+    const auto write = [&](char letter) {
+        for (size_t i = 0; i < ROUNDS; ++i) Files().WriteFileAtomically(path, String(SIZE, letter));
+    };
+    const pid_t child = fork();
+    if (child == 0) {
+        try {
+            write('b');
+            _exit(0);
+        } catch (const std::exception&) {
+            _exit(1);
+        }
+    }
+    EXPECT_NO_THROW(write('a'));
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    const String text = Files().ReadFile(path);
+    EXPECT_EQ(text, String(SIZE, text.at(0)));
 }
 
 TEST(FileSystem, ReplacingKeepsLinksAndPermissions) {
