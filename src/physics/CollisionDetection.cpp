@@ -214,20 +214,19 @@ void Collider::CircleOutsidePolygon(const CircleRec& a, const PolygonRec& b, Con
         if (!(distSq < r * r)) return;
         MakeContact(out, a.circle, b.polygon, index, q, math::Normalized(q - c), r - std::sqrt(distSq));
     };
-    const math::Vec2List& vertices = b.polygon->GetWorldVertices();
+    const Vec2* const vertices = b.polygon->GetWorldVertices().data();
+    const auto count = static_cast<uint32_t>(b.polygon->GetWorldVertices().size());
     const real near = r + GetSlack(c, Vec2(r, r));
-    uint32_t index = 0;
-    Vec2 end = vertices.front();
-    for (size_t i = 0; i < vertices.size(); ++i) {
-        ++index;
+    Vec2 end = vertices[0];
+    for (uint32_t i = 0; i < count; ++i) {
         const Vec2 start = end;
-        end = i + 1 < vertices.size() ? vertices[i + 1] : vertices.front();
+        end = vertices[i + 1 < count ? i + 1 : 0];
         if (c.x - near > std::max(start.x, end.x) || c.x + near < std::min(start.x, end.x)) continue;
         if (c.y - near > std::max(start.y, end.y) || c.y + near < std::min(start.y, end.y)) continue;
         const Vec2 q = math::ClosestPointOnSegment(start, end, c);
-        if (q != start && q != end) touch(index, q);
+        if (q != start && q != end) touch(i + 1, q);
     }
-    for (const Vec2 v : vertices) touch(++index, v);
+    for (uint32_t i = 0; i < count; ++i) touch(count + i + 1, vertices[i]);
 }
 
 void Collider::PolygonPolygon(const PolygonRec& a, const PolygonRec& b, ContactPool& out) {

@@ -68,6 +68,13 @@ inline Float4 KeepWhereLess(Float4 value, Float4 a, Float4 b) {
 inline uint32_t MaskLess4(Float4 a, Float4 b) {
     return static_cast<uint32_t>(_mm_movemask_ps(_mm_cmplt_ps(a.v, b.v)));
 }
+inline uint32_t MaskAtMost4(Float4 a, Float4 b) {  // where a <= b
+    return static_cast<uint32_t>(_mm_movemask_ps(_mm_cmple_ps(a.v, b.v)));
+}
+// From any address.
+inline Float4 LoadLoose4(const float* p) {
+    return {_mm_loadu_ps(p)};
+}
 // Whole numbers below 2^31.
 inline Float4 LoadWhole4(const uint32_t* p) {
     return {_mm_cvtepi32_ps(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)))};
@@ -147,6 +154,14 @@ inline uint32_t MaskLess4(Float4 a, Float4 b) {
     uint32_t mask = 0;
     for (int i = 0; i < 4; ++i) mask |= (a.v[i] < b.v[i] ? 1u : 0u) << i;
     return mask;
+}
+inline uint32_t MaskAtMost4(Float4 a, Float4 b) {
+    uint32_t mask = 0;
+    for (int i = 0; i < 4; ++i) mask |= (a.v[i] <= b.v[i] ? 1u : 0u) << i;
+    return mask;
+}
+inline Float4 LoadLoose4(const float* p) {
+    return LoadFloat4(p);
 }
 inline Float4 LoadWhole4(const uint32_t* p) {
     return PerLane([=](int i) { return static_cast<float>(p[i]); });

@@ -4,11 +4,13 @@
 #include <cmath>
 #include <limits>
 
+#include "physics/Float4.h"
+
 namespace physics {
 
 namespace {
 
-constexpr size_t BLOCK = 16;           // boxes tested at a time
+constexpr uint32_t BLOCK = 16;         // boxes tested at a time
 constexpr double AXIS_LOYALTY = 1.5;   // how much wider the spread must be across to turn the sweep round
 constexpr size_t SHIFTS_PER_BOX = 8;   // beyond that many the order is not nearly sorted
 constexpr size_t LONG_LIST = 24;       // partners, from which on sorting by insertion is slow
@@ -157,16 +159,17 @@ void PairSweep::SweepFrom(uint32_t k, uint32_t band) {
         const float* const lows = m_low.data() + first;
         const float* const crossLows = m_crossLow.data() + first;
         const float* const crossHighs = m_crossHigh.data() + first;
-        uint32_t hits[BLOCK];
-        uint32_t any = 0;
-        for (size_t b = 0; b < BLOCK; ++b) {
-            hits[b] = (lows[b] <= high) & (crossLows[b] <= crossHigh) & (crossHighs[b] >= crossLow);
-            any |= hits[b];
+        uint32_t hits = 0;  // a bit for each
+        for (uint32_t b = 0; b < BLOCK; b += 4) {
+            const uint32_t overlap = MaskAtMost4(LoadLoose4(lows + b), Fill4(high)) &
+                                     MaskAtMost4(LoadLoose4(crossLows + b), Fill4(crossHigh)) &
+                                     MaskAtMost4(Fill4(crossLow), LoadLoose4(crossHighs + b));
+            hits |= overlap << b;
         }
-        if (any == 0) continue;
-        for (size_t b = 0; b < BLOCK; ++b) {
+        for (; hits != 0; hits &= hits - 1) {
+            const auto b = static_cast<uint32_t>(__builtin_ctz(hits));
             // Of a pair that shares several bands, the one where the overlap begins speaks.
-            if (hits[b] == 0 || GetBand(std::max(crossLow, crossLows[b])) != band) continue;
+            if (GetBand(std::max(crossLow, crossLows[b])) != band) continue;
             const uint32_t i = m_number[k], j = m_number[first + b];
             m_pairs.push_back(i < j ? Pair{i, j} : Pair{j, i});
         }
