@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "SceneFixture.h"
+#include "app/drawing/SceneThumbnail.h"
 #include "app/files/SceneLoader.h"
 #include "physics/Particle.h"
 #include "support/SourceDir.h"
@@ -36,6 +37,10 @@ TEST_P(ShippedScenes, AreReadWithoutComplaintAndOverlapNothing) {
         if (water) continue;  // presses into its walls at rest
         EXPECT_LT(contact->m_penetration, 0.005f) << contact->m_point.x << " " << contact->m_point.y;
     }
+}
+
+TEST_P(ShippedScenes, HaveAPictureForTheGallery) {
+    EXPECT_TRUE(SceneThumbnail::IsThumbnail(SceneThumbnail::GetPath(GetPath())));
 }
 
 TEST_P(ShippedScenes, LoseNothingInTenSeconds) {
