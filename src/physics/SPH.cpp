@@ -63,6 +63,7 @@ SPH::SPH()
 
 void SPH::Sort(const ParticleList& particles) {
     PROFILE_SECTION("Sorting particles");
+    m_found.Forget();
     m_points.clear();
     m_points.reserve(particles.size());
     for (const ParticlePtr& particle : particles) m_points.push_back(particle.Get()->m_pos);
@@ -76,7 +77,7 @@ void SPH::Update(const ParticleList& particles, const BodyList& bodies, Vec2 gra
     PROFILE_SECTION("SPH::Update");
     const Kernel kernel = MakeKernel();
     FindNeighbors(particles, kernel);
-    FindTouches(bodies, kernel);
+    FindTouches(bodies, kernel, gravity);
     InvertDensities();
     Jitter(particles, kernel.particleMass);
     AddInnerForces(kernel, dt);
@@ -193,20 +194,14 @@ void SPH::PartCoincident(real gradientNorm, real closest) {
 
 // ---- bodies --------------------------------------------------------------------------------------------
 
-void SPH::FindTouches(const BodyList& bodies, const Kernel& kernel) {
+void SPH::FindTouches(const BodyList& bodies, const Kernel& kernel, Vec2 gravity) {
     PROFILE_SECTION("Finding touches");
+    m_found.Find(m_grid, bodies, {kernel.h, kernel.spacing, gravity});
     m_touches.clear();
     m_liesOnShape.clear();
     m_liesOnShape.resize(m_sorted.size(), 0);
-    for (uint32_t b = 0; b < bodies.size(); ++b) {
-        const Body& body = *bodies[b].Get();
-        for (const BodyPart& part : body.GetParts()) {
-            const Geom& geom = *part.geom.Get();
-            if (!geom.m_collideWater) continue;
-            VisitNearGeom(m_grid, geom, kernel.h, [&](uint32_t drop, const Probe& probe) {
-                AddTouch(kernel, body, b, drop, probe.distance, probe.normal);
-            });
-        }
+    for (const WaterTouches::Found& found : m_found.GetAll()) {
+        if (!found.isLet) AddTouch(kernel, bodies, found);
     }
 }
 
@@ -214,9 +209,10 @@ void SPH::FindTouches(const BodyList& bodies, const Kernel& kernel) {
 // displace too much; this share of the density was measured by what floats.
 constexpr real BODY_SHARE = 0.95f;
 
-void SPH::AddTouch(const Kernel& kernel, const Body& body, uint32_t bodyIndex, uint32_t drop, real distance,
-                   Vec2 normal) {
+void SPH::AddTouch(const Kernel& kernel, const BodyList& bodies, const WaterTouches::Found& found) {
     constexpr real LYING = 0.75f;  // spacings
+    const uint32_t drop = found.drop;
+    const real distance = found.probe.distance;
     if (distance < LYING * kernel.spacing) m_liesOnShape[drop] = 1;
     const real u = 1 - std::min(std::fabs(distance) / kernel.h, 1.0f);
     const real u4 = u * u * u * u;
@@ -224,8 +220,9 @@ void SPH::AddTouch(const Kernel& kernel, const Body& body, uint32_t bodyIndex, u
     const real slope = 1.5f * u4 * (5 - 4 * u) / kernel.h;
     const real density = BODY_SHARE * kernel.restDensity;
     m_drops.densities[drop] += density * (distance < 0 ? 1 - outside : outside);
-    const Vec2 gradient = normal * (density * slope);
-    m_touches.push_back({drop, bodyIndex, gradient, gradient, m_grid.GetSortedPoints()[drop] - body.m_pos});
+    const Vec2 gradient = found.probe.normal * (density * slope);
+    const Vec2 arm = m_grid.GetSortedPoints()[drop] - bodies[found.body]->m_pos;
+    m_touches.push_back({drop, found.body, gradient, gradient, arm});
 }
 
 // ---- forces --------------------------------------------------------------------------------------------

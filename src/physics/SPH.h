@@ -9,6 +9,7 @@
 #include "physics/Particle.h"
 #include "physics/WaterFilm.h"
 #include "physics/WaterPressure.h"
+#include "physics/WaterTouches.h"
 #include "script/Attributes.h"
 #include "script/Reflected.h"
 #include "util/Singleton.h"
@@ -32,6 +33,8 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
     void Sort(const ParticleList& particles);
     // The particles as they were sorted last.
     const NeighborGrid& GetGrid() const { return m_grid; }
+    // Whether the particle at this place of the grid and the body pass through each other in this step.
+    bool LetsPass(uint32_t place, const AbstractBody& body) const { return m_found.LetsPass(place, body); }
     // Their neighbours in the last pass.
     const NeighborLists& GetNeighbors() const { return m_lists; }
 
@@ -84,9 +87,8 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
     void TakeDrops(const ParticleList& particles);
     void CalcKernels(const Kernel& kernel);
     void PartCoincident(math::real gradientNorm, math::real closest);
-    void FindTouches(const BodyList& bodies, const Kernel& kernel);
-    void AddTouch(const Kernel& kernel, const Body& body, uint32_t bodyIndex, uint32_t drop,
-                  math::real distance, math::Vec2 normal);
+    void FindTouches(const BodyList& bodies, const Kernel& kernel, math::Vec2 gravity);
+    void AddTouch(const Kernel& kernel, const BodyList& bodies, const WaterTouches::Found& found);
     void InvertDensities();
     void AddInnerForces(const Kernel& kernel, math::real dt);
     void AddSurfaceTension(math::real particleMass, math::real dt);
@@ -112,7 +114,8 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
     util::VectorPOD<math::real> m_closeness;   // per pair: 1 - r / h
     util::VectorPOD<math::real> m_gradients;   // per pair: gradient kernel times mass times the way between
     util::VectorPOD<math::real> m_pushes;      // per pair: what pressure acts along, where that differs
-    WaterPressure::Touches m_touches;
+    WaterTouches m_found;
+    WaterPressure::Touches m_touches;        // those that pressure acts along
     util::VectorPOD<uint8_t> m_liesOnShape;  // per drop: 1 for one that has a shape closer than other drops
     WaterPressure m_pressure;
     WaterFilm m_film;

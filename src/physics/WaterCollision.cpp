@@ -30,6 +30,7 @@ void Collider::CollideWaterWith(Shape& shape, ContactPool& out) const {
     const real radius = sph.GetContactRadius();
     const NeighborGrid& grid = sph.GetGrid();
     VisitNear(grid, shape, radius, [&](uint32_t place, const Probe& probe) {
+        if (shape.GetBodyPtr() != nullptr && sph.LetsPass(place, *shape.GetBodyPtr())) return;
         Particle& particle = *m_particles[grid.GetOrder()[place]];
         MakeContact(out, &shape, particle.m_geom.Get(), 0, particle.m_pos, probe.normal,
                     radius - probe.distance);

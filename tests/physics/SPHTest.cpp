@@ -432,6 +432,39 @@ TEST_F(SPHTest, BoxesRiseFromTheFloor) {
     for (const physics::BodyPtr& box : boxes) EXPECT_GT(box->m_pos.y, 0.4f);
 }
 
+// The last drops under what comes down bear nothing: it lies flat on the floor soon, and stays.
+TEST_F(SPHTest, HeavyBoxesSettleOnWetGround) {
+    constexpr float WIDTH = 0.8f, HEIGHT = 0.4f;
+    for (const float density : {2.0f, 10.0f, 50.0f}) {
+        for (const int drops : {34, 68}) {
+            SCOPED_TRACE(testing::Message() << drops << " drops under " << density);
+            sim.Clear();
+            AddPool(drops, 3);
+            Run(1);
+            sim.m_defaultBodyDensity->Set(density);
+            const physics::BodyPtr box = AddBox({1.5f, 0.6f}, WIDTH, HEIGHT);
+            Run(2);
+            float fastest = 0;
+            for (int i = 0; i < 200; ++i) {
+                sim.Step(true);
+                fastest = std::max(fastest, math::Length(box->m_vel));
+            }
+            EXPECT_NEAR(box->m_pos.y, HEIGHT / 2, 0.002f);
+            EXPECT_NEAR(box->m_angle, 0, 0.002f);
+            EXPECT_LT(fastest, 0.1f);
+            // Pulled up, it leaves them where they lay.
+            for (int i = 0; i < 40; ++i) {
+                box->m_vel = {0, 0.5f};
+                sim.Step(true);
+            }
+            for (const ParticlePtr& particle : sim.GetParticles()) {
+                EXPECT_GT(particle->m_pos.y, 0);
+                EXPECT_LT(math::Length(particle->m_vel), 1.5f);
+            }
+        }
+    }
+}
+
 // The floor bears what the water does not: the weight less that of the water in its place, or all of it where
 // the water is not as deep as a drop.
 TEST_F(SPHTest, FloorBearsTheRest) {

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+
+#include "math/Vector.h"
+#include "physics/Fwd.h"
+#include "physics/NeighborGrid.h"
+#include "physics/WaterTouch.h"
+#include "util/VectorPOD.h"
+
+namespace physics {
+
+// Which drops are near which bodies in a step.
+//
+// Water flows out from under what comes down on it, but the last drops have nowhere to go and would bear any
+// weight like gravel. So what comes down on a drop that lies on something, and leaves it less room than a
+// drop needs, does not feel it: the body sinks over it, and what water remains there is that in narrow gaps
+// (WaterFilm).
+class WaterTouches {
+  public:
+    static constexpr uint32_t NONE = 0xFFFFFFFFu;
+
+    struct Settings {
+        math::real reach;    // m, of touches
+        math::real spacing;  // m, of drops at rest
+        math::Vec2 gravity;
+    };
+    struct Found {
+        uint32_t drop;  // in the order of the grid
+        uint32_t body;  // its place in the list of bodies
+        Probe probe;
+        bool isLet;         // the body does not feel the drop
+        uint32_t previous;  // of the same drop, or NONE
+    };
+
+    // Body by body, and drop by drop.
+    void Find(const NeighborGrid& grid, const BodyList& bodies, const Settings& settings);
+    void Forget();
+
+    const util::VectorPOD<Found>& GetAll() const { return m_found; }
+    // Whether the drop and the body pass through each other.
+    bool LetsPass(uint32_t drop, const AbstractBody& body) const;
+
+  private:
+    void Add(const Settings& settings, const BodyList& bodies, Found found);
+
+    util::VectorPOD<Found> m_found;
+    util::VectorPOD<uint32_t> m_last;                  // per drop: the last of its touches, or NONE
+    util::VectorPOD<const AbstractBody*> m_letBodies;  // per drop: whom it lets pass; empty when nobody is
+};
+
+}  // namespace physics
