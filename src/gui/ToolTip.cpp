@@ -49,11 +49,13 @@ void ToolTip::Update(float dt) {
     ChooseLeader();
     const Component* const target = FindTarget();
     const double now = util::Clock::Now();
-    if (target != m_target.Get() || Input::Instance().IsMouseButtonDown()) {
+    if (target != m_target.Get()) {
         m_target = const_cast<Component*>(target);
         m_since = now;
+        m_isOver = false;
     }
-    const bool isDue = target != nullptr && now - m_since >= DELAY;
+    if (Input::Instance().IsMouseButtonDown()) m_isOver = true;
+    const bool isDue = target != nullptr && !m_isOver && now - m_since >= DELAY;
     if (isDue && !m_visible) Show(*target);
     if (isDue != m_visible) util::Redraw::Request();
     m_visible = isDue;

@@ -25,7 +25,8 @@ class ToolTip : public Label {
     math::Vec2 m_mouse;              // likewise
     bool m_followsKeyboard = false;  // the focus has moved later than the mouse
     ComponentWeakPtr m_target;       // what the mouse is over, or what has the focus
-    double m_since = 0;              // seconds; when it came there, or was last pressed there
+    double m_since = 0;              // seconds; when it came there
+    bool m_isOver = false;           // it has been pressed: no tip until the mouse has been elsewhere
     bool m_visible = false;
 };
 

@@ -185,3 +185,5 @@ def case_sliders_and_tips(session):
     check(not has_tip(), "a tip before the mouse came")
     session.xdo(*session.mouse((x + width / 2, y + height / 2)))
     wait_for("the tip", has_tip)
+    session.xdo("click", 1)
+    check(session.find_widget("HelpTitle") and not has_tip(), "a press did not end the tip")

@@ -1,5 +1,6 @@
 #include "gui/Focus.h"
 
+#include <SDL.h>
 #include <gtest/gtest.h>
 
 #include "Events.h"
@@ -48,6 +49,12 @@ class TreeTest : public testing::Test {
         event.m_character = character;
         event.m_shift = shift;
         return Send(event);
+    }
+    static void SetMouseButton(bool down) {
+        SDL_Event event{};
+        event.type = static_cast<Uint8>(down ? SDL_MOUSEBUTTONDOWN : SDL_MOUSEBUTTONUP);
+        event.button.button = SDL_BUTTON_LEFT;
+        gui::Input::Instance().HandleEvent(event);
     }
     void ClickAt(Vec2 place) {
         Send(test::Press(Key::LeftMouse, place));
@@ -224,6 +231,10 @@ TEST_F(TreeTest, ATipShowsWhenMouseOrFocusHaveRested) {
     EXPECT_FALSE(isShownAfter(0));
     EXPECT_FALSE(isShownAfter(0.4));
     EXPECT_TRUE(isShownAfter(0.2));
+    SetMouseButton(true);
+    EXPECT_FALSE(isShownAfter(0));
+    SetMouseButton(false);
+    EXPECT_FALSE(isShownAfter(1)) << "a press ends it";
     moveMouse({700, 500});
     EXPECT_FALSE(isShownAfter(0.1));
     Focus::Set(button);
