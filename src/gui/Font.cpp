@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "math/BoundingBox.h"
 #include "rendering/Gl.h"
 #include "rendering/Image.h"
 #include "rendering/Renderer.h"
@@ -67,24 +68,45 @@ ImageRGBA32Ptr SpreadCells(const ImageRGBA32& sheet) {
     return spread;
 }
 
-bool IsBlank(const ImageRGBA32& sheet, int glyph) {
-    const uint32_t cell = sheet.GetWidth() / Font::CELLS_PER_SIDE;
-    const uint32_t left = glyph % Font::CELLS_PER_SIDE * cell;
-    const uint32_t bottom = sheet.GetHeight() - (glyph / Font::CELLS_PER_SIDE + 1) * cell;
-    for (uint32_t y = bottom; y < bottom + cell; ++y) {
-        for (uint32_t x = left; x < left + cell; ++x) {
-            if (sheet(x, y).w != 0) return false;
+// The part of a glyph's cell that has something to draw, in cells from the upper left corner; not finite
+// where there is nothing. Letters are narrower than their cells by half and more: what is left out need not
+// be filled.
+math::BoundingBox2f FindInk(const ImageRGBA32& sheet, int glyph) {
+    const int cell = static_cast<int>(sheet.GetWidth()) / Font::CELLS_PER_SIDE;
+    const int left = glyph % Font::CELLS_PER_SIDE * cell;
+    const int top = static_cast<int>(sheet.GetHeight()) - 1 - glyph / Font::CELLS_PER_SIDE * cell;
+    const auto cells = [cell](int pixels) { return static_cast<float>(pixels) / static_cast<float>(cell); };
+    math::BoundingBox2f ink;
+    for (int y = 0; y < cell; ++y) {
+        for (int x = 0; x < cell; ++x) {
+            if (sheet(left + x, top - y).w == 0) continue;
+            ink.Extend({{cells(x), cells(y)}, {cells(x + 1), cells(y + 1)}});
         }
     }
-    return true;
+    return ink;
 }
 
-rendering::Texture* MakeTexture(const ImageRGBA32Ptr& sheet) {
-    return new rendering::Texture(SpreadCells(*sheet), rendering::Texture::ImageType::Font());
+// With a pixel more on each side, for finer sheets and for what interpolation spreads.
+math::BoundingBox2f WithMargin(const math::BoundingBox2f& ink, float pixel) {
+    return {{std::max(ink.min.x - pixel, 0.0f), std::max(ink.min.y - pixel, 0.0f)},
+            {std::min(ink.max.x + pixel, 1.0f), std::min(ink.max.y + pixel, 1.0f)}};
 }
+
+// A font's ordinary sheet, which knows where its glyphs have ink.
+class InkedSheet : public rendering::Texture {
+  public:
+    explicit InkedSheet(const ImageRGBA32& sheet) : Texture(SpreadCells(sheet), ImageType::Font()) {
+        for (int glyph = 0; glyph < Font::NUM_GLYPHS; ++glyph) m_ink[glyph] = FindInk(sheet, glyph);
+    }
+    const math::BoundingBox2f& GetInk(unsigned char glyph) const { return m_ink[glyph]; }
+
+  private:
+    std::array<math::BoundingBox2f, Font::NUM_GLYPHS> m_ink;
+};
 
 rendering::Texture* LoadTexture(const String& path) {
-    return MakeTexture(ImageRGBA32::LoadFile(path));
+    return new rendering::Texture(SpreadCells(*ImageRGBA32::LoadFile(path)),
+                                  rendering::Texture::ImageType::Font());
 }
 
 }  // namespace
@@ -138,8 +160,9 @@ void Font::LoadWidths(const std::string& path) {
 void Font::SetSheet(const ImageRGBA32Ptr& sheet) {
     DATA_ASSERTION(sheet->GetWidth() == sheet->GetHeight() && sheet->GetWidth() % CELLS_PER_SIDE == 0);
     m_cellSize = static_cast<float>(sheet->GetWidth()) / CELLS_PER_SIDE;
-    m_texture = MakeTexture(sheet);
-    for (int glyph = 0; glyph < NUM_GLYPHS; ++glyph) m_isBlank[glyph] = IsBlank(*sheet, glyph);
+    const util::SharedPtr<InkedSheet> inked = new InkedSheet(*sheet);
+    for (int glyph = 0; glyph < NUM_GLYPHS; ++glyph) m_isBlank[glyph] = !inked->GetInk(glyph).IsFinite();
+    m_texture = inked;
 }
 
 void Font::AddFineSheet(const String& path) {
@@ -162,13 +185,18 @@ const rendering::Texture& Font::ChooseTexture() const {
 // Row 0 of the sheet is its upper edge, where t is 1; the quad's y points down.
 void Font::AddGlyph(rendering::VertexBatch& batch, unsigned char glyph, math::Vec2 place, float cell) const {
     if (m_isBlank[glyph]) return;
+    const math::BoundingBox2f& bare = static_cast<const InkedSheet&>(*m_texture).GetInk(glyph);
+    // Pixel for pixel there is nothing beyond the ink.
+    const bool isExact = cell == m_cellSize && s_pixelsPerUnit == 1;
+    const math::BoundingBox2f ink = isExact ? bare : WithMargin(bare, 1 / m_cellSize);
     constexpr float STRIDE = 1.0f / CELLS_PER_SIDE;
     const float gutter = STRIDE * (1 - m_cellSize * CELLS_PER_SIDE / m_texture->GetWidth()) / 2;
     const float side = STRIDE - 2 * gutter;
     const int row = glyph / CELLS_PER_SIDE, column = glyph % CELLS_PER_SIDE;
     const float s = static_cast<float>(column) * STRIDE + gutter;
     const float t = 1 - static_cast<float>(row) * STRIDE - gutter;
-    batch.AddQuad(place, place + math::Vec2(cell, cell), {s, t}, {s + side, t - side});
+    batch.AddQuad(place + ink.min * cell, place + ink.max * cell,
+                  {s + ink.min.x * side, t - ink.min.y * side}, {s + ink.max.x * side, t - ink.max.y * side});
 }
 
 void Font::DrawGlyphs(rendering::VertexBatch& batch) const {

@@ -102,7 +102,7 @@ Texture::ImageType Texture::ImageType::Icon() {
     return {GL_RGBA, 1, 1, 1, 1, 1, 1, 0, ICON_DENSITY};
 }
 Texture::ImageType Texture::ImageType::Tile() {
-    return {GL_RGBA, 1, 0, 0, 1, 1, 1, 0, ICON_DENSITY};
+    return {GL_RGBA, 1, 0, 0, 1, 1, 0, 0, ICON_DENSITY};
 }
 Texture::ImageType Texture::ImageType::Sprite() {
     return {GL_RGBA, 1, 1, 1, 1, 1, 0};

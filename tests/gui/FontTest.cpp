@@ -119,9 +119,30 @@ TEST_F(FontDrawing, FineSheetIsDrawnAtHighScalesIfItFits) {
         rendering::VertexBatch batch;
         font->AddGlyph(batch, 'a', {0, 0}, 2 * CELL);
         font->DrawGlyphs(batch);
-        EXPECT_EQ((*ReadFrame())(16, SIZE - 1 - 24).x, c.expected);
+        EXPECT_EQ((*ReadFrame())(8, SIZE - 1 - 3).x, c.expected);  // between lines of the ordinary sheet
         Font::SetPixelsPerUnit(1);
     }
+}
+
+// Glyphs are cut to their ink. Pixel for pixel they look as the same ones do that are drawn with a margin.
+TEST_F(FontDrawing, NothingOfAGlyphIsCutOff) {
+    const FontPtr font = m_format.m_font->Get();
+    rendering::ImageRGBA32Ptr frames[2];
+    for (const bool isExact : {false, true}) {
+        Font::SetPixelsPerUnit(isExact ? 1 : 0.5f);
+        glClear(GL_COLOR_BUFFER_BIT);
+        rendering::VertexBatch batch;
+        for (int i = 0; i < 49; ++i) {
+            const math::Vec2 place(static_cast<float>(i % 7 * CELL + 3),
+                                   static_cast<float>(i / 7 * CELL + 5));
+            font->AddGlyph(batch, static_cast<unsigned char>('0' + i), place, CELL);
+        }
+        font->DrawGlyphs(batch);
+        frames[isExact] = ReadFrame();
+    }
+    Font::SetPixelsPerUnit(1);
+    EXPECT_GT(CountDifferences(*frames[0], rendering::ImageRGBA32(SIZE, SIZE), 100), 49);
+    EXPECT_LE(GreatestDifference(*frames[0], *frames[1]), 1);
 }
 
 TEST_F(FontDrawing, PenFollowsAdvancesTabsAndLines) {
