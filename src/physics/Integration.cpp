@@ -14,11 +14,23 @@ static void ForEachMovable(const AbstractBodyList& bodies, F move) {
     }
 }
 
-void IntegrateVelocities(const AbstractBodyList& bodies, math::real dt) {
-    ForEachMovable(bodies, [dt](AbstractBody& body) {
-        body.m_vel += dt * body.m_force * body.m_massInv;
-        body.m_angVel += dt * body.m_torque * body.m_inertiaInv;
-    });
+static void ClearForces(AbstractBody& body) {
+    body.m_force = math::Vec2();
+    body.m_torque = 0;
+}
+
+void IntegrateVelocities(const AbstractBodyList& bodies, math::real dt, Forces forces) {
+    for (AbstractBody* const body : bodies) {
+        if (!body->IsImmovable()) {
+            body->m_vel += dt * body->m_force * body->m_massInv;
+            body->m_angVel += dt * body->m_torque * body->m_inertiaInv;
+        }
+        if (forces == Forces::CLEAR) ClearForces(*body);
+    }
+}
+
+void ClearForces(const AbstractBodyList& bodies) {
+    for (AbstractBody* const body : bodies) ClearForces(*body);
 }
 
 // Asked before the angle is wrapped, which makes a number of anything.

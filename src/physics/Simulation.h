@@ -15,6 +15,8 @@
 
 namespace physics {
 
+enum class Forces;
+
 // The physics world. It owns bodies, joints, hinges, particles and contacts, turns real time into fixed
 // steps within a budget, and runs the step.
 //
@@ -127,9 +129,8 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     static void AddBodyForces(Body& body, const Air& air);
     void AddParticleForces(const Air& air);
     void CalcContacts();
-    void SolveAndMove();
+    void SolveAndMove(Forces forces);
     static void WarnOnce(bool& warned, const char* message);
-    void ClearForces();
 
     void RemoveBadObjects();
     void RemoveBadBodies(math::Vec2 down);

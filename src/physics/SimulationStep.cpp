@@ -25,9 +25,13 @@ void Simulation::Step(bool active) {
         for (const ParticlePtr& particle : m_particles) List(*particle.Get());
         if (active) CalcForces();
         CalcContacts();
-        if (active && m_timeDelta->Get() >= SHORTEST_STEP) SolveAndMove();
         // In a pause forces stay: what a tool leaves on a body is felt at the next active step.
-        if (m_running->Get()) ClearForces();
+        const Forces forces = m_running->Get() ? Forces::CLEAR : Forces::KEEP;
+        if (active && m_timeDelta->Get() >= SHORTEST_STEP) {
+            SolveAndMove(forces);
+        } else if (forces == Forces::CLEAR) {
+            ClearForces(m_allBodies);
+        }
 #ifdef VEXA_CHECKED
         Validate();
 #endif
@@ -49,7 +53,7 @@ void Simulation::CalcContacts() {
     }
 }
 
-void Simulation::SolveAndMove() {
+void Simulation::SolveAndMove(Forces forces) {
     const StepSettings settings = GetStepSettings();
     const math::real h = settings.timeDelta;
     const auto solve = [&] { m_solver.Run(m_allBodies, m_hinges, m_contacts.Get(), settings); };
@@ -61,21 +65,14 @@ void Simulation::SolveAndMove() {
         m_sweptMotion.Release();
     };
     if (settings.leapFrog) {
-        IntegrateVelocities(m_allBodies, h / 2);
+        IntegrateVelocities(m_allBodies, h / 2, Forces::KEEP);
         solve();
-        IntegrateVelocities(m_allBodies, h / 2);
+        IntegrateVelocities(m_allBodies, h / 2, forces);
         move();
     } else {
         solve();
         move();
-        IntegrateVelocities(m_allBodies, h);
-    }
-}
-
-void Simulation::ClearForces() {
-    for (AbstractBody* const body : m_allBodies) {
-        body->m_force = math::Vec2();
-        body->m_torque = 0;
+        IntegrateVelocities(m_allBodies, h, forces);
     }
 }
 

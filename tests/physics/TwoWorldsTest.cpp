@@ -41,9 +41,9 @@ class SmallWorld {
             if (!body->IsImmovable()) body->m_force = body->m_mass * Vec2(0, -9.8f);
         }
         m_contacts.Find(m_bodies, {});
-        physics::IntegrateVelocities(all, m_settings.timeDelta / 2);
+        physics::IntegrateVelocities(all, m_settings.timeDelta / 2, physics::Forces::KEEP);
         m_solver.Run(all, m_hinges, m_contacts.Get(), m_settings);
-        physics::IntegrateVelocities(all, m_settings.timeDelta / 2);
+        physics::IntegrateVelocities(all, m_settings.timeDelta / 2, physics::Forces::KEEP);
         physics::IntegratePlaces(all, m_settings.timeDelta);
     }
     std::vector<float> GetState() const {
