@@ -50,8 +50,9 @@ ImageRGBA32Ptr MakeStandInSheet() {
     return sheet;
 }
 
-// Room round each cell of the texture, in cells: a pixel of the ordinary sheet.
-constexpr int CELL_PER_GUTTER = 16;
+// Room round each cell of the texture, in cells: two pixels of the ordinary sheet, and whole ones of each
+// finer.
+constexpr int CELL_PER_GUTTER = 8;
 
 // The sheet with its cells apart: smooth sampling reads a little beyond a glyph that is not drawn one to one,
 // and must not find the next one there.
@@ -199,11 +200,19 @@ void Font::AddGlyph(rendering::VertexBatch& batch, unsigned char glyph, math::Ve
                   {s + ink.min.x * side, t - ink.min.y * side}, {s + ink.max.x * side, t - ink.max.y * side});
 }
 
-void Font::DrawGlyphs(rendering::VertexBatch& batch) const {
+bool Font::FitsPixels(float cell) const {
+    return cell == m_cellSize && ChooseTexture().GetWidth() == s_pixelsPerUnit * m_texture->GetWidth();
+}
+
+void Font::DrawGlyphs(rendering::VertexBatch& batch, bool onPixels) const {
     const rendering::ScopedCapability textured(GL_TEXTURE_2D, true), blended(GL_BLEND, true);
-    ChooseTexture().Bind();
+    const rendering::Texture& texture = ChooseTexture();
+    texture.Bind();
+    const GLint filter = onPixels ? GL_NEAREST : GL_LINEAR;
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
     batch.DrawAndClear();
-    ChooseTexture().Unbind();
+    texture.Unbind();
 }
 
 }  // namespace gui

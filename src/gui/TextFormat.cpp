@@ -97,6 +97,8 @@ class PixelGrid {
         return math::Vec2(std::round(pixels.x), std::round(pixels.y)) / m_scale - m_origin;
     }
 
+    bool IsStraight() const { return m_isStraight; }
+
   private:
     float m_scale;
     bool m_isStraight;
@@ -127,7 +129,8 @@ void DrawLines(const TextFormat& format, float x, float y, const FormattedText& 
     for (const TextLine& line : formatted.m_lines) {
         if (line.m_end <= formatted.m_text.size()) AddLine(s_batch, grid, *font, formatted, line, {x, y});
     }
-    if (!s_batch.IsEmpty()) font->DrawGlyphs(s_batch);
+    if (s_batch.IsEmpty()) return;
+    font->DrawGlyphs(s_batch, grid.IsStraight() && font->FitsPixels(format.m_size / font->GetScale()));
 }
 
 }  // namespace

@@ -102,19 +102,20 @@ TEST_F(FontDrawing, SheetReadsBackUprightAndInOrder) {
     }
 }
 
-// Twice the size in every direction, drawn at a scale of 2; here the fine sheet is all filled.
+// One and a half times or twice the size in every direction; here the fine sheet is all filled.
 TEST_F(FontDrawing, FineSheetIsDrawnAtHighScalesIfItFits) {
     constexpr int SHEET = CELL * Font::CELLS_PER_SIDE;
     const struct {
         int side;
         float pixelsPerUnit;
         int expected;
-    } cases[] = {{2 * SHEET, 2, 255}, {2 * SHEET, 1, 0}, {SHEET, 2, 0}};
+    } cases[] = {{2 * SHEET, 2, 255}, {3 * SHEET / 2, 1.5f, 255}, {2 * SHEET, 1, 0}, {SHEET, 2, 0}};
     for (const auto& c : cases) {
         test::WriteBytes(test::FontPath("fine.raw"), String(c.side * c.side, '\xff'));
         const FontPtr font = new Font(test::FontPath("fixedsys.dat"), test::FontPath("fixedsys.raw"),
                                       {test::FontPath("fine.raw")});
         Font::SetPixelsPerUnit(c.pixelsPerUnit);
+        EXPECT_EQ(font->FitsPixels(CELL), c.expected == 255 || c.pixelsPerUnit == 1);
         glClear(GL_COLOR_BUFFER_BIT);
         rendering::VertexBatch batch;
         font->AddGlyph(batch, 'a', {0, 0}, 2 * CELL);
@@ -124,7 +125,8 @@ TEST_F(FontDrawing, FineSheetIsDrawnAtHighScalesIfItFits) {
     }
 }
 
-// Glyphs are cut to their ink. Pixel for pixel they look as the same ones do that are drawn with a margin.
+// Glyphs are cut to their ink. Pixel for pixel they look as the same ones do that are drawn with a margin
+// and sampled smoothly.
 TEST_F(FontDrawing, NothingOfAGlyphIsCutOff) {
     const FontPtr font = m_format.m_font->Get();
     rendering::ImageRGBA32Ptr frames[2];
@@ -137,7 +139,7 @@ TEST_F(FontDrawing, NothingOfAGlyphIsCutOff) {
                                    static_cast<float>(i / 7 * CELL + 5));
             font->AddGlyph(batch, static_cast<unsigned char>('0' + i), place, CELL);
         }
-        font->DrawGlyphs(batch);
+        font->DrawGlyphs(batch, isExact);
         frames[isExact] = ReadFrame();
     }
     Font::SetPixelsPerUnit(1);
