@@ -54,7 +54,9 @@ void ToolTip::Update(float dt) {
         m_since = now;
         m_isOver = false;
     }
-    if (Input::Instance().IsMouseButtonDown()) m_isOver = true;
+    const uint32_t presses = Input::Instance().GetMousePresses();
+    if (Input::Instance().IsMouseButtonDown() || presses != m_presses) m_isOver = true;
+    m_presses = presses;
     const bool isDue = target != nullptr && !m_isOver && now - m_since >= DELAY;
     if (isDue && !m_visible) Show(*target);
     if (isDue != m_visible) util::Redraw::Request();

@@ -26,6 +26,7 @@ class ToolTip : public Label {
     bool m_followsKeyboard = false;  // the focus has moved later than the mouse
     ComponentWeakPtr m_target;       // what the mouse is over, or what has the focus
     double m_since = 0;              // seconds; when it came there
+    uint32_t m_presses = 0;          // of the mouse, as of the last frame
     bool m_isOver = false;           // it has been pressed: no tip until the mouse has been elsewhere
     bool m_visible = false;
 };

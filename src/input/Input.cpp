@@ -104,6 +104,7 @@ void Input::HandleMouseButton(const SDL_Event& event) {
     if (pressed && button == SDL_BUTTON_WHEELDOWN) --m_wheelPosition;
     m_buttons.set(button, pressed);
     m_mouseButtonDown = pressed;
+    if (pressed) ++m_mousePresses;
 
     KeyEvent key = MakeKeyEvent(Key::FromMouseButton(button), 0, pressed);
     key.m_position = ToGUI(math::Vec2(event.button.x, event.button.y));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <map>
 
@@ -69,6 +70,8 @@ class Input : public InputDelegator, public util::Singleton<Input> {
     bool IsKeyDown(int key) const;  // mouse buttons are keys too
     bool IsModifierDown(Modifier modifier) const;
     bool IsMouseButtonDown() const { return m_mouseButtonDown; }
+    // How often any mouse button has been pressed: a tap may be over before anybody asks whether one is down.
+    uint32_t GetMousePresses() const { return m_mousePresses; }
     int GetWheelPosition() const { return m_wheelPosition; }
     math::Vec2 GetMousePosition() const { return m_mousePosition; }
 
@@ -104,8 +107,9 @@ class Input : public InputDelegator, public util::Singleton<Input> {
     const std::unique_ptr<EventQueue> m_queue;
     InputSettings m_settings;
     bool m_mouseButtonDown = false;  // after a press of any button, until a release of any
-    MouseButtons m_buttons;          // down now
-    std::map<int, bool> m_keyDown;   // by key code, mouse buttons included
+    uint32_t m_mousePresses = 0;
+    MouseButtons m_buttons;         // down now
+    std::map<int, bool> m_keyDown;  // by key code, mouse buttons included
     // The library's, as of the event being handled: the library itself tells the state behind the last event
     // in its queue, in which a quick shortcut is over already.
     int m_modifierState = 0;

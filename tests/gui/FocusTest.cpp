@@ -232,9 +232,9 @@ TEST_F(TreeTest, ATipShowsWhenMouseOrFocusHaveRested) {
     EXPECT_FALSE(isShownAfter(0.4));
     EXPECT_TRUE(isShownAfter(0.2));
     SetMouseButton(true);
-    EXPECT_FALSE(isShownAfter(0));
     SetMouseButton(false);
-    EXPECT_FALSE(isShownAfter(1)) << "a press ends it";
+    EXPECT_FALSE(isShownAfter(0));
+    EXPECT_FALSE(isShownAfter(1)) << "a tap ends it";
     moveMouse({700, 500});
     EXPECT_FALSE(isShownAfter(0.1));
     Focus::Set(button);

@@ -15,6 +15,7 @@
 #include "gui/components/ScrollArea.h"
 #include "physics/Simulation.h"
 #include "rendering/Context.h"
+#include "rendering/Renderer.h"
 #include "script/Conversions.h"
 
 namespace app {
@@ -57,6 +58,8 @@ constexpr float DPI_SLIDER_WIDTH = 110;
 constexpr float FRAME_ROOM = 40;             // GUI units, of a window's title bar and edges
 constexpr int SHADERS_ROW = 4;               // among the options
 constexpr float SCALES[] = {1, 1.5f, 2, 3};  // pixels per GUI unit
+constexpr math::Vec4 CURRENT_COLOR(1.4f, 1.4f, 1.6f, 1);
+constexpr math::Vec4 OTHER_COLOR(0.8f, 0.8f, 0.85f, 1);
 
 // Downwards is up on the slider; the sideways part of gravity stays.
 ComponentPtr MakeGravityRow() {
@@ -86,18 +89,35 @@ ComponentPtr MakeSpeedRow() {
     return MakeSliderRow("SimSpeed", slider, {2, "x"});
 }
 
+// A scale of the interface to choose; lit while it is the present one.
+class ScaleButton : public gui::Button {
+  public:
+    explicit ScaleButton(float scale)
+        : Button(std::to_string(std::lround(scale * 100)) + "%", "ScaleButton"), m_scale(scale) {}
+
+    void OnPressed() override {
+        gui::GUI::Instance().SetScale(m_scale);
+        Button::OnPressed();
+    }
+    script::ObjectPtr GetState() const override { return script::ValueToObject(IsCurrent()); }
+    void DrawComp() override {
+        const rendering::ScopedColor kept;
+        rendering::Renderer::Instance().MultColor(IsCurrent() ? CURRENT_COLOR : OTHER_COLOR);
+        Button::DrawComp();
+    }
+
+  private:
+    bool IsCurrent() const { return gui::GUI::Instance().GetScale() == m_scale; }
+
+    const float m_scale;
+};
+
 // Buttons, no slider: the slider would run away from under the mouse.
 ComponentPtr MakeScaleRow() {
     const gui::LabelPtr label = new gui::Label(Translate("InterfaceSize"));
     label->SetKey("InterfaceSize");
     std::vector<ComponentPtr> row{label};
-    for (const float scale : SCALES) {
-        const String text = std::to_string(std::lround(scale * 100)) + "%";
-        const gui::ButtonPtr button = new gui::Button(text, "ScaleButton");
-        const auto set = [scale] { gui::GUI::Instance().SetScale(scale); };
-        button->GetOnPress().Add(new util::Callback(set, util::WeakPtr<util::Pointee>(button.Get())));
-        row.push_back(button);
-    }
+    for (const float scale : SCALES) row.push_back(new ScaleButton(scale));
     return MakeRow(row);
 }
 
