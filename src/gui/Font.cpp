@@ -69,7 +69,7 @@ ImageRGBA32Ptr SpreadCells(const ImageRGBA32& sheet) {
     return spread;
 }
 
-// The part of a glyph's cell that has something to draw, in cells from the upper left corner; not finite
+// Where a glyph's cell has something to draw, in cells from the upper left corner; not finite
 // where there is nothing. Letters are narrower than their cells by half and more: what is left out need not
 // be filled.
 math::BoundingBox2f FindInk(const ImageRGBA32& sheet, int glyph) {

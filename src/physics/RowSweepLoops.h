@@ -149,19 +149,14 @@ class RowSweepLoops {
     }
 
     template <SweepKind KIND>
-    static void SolveContacts(const ContactStretch& stretch) {
-        Solve<KIND>(stretch);
-    }
+    static constexpr auto CONTACTS = &Solve<KIND, ContactRow8, ContactTrend8>;
     template <SweepKind KIND>
-    static void SolveHinges(const HingeStretch& stretch) {
-        Solve<KIND>(stretch);
-    }
+    static constexpr auto HINGES = &Solve<KIND, HingeRow8, HingeTrend8>;
 
   public:
     static constexpr RowSweeps TABLE = {
-        {&SolveContacts<SweepKind::PLAIN>, &SolveContacts<SweepKind::WITH_TREND>,
-         &SolveContacts<SweepKind::LAST>},
-        {&SolveHinges<SweepKind::PLAIN>, &SolveHinges<SweepKind::WITH_TREND>, &SolveHinges<SweepKind::LAST>}};
+        {CONTACTS<SweepKind::PLAIN>, CONTACTS<SweepKind::WITH_TREND>, CONTACTS<SweepKind::LAST>},
+        {HINGES<SweepKind::PLAIN>, HINGES<SweepKind::WITH_TREND>, HINGES<SweepKind::LAST>}};
 };
 
 }  // namespace physics

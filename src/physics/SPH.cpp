@@ -196,7 +196,7 @@ void SPH::PartCoincident(real gradientNorm, real closest) {
 
 void SPH::FindTouches(const BodyList& bodies, const Kernel& kernel, Vec2 gravity) {
     PROFILE_SECTION("Finding touches");
-    m_found.Find(m_grid, bodies, {kernel.h, kernel.spacing, gravity});
+    m_found.Find(m_grid, bodies, {kernel.h, kernel.spacing, math::Normalized(gravity)});
     m_touches.clear();
     m_liesOnShape.clear();
     m_liesOnShape.resize(m_sorted.size(), 0);

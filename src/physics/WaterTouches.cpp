@@ -31,7 +31,7 @@ void WaterTouches::Forget() {
 void WaterTouches::Add(const Settings& settings, const BodyList& bodies, Found found) {
     constexpr real NARROW = 0.5f;   // spacings
     constexpr real UPRIGHT = 0.5f;  // cosine of the angle to gravity, up to which a shape lies above or below
-    const Vec2 down = math::Normalized(settings.gravity);
+    const Vec2 down = settings.down;
     const auto isAbove = [down](const Found& touch) { return math::Dot(touch.probe.normal, down) > UPRIGHT; };
     const auto isBelow = [down](const Found& touch) {
         return math::Dot(touch.probe.normal, down) < -UPRIGHT;

@@ -23,7 +23,7 @@ class WaterTouches {
     struct Settings {
         math::real reach;    // m, of touches
         math::real spacing;  // m, of drops at rest
-        math::Vec2 gravity;
+        math::Vec2 down;     // of length 1, or zero without gravity
     };
     struct Found {
         uint32_t drop;  // in the order of the grid

@@ -194,10 +194,10 @@ void SceneRenderer::DrawFade() {
     if (color == Vec3(0, 0, 0)) return;
     // Before the first capture the texture is blank, which adds nothing.
     if (!m_fadeTexture || m_fadeGeneration != rendering::Context::GetGeneration()) return;
-    glEnable(GL_BLEND);
-    glBlendFunc(GL_ONE, GL_ONE);
     const rendering::TexturePtr last = m_fadeTexture->Get();
     if (!last) return;
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_ONE, GL_ONE);
     const rendering::ScopedMatrix matrix;
     const rendering::ScopedTexture frame(last);
     const Vec2 shift = m_settings.m_fadeTranslate->Get(), scale = m_settings.m_fadeScale->Get(),
