@@ -292,11 +292,9 @@ int main(int argc, char** argv) {
         RunProgram(util::StringList(argv + std::min(argc, 1), argv + argc));
     } catch (const std::exception& e) {
         LogException(e, WHERE);
-        Log(logging::Error, String("Exception caught in main: ") + e.what());
         if (core::ShowMsg("Exception caught", e.what())) throw;
     } catch (...) {
         LogUnknownException(WHERE);
-        Log(logging::Error, "Unknown exception caught in main.");
         if (core::ShowMsg("Unknown exception caught", "Badness")) throw;
     }
     _exit(1);

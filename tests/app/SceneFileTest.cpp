@@ -267,7 +267,8 @@ const char* const OUT_OF_RANGE = "An error occured while deserializing: Number o
 INSTANTIATE_TEST_SUITE_P(
     Table, DamagedScene,
     testing::Values(
-        Damage{"{ type = \"hinge\"; geom0 = 5; geom1 = 78; size = 1 }", "geom1"},
+        Damage{"{ type = \"hinge\"; geom0 = 5; geom1 = 78; size = 1 }",
+               "An error occured while deserializing: geom1 is no shape of the scene: 78"},
         Damage{"{ type = \"fixjoint\"; size = 1 }", "-- Warning: Couldn't find attribute geom0"},
         Damage{"{ type = \"spring\"; geom0 = 5; geom1 = 0; size = -inf }", OUT_OF_RANGE},
         Damage{"{ type = \"blob\" }", "-- Warning: Unknown entity: blob"},

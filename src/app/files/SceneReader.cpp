@@ -367,9 +367,7 @@ JointEntityPtr SceneReader::BuildJoint(const String& type, const EntitySerialize
 }
 
 void SceneReader::TieJoint(JointEntity& joint, const EntitySerializer& values) const {
-    const physics::GeomPtr geom0 = FindGeom(values, "geom0"), geom1 = FindGeom(values, "geom1");
-    CODE_ASSERTION(geom0);
-    CODE_ASSERTION(geom1);
+    const physics::GeomPtr geom0 = GetGeom(values, "geom0"), geom1 = GetGeom(values, "geom1");
     math::Vec2 pos0, pos1;
     ReadKey(values, "geom0pos", pos0);
     ReadKey(values, "geom1pos", pos1);
@@ -381,11 +379,14 @@ void SceneReader::TieJoint(JointEntity& joint, const EntitySerializer& values) c
     joint.Rebuild();
 }
 
-physics::GeomPtr SceneReader::FindGeom(const EntitySerializer& values, const char* key) const {
+physics::GeomPtr SceneReader::GetGeom(const EntitySerializer& values, const char* key) const {
     script::Int id = -1;
     ReadKey(values, key, id);
     const auto found = m_geoms.find(static_cast<unsigned int>(id));
-    return found == m_geoms.end() ? physics::GeomPtr() : found->second;
+    if (found == m_geoms.end()) {
+        THROW(BadDataException, String(key) + " is no shape of the scene: " + std::to_string(id));
+    }
+    return found->second;
 }
 
 void SceneReader::DeserializeWater(const EntitySerializer& values) const {

@@ -74,7 +74,7 @@ class SceneReader {
     void DeserializeNonbody(Record& record);
     JointEntityPtr BuildJoint(const String& type, const EntitySerializer& values) const;
     void TieJoint(JointEntity& joint, const EntitySerializer& values) const;
-    physics::GeomPtr FindGeom(const EntitySerializer& values, const char* key) const;
+    physics::GeomPtr GetGeom(const EntitySerializer& values, const char* key) const;
     void DeserializeWater(const EntitySerializer& values) const;
     void ReadSettings(const EntitySerializer& values);
     void LinkChain(const EntityPtr& entity, const EntitySerializer& values);
