@@ -39,6 +39,7 @@ static String OpenWindow() {
          {SDL_GL_RED_SIZE, SDL_GL_GREEN_SIZE, SDL_GL_BLUE_SIZE, SDL_GL_ALPHA_SIZE}) {
         SDL_GL_SetAttribute(channel, 8);
     }
+    for (const SDL_GLattr buffer : {SDL_GL_DEPTH_SIZE, SDL_GL_STENCIL_SIZE}) SDL_GL_SetAttribute(buffer, 0);
     if (SDL_SetVideoMode(WIDTH, HEIGHT, 0, SDL_OPENGL) == nullptr) return SDL_GetError();
     try {
         rendering::Context::InitExtensions();

@@ -37,9 +37,7 @@ void SetGLAttributes(const WindowParams& params) {
         SetGLAttribute(SDL_GL_ALPHA_SIZE, 8, "Couldn't set buffer alpha depth");
     }
     SetGLAttribute(SDL_GL_DEPTH_SIZE, params.m_zDepth, "Couldn't set z-buffer depth");
-    if (params.m_stencilDepth != 0) {
-        SetGLAttribute(SDL_GL_STENCIL_SIZE, params.m_stencilDepth, "Couldn't set stencil-buffer depth");
-    }
+    SetGLAttribute(SDL_GL_STENCIL_SIZE, params.m_stencilDepth, "Couldn't set stencil-buffer depth");
     // The library keeps its attributes from window to window, so that no smoothing has to be asked for too.
     const bool smooth = params.m_antiAlias > 1;
     SetGLAttribute(SDL_GL_MULTISAMPLEBUFFERS, smooth ? 1 : 0, "Couldn't set the AA buffer");

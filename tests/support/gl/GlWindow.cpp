@@ -18,6 +18,8 @@ bool OpenWindow() {
     SDL_GL_SetAttribute(SDL_GL_GREEN_SIZE, 8);
     SDL_GL_SetAttribute(SDL_GL_BLUE_SIZE, 8);
     SDL_GL_SetAttribute(SDL_GL_ALPHA_SIZE, 8);
+    SDL_GL_SetAttribute(SDL_GL_DEPTH_SIZE, 0);  // as in the program's window
+    SDL_GL_SetAttribute(SDL_GL_STENCIL_SIZE, 0);
     if (SDL_SetVideoMode(GlTest::SIZE, GlTest::SIZE, 0, SDL_OPENGL) == nullptr) return false;
     rendering::Context::InitExtensions();
     rendering::Context::SetViewport(GlTest::SIZE, GlTest::SIZE);
