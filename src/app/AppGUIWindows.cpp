@@ -96,6 +96,7 @@ void AppGUI::AddWindowCommands() {
 
 void AppGUI::EraseWater() {
     CancelTool();
+    if (physics::Simulation::Instance().GetParticles().empty()) return;
     const SnapshotPtr before = new Snapshot(m_scene);
     physics::Simulation::Instance().ClearParticles();
     Undoer::Instance().AddRestorer(before, "UndoEraseWater");

@@ -246,6 +246,7 @@ TEST(BrushStroke, RandomScribblesGiveSoundOutlines) {
         ++loops;
         EXPECT_LE(PathLength(points), ClosedLength(stroke) * 1.0001f);
         for (size_t i = 1; i < points.size(); ++i) EXPECT_NE(points[i], points[i - 1]);
+        EXPECT_TRUE(IsSimple(points)) << round;
     }
     EXPECT_GT(loops, 50);
 }

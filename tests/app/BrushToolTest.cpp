@@ -18,6 +18,14 @@ using math::Vec2;
 
 class BrushTest : public test::AppGUIFixture {
   protected:
+    static math::Vec2List Spiral(Vec2 center, float radius, float turns) {
+        math::Vec2List points = Circle(center, radius, turns);
+        const auto last = static_cast<float>(points.size() - 1);
+        for (size_t i = 0; i < points.size(); ++i) {
+            points[i] = center + (points[i] - center) * (static_cast<float>(i + 1) / last);
+        }
+        return points;
+    }
     static const BrushTool& Brush() { return dynamic_cast<const BrushTool&>(GUI().GetTool()); }
 };
 
@@ -148,6 +156,7 @@ TEST_F(BrushTest, StrokesThatMeanNothingSaySo) {
         const char* key;
     } cases[] = {
         {Circle({0, 0}, 1, 0.5f), "StrokeNotClosed"},
+        {Spiral({0, 0}, 1, 5), "StrokeNotClosed"},
         {{{0, 0}, {2, 0}}, "StrokeNotClosed"},
         {{{0, 0}, {1, 3}, {2, 0}, {-0.6f, 2}, {2.6f, 2}, {0, 0}}, "StrokeCrosses"},
     };

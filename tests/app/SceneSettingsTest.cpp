@@ -1,8 +1,10 @@
 #include "SceneFixture.h"
 #include "app/files/SceneFiles.h"
 #include "app/files/SceneLoader.h"
+#include "app/history/Actions.h"
 #include "physics/SPH.h"
 #include "script/Expressions.h"
+#include "script/Parser.h"
 #include "util/FileSystem.h"
 
 namespace app {
@@ -76,6 +78,40 @@ TEST_F(SceneSettingsTest, TheUsersOwnAreSavedAsHis) {
         EXPECT_EQ(Gravity(), GetSim().m_gravity->GetDefault());
     }
     EXPECT_EQ(Gravity(), Vec2(0, -1.6f));
+}
+
+TEST_F(SceneSettingsTest, TheUserMakesHisOwnTheScenesAndBack) {
+    SceneSettings& settings = GetScene().GetSettings();
+    GetSim().m_gravity->Set({0, -1.6f});
+    GetUndoer().Do(new ToggleSceneSettings(settings));
+    EXPECT_EQ(Gravity(), Vec2(0, -1.6f));
+    GetSim().m_airDensity->Set(0.5f);  // the scene's from now on
+    const String saved = Save();
+    EXPECT_NE(saved.find("airDensity = 0.5;\n    gravity = [0.0, -1.6"), String::npos) << saved;
+    GetUndoer().Do(new ToggleSceneSettings(settings));
+    EXPECT_EQ(Gravity(), GetSim().m_gravity->GetDefault()) << "the moon has gone to the scene";
+    GetUndoer().Undo();
+    EXPECT_EQ(Gravity(), Vec2(0, -1.6f));
+    EXPECT_EQ(Save(), saved);
+    GetUndoer().Undo();
+    EXPECT_EQ(Gravity(), Vec2(0, -1.6f)) << "as it was the user's own";
+    EXPECT_TRUE(settings.IsEmpty());
+    EXPECT_EQ(GetSim().m_airDensity->Get(), GetSim().m_airDensity->GetDefault());
+    GetUndoer().Redo();
+    EXPECT_EQ(Save(), saved);
+    LoadFile("earth.vxa", "version = 1;\n" + CIRCLE);
+    EXPECT_EQ(Gravity(), GetSim().m_gravity->GetDefault());
+    while (GetUndoer().GetUndoCount() > 0) GetUndoer().Undo();
+    EXPECT_EQ(Gravity(), Vec2(0, -1.6f));
+    EXPECT_EQ(Save().find("settings"), String::npos);
+}
+
+TEST_F(SceneSettingsTest, AFormulaStaysTheUsers) {
+    script::Parser::Instance().Execute("Sim.airDensity = { 0.25 };");
+    GetScene().GetSettings().Adopt();
+    EXPECT_EQ(GetScene().GetSettings().GetBundle()->count("airDensity"), 0u);
+    EXPECT_TRUE(script::IsNullaryFunction(GetSim().m_airDensity->GetValue()));
+    GetSim().m_airDensity->Set(GetSim().m_airDensity->GetDefault());
 }
 
 TEST_F(SceneSettingsTest, ImportsBringNone) {

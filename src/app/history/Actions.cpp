@@ -17,6 +17,25 @@ void EraseEntities::Redo() {
     m_after->Restore();
 }
 
+void ToggleSceneSettings::Do() {
+    m_otherBundle = m_settings.GetBundle();
+    m_otherUsers = m_settings.GetUsersOwn();
+    if (m_settings.IsEmpty()) {
+        m_settings.Adopt();
+    } else {
+        m_settings.Set({});
+    }
+}
+
+void ToggleSceneSettings::Undo() {
+    const SceneSettings::Bundle bundle = m_otherBundle;
+    const SceneSettings::Values users = m_otherUsers;
+    m_otherBundle = m_settings.GetBundle();
+    m_otherUsers = m_settings.GetUsersOwn();
+    m_settings.Switch(bundle);
+    m_settings.SetUsersOwn(users);
+}
+
 bool SimStart::Absorbs(const Action& next) const {
     return dynamic_cast<const SimStart*>(&next) != nullptr;
 }

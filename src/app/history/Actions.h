@@ -3,6 +3,7 @@
 #include "app/Fwd.h"
 #include "app/entities/Entity.h"
 #include "app/history/Snapshot.h"
+#include "app/scene/SceneSettings.h"
 #include "util/Pointee.h"
 
 namespace app {
@@ -71,6 +72,23 @@ class EraseEntities : public Action {
     SnapshotPtr m_snapshot;
     SnapshotPtr m_after;
     EntitySet m_entities;
+};
+
+// Makes gravity, air and water the scene's own, or, where they are, the user's again.
+class ToggleSceneSettings : public Action {
+  public:
+    explicit ToggleSceneSettings(SceneSettings& settings)
+        : Action("UndoSceneSettings"), m_settings(settings) {}
+
+    void Do() override;
+    void Undo() override;
+    void Redo() override { Undo(); }
+    bool KeepsScene() const override { return true; }
+
+  private:
+    SceneSettings& m_settings;
+    SceneSettings::Bundle m_otherBundle;  // as they were on the other side of this step
+    SceneSettings::Values m_otherUsers;
 };
 
 // The start of the simulation: undo goes back to that moment and stops it. Redo leaves `running` as it is.

@@ -27,6 +27,12 @@ std::vector<AbstractAttribPtr> ListSettings() {
             water.m_surfaceTension, water.m_vaporizeTime,    water.m_viscosity};
 }
 
+const std::vector<AbstractAttribPtr>& GetSettings() {
+    static const std::vector<AbstractAttribPtr>& s_settings =
+        *new std::vector<AbstractAttribPtr>(ListSettings());
+    return s_settings;
+}
+
 String CodeOf(const script::ObjectPtr& value) {
     return value->ToExpression()->ToCode();
 }
@@ -37,12 +43,11 @@ SceneSettings::SceneSettings() : m_bundle(std::make_shared<Values>()) {}
 SceneSettings::~SceneSettings() = default;
 
 AbstractAttribPtr SceneSettings::Find(const String& name) {
-    static const std::vector<AbstractAttribPtr>& s_settings =
-        *new std::vector<AbstractAttribPtr>(ListSettings());
-    const auto found =
-        std::find_if(s_settings.begin(), s_settings.end(),
-                     [&](const AbstractAttribPtr& setting) { return setting->GetName() == name; });
-    return found == s_settings.end() ? AbstractAttribPtr() : *found;
+    const std::vector<AbstractAttribPtr>& settings = GetSettings();
+    const auto found = std::find_if(settings.begin(), settings.end(), [&](const AbstractAttribPtr& setting) {
+        return setting->GetName() == name;
+    });
+    return found == settings.end() ? AbstractAttribPtr() : *found;
 }
 
 bool SceneSettings::IsValueFor(script::AbstractAttrib& setting, const script::ObjectPtr& value) {
@@ -80,6 +85,37 @@ void SceneSettings::Switch(const Bundle& bundle) {
         const AbstractAttribPtr setting = Find(name);
         m_users[name] = setting->GetValue();
         setting->SetValue(value);
+    }
+}
+
+void SceneSettings::Adopt() {
+    Values present;
+    for (const AbstractAttribPtr& setting : GetSettings()) {
+        const script::ObjectPtr value = setting->GetValue();
+        if (!script::IsNullaryFunction(value)) present[setting->GetName()] = value;
+    }
+    Set({});
+    for (const auto& [name, _] : present) Find(name)->SetValue(Find(name)->MakeDefault());
+    Set(present);
+}
+
+SceneSettings::Values SceneSettings::GetUsersOwn() const {
+    Values own;
+    for (const AbstractAttribPtr& setting : GetSettings()) {
+        const auto found = m_users.find(setting->GetName());
+        own[setting->GetName()] = found == m_users.end() ? setting->GetValue() : found->second;
+    }
+    return own;
+}
+
+void SceneSettings::SetUsersOwn(const Values& values) {
+    for (const auto& [name, value] : values) {
+        const auto found = m_users.find(name);
+        if (found == m_users.end()) {
+            Find(name)->SetValue(value);
+        } else {
+            found->second = value;
+        }
     }
 }
 

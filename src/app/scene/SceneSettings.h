@@ -33,6 +33,16 @@ class SceneSettings {
     // What the open one brings, as far as it differs from the user's own.
     Values Get() const;
 
+    // Whether the open scene has any, be they the same as the user's.
+    bool IsEmpty() const { return m_bundle->empty(); }
+    // All that hold now become the open scene's, and the user's own fall back to their defaults. Formulas
+    // stay the user's.
+    void Adopt();
+
+    // The user's own, of all that scenes may bring.
+    Values GetUsersOwn() const;
+    void SetUsersOwn(const Values& values);
+
     const Bundle& GetBundle() const { return m_bundle; }
     void Switch(const Bundle& bundle);
 

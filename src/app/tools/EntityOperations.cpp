@@ -38,6 +38,7 @@ void Reorder(Scene& scene, const EntitySet& entities, bool toFront) {
     EntityList order = scene.GetEntities();
     std::stable_partition(order.begin(), order.end(),
                           [&](const EntityPtr& entity) { return (entities.count(entity) != 0) != toFront; });
+    if (order == scene.GetEntities()) return;
     scene.SetEntityOrder(order);
     Finish(before, "UndoOrder");
 }
@@ -143,13 +144,15 @@ void DissolveChain(Scene& scene, const EntitySet& entities) {
 
 void Liquify(Scene& scene, const EntitySet& entities, int maxDrops) {
     const SnapshotPtr before = new Snapshot(scene);
+    bool hasMelted = false;
     for (const EntityPtr& entity : entities) {
         const auto shape = util::DynamicCast<FiniteGeomEntity>(entity);
         if (!shape || !scene.HasEntity(entity)) continue;
+        hasMelted = true;
         for (const math::Vec2 point : shape->GetWaterPoints(maxDrops)) AddDrop(point);
         scene.RemoveEntity(entity);
     }
-    Finish(before, "UndoLiquify");
+    if (hasMelted) Finish(before, "UndoLiquify");
 }
 
 }  // namespace app

@@ -233,6 +233,14 @@ LoopResult CloseOvershot(Vec2List& points) {
     return LoopResult::Loop;
 }
 
+// As a snail's shell does, which no trimming closes.
+bool CrossesItself(const Vec2List& loop) {
+    if (loop.size() < 3) return false;
+    const std::vector<bool> marked = MarkCrossings(loop);
+    return std::find(marked.begin(), marked.end(), true) != marked.end() ||
+           ClosingEdgeCrosses(loop, 0, loop.size() - 1);
+}
+
 // Between crossings: the biggest lobe is what the eye sees.
 LoopResult CutBiggestLobe(Vec2List& points, const MarkedPath& path) {
     SegmentRange range{};
@@ -246,8 +254,7 @@ LoopResult CutBiggestLobe(Vec2List& points, const MarkedPath& path) {
 
 }  // namespace
 
-LoopResult ExtractLoop(Vec2List& points) {
-    if (points.size() < 2) return LoopResult::Open;
+static LoopResult FindLoop(Vec2List& points) {
     const bool isClosed = IsClosed(points);
     const std::vector<bool> marked = MarkCrossings(points);
     const bool isCrossed = std::find(marked.begin(), marked.end(), true) != marked.end();
@@ -256,6 +263,15 @@ LoopResult ExtractLoop(Vec2List& points) {
     if (!isClosed) return CloseOvershot(points);
     points = CutLoop(points, marked, {0, marked.size() - 1});
     return LoopResult::Loop;
+}
+
+LoopResult ExtractLoop(Vec2List& points) {
+    if (points.size() < 2) return LoopResult::Open;
+    Vec2List loop = points;
+    const LoopResult result = FindLoop(loop);
+    if (result == LoopResult::Loop && CrossesItself(loop)) return LoopResult::Open;
+    points.swap(loop);
+    return result;
 }
 
 }  // namespace app

@@ -18,7 +18,7 @@ math::real ClosedLength(const math::Vec2List& points);
 bool TestEraseLine(const math::Vec2List& stroke);
 
 enum class LoopResult {
-    Open = 0,    // the ends lie too far apart; the points are unchanged
+    Open = 0,    // the ends lie too far apart, or turns of the stroke between them; the points are unchanged
     Loop = 1,    // the points are now the outline of the loop, not repeating the first at the end
     Tangled = 2  // nothing is left between the crossings
 };

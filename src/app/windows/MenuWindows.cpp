@@ -4,7 +4,10 @@
 
 #include "app/Language.h"
 #include "app/drawing/DrawSettings.h"
+#include "app/history/Actions.h"
+#include "app/history/Undoer.h"
 #include "app/scene/AppGUISettings.h"
+#include "app/scene/Scene.h"
 #include "app/widgets/InfoLabel.h"
 #include "app/windows/Rows.h"
 #include "gui/GUI.h"
@@ -56,7 +59,7 @@ constexpr double MAX_DPI = 400;
 constexpr float DPI_LABEL_WIDTH = 180;  // GUI units
 constexpr float DPI_SLIDER_WIDTH = 110;
 constexpr float FRAME_ROOM = 40;             // GUI units, of a window's title bar and edges
-constexpr int SHADERS_ROW = 4;               // among the options
+constexpr int SHADERS_ROW = 5;               // among the options
 constexpr float SCALES[] = {1, 1.5f, 2, 3};  // pixels per GUI unit
 constexpr math::Vec4 CURRENT_COLOR(1.4f, 1.4f, 1.6f, 1);
 constexpr math::Vec4 OTHER_COLOR(0.8f, 0.8f, 0.85f, 1);
@@ -88,6 +91,30 @@ ComponentPtr MakeSpeedRow() {
     slider->SetDefault(1);
     return MakeSliderRow("SimSpeed", slider, {2, "x"});
 }
+
+// Whether gravity, air and water are the scene's own and are saved with it.
+class SceneSettingsCheckbox : public gui::Checkbox {
+  public:
+    explicit SceneSettingsCheckbox(SceneSettings& settings)
+        : Checkbox(Translate("OnlyThisScene"), "SceneSettingsCheckbox"), m_settings(settings) {
+        SetKey("OnlyThisScene");
+        SetToolTip(Translate("TipOnlyThisScene"));
+    }
+
+    void Update(float dt) override {
+        Checkbox::Update(dt);
+        SetStateSilent(m_settings.IsEmpty() ? Off : On);
+    }
+    void SetState(State state) override {
+        if ((state == On) == m_settings.IsEmpty()) {
+            Undoer::Instance().Do(new ToggleSceneSettings(m_settings));
+        }
+        Checkbox::SetState(state);
+    }
+
+  private:
+    SceneSettings& m_settings;
+};
 
 // A scale of the interface to choose; lit while it is the present one.
 class ScaleButton : public gui::Button {
@@ -154,6 +181,7 @@ gui::WindowPtr MakeOptionsWindow(const Desk& desk) {
     std::vector<ComponentPtr> rows = {
         MakeGravityRow(),
         MakeAirRow(),
+        new SceneSettingsCheckbox(desk.m_scene.GetSettings()),
         MakeCheckRow("LeftClickMenus", desk.m_settings.m_leftClickMenus),
         MakeCheckRow("DrawInside", desk.m_settings.m_drawInside),
         MakeCheckRow("SimpleWater", drawing.m_simpleWater),
