@@ -1,40 +1,48 @@
 #include "physics/ContactCache.h"
 
+#include <algorithm>
+
+#include "physics/ContactPool.h"
+
 namespace physics {
 
 void ContactCache::Update(const ContactPool& contacts) {
-    m_contacts = &contacts;
     Resize(contacts.size());
-    for (Slot& slot : m_slots) slot.contact = EMPTY;
-    for (uint32_t i = 0; i < contacts.size(); ++i) {
-        const ContactID& id = contacts[i]->m_id;
-        uint32_t s = FirstSlot(id.hash);
-        while (m_slots[s].contact != EMPTY && !IsIn(m_slots[s], id)) s = (s + 1) & m_mask;
-        m_slots[s] = {i, id.hash};
+    m_entries.clear();
+    m_entries.reserve(contacts.size());
+    m_next = 0;
+    for (const ContactPtr& pointer : contacts) {
+        const Contact& contact = *pointer.Get();
+        uint32_t& slot = m_slots[FindSlot(contact.m_id)];
+        if (slot != EMPTY) m_entries[slot].isLast = false;
+        slot = static_cast<uint32_t>(m_entries.size());
+        m_entries.push_back({contact.m_id, {contact.m_normalImpulse, contact.m_tangentImpulse}, true});
     }
 }
 
-const Contact* ContactCache::Find(const ContactID& id) const {
-    if (m_contacts == nullptr) return nullptr;
-    for (uint32_t s = FirstSlot(id.hash); m_slots[s].contact != EMPTY; s = (s + 1) & m_mask) {
-        if (IsIn(m_slots[s], id)) return (*m_contacts)[m_slots[s].contact];
+const ContactCache::Impulses* ContactCache::Find(const ContactID& id) {
+    const auto isNext = [&] { return m_entries[m_next].isLast && m_entries[m_next].id == id; };
+    if (m_next >= m_entries.size() || !isNext()) {
+        if (m_entries.empty()) return nullptr;
+        m_next = m_slots[FindSlot(id)];
+        if (m_next == EMPTY) return nullptr;
     }
-    return nullptr;
+    return &m_entries[m_next++].impulses;
 }
 
-void ContactCache::Clear() {
-    m_contacts = nullptr;
-}
-
-bool ContactCache::IsIn(const Slot& slot, const ContactID& id) const {
-    return slot.hash == id.hash && (*m_contacts)[slot.contact]->m_id == id;
+// Where an ID stands, or is to be entered.
+uint32_t ContactCache::FindSlot(const ContactID& id) const {
+    uint32_t s = FirstSlot(id.hash);
+    while (m_slots[s] != EMPTY && !(m_entries[m_slots[s]].id == id)) s = (s + 1) & m_mask;
+    return s;
 }
 
 void ContactCache::Resize(size_t contacts) {
     constexpr size_t LEAST = 64;
-    size_t size = m_slots.empty() ? LEAST : m_slots.size();
+    size_t size = LEAST;
     while (size < 2 * contacts) size *= 2;
-    if (size != m_slots.size()) m_slots.resize(size);
+    m_slots.resize(size);
+    std::fill(m_slots.begin(), m_slots.end(), EMPTY);
     m_mask = static_cast<uint32_t>(size - 1);
 }
 

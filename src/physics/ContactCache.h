@@ -2,40 +2,48 @@
 
 #include <cstdint>
 
+#include "math/Vector.h"
 #include "physics/ContactID.h"
-#include "physics/ContactPool.h"
+#include "physics/Fwd.h"
 #include "util/VectorPOD.h"
 
 namespace physics {
 
-// Finds last step's contact of the same ID. Contacts persist from one step to the next only, by the exact
-// key of geoms and feature; where two contacts of a step have one ID, the later is remembered.
+// Remembers the impulses of last step's contacts. Contacts persist from one step to the next only, by the
+// exact key of geoms and feature; where two contacts of a step have one ID, the later is remembered.
 //
-// An open-addressing table of indices into the step's contacts: it is filled anew at each step, so that it
-// knows no removal, and it is never more than half full.
+// An open-addressing table of indices: it is filled anew at each step, so that it knows no removal, and it
+// is never more than half full. It takes no more room than the step's contacts ask for, since all of it is
+// cleared each time. Most contacts come in the order of the step before and are found without it.
 class ContactCache {
   public:
-    // Remembers `contacts`, which must stay as they are until the next Update or Clear.
+    struct Impulses {
+        math::real normal;   // N s
+        math::real tangent;  // N s
+    };
+
+    // Remembers `contacts`, and nothing of before.
     void Update(const ContactPool& contacts);
-    // The remembered contact of this ID, or null.
-    const Contact* Find(const ContactID& id) const;
-    void Clear();
+    // What the remembered contact of this ID carried, or null. Good until the next Update.
+    const Impulses* Find(const ContactID& id);
 
   private:
     static constexpr uint32_t EMPTY = 0xFFFFFFFFu;
 
-    struct Slot {
-        uint32_t contact;  // index in m_contacts, or EMPTY
-        uint32_t hash;
+    struct Entry {
+        ContactID id;
+        Impulses impulses;
+        bool isLast;  // of this ID
     };
 
     uint32_t FirstSlot(uint32_t hash) const { return (hash ^ (hash >> 15)) & m_mask; }
-    bool IsIn(const Slot& slot, const ContactID& id) const;
+    uint32_t FindSlot(const ContactID& id) const;
     void Resize(size_t contacts);
 
-    const ContactPool* m_contacts = nullptr;
-    util::VectorPOD<Slot> m_slots;  // a power of two
+    util::VectorPOD<Entry> m_entries;   // in the order of the contacts
+    util::VectorPOD<uint32_t> m_slots;  // indices of entries, or EMPTY; a power of two
     uint32_t m_mask = 0;
+    uint32_t m_next = 0;  // the entry after the one found last
 };
 
 }  // namespace physics

@@ -1,7 +1,5 @@
 #include "physics/ContactPool.h"
 
-#include <utility>
-
 namespace physics {
 
 Contact& ContactPool::Add(Geom* geomA, Geom* geomB, uint32_t index, math::Vec2 point, math::Vec2 normal,
@@ -22,11 +20,6 @@ Contact& ContactPool::Add(Geom* geomA, Geom* geomB, uint32_t index, math::Vec2 p
 void ContactPool::Release() {
     m_size = 0;
     m_objects.clear();
-}
-
-void ContactPool::swap(ContactPool& other) noexcept {
-    m_objects.swap(other.m_objects);
-    std::swap(m_size, other.m_size);
 }
 
 }  // namespace physics

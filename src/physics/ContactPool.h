@@ -20,7 +20,6 @@ class ContactPool {
 
     void Clear() { m_size = 0; }  // keeps the objects
     void Release();               // drops the objects too
-    void swap(ContactPool& other) noexcept;
 
     // A step finds no more than this; what is piled up in one place beyond it goes on without the rest. Some
     // 70 MB, and ten times what the largest scenes need that run at all.

@@ -5,10 +5,9 @@
 namespace physics {
 
 void StepContacts::Find(const BodyList& bodies, const ParticleList& particles) {
-    m_lastContacts.swap(m_contacts);
     {
         PROFILE_SECTION("Update cache");
-        m_cache.Update(m_lastContacts);
+        m_cache.Update(m_contacts);
     }
     {
         PROFILE_SECTION("Finding contacts");
@@ -24,18 +23,16 @@ void StepContacts::MatchCache() {
     PROFILE_SECTION("Matching cache");
     m_cacheHits = 0;
     for (const ContactPtr& contact : m_contacts) {
-        const Contact* const old = m_cache.Find(contact.Get()->m_id);
+        const ContactCache::Impulses* const old = m_cache.Find(contact.Get()->m_id);
         if (old == nullptr) continue;
-        contact.Get()->m_normalImpulse = old->m_normalImpulse;
-        contact.Get()->m_tangentImpulse = old->m_tangentImpulse;
+        contact.Get()->m_normalImpulse = old->normal;
+        contact.Get()->m_tangentImpulse = old->tangent;
         contact.Get()->m_new = false;
         ++m_cacheHits;
     }
 }
 
 void StepContacts::Clear() {
-    m_cache.Clear();
-    m_lastContacts.Release();
     m_contacts.Release();
     m_cacheHits = 0;
 }

@@ -26,9 +26,8 @@ class StepContacts {
     void MatchCache();
 
     Collider m_collider;
-    ContactPool m_contacts;      // this step's
-    ContactPool m_lastContacts;  // the previous step's, which the cache looks up
-    ContactCache m_cache;
+    ContactPool m_contacts;
+    ContactCache m_cache;  // of the step before
     ContactReduction m_reduction;
     uint32_t m_cacheHits = 0;
 };

@@ -125,24 +125,27 @@ TEST_F(ContactTest, CacheFindsTheLaterOfEqualIDs) {
     m_b = AddCircle({1.9f, 0}, 1);
     physics::ContactPool pool;
     std::mt19937 random(1);
-    std::map<uint32_t, const Contact*> latest;
+    std::map<uint32_t, float> latest;
     for (int i = 0; i < 1000; ++i) {
         const uint32_t index = random() % 300;
         Contact& contact = pool.Add(GeomOf(m_a).Get(), GeomOf(m_b).Get(), index, {}, {1, 0}, 0.1f);
-        latest[index] = &contact;
+        contact.m_normalImpulse = latest[index] = static_cast<float>(i);
     }
     physics::ContactCache cache;
     EXPECT_EQ(cache.Find(pool[0]->m_id), nullptr);
     cache.Update(pool);
-    for (uint32_t index = 0; index < 320; ++index) {
-        const auto found = latest.find(index);
-        const ContactID id(GeomOf(m_a)->GetID(), GeomOf(m_b)->GetID(), index);
-        EXPECT_EQ(cache.Find(id), found == latest.end() ? nullptr : found->second) << index;
-    }
+    const auto check = [&](uint32_t index) {
+        SCOPED_TRACE(index);
+        const auto* const found = cache.Find(ContactID(GeomOf(m_a)->GetID(), GeomOf(m_b)->GetID(), index));
+        ASSERT_EQ(found != nullptr, latest.count(index) != 0);
+        if (found != nullptr) EXPECT_EQ(found->normal, latest[index]);
+    };
+    for (uint32_t index = 0; index < 320; ++index) check(index);
+    for (const physics::ContactPtr& contact : pool) check(contact->m_id.index);  // in their own order
+    const ContactID last = pool[999]->m_id;
     pool.Clear();
     cache.Update(pool);
-    EXPECT_EQ(cache.Find(ContactID(GeomOf(m_a)->GetID(), GeomOf(m_b)->GetID(), latest.begin()->first)),
-              nullptr);
+    EXPECT_EQ(cache.Find(last), nullptr);
 }
 
 TEST_F(ContactTest, PoolUsesObjectsAgainButNotThoseHeldElsewhere) {
