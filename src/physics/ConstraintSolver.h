@@ -1,11 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "physics/ContactRow.h"
 #include "physics/Fwd.h"
-#include "physics/HingeRow.h"
 #include "physics/ResidualSort.h"
+#include "physics/RowGroups.h"
 #include "physics/RowSweeps.h"
 #include "physics/SolverBody.h"
 #include "util/VectorPOD.h"
@@ -16,11 +17,11 @@ namespace physics {
 // rows in impulse form: each sweep visits every constraint, computes the impulse still missing and applies
 // it. The number of sweeps is fixed; there is no test of convergence.
 //
-// The sweeps run over packed copies of constraints and bodies, filled after SolveInit and stored back once.
-// The order of the sweeps is that of the list, or by residual; but all that it fixes is which of two
-// constraints over the same movable body goes first. So each constraint is given the first level after those
-// of its two bodies' earlier constraints, and the contacts or hinges of a level are solved eight at a time,
-// with the very bits that one after the other would give.
+// The sweeps run over packed rows and bodies, filled straight from contacts, hinges and bodies and stored
+// back once. The order of the sweeps is that of the list, or by residual; but all that it fixes is which of
+// two constraints over the same movable body goes first. So each constraint is given the first level after
+// those of its two bodies' earlier constraints, and the contacts or hinges of a level are solved eight at a
+// time, with the very bits that one after the other would give.
 //
 // Between sweeps the solve goes on along the way it has been going (nonlinear conjugate gradients), which
 // carries loads through tall stacks and long chains.
@@ -42,9 +43,11 @@ class ConstraintSolver {
   private:
     struct Entry {
         Constraint* constraint;
-        Hinge* hinge;  // null for a contact
+        Hinge* hinge;    // null for a contact
+        uint32_t body0;  // places among the active bodies, or NOWHERE
+        uint32_t body1;
     };
-    static constexpr uint32_t INACTIVE = 0xFFFFFFFFu;
+    static constexpr uint32_t NOWHERE = 0xFFFFFFFFu;
 
     // What the sweeps treat alike: contacts and hinges in groups, and hinges with motors one by one.
     enum RowKind : uint32_t { CONTACTS, HINGES, MOTORS, ROW_KINDS };
@@ -53,27 +56,20 @@ class ConstraintSolver {
     struct Level {
         uint32_t ends[ROW_KINDS];  // in m_groups, m_hingeGroups and m_motors
     };
-    // Of a body its velocities, and its inverse mass, whose trend stays 0.
-    struct alignas(16) BodyMotion {
-        math::real numbers[4];
-    };
     struct MotorRow {
         Hinge* hinge;
         uint32_t body0;
         uint32_t body1;
     };
 
-    void BuildList(const HingeSet& hinges, const ContactPool& contacts);
-    void ActivateBodies(const AbstractBodyList& bodies);
-    void Activate(AbstractBody& body);
-    void InitConstraints(const AbstractBodyList& bodies, const SolveConstants& constants);
-    static bool InitConstraint(const Entry& entry, const AbstractBodyList& bodies,
-                               const SolveConstants& constants);
-    void ApplyVelocityChanges();
+    void ListConstraints(const AbstractBodyList& bodies, const HingeSet& hinges, const ContactPool& contacts);
+    void List(Constraint* constraint, Hinge* hinge, const AbstractBodyList& bodies);
+    uint32_t Activate(AbstractBody* body, const AbstractBodyList& bodies);
+    template <class Init>
+    void DropRefused(Init init);
 
     void SolveGaussSeidel(const StepSettings& settings);
-    void PackRows();
-    void PackBodies();
+    bool InitRow(uint32_t i, const SolveConstants& constants);
     void SortByResidual();
     void AssignLevels();
     uint32_t RaiseLevel(uint32_t body0, uint32_t body1);
@@ -82,23 +78,26 @@ class ConstraintSolver {
     void JoinLevels();
     void ClearLastGroups();
     void ArrangeRows();
-    void PutInGroup(const ContactRow& row, uint32_t slot);
-    void PutHinge(const ContactRow& row, const Hinge& hinge, uint32_t slot);
+    void PutEnds(EndsRow8& group, uint32_t lane, const Entry& entry) const;
+    static void PutContact(ContactRow8& group, uint32_t lane, const ContactRow& row);
+    void PackMotions();
+    void SweepAll(const StepSettings& settings);
     math::real Sweep(SweepKind kind, math::real trendShare);
     void SolveMotor(const MotorRow& row);
     void SweepWithTrend(int sweeps);
     void FollowTrend(math::real share);
     void StoreRows();
-    void StoreBodies() const;
+    void ApplyMotions() const;
 
-    void SolvePrioritized(const AbstractBodyList& bodies, int sweeps);
+    void SolvePrioritized(const AbstractBodyList& bodies, const StepSettings& settings);
+    void WorkOffQueue(const AbstractBodyList& bodies, int sweeps);
 
     const RowSweeps* m_sweeps = &GetRowSweeps();
     util::VectorPOD<Entry> m_list;            // hinges, then contacts
-    util::VectorPOD<uint32_t> m_places;       // per body: its place in the two below, or INACTIVE
+    util::VectorPOD<ContactRow> m_rows;       // in the order of the list; those of hinges are unused
+    util::VectorPOD<uint32_t> m_places;       // per body: its place in the two below, or NOWHERE
     AbstractBodyList m_active;                // bodies with constraints, in order of first mention
     util::VectorPOD<SolverBody> m_bodies;     // their copies, and one that never moves, for unused lanes
-    util::VectorPOD<ContactRow> m_rows;       // in the order of the list; of a hinge only the bodies
     util::VectorPOD<uint32_t> m_order;        // list indices, greatest residual first
     util::VectorPOD<uint32_t> m_bodyLevels;   // per body: levels in use so far
     util::VectorPOD<uint32_t> m_entryLevels;  // per list entry
@@ -106,14 +105,31 @@ class ConstraintSolver {
     util::VectorPOD<Level> m_levels;
     util::VectorPOD<Level> m_cursors;  // per level: the next free lanes
     util::VectorPOD<Level> m_stages;   // levels, and runs of levels of one kind joined to one
-    util::VectorPOD<ContactRow8> m_groups;
-    util::VectorPOD<HingeRow8> m_hingeGroups;
+    // What the sweeps run over, aligned for wide registers.
+    std::vector<ContactRow8> m_groups;
+    std::vector<HingeRow8> m_hingeGroups;
+    std::vector<ContactTrend8> m_trends;      // of m_groups
+    std::vector<HingeTrend8> m_hingeTrends;   // of m_hingeGroups
+    std::vector<BodyMotion> m_motions;        // of m_bodies, an even number
+    std::vector<BodyMotion> m_motionTrends;   // the velocities that the rows' trends make
+    std::vector<BodyMotion> m_motionsBefore;  // the last sweep
     util::VectorPOD<MotorRow> m_motors;
-    util::VectorPOD<ContactTrend8> m_trends;      // of m_groups
-    util::VectorPOD<HingeTrend8> m_hingeTrends;   // of m_hingeGroups
-    util::VectorPOD<BodyMotion> m_motionTrends;   // of m_bodies: the velocities that the rows' trends make
-    util::VectorPOD<BodyMotion> m_motionsBefore;  // the last sweep
     ResidualSort m_sort;
 };
+
+// A constraint that refuses, or whose bodies are others, gives its place to the last one, which is then asked
+// in turn.
+template <class Init>
+void ConstraintSolver::DropRefused(Init init) {
+    const auto isWanted = [&](uint32_t i) {
+        return m_list[i].body0 != NOWHERE && m_list[i].body1 != NOWHERE && init(i);
+    };
+    for (uint32_t i = 0; i < m_list.size(); ++i) {
+        while (i < m_list.size() && !isWanted(i)) {
+            m_list[i] = m_list.back();
+            m_list.pop_back();
+        }
+    }
+}
 
 }  // namespace physics

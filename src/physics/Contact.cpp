@@ -26,9 +26,8 @@
 
 #include "physics/Body.h"
 #include "physics/ContactRow.h"
+#include "physics/ContactSolve.h"
 #include "physics/Geom.h"
-#include "physics/SolverBody.h"
-#include "physics/StepSettings.h"
 
 namespace physics {
 
@@ -52,69 +51,19 @@ void Contact::Reset(Geom* geomA, Geom* geomB, uint32_t index, math::Vec2 point, 
     m_restitution = GeometricMean(geomA->m_restitution, geomB->m_restitution);
     m_point = point;
     m_normal = normal;
-    m_tangent = math::Perpendicular(normal);
     m_penetration = penetration;
     m_r[0] = point - m_bodies[0]->m_pos;
     m_r[1] = point - m_bodies[1]->m_pos;
     m_new = true;
     m_implied = false;
     m_normalImpulse = m_tangentImpulse = 0;
-    m_normalDelta = m_tangentDelta = 0;
-    m_residual = 0;
-    m_distFactor = m_warmFactor = 1;
-    CalcMasses();
-}
-
-void Contact::CalcMasses() {
-    const AbstractBody& b0 = *m_bodies[0];
-    const AbstractBody& b1 = *m_bodies[1];
-    m_normalMass = 1 / InverseEffectiveMass(b0, b1, m_r[0], m_r[1], m_normal);
-    m_tangentMass = 1 / InverseEffectiveMass(b0, b1, m_r[0], m_r[1], m_tangent);
-    m_useNormalMass = m_normalMass;
-    m_useTangentMass = m_tangentMass;
-}
-
-void Contact::Soften(math::real eps) {
-    m_softNormalMass = 1 / (1 / m_normalMass + eps);
-    m_softTangentMass = 1 / (1 / m_tangentMass + eps);
-    m_useNormalMass = m_softNormalMass;
-    m_useTangentMass = m_softTangentMass;
+    m_distFactor = 1;
 }
 
 bool Contact::SolveInit(const SolveConstants& constants) {
     if (!HasMovableBody()) return false;
-    const AbstractBody& b0 = *m_bodies[0];
-    const AbstractBody& b1 = *m_bodies[1];
-    const math::Vec2 u = VelocityAt(b1.m_vel, b1.m_angVel, m_point - b1.m_pos) -
-                         VelocityAt(b0.m_vel, b0.m_angVel, m_point - b0.m_pos);
-    const math::Vec2 a = AccelerationAt(b1, m_r[1]) - AccelerationAt(b0, m_r[0]);
-    m_relVel = u;
-
-    const RowWeights& w = constants.contact;
-    math::real g;
-    if (m_new) {
-        g = math::Dot(u, m_normal) * (m_restitution + 1);
-    } else {
-        Soften(w.eps);
-        const math::real e =
-            std::min(constants.maxPositionCorrection, constants.targetPenetration - m_penetration);
-        g = math::Dot(a, m_normal) * w.acc + w.dist * e * m_distFactor + math::Dot(u, m_normal) * w.vel;
-    }
-    m_normalTarget = -m_useNormalMass * g;
-    m_tangentTarget =
-        -m_useTangentMass * (math::Dot(a, m_tangent) * w.acc + math::Dot(u, m_tangent) * w.slip);
-    WarmStart(constants.warmStartShare);
+    InitContactRows(*this, *this, constants, *m_bodies[0], *m_bodies[1]);
     return true;
-}
-
-void Contact::WarmStart(math::real share) {
-    if (m_new || share == 0) {
-        m_normalImpulse = m_tangentImpulse = 0;
-        return;
-    }
-    m_normalImpulse *= share;
-    m_tangentImpulse *= share;
-    ApplyImpulse(m_normal * m_normalImpulse + m_tangent * m_tangentImpulse);
 }
 
 void Contact::SolveCalc() {
@@ -126,7 +75,7 @@ void Contact::SolveCalc() {
 }
 
 void Contact::SolveApply() {
-    ApplyImpulse(m_normal * m_normalDelta + m_tangent * m_tangentDelta);
+    ApplyImpulse(m_normal * m_normalDelta + math::Perpendicular(m_normal) * m_tangentDelta);
     m_normalImpulse += m_normalDelta;
     m_tangentImpulse += m_tangentDelta;
 }

@@ -30,32 +30,23 @@ class Contact final : public Constraint {
     void SolveApply() override;
 
     math::Vec2 m_point;
-    math::Vec2 m_normal;              // unit, from body 0 to body 1; zero for a contact that pushes nothing
-    math::real m_penetration = 0;     // m, positive when overlapping
-    math::real m_friction = 0;        // geometric mean of the two geoms
-    math::real m_restitution = 0;     // geometric mean of the two geoms
-    math::Vec2 m_tangent;             // the normal, a quarter turn to the left
-    bool m_new = true;                // until matched with a contact of the previous step
-    bool m_implied = false;           // held by others, see ContactReduction.h
-    math::Vec2 m_relVel;              // m/s at the point, body 1 less body 0, as of SolveInit
-    math::real m_normalMass = 0;      // kg, exact effective mass of the normal row
-    math::real m_tangentMass = 0;     // kg, of the friction row
-    math::real m_softNormalMass = 0;  // kg, regularised; of persisting contacts, as of SolveInit
-    math::real m_softTangentMass = 0;
-    math::real m_useNormalMass = 0;  // the mass in use in this step
+    math::Vec2 m_normal;             // unit, from body 0 to body 1; zero for a contact that pushes nothing
+    math::real m_penetration = 0;    // m, positive when overlapping
+    math::real m_friction = 0;       // geometric mean of the two geoms
+    math::real m_restitution = 0;    // geometric mean of the two geoms
+    bool m_new = true;               // until matched with a contact of the previous step
+    bool m_implied = false;          // held by others, see ContactReduction.h
+    math::real m_normalImpulse = 0;  // N s, accumulated; never negative after a solve
+    math::real m_tangentImpulse = 0;
+    ContactID m_id;
+
+    // Of a solve through SolveInit; the packed sweeps have their own (ContactRow).
+    math::real m_useNormalMass = 0;  // kg, effective mass of the normal row
     math::real m_useTangentMass = 0;
     math::real m_normalTarget = 0;   // N s, right-hand side of the normal row
     math::real m_tangentTarget = 0;  // N s, of the friction row
-    math::real m_normalImpulse = 0;  // N s, accumulated; never negative after a solve
-    math::real m_tangentImpulse = 0;
-    math::real m_normalDelta = 0;  // N s, pending between SolveCalc and SolveApply
+    math::real m_normalDelta = 0;    // N s, pending between SolveCalc and SolveApply
     math::real m_tangentDelta = 0;
-    ContactID m_id;
-
-  private:
-    void CalcMasses();
-    void Soften(math::real eps);
-    void WarmStart(math::real share);
 };
 
 }  // namespace physics

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <algorithm>
-#include <cstdint>
 
 #include "math/Vector.h"
 
@@ -9,8 +8,6 @@ namespace physics {
 
 // What the sweeps need of a contact. Member names are those of Contact.
 struct ContactRow {
-    uint32_t body0;  // indices of the packed bodies
-    uint32_t body1;
     math::Vec2 m_normal;
     math::Vec2 m_r[2];
     math::real m_friction;
@@ -20,40 +17,6 @@ struct ContactRow {
     math::real m_tangentTarget;
     math::real m_normalImpulse;
     math::real m_tangentImpulse;
-};
-
-// Eight contacts that no movable body has in common, turned so that their numbers lie side by side.
-struct alignas(16) ContactRow8 {
-    static constexpr uint32_t LANES = 8;
-
-    uint32_t body0[LANES];
-    uint32_t body1[LANES];
-    math::real normalX[LANES];
-    math::real normalY[LANES];
-    math::real r0x[LANES];
-    math::real r0y[LANES];
-    math::real r1x[LANES];
-    math::real r1y[LANES];
-    math::real inertiaInv0[LANES];
-    math::real inertiaInv1[LANES];
-    math::real friction[LANES];
-    math::real normalMass[LANES];
-    math::real tangentMass[LANES];
-    math::real normalTarget[LANES];
-    math::real tangentTarget[LANES];
-    math::real normalImpulse[LANES];
-    math::real tangentImpulse[LANES];
-
-    // Lanes are used from the first on; what is left over joins a body that never moves to itself.
-    bool IsUnused(uint32_t lane) const { return body0[lane] == body1[lane]; }
-};
-
-// Of eight contacts the last sweep's changes of their impulses, and the way that these have been going.
-struct alignas(16) ContactTrend8 {
-    math::real normalDelta[ContactRow8::LANES];
-    math::real tangentDelta[ContactRow8::LANES];
-    math::real normalTrend[ContactRow8::LANES];
-    math::real tangentTrend[ContactRow8::LANES];
 };
 
 // The impulses still missing along the normal and the tangent.

@@ -5,7 +5,7 @@
 #include "physics/Body.h"
 #include "physics/ConstraintSolver.h"
 #include "physics/Contact.h"
-#include "physics/Float4.h"
+#include "physics/ContactSolve.h"
 #include "physics/HingeSolve.h"
 #include "physics/StepSettings.h"
 #include "util/ProfileTree.h"
@@ -14,9 +14,11 @@ namespace physics {
 
 void ConstraintSolver::SolveGaussSeidel(const StepSettings& settings) {
     PROFILE_SECTION("GaussSeidelSolver");
-    if (m_list.empty() || settings.sweeps <= 0) return;
-    PackRows();
-    PackBodies();
+    const SolveConstants constants(settings);
+    m_rows.resize(m_list.size());
+    DropRefused([&](uint32_t i) { return InitRow(i, constants); });
+    if (m_list.empty()) return;
+    m_bodies.push_back(SolverBody());
     if (settings.preSort) {
         SortByResidual();
     } else {
@@ -26,53 +28,32 @@ void ConstraintSolver::SolveGaussSeidel(const StepSettings& settings) {
     AssignLevels();
     LayOutLevels();
     ArrangeRows();
-    if (settings.conjugate) {
-        SweepWithTrend(settings.sweeps);
-    } else {
-        m_trends.clear();
-        m_hingeTrends.clear();
-        for (int i = 0; i < settings.sweeps; ++i) Sweep(SweepKind::PLAIN, 0);
-    }
+    PackMotions();
+    SweepAll(settings);
     StoreRows();
-    StoreBodies();
+    ApplyMotions();
 }
 
 // ---- packing -------------------------------------------------------------------------------------------
 
-static void PackRow(ContactRow& row, const Contact& contact) {
+bool ConstraintSolver::InitRow(uint32_t i, const SolveConstants& constants) {
+    const Entry& entry = m_list[i];
+    SolverBody& b0 = m_bodies[entry.body0];
+    SolverBody& b1 = m_bodies[entry.body1];
+    if (Hinge* const hinge = entry.hinge) {
+        if (!hinge->Prepare(constants)) return false;
+        hinge->WarmStart(constants, b0, b1);
+        return true;
+    }
+    if (b0.IsImmovable() && b1.IsImmovable()) return false;
+    ContactRow& row = m_rows[i];
+    const Contact& contact = static_cast<const Contact&>(*entry.constraint);
     row.m_normal = contact.m_normal;
     row.m_r[0] = contact.m_r[0];
     row.m_r[1] = contact.m_r[1];
     row.m_friction = contact.m_friction;
-    row.m_useNormalMass = contact.m_useNormalMass;
-    row.m_useTangentMass = contact.m_useTangentMass;
-    row.m_normalTarget = contact.m_normalTarget;
-    row.m_tangentTarget = contact.m_tangentTarget;
-    row.m_normalImpulse = contact.m_normalImpulse;
-    row.m_tangentImpulse = contact.m_tangentImpulse;
-}
-
-void ConstraintSolver::PackRows() {
-    m_rows.resize(m_list.size());
-    for (uint32_t i = 0; i < m_list.size(); ++i) {
-        const Constraint& constraint = *m_list[i].constraint;
-        m_rows[i].body0 = m_places[constraint.m_bodies[0]->m_index];
-        m_rows[i].body1 = m_places[constraint.m_bodies[1]->m_index];
-        if (!m_list[i].hinge) PackRow(m_rows[i], static_cast<const Contact&>(constraint));
-    }
-}
-
-void ConstraintSolver::PackBodies() {
-    m_bodies.resize(m_active.size() + 1);
-    for (size_t i = 0; i < m_active.size(); ++i) {
-        const AbstractBody& body = *m_active[i];
-        SolverBody& packed = m_bodies[i];
-        packed.m_deltaVel = body.m_deltaVel;
-        packed.m_deltaAngVel = body.m_deltaAngVel;
-        packed.m_massInv = body.GetMassInv();
-        packed.m_inertiaInv = body.GetInertiaInv();
-    }
-    m_bodies.back() = SolverBody();
+    InitContactRows(row, contact, constants, b0, b1);
+    return true;
 }
 
 // The constraints furthest from being satisfied by the warm start go first.
@@ -80,8 +61,8 @@ void ConstraintSolver::SortByResidual() {
     m_sort.Clear(m_list.size());
     for (uint32_t i = 0; i < m_list.size(); ++i) {
         const ContactRow& row = m_rows[i];
-        const SolverBody& b0 = m_bodies[row.body0];
-        const SolverBody& b1 = m_bodies[row.body1];
+        const SolverBody& b0 = m_bodies[m_list[i].body0];
+        const SolverBody& b1 = m_bodies[m_list[i].body1];
         if (Hinge* const hinge = m_list[i].hinge) {
             hinge->Calc(b0, b1);
             m_sort.Add(hinge->m_residual);
@@ -118,7 +99,7 @@ void ConstraintSolver::AssignLevels() {
     m_entryLevels.resize(m_list.size());
     m_levels.clear();
     for (const uint32_t i : m_order) {
-        const uint32_t level = RaiseLevel(m_rows[i].body0, m_rows[i].body1);
+        const uint32_t level = RaiseLevel(m_list[i].body0, m_list[i].body1);
         if (level >= m_levels.size()) m_levels.resize(level + 1, Level{});
         ++m_levels[level].ends[GetKind(m_list[i])];
         m_entryLevels[i] = level;
@@ -127,7 +108,7 @@ void ConstraintSolver::AssignLevels() {
 
 // Turns the levels' counts of constraints into places.
 void ConstraintSolver::LayOutLevels() {
-    constexpr uint32_t GROUP[ROW_KINDS] = {ContactRow8::LANES, HingeRow8::LANES, 1};
+    constexpr uint32_t GROUP[ROW_KINDS] = {LANES, LANES, 1};
     m_cursors.resize(m_levels.size());
     Level total = {};
     for (size_t i = 0; i < m_levels.size(); ++i) {
@@ -172,8 +153,8 @@ void ConstraintSolver::JoinLevels() {
 void ConstraintSolver::ClearLastGroups() {
     ContactRow8 unusedContacts = {};
     HingeRow8 unusedHinges = {};
-    for (uint32_t lane = 0; lane < ContactRow8::LANES; ++lane) {
-        const uint32_t fixed = static_cast<uint32_t>(m_bodies.size() - 1);
+    for (uint32_t lane = 0; lane < LANES; ++lane) {
+        const uint32_t fixed = static_cast<uint32_t>(m_bodies.size() - 1) * EndsRow8::STRIDE;
         unusedContacts.body0[lane] = unusedContacts.body1[lane] = fixed;
         unusedHinges.body0[lane] = unusedHinges.body1[lane] = fixed;
     }
@@ -186,27 +167,38 @@ void ConstraintSolver::ClearLastGroups() {
 void ConstraintSolver::ArrangeRows() {
     m_slots.resize(m_list.size());
     for (const uint32_t i : m_order) {
-        const RowKind kind = GetKind(m_list[i]);
+        const Entry& entry = m_list[i];
+        const RowKind kind = GetKind(entry);
         const uint32_t slot = m_slots[i] = m_cursors[m_entryLevels[i]].ends[kind]++;
-        if (kind == CONTACTS) PutInGroup(m_rows[i], slot);
-        if (kind == HINGES) PutHinge(m_rows[i], *m_list[i].hinge, slot);
-        if (kind == MOTORS) m_motors[slot] = {m_list[i].hinge, m_rows[i].body0, m_rows[i].body1};
+        if (kind == MOTORS) {
+            m_motors[slot] = {entry.hinge, entry.body0, entry.body1};
+            continue;
+        }
+        const uint32_t place = slot / LANES, lane = slot % LANES;
+        if (kind == CONTACTS) {
+            PutEnds(m_groups[place], lane, entry);
+            PutContact(m_groups[place], lane, m_rows[i]);
+        } else {
+            PutEnds(m_hingeGroups[place], lane, entry);
+            entry.hinge->Pack(m_hingeGroups[place], lane);
+        }
     }
 }
 
-void ConstraintSolver::PutInGroup(const ContactRow& row, uint32_t slot) {
-    ContactRow8& group = m_groups[slot / ContactRow8::LANES];
-    const uint32_t lane = slot % ContactRow8::LANES;
-    group.body0[lane] = row.body0;
-    group.body1[lane] = row.body1;
-    group.normalX[lane] = row.m_normal.x;
-    group.normalY[lane] = row.m_normal.y;
+void ConstraintSolver::PutEnds(EndsRow8& group, uint32_t lane, const Entry& entry) const {
+    group.body0[lane] = entry.body0 * EndsRow8::STRIDE;
+    group.body1[lane] = entry.body1 * EndsRow8::STRIDE;
+    group.inertiaInv0[lane] = m_bodies[entry.body0].m_inertiaInv;
+    group.inertiaInv1[lane] = m_bodies[entry.body1].m_inertiaInv;
+}
+
+void ConstraintSolver::PutContact(ContactRow8& group, uint32_t lane, const ContactRow& row) {
     group.r0x[lane] = row.m_r[0].x;
     group.r0y[lane] = row.m_r[0].y;
     group.r1x[lane] = row.m_r[1].x;
     group.r1y[lane] = row.m_r[1].y;
-    group.inertiaInv0[lane] = m_bodies[row.body0].m_inertiaInv;
-    group.inertiaInv1[lane] = m_bodies[row.body1].m_inertiaInv;
+    group.normalX[lane] = row.m_normal.x;
+    group.normalY[lane] = row.m_normal.y;
     group.friction[lane] = row.m_friction;
     group.normalMass[lane] = row.m_useNormalMass;
     group.tangentMass[lane] = row.m_useTangentMass;
@@ -216,25 +208,34 @@ void ConstraintSolver::PutInGroup(const ContactRow& row, uint32_t slot) {
     group.tangentImpulse[lane] = row.m_tangentImpulse;
 }
 
-void ConstraintSolver::PutHinge(const ContactRow& row, const Hinge& hinge, uint32_t slot) {
-    HingeRow8& group = m_hingeGroups[slot / HingeRow8::LANES];
-    const uint32_t lane = slot % HingeRow8::LANES;
-    group.body0[lane] = row.body0;
-    group.body1[lane] = row.body1;
-    group.inertiaInv0[lane] = m_bodies[row.body0].m_inertiaInv;
-    group.inertiaInv1[lane] = m_bodies[row.body1].m_inertiaInv;
-    hinge.Pack(group, lane);
+// The sweeps take two bodies at a time where they go over all.
+void ConstraintSolver::PackMotions() {
+    m_motions.clear();
+    m_motions.insert(m_motions.end(), m_bodies.begin(), m_bodies.end());
+    if (m_motions.size() % 2 != 0) m_motions.emplace_back();
 }
 
 // ---- sweeps --------------------------------------------------------------------------------------------
 
+void ConstraintSolver::SweepAll(const StepSettings& settings) {
+    if (settings.sweeps <= 0) return;
+    if (settings.conjugate) {
+        SweepWithTrend(settings.sweeps);
+        return;
+    }
+    m_trends.clear();
+    m_hingeTrends.clear();
+    for (int i = 0; i < settings.sweeps; ++i) Sweep(SweepKind::PLAIN, 0);
+}
+
 // Gives the sum of the squares of the groups' changes, of a sweep with a trend.
 math::real ConstraintSolver::Sweep(SweepKind kind, math::real trendShare) {
-    alignas(32) math::real squares[ContactRow8::LANES] = {};
+    alignas(32) math::real squares[LANES] = {};
     const auto solve = [&](auto function, auto& groups, auto& trends, uint32_t begin, uint32_t end) {
         if (begin == end) return;
         auto* const trend = trends.empty() ? nullptr : trends.data() + begin;
-        function({groups.data() + begin, end - begin, trend, trendShare, squares, m_bodies.data()});
+        function(
+            {groups.data() + begin, end - begin, trend, trendShare, squares, &m_motions[0].m_deltaVel.x});
     };
     const auto k = static_cast<size_t>(kind);
     Level begin = {};
@@ -251,8 +252,12 @@ math::real ConstraintSolver::Sweep(SweepKind kind, math::real trendShare) {
 void ConstraintSolver::SolveMotor(const MotorRow& row) {
     SolverBody& b0 = m_bodies[row.body0];
     SolverBody& b1 = m_bodies[row.body1];
+    static_cast<BodyMotion&>(b0) = m_motions[row.body0];
+    static_cast<BodyMotion&>(b1) = m_motions[row.body1];
     row.hinge->Calc(b0, b1);
     row.hinge->Apply(b0, b1);
+    m_motions[row.body0] = b0;
+    m_motions[row.body1] = b1;
 }
 
 // The conjugate gradients of Silcowitz-Hansen, Niebe and Erleben ("A nonsmooth nonlinear conjugate gradient
@@ -265,16 +270,11 @@ void ConstraintSolver::SolveMotor(const MotorRow& row) {
 // bodies' velocities are linear in the impulses, and so have trends of their own: rows need not be applied,
 // and the next sweep makes the step of each row when it comes by.
 void ConstraintSolver::SweepWithTrend(int sweeps) {
-    m_trends.clear();
-    m_trends.resize(m_groups.size(), ContactTrend8{});
-    m_hingeTrends.clear();
-    m_hingeTrends.resize(m_hingeGroups.size(), HingeTrend8{});
+    m_trends.assign(m_groups.size(), ContactTrend8{});
+    m_hingeTrends.assign(m_hingeGroups.size(), HingeTrend8{});
     for (const MotorRow& row : m_motors) row.hinge->ForgetTrend();
-    m_motionTrends.clear();
-    m_motionTrends.resize(m_bodies.size(), BodyMotion{});
-    m_motionsBefore.resize(m_bodies.size());
-    for (size_t i = 0; i < m_bodies.size(); ++i)
-        Store(m_motionsBefore[i].numbers, LoadFloat4(&m_bodies[i].m_deltaVel.x));
+    m_motionTrends.assign(m_motions.size(), BodyMotion{});
+    m_motionsBefore = m_motions;
     math::real last = 0, share = 0;
     for (int i = 1; i < sweeps; ++i) {
         math::real size = Sweep(SweepKind::WITH_TREND, share);
@@ -288,26 +288,16 @@ void ConstraintSolver::SweepWithTrend(int sweeps) {
 
 // Of bodies and motors; the groups follow in the next sweep.
 void ConstraintSolver::FollowTrend(math::real share) {
-    const Float4 s = Fill4(share);
     for (const MotorRow& row : m_motors) row.hinge->FollowTrend(share);
-    for (size_t i = 0; i < m_bodies.size(); ++i) {
-        math::real* const velocity = &m_bodies[i].m_deltaVel.x;
-        math::real* const before = m_motionsBefore[i].numbers;
-        math::real* const trend = m_motionTrends[i].numbers;
-        const Float4 now = LoadFloat4(velocity);
-        const Float4 step = LoadFloat4(trend) * s;
-        const Float4 next = now + step;
-        Store(trend, step + (now - LoadFloat4(before)));
-        Store(velocity, next);
-        Store(before, next);
-    }
+    m_sweeps->followTrend({&m_motions[0].m_deltaVel.x, &m_motionsBefore[0].m_deltaVel.x,
+                           &m_motionTrends[0].m_deltaVel.x, m_motions.size() * EndsRow8::STRIDE, share});
 }
 
 // ---- results -------------------------------------------------------------------------------------------
 
 void ConstraintSolver::StoreRows() {
     for (uint32_t i = 0; i < m_list.size(); ++i) {
-        const uint32_t place = m_slots[i] / ContactRow8::LANES, lane = m_slots[i] % ContactRow8::LANES;
+        const uint32_t place = m_slots[i] / LANES, lane = m_slots[i] % LANES;
         const RowKind kind = GetKind(m_list[i]);
         if (kind == HINGES) m_list[i].hinge->Unpack(m_hingeGroups[place], lane);
         if (kind != CONTACTS) continue;
@@ -317,10 +307,11 @@ void ConstraintSolver::StoreRows() {
     }
 }
 
-void ConstraintSolver::StoreBodies() const {
+void ConstraintSolver::ApplyMotions() const {
     for (size_t i = 0; i < m_active.size(); ++i) {
-        m_active[i]->m_deltaVel = m_bodies[i].m_deltaVel;
-        m_active[i]->m_deltaAngVel = m_bodies[i].m_deltaAngVel;
+        if (m_motions[i].m_massInv == 0) continue;
+        m_active[i]->m_vel += m_motions[i].m_deltaVel;
+        m_active[i]->m_angVel += m_motions[i].m_deltaAngVel;
     }
 }
 

@@ -24,8 +24,8 @@
 
 #include "physics/Body.h"
 #include "physics/Geom.h"
-#include "physics/HingeRow.h"
 #include "physics/HingeSolve.h"
+#include "physics/RowGroups.h"
 #include "physics/SolverBody.h"
 #include "physics/StepSettings.h"
 
@@ -69,12 +69,17 @@ void Hinge::FindBodies() {
     for (int end = 0; end < 2; ++end) m_bodies[end] = m_geoms[end]->GetBodyPtr();
 }
 
-bool Hinge::SolveInit(const SolveConstants& constants) {
+bool Hinge::Prepare(const SolveConstants& constants) {
     FindBodies();
     if (m_bodies[0] == m_bodies[1] || !HasMovableBody()) return false;
     PreparePoint(constants);
     if (m_motor) PrepareMotor(constants);
-    WarmStart(constants.warmStartShare * m_warmFactor);
+    return true;
+}
+
+bool Hinge::SolveInit(const SolveConstants& constants) {
+    if (!Prepare(constants)) return false;
+    WarmStart(constants, *m_bodies[0], *m_bodies[1]);
     return true;
 }
 
@@ -127,19 +132,6 @@ void Hinge::PrepareMotor(const SolveConstants& constants) {
     m_motorLimit = constants.timeDelta * m_motorTorque * m_motorMass;
     m_motorTarget = (FiniteSpeed(m_motorSpeed) - (b1.m_angVel - b0.m_angVel)) * w.vel -
                     (i1 * b1.m_torque - i0 * b0.m_torque) * w.acc;
-}
-
-void Hinge::WarmStart(math::real share) {
-    if (share == 0) {
-        m_impulse = math::Vec2();
-        m_motorImpulse = 0;
-        return;
-    }
-    m_impulse *= share;
-    ApplyImpulse(m_impulse);
-    if (!m_motor || m_motorImpulse == 0) return;
-    m_motorImpulse *= share;
-    ApplyTurnPair(*m_bodies[0], *m_bodies[1], m_motorImpulse);
 }
 
 void Hinge::Pack(HingeRow8& group, uint32_t lane) const {

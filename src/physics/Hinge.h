@@ -43,12 +43,17 @@ class Hinge final : public Constraint {
     bool AreBodiesValid() const;
 
     void FindBodies();  // for a step; null for a geom without one
+    // SolveInit in two parts. False drops the hinge for this step.
+    bool Prepare(const SolveConstants& constants);
+    template <class B>
+    void WarmStart(const SolveConstants& constants, B& b0, B& b1);
+
     bool SolveInit(const SolveConstants& constants) override;
     void SolveCalc() override;
     void SolveApply() override;
 
     // SolveCalc and SolveApply on any record with a body's velocity changes and inverse masses, so that the
-    // solver's packed sweeps can use their own. Defined in HingeSolve.h.
+    // solver's packed sweeps can use their own. Defined in HingeSolve.h, as is WarmStart.
     template <class B>
     void Calc(const B& b0, const B& b1);
     template <class B>
@@ -68,7 +73,6 @@ class Hinge final : public Constraint {
     void PreparePoint(const SolveConstants& constants);
     void CalcEffectiveMass(math::real eps);
     void PrepareMotor(const SolveConstants& constants);
-    void WarmStart(math::real share);
 
     uint32_t m_id;  // creation number
     GeomPtr m_geoms[2];

@@ -5,6 +5,7 @@
 
 #include "physics/Hinge.h"
 #include "physics/SolverBody.h"
+#include "physics/StepSettings.h"
 
 // The inner operations of a hinge, for bodies and for the solver's packed copies of them.
 namespace physics {
@@ -14,6 +15,21 @@ template <class B>
 inline void ApplyTurnPair(B& b0, B& b1, math::real p) {
     b0.m_deltaAngVel -= b0.GetInertiaInv() * p;
     b1.m_deltaAngVel += b1.GetInertiaInv() * p;
+}
+
+template <class B>
+void Hinge::WarmStart(const SolveConstants& constants, B& b0, B& b1) {
+    const math::real share = constants.warmStartShare * m_warmFactor;
+    if (share == 0) {
+        m_impulse = math::Vec2();
+        m_motorImpulse = 0;
+        return;
+    }
+    m_impulse *= share;
+    ApplyImpulsePair(b0, b1, m_r[0], m_r[1], m_impulse);
+    if (!m_motor || m_motorImpulse == 0) return;
+    m_motorImpulse *= share;
+    ApplyTurnPair(b0, b1, m_motorImpulse);
 }
 
 template <class B>

@@ -11,6 +11,7 @@
 #include "physics/ConstraintSolver.h"
 #include "physics/Contact.h"
 #include "physics/Hinge.h"
+#include "physics/StepSettings.h"
 #include "util/Assert.h"
 #include "util/ProfileTree.h"
 
@@ -78,8 +79,23 @@ void EnterInBodies(Constraint& constraint) {
 
 }  // namespace
 
-void ConstraintSolver::SolvePrioritized(const AbstractBodyList& bodies, int sweeps) {
+void ConstraintSolver::SolvePrioritized(const AbstractBodyList& bodies, const StepSettings& settings) {
     PROFILE_SECTION("PrioritizedSolver");
+    for (AbstractBody* const body : m_active) {
+        body->m_deltaVel = math::Vec2();
+        body->m_deltaAngVel = 0;
+    }
+    const SolveConstants constants(settings);
+    DropRefused([&](uint32_t i) { return m_list[i].constraint->SolveInit(constants); });
+    WorkOffQueue(bodies, settings.sweeps);
+    for (AbstractBody* const body : m_active) {
+        if (body->IsImmovable()) continue;
+        body->m_vel += body->m_deltaVel;
+        body->m_angVel += body->m_deltaAngVel;
+    }
+}
+
+void ConstraintSolver::WorkOffQueue(const AbstractBodyList& bodies, int sweeps) {
     for (AbstractBody* const body : bodies) body->m_constraints.clear();
     ResidualQueue queue;
     ConstraintList neighbors;
@@ -90,7 +106,7 @@ void ConstraintSolver::SolvePrioritized(const AbstractBodyList& bodies, int swee
         constraint.SolveCalc();
         queue.Insert(&constraint);
     }
-    const uint64_t rounds = static_cast<uint64_t>(sweeps) * m_list.size();
+    const uint64_t rounds = static_cast<uint64_t>(std::max(sweeps, 0)) * m_list.size();
     // Constraints that tie (typically at 0) may all leave the queue: the rest of this solve is then done.
     for (uint64_t round = 0; round < rounds && !queue.IsEmpty(); ++round) {
         Constraint* const greatest = queue.GetGreatest();

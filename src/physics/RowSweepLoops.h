@@ -1,9 +1,7 @@
 #pragma once
 
-#include "physics/ContactRow.h"
-#include "physics/HingeRow.h"
+#include "physics/RowGroups.h"
 #include "physics/RowSweeps.h"
-#include "physics/SolverBody.h"
 
 namespace physics {
 
@@ -16,7 +14,7 @@ namespace physics {
 template <class Form>
 class RowSweepLoops {
     using V = typename Form::V;
-    static constexpr uint32_t PARTS = ContactRow8::LANES / Form::LANES;
+    static constexpr uint32_t PARTS = LANES / Form::LANES;
 
     struct Bodies {
         V vx, vy, w, massInv;
@@ -32,7 +30,7 @@ class RowSweepLoops {
             for (uint32_t p = 0; p < PARTS; ++p) {
                 const uint32_t lane = p * Form::LANES;
                 if (p > 0 && row->IsUnused(lane)) break;
-                SolvePart<KIND>(Part<Row, Trend>{*row, trend, lane, share, stretch.bodies}, squares[p]);
+                SolvePart<KIND>(Part<Row, Trend>{*row, trend, lane, share, stretch.motions}, squares[p]);
             }
             if constexpr (KIND != SweepKind::PLAIN) ++trend;
         }
@@ -46,7 +44,7 @@ class RowSweepLoops {
         Trend* trend;
         uint32_t lane;
         V share;
-        SolverBody* bodies;
+        math::real* motions;
 
         V Load(const math::real* numbers) const { return Form::Load(numbers + lane); }
         void Store(math::real* numbers, V value) const { Form::Store(numbers + lane, value); }
@@ -57,8 +55,8 @@ class RowSweepLoops {
     struct Ends {
         template <class P>
         explicit Ends(const P& part) {
-            Form::LoadBodies(part.bodies, part.row.body0 + part.lane, b0);
-            Form::LoadBodies(part.bodies, part.row.body1 + part.lane, b1);
+            Form::LoadBodies(part.motions, part.row.body0 + part.lane, b0);
+            Form::LoadBodies(part.motions, part.row.body1 + part.lane, b1);
             r0x = part.Load(part.row.r0x);
             r0y = part.Load(part.row.r0y);
             r1x = part.Load(part.row.r1x);
@@ -76,8 +74,8 @@ class RowSweepLoops {
             b1.vx = b1.vx + px * b1.massInv;
             b1.vy = b1.vy + py * b1.massInv;
             b1.w = b1.w + part.Load(part.row.inertiaInv1) * (r1x * py - r1y * px);
-            Form::StoreBodies(part.bodies, part.row.body0 + part.lane, b0);
-            Form::StoreBodies(part.bodies, part.row.body1 + part.lane, b1);
+            Form::StoreBodies(part.motions, part.row.body0 + part.lane, b0);
+            Form::StoreBodies(part.motions, part.row.body1 + part.lane, b1);
         }
 
         Bodies b0, b1;
@@ -153,10 +151,27 @@ class RowSweepLoops {
     template <SweepKind KIND>
     static constexpr auto HINGES = &Solve<KIND, HingeRow8, HingeTrend8>;
 
+    // Where a body's motion has gone since `before` joins its trend, and it goes on by a share of that.
+    static void FollowTrend(const MotionStretch& stretch) {
+        const V share = Form::Fill(stretch.share);
+        for (size_t i = 0; i < stretch.count; i += Form::LANES) {
+            math::real* const motion = stretch.motions + i;
+            math::real* const before = stretch.before + i;
+            math::real* const trend = stretch.trends + i;
+            const V now = Form::Load(motion);
+            const V step = Form::Load(trend) * share;
+            const V next = now + step;
+            Form::Store(trend, step + (now - Form::Load(before)));
+            Form::Store(motion, next);
+            Form::Store(before, next);
+        }
+    }
+
   public:
     static constexpr RowSweeps TABLE = {
         {CONTACTS<SweepKind::PLAIN>, CONTACTS<SweepKind::WITH_TREND>, CONTACTS<SweepKind::LAST>},
-        {HINGES<SweepKind::PLAIN>, HINGES<SweepKind::WITH_TREND>, HINGES<SweepKind::LAST>}};
+        {HINGES<SweepKind::PLAIN>, HINGES<SweepKind::WITH_TREND>, HINGES<SweepKind::LAST>},
+        &FollowTrend};
 };
 
 }  // namespace physics

@@ -19,20 +19,20 @@ struct Narrow {
     static V Min(V a, V b) { return physics::Min(a, b); }
 
     template <class Bodies>
-    static void LoadBodies(const SolverBody* from, const uint32_t* places, Bodies& to) {
-        to.vx = Load(&from[places[0]].m_deltaVel.x);
-        to.vy = Load(&from[places[1]].m_deltaVel.x);
-        to.w = Load(&from[places[2]].m_deltaVel.x);
-        to.massInv = Load(&from[places[3]].m_deltaVel.x);
+    static void LoadBodies(const math::real* from, const uint32_t* places, Bodies& to) {
+        to.vx = Load(from + places[0]);
+        to.vy = Load(from + places[1]);
+        to.w = Load(from + places[2]);
+        to.massInv = Load(from + places[3]);
         Transpose(to.vx, to.vy, to.w, to.massInv);
     }
     template <class Bodies>
-    static void StoreBodies(SolverBody* to, const uint32_t* places, Bodies& from) {
+    static void StoreBodies(math::real* to, const uint32_t* places, Bodies& from) {
         Transpose(from.vx, from.vy, from.w, from.massInv);
-        Store(&to[places[0]].m_deltaVel.x, from.vx);
-        Store(&to[places[1]].m_deltaVel.x, from.vy);
-        Store(&to[places[2]].m_deltaVel.x, from.w);
-        Store(&to[places[3]].m_deltaVel.x, from.massInv);
+        Store(to + places[0], from.vx);
+        Store(to + places[1], from.vy);
+        Store(to + places[2], from.w);
+        Store(to + places[3], from.massInv);
     }
 };
 

@@ -11,7 +11,6 @@ struct ContactRow8;
 struct ContactTrend8;
 struct HingeRow8;
 struct HingeTrend8;
-struct SolverBody;
 
 enum class SweepKind { PLAIN, WITH_TREND, LAST };  // the last makes the step that is left, and no more
 
@@ -23,15 +22,25 @@ struct RowStretch {
     Trend* trends;        // of the groups; null in plain sweeps
     math::real share;     // of the trend, to be stepped along
     math::real* squares;  // per lane, to which the squares of the impulses' changes are added
-    SolverBody* bodies;
+    math::real* motions;  // of the bodies: four numbers each, velocity, spin and inverse mass
 };
 using ContactStretch = RowStretch<ContactRow8, ContactTrend8>;
 using HingeStretch = RowStretch<HingeRow8, HingeTrend8>;
+
+// Bodies that go on along their trends.
+struct MotionStretch {
+    math::real* motions;
+    math::real* before;  // the last sweep
+    math::real* trends;
+    size_t count;  // of numbers, a multiple of eight
+    math::real share;
+};
 
 struct RowSweeps {
     // By SweepKind.
     void (*contacts[3])(const ContactStretch&);
     void (*hinges[3])(const HingeStretch&);
+    void (*followTrend)(const MotionStretch&);
 };
 
 // The same bits both: for every processor, and with registers of eight floats, null where the build has none,

@@ -26,7 +26,7 @@ struct Wide {
     static V Min(V a, V b) { return _mm256_min_ps(b, a); }
 
     template <class Bodies>
-    static void LoadBodies(const SolverBody* from, const uint32_t* places, Bodies& to) {
+    static void LoadBodies(const math::real* from, const uint32_t* places, Bodies& to) {
         to.vx = LoadPair(from, places[0], places[4]);
         to.vy = LoadPair(from, places[1], places[5]);
         to.w = LoadPair(from, places[2], places[6]);
@@ -34,7 +34,7 @@ struct Wide {
         Turn(to);
     }
     template <class Bodies>
-    static void StoreBodies(SolverBody* to, const uint32_t* places, Bodies& from) {
+    static void StoreBodies(math::real* to, const uint32_t* places, Bodies& from) {
         Turn(from);
         StorePair(to, places[0], places[4], from.vx);
         StorePair(to, places[1], places[5], from.vy);
@@ -43,13 +43,13 @@ struct Wide {
     }
 
   private:
-    static V LoadPair(const SolverBody* from, uint32_t low, uint32_t high) {
-        const __m256 first = _mm256_castps128_ps256(_mm_load_ps(&from[low].m_deltaVel.x));
-        return _mm256_insertf128_ps(first, _mm_load_ps(&from[high].m_deltaVel.x), 1);
+    static V LoadPair(const math::real* from, uint32_t low, uint32_t high) {
+        const __m256 first = _mm256_castps128_ps256(_mm_load_ps(from + low));
+        return _mm256_insertf128_ps(first, _mm_load_ps(from + high), 1);
     }
-    static void StorePair(SolverBody* to, uint32_t low, uint32_t high, V pair) {
-        _mm_store_ps(&to[low].m_deltaVel.x, _mm256_castps256_ps128(pair));
-        _mm_store_ps(&to[high].m_deltaVel.x, _mm256_extractf128_ps(pair, 1));
+    static void StorePair(math::real* to, uint32_t low, uint32_t high, V pair) {
+        _mm_store_ps(to + low, _mm256_castps256_ps128(pair));
+        _mm_store_ps(to + high, _mm256_extractf128_ps(pair, 1));
     }
     // Rows become columns, in both halves.
     template <class Bodies>

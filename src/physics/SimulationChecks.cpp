@@ -11,6 +11,7 @@
 #include "physics/Joints.h"
 #include "physics/Particle.h"
 #include "physics/Simulation.h"
+#include "physics/SolverBody.h"
 #include "util/Assert.h"
 
 namespace physics {
@@ -59,7 +60,9 @@ void ValidateContact(const Contact& contact, const std::set<const AbstractBody*>
     constexpr math::real TOLERANCE = 1e-4f;
     const math::real length = math::Length(contact.m_normal);
     CODE_ASSERTION(length == 0 || !(std::fabs(length - 1) > TOLERANCE));
-    CODE_ASSERTION(!(contact.m_normalImpulse < -TOLERANCE * contact.m_useNormalMass));
+    const math::real massInv = InverseEffectiveMass(*contact.m_bodies[0], *contact.m_bodies[1],
+                                                    contact.m_r[0], contact.m_r[1], contact.m_normal);
+    CODE_ASSERTION(!(contact.m_normalImpulse < -TOLERANCE / massInv));
 }
 
 }  // namespace

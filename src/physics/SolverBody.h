@@ -6,12 +6,20 @@
 // A record B has m_deltaVel, m_deltaAngVel, GetMassInv() and GetInertiaInv(); r is the arm from its position.
 namespace physics {
 
-// What constraints read and write of a body while they are solved. The first four are moved as one.
-struct alignas(16) SolverBody {
+// What the sweeps read and write of a body, moved as one.
+struct alignas(16) BodyMotion {
     math::Vec2 m_deltaVel;         // m/s
     math::real m_deltaAngVel = 0;  // rad/s
     math::real m_massInv = 0;      // 1/kg, 0 when it cannot move
-    math::real m_inertiaInv = 0;   // 1/(kg m^2), 0 when it cannot move
+};
+
+// The solver's copy of a body: what constraints make their rows from, and its motion.
+struct SolverBody : BodyMotion {
+    math::real m_inertiaInv = 0;  // 1/(kg m^2), 0 when it cannot move
+    math::real m_angVel = 0;      // rad/s
+    math::real m_torque = 0;      // N m
+    math::Vec2 m_vel;             // m/s
+    math::Vec2 m_force;           // N
 
     math::real GetMassInv() const { return m_massInv; }
     math::real GetInertiaInv() const { return m_inertiaInv; }

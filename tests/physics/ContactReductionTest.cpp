@@ -42,7 +42,7 @@ class ContactReductionTest : public World {
         for (const physics::ContactPtr& contact : m_contacts) {
             const int bar = contact->m_bodies[1] == m_bar.Get() ? 1 : 0;
             const Vec2 p = (contact->m_normal * contact->m_normalImpulse +
-                            contact->m_tangent * contact->m_tangentImpulse) *
+                            math::Perpendicular(contact->m_normal) * contact->m_tangentImpulse) *
                            (bar == 1 ? 1.0f : -1.0f);
             sum += p;
             turn += math::Cross(contact->m_r[bar], p);

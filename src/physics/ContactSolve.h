@@ -1,0 +1,45 @@
+#pragma once
+
+#include <algorithm>
+
+#include "physics/Contact.h"
+#include "physics/SolverBody.h"
+#include "physics/StepSettings.h"
+
+// The inner operations of a contact, for bodies and for the solver's packed copies of them.
+namespace physics {
+
+// Takes masses, right-hand sides and impulses of the step from the contact and its bodies, and applies the
+// impulses. Row is a ContactRow, or the contact itself; the equations stand in Contact.cpp.
+template <class Row, class B>
+void InitContactRows(Row& row, const Contact& contact, const SolveConstants& constants, B& b0, B& b1) {
+    const RowWeights& w = constants.contact;
+    const math::Vec2 n = contact.m_normal, t = math::Perpendicular(n);
+    const math::Vec2 r0 = contact.m_r[0], r1 = contact.m_r[1];
+    const math::Vec2 u = VelocityAt(b1.m_vel, b1.m_angVel, r1) - VelocityAt(b0.m_vel, b0.m_angVel, r0);
+    const math::Vec2 a = AccelerationAt(b1, r1) - AccelerationAt(b0, r0);
+
+    const auto getMass = [&](math::Vec2 along) {
+        const math::real m = 1 / InverseEffectiveMass(b0, b1, r0, r1, along);
+        return contact.m_new ? m : 1 / (1 / m + w.eps);
+    };
+    row.m_useNormalMass = getMass(n);
+    row.m_useTangentMass = getMass(t);
+    math::real g;
+    if (contact.m_new) {
+        g = math::Dot(u, n) * (contact.m_restitution + 1);
+    } else {
+        const math::real e =
+            std::min(constants.maxPositionCorrection, constants.targetPenetration - contact.m_penetration);
+        g = math::Dot(a, n) * w.acc + w.dist * e * contact.m_distFactor + math::Dot(u, n) * w.vel;
+    }
+    row.m_normalTarget = -row.m_useNormalMass * g;
+    row.m_tangentTarget = -row.m_useTangentMass * (math::Dot(a, t) * w.acc + math::Dot(u, t) * w.slip);
+
+    const math::real share = contact.m_new ? 0 : constants.warmStartShare;
+    row.m_normalImpulse = share == 0 ? 0 : contact.m_normalImpulse * share;
+    row.m_tangentImpulse = share == 0 ? 0 : contact.m_tangentImpulse * share;
+    if (share != 0) ApplyImpulsePair(b0, b1, r0, r1, n * row.m_normalImpulse + t * row.m_tangentImpulse);
+}
+
+}  // namespace physics
