@@ -242,23 +242,26 @@ void Collider::PolygonPolygon(const PolygonRec& a, const PolygonRec& b, ContactP
 // the list: so a contact keeps its roles, and its cached impulses their meaning. Vertices are numbered from
 // 1; vertices of either polygon with equal numbers make equal IDs, of which the cache keeps the later.
 void Collider::VerticesInside(Polygon* owner, Polygon* other, ContactPool& out) {
-    const math::Vec2List& vertices = owner->GetWorldVertices();
-    const size_t count = vertices.size();
+    const Vec2* const vertices = owner->GetWorldVertices().data();
+    const size_t count = owner->GetWorldVertices().size();
     const auto test = [&](size_t i) {
-        const Vec2 v = vertices[i];
-        const real s = other->Distance(v);
-        if (!(s < 0)) return;
-        MakeContact(out, other, owner, static_cast<uint32_t>(i + 1), v, other->Polygon::GetNormal(v), -s);
+        real s;
+        Vec2 normal;
+        if (!other->FindInside(vertices[i], s, normal)) return;
+        MakeContact(out, other, owner, static_cast<uint32_t>(i + 1), vertices[i], normal, -s);
     };
-    size_t i = 0;
-    for (; i + Polygon::BLOCK <= count; i += Polygon::BLOCK) {
-        uint32_t inBox[Polygon::BLOCK];
-        other->FindInBox(vertices.data() + i, inBox);
-        for (size_t b = 0; b < Polygon::BLOCK; ++b) {
-            if (inBox[b] != 0) test(i + b);
+    if (count < Polygon::BLOCK) {
+        for (size_t i = 0; i < count; ++i) {
+            if (other->Distance(vertices[i]) < 0) test(i);
         }
+        return;
     }
-    for (; i < count; ++i) test(i);
+    // The last block begins early enough to be full; what it has in common with the one before is done.
+    for (size_t done = 0; done < count; done += Polygon::BLOCK) {
+        const size_t first = std::min(done, count - Polygon::BLOCK);
+        uint32_t inBox = other->FindInBox(vertices + first) >> (done - first) << (done - first);
+        for (; inBox != 0; inBox &= inBox - 1) test(first + static_cast<size_t>(__builtin_ctz(inBox)));
+    }
 }
 
 }  // namespace physics

@@ -81,8 +81,7 @@ bool DistanceMap::GetFourGradients(const Place& p, Vec2* gradients) const {
     return true;
 }
 
-Vec2 DistanceMap::SampleGradient(Vec2 local) const {
-    const Place p = Locate(local);
+Vec2 DistanceMap::SampleGradient(const Place& p) const {
     Vec2 g[4];
     if (!GetFourGradients(p, g)) {
         g[0] = GetGradient(p.i, p.j);

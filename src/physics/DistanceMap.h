@@ -23,8 +23,12 @@ class DistanceMap : public util::Pointee {
     ~DistanceMap() noexcept(false) override;
 
     // Bilinear samples at a local point, which is drawn to the border of the map from beyond it.
-    math::real SampleDistance(math::Vec2 local) const;
-    math::Vec2 SampleGradient(math::Vec2 local) const;  // outward; not unit, and zero in places
+    math::real SampleDistance(math::Vec2 local) const { return SampleDistance(Locate(local)); }
+    math::Vec2 SampleGradient(math::Vec2 local) const {  // outward; not unit, and zero in places
+        return SampleGradient(Locate(local));
+    }
+    // Whether a point lies inside; both samples, if it does.
+    bool SampleInside(math::Vec2 local, math::real& distance, math::Vec2& gradient) const;
 
     const DistanceField::Cells& GetDistMap() const { return GetField().GetCells(); }  // m, negative inside
     const math::OBB2D& GetBox() const { return m_box; }                               // what the map covers
@@ -41,6 +45,8 @@ class DistanceMap : public util::Pointee {
     const DistanceField& GetField() const;
     void MakeTransforms();
     Place Locate(math::Vec2 local) const;
+    math::real SampleDistance(const Place& place) const;
+    math::Vec2 SampleGradient(const Place& place) const;
     math::Vec2 GetGradient(int i, int j) const;  // unit, of a cell
     bool GetFourGradients(const Place& place, math::Vec2* gradients) const;
 
@@ -76,12 +82,19 @@ inline DistanceMap::Place DistanceMap::Locate(math::Vec2 local) const {
     return place;
 }
 
-inline math::real DistanceMap::SampleDistance(math::Vec2 local) const {
+inline math::real DistanceMap::SampleDistance(const Place& p) const {
     const float* const cells = GetField().GetCells().GetData().data();
-    const Place p = Locate(local);
     const float low = cells[p.j * SIZE + p.i] * (1 - p.fx) + cells[p.j * SIZE + p.nextI] * p.fx;
     const float high = cells[p.nextJ * SIZE + p.i] * (1 - p.fx) + cells[p.nextJ * SIZE + p.nextI] * p.fx;
     return low * (1 - p.fy) + high * p.fy;
+}
+
+inline bool DistanceMap::SampleInside(math::Vec2 local, math::real& distance, math::Vec2& gradient) const {
+    const Place place = Locate(local);
+    distance = SampleDistance(place);
+    if (!(distance < 0)) return false;
+    gradient = SampleGradient(place);
+    return true;
 }
 
 }  // namespace physics

@@ -65,6 +65,12 @@ inline Float8 operator-(Float8 a, Float8 b) {
 inline Float8 operator*(Float8 a, Float8 b) {
     return {a.low * b.low, a.high * b.high};
 }
+inline Float8 operator-(Float8 a) {
+    return {-a.low, -a.high};
+}
+inline Float8 Max(Float8 a, Float8 b) {
+    return {Max(a.low, b.low), Max(a.high, b.high)};
+}
 inline Float8 Min(Float8 a, Float8 b) {
     return {Min(a.low, b.low), Min(a.high, b.high)};
 }
@@ -162,6 +168,12 @@ inline Float8 operator-(Float8 a, Float8 b) {
 }
 inline Float8 operator*(Float8 a, Float8 b) {
     return {_mm256_mul_ps(a.v, b.v)};
+}
+inline Float8 operator-(Float8 a) {
+    return {_mm256_xor_ps(a.v, _mm256_set1_ps(-0.0f))};
+}
+inline Float8 Max(Float8 a, Float8 b) {
+    return {_mm256_max_ps(b.v, a.v)};
 }
 inline Float8 Min(Float8 a, Float8 b) {
     return {_mm256_min_ps(b.v, a.v)};

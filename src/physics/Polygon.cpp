@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "math/Geometry.h"
+#include "physics/Float8.h"
 #include "util/Assert.h"
 #include "util/Exception.h"
 
@@ -211,13 +212,14 @@ void Polygon::SetTransform(const RigidTransform& transform) {
     m_worldVertices.resize(n);
     const Vec2* const local = m_vertices.data();
     Vec2* const world = m_worldVertices.data();
-    math::BoundingBox2f box;
-    for (size_t i = 0; i < n; ++i) {
-        world[i] = t(local[i]);
-        box.Extend(world[i]);
-    }
-    m_worldBoundingBox = box;
+    for (size_t i = 0; i < n; ++i) world[i] = t(local[i]);
     m_worldLines.clear();
+}
+
+math::BoundingBox2f Polygon::GetBoundingBox() const {
+    math::BoundingBox2f box;
+    for (const Vec2 v : m_worldVertices) box.Extend(v);
+    return box;
 }
 
 const LineList& Polygon::GetWorldLines() const {
@@ -248,16 +250,30 @@ Vec2 Polygon::GetFieldNormal(Vec2 point) const {
     return GetTransform().Rotate(math::Normalized(isMapped ? m_map->SampleGradient(p) : GetWayOut(m_obb, p)));
 }
 
-// The arithmetic of Distance up to the map, without branches, so that it runs on several points at a time.
-void Polygon::FindInBox(const Vec2* points, uint32_t* inBox) const {
-    const RigidTransform toLocal = GetInvTransform();
-    const OBB2D box = m_obb;
-    for (size_t i = 0; i < BLOCK; ++i) {
-        const Vec2 r = toLocal(points[i]) - box.center;
-        const real dx = std::fabs(math::Dot(box.axis[0], r)) - box.halfSize.x;
-        const real dy = std::fabs(math::Dot(box.axis[1], r)) - box.halfSize.y;
-        inBox[i] = !(dx > 0) & !(dy > 0);
+bool Polygon::FindInside(Vec2 point, real& distance, Vec2& normal) const {
+    Vec2 gradient;
+    if (!m_map->SampleInside(GetInvTransform()(point), distance, gradient)) return false;
+    normal = GetTransform().Rotate(math::Normalized(gradient));
+    return true;
+}
+
+// The arithmetic of Distance up to the map, operation by operation.
+uint32_t Polygon::FindInBox(const Vec2* points) const {
+    using narrow::Float8;
+    const auto fill = [](real x) { return Float8::Fill(x); };
+    const RigidTransform& toLocal = GetInvTransform();
+    Float8 px, py;
+    Float8::LoadPairs(points, px, py);
+    const Float8 c = fill(toLocal.cos), s = fill(toLocal.sin);
+    const Float8 rx = c * px - s * py + fill(toLocal.x) - fill(m_obb.center.x);
+    const Float8 ry = s * px + c * py + fill(toLocal.y) - fill(m_obb.center.y);
+    uint32_t outside = 0;
+    const real halfSizes[] = {m_obb.halfSize.x, m_obb.halfSize.y};
+    for (int i = 0; i < 2; ++i) {
+        const Float8 along = fill(m_obb.axis[i].x) * rx + fill(m_obb.axis[i].y) * ry;
+        outside |= MaskLess(fill(halfSizes[i]), Max(along, -along));
     }
+    return ~outside & ((1u << BLOCK) - 1);
 }
 
 bool Polygon::Encloses(const Polygon& other) const {

@@ -34,7 +34,7 @@ class Polygon : public Geom {
     math::Vec2 GetNormal(math::Vec2 point) const override;
     math::real GetArea() const override { return m_area; }
     math::real GetInertiaSansMass() const override { return m_inertiaSansMass; }
-    math::BoundingBox2f GetBoundingBox() const override { return m_worldBoundingBox; }
+    math::BoundingBox2f GetBoundingBox() const override;
     math::OBB2D GetOBB() const override { return m_worldOBB; }
     math::Vec3 GetBoundingCircle() const override { return m_worldBoundingCircle; }
     void SetTransform(const math::RigidTransform& transform) override;
@@ -67,9 +67,11 @@ class Polygon : public Geom {
 
     // GetDistance without the virtual call, for loops over vertices.
     math::real Distance(math::Vec2 point) const;
-    // Which of BLOCK points lie in the tight box; the distance of the others is positive.
+    // For a point in the tight box: whether its distance is below 0; that and the normal, if it is.
+    bool FindInside(math::Vec2 point, math::real& distance, math::Vec2& normal) const;
+    // Which of BLOCK points lie in the tight box, as bits; the distance of the others is positive.
     static constexpr size_t BLOCK = 8;
-    void FindInBox(const math::Vec2* points, uint32_t* inBox) const;
+    uint32_t FindInBox(const math::Vec2* points) const;
 
   private:
     math::Vec2 CalcAttribs();
@@ -79,11 +81,10 @@ class Polygon : public Geom {
     math::Vec2List m_vertices;
     math::Vec2List m_worldVertices;
     LineList m_lines;
-    mutable LineList m_worldLines;           // empty until asked for after a move
-    math::Vec3 m_boundingCircle;             // x, y, radius
-    math::Vec3 m_worldBoundingCircle;        // x, y, radius
-    math::BoundingBox2f m_worldBoundingBox;  // of the world vertices
-    math::OBB2D m_obb;                       // tight, local
+    mutable LineList m_worldLines;     // empty until asked for after a move
+    math::Vec3 m_boundingCircle;       // x, y, radius
+    math::Vec3 m_worldBoundingCircle;  // x, y, radius
+    math::OBB2D m_obb;                 // tight, local
     math::OBB2D m_worldOBB;
     util::SharedPtr<const DistanceMap> m_map;  // never changes; shared by copies
     math::real m_area = 0;                     // m^2, above 0
