@@ -107,10 +107,11 @@ TEST_F(SceneSettingsTest, TheUserMakesHisOwnTheScenesAndBack) {
 }
 
 TEST_F(SceneSettingsTest, AFormulaStaysTheUsers) {
-    script::Parser::Instance().Execute("Sim.airDensity = { 0.25 };");
+    GetSim().m_airDensity->SetValue(script::Parser::Instance().Execute("{ 0.25 }"));
+    ASSERT_TRUE(GetSim().m_airDensity->IsBound());
     GetScene().GetSettings().Adopt();
     EXPECT_EQ(GetScene().GetSettings().GetBundle()->count("airDensity"), 0u);
-    EXPECT_TRUE(script::IsNullaryFunction(GetSim().m_airDensity->GetValue()));
+    EXPECT_TRUE(GetSim().m_airDensity->IsBound());
     GetSim().m_airDensity->Set(GetSim().m_airDensity->GetDefault());
 }
 
