@@ -259,6 +259,11 @@ TextFormat Console::GetFormat(Tone tone) const {
     return format;
 }
 
+void Console::Draw() {
+    if (!IsVisible()) return m_picture.Forget();
+    m_picture.Draw({{0, 0}, GetSize()}, [this] { Component::Draw(); });
+}
+
 void Console::DrawComp() {
     const float t = GetOpenness(), height = GetSize().y;
     if (t <= 0 || height <= 0) return;

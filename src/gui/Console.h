@@ -5,6 +5,7 @@
 #include "gui/CommandHistory.h"
 #include "gui/Component.h"
 #include "input/TextInputer.h"
+#include "rendering/KeptPicture.h"
 #include "script/Attributes.h"
 
 namespace gui {
@@ -37,6 +38,7 @@ class Console : public Component {
     CommandHistory& GetHistory() { return m_history; }
 
     void Update(float dt) override;
+    void Draw() override;
     void DrawComp() override;
     void OnKeyEvent(KeyEvent& event) override;
     // A command may press what lies behind the console.
@@ -83,6 +85,7 @@ class Console : public Component {
     bool m_running = false;  // a command
     bool m_cursorShown = false;
     float m_openness = 0;  // as of the last frame
+    rendering::KeptPicture m_picture;
 };
 using ConsolePtr = util::SharedPtr<Console>;
 

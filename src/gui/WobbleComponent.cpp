@@ -32,7 +32,7 @@ WobbleComponent::WobbleComponent(const String& name, const LayoutPtr& layout) : 
 // The caller's DrawChildren has pushed the matrix and pops it.
 void WobbleComponent::Draw() {
     if (m_wobbleEnabled) rendering::Renderer::Instance().MultMatrix(GetPictureTransform());
-    Component::Draw();
+    m_picture.Draw(GetOuterBox(), [this] { Component::Draw(); });
 }
 
 // From still to wobbling content coordinates: the shear leaves the outer corner where it is.

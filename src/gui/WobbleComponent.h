@@ -1,11 +1,12 @@
 #pragma once
 
 #include "gui/Component.h"
+#include "rendering/KeptPicture.h"
 
 namespace gui {
 
 // A component whose picture follows its place through a damped spring, so that it shears while it moves.
-// The hit tests follow the picture.
+// The hit tests follow the picture. While nothing in it changes, it is shown instead of being drawn.
 class WobbleComponent : public Component {
   public:
     explicit WobbleComponent(const String& name = "WobbleComponent", const LayoutPtr& layout = nullptr);
@@ -38,6 +39,7 @@ class WobbleComponent : public Component {
     math::TMatrix3<float> m_wobbleMatrix;  // from the outer corner, still to wobbling
     bool m_wobbleStarted = false;          // has been placed for the first time
     bool m_wobbleEnabled = true;
+    rendering::KeptPicture m_picture;
 };
 
 }  // namespace gui

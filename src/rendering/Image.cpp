@@ -231,7 +231,7 @@ AbstractImagePtr ImageFloat::MakeHalf() const {
 }
 
 unsigned int BlankImage::GetPixelFormat() const {
-    return GL_RGBA;
+    return GL_BGRA;
 }
 unsigned int BlankImage::GetPixelType() const {
     return GL_UNSIGNED_BYTE;

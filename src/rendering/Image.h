@@ -103,7 +103,8 @@ class ImageFloat : public TImage<float> {
     AbstractImagePtr MakeHalf() const override;
 };
 
-// Just a size: room that the frame buffer will be copied into.
+// Just a size: room that the frame buffer will be copied or something drawn into, with its channels in the
+// order that frame buffers have.
 class BlankImage : public AbstractImage {
   public:
     BlankImage(uint32_t width, uint32_t height) : AbstractImage(width, height) {}

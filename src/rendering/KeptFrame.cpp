@@ -3,20 +3,14 @@
 #include "rendering/Context.h"
 #include "rendering/Gl.h"
 #include "rendering/Renderer.h"
+#include "rendering/Texels.h"
 #include "rendering/TextureManager.h"
 
 namespace rendering {
 
-namespace {
-
-// Texel for pixel.
-constexpr Texture::ImageType PIXELS{GL_RGBA, 0, 1, 1, 0, 0, 0};
-
-}  // namespace
-
 // Null for a frame that no texture holds.
 TexturePtr KeptFrame::Prepare() {
-    if (!m_texture) m_texture = TextureManager::MakeForFrame(PIXELS);
+    if (!m_texture) m_texture = TextureManager::MakeForFrame(TexelForPixel());
     const TexturePtr texture = m_texture->Get();
     const math::Vec2i frame = Context::GetSize();
     const bool fits = texture && static_cast<int>(texture->GetWidth()) >= frame.x &&
@@ -53,25 +47,8 @@ bool KeptFrame::Show() {
     const TexturePtr texture = m_filled.Get();
     if (!m_isKept || !texture || m_size != Context::GetSize()) return false;
     const ScopedAttribs attribs;
-    const ScopedMatrix matrix;
-    glMatrixMode(GL_PROJECTION);
-    glPushMatrix();
-    glLoadIdentity();
-    glMatrixMode(GL_MODELVIEW);
-    glLoadIdentity();
     glDisable(GL_BLEND);
-    glDisable(GL_DEPTH_TEST);
-    glEnable(GL_TEXTURE_2D);
-    Renderer::Instance().SetColor({1, 1, 1, 1});
-    {
-        const ScopedTexture bound(texture);
-        const math::Vec2 used(static_cast<float>(m_size.x) / static_cast<float>(texture->GetWidth()),
-                              static_cast<float>(m_size.y) / static_cast<float>(texture->GetHeight()));
-        Renderer::Instance().DrawQuad({-1, -1}, {1, 1}, {0, 0}, used);
-    }
-    glMatrixMode(GL_PROJECTION);
-    glPopMatrix();
-    glMatrixMode(GL_MODELVIEW);
+    DrawTexels(texture, {0, 0}, m_size);
     return true;
 }
 

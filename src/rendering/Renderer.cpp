@@ -7,6 +7,7 @@
 #include "logging/Log.h"
 #include "rendering/Context.h"
 #include "rendering/Gl.h"
+#include "rendering/Recording.h"
 #include "util/FileSystem.h"
 #include "util/FileWrapper.h"
 #include "util/Guarded.h"
@@ -40,6 +41,7 @@ class VertexArrays {
 void DrawUntextured(GLenum mode, const math::Vec2* points, size_t nPoints) {
     if (nPoints == 0) return;
     const ScopedCapability texturing(GL_TEXTURE_2D, false);
+    if (!Recording::Note(mode, {{points, nPoints * sizeof(*points)}})) return;
     const VertexArrays arrays(points, nullptr);
     glDrawArrays(mode, 0, static_cast<GLsizei>(nPoints));
 }
@@ -155,6 +157,8 @@ void Renderer::DrawQuad(math::Vec2 min, math::Vec2 max, math::Vec2 tcMin, math::
 
 void Renderer::DrawPolygon(const math::Vec2* points, const math::Vec2* texCoords, size_t nPoints) {
     if (nPoints < 3) return;
+    const size_t size = nPoints * sizeof(*points);
+    if (!Recording::Note(GL_TRIANGLE_FAN, {{points, size}, {texCoords, size}})) return;
     const VertexArrays arrays(points, texCoords);
     glDrawArrays(GL_TRIANGLE_FAN, 0, static_cast<GLsizei>(nPoints));
 }
@@ -162,6 +166,9 @@ void Renderer::DrawPolygon(const math::Vec2* points, const math::Vec2* texCoords
 void Renderer::DrawColored(const math::Vec2* points, const math::Vec4* colors, size_t nPoints) {
     if (nPoints < 3) return;
     const ScopedCapability untextured(GL_TEXTURE_2D, false);
+    const Recording::Bytes vertices{points, nPoints * sizeof(*points)},
+        tints{colors, nPoints * sizeof(*colors)};
+    if (!Recording::Note(GL_TRIANGLE_FAN, {vertices, tints})) return;
     const VertexArrays arrays(points, nullptr);
     glEnableClientState(GL_COLOR_ARRAY);
     glColorPointer(4, GL_FLOAT, sizeof(math::Vec4), colors);

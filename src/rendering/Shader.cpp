@@ -5,6 +5,7 @@
 #include "logging/Log.h"
 #include "rendering/Context.h"
 #include "rendering/Gl.h"
+#include "rendering/Recording.h"
 #include "util/Exception.h"
 
 namespace rendering {
@@ -105,6 +106,7 @@ void Shader::Link() {
 }
 
 void Shader::DoBind() const {
+    Recording::NoteUnknown();
     glUseProgramObjectARB(m_program);
 }
 

@@ -6,6 +6,7 @@
 #include "logging/Log.h"
 #include "rendering/Context.h"
 #include "rendering/Gl.h"
+#include "rendering/Recording.h"
 #include "util/Assert.h"
 #include "util/Exception.h"
 #include "util/FileSystem.h"
@@ -138,6 +139,8 @@ Texture::~Texture() noexcept(false) {
 }
 
 void Texture::Upload() {
+    static uint64_t s_uploads = 0;
+    m_serial = ++s_uploads;
     glGenTextures(1, &m_id);
     m_generation = Context::GetGeneration();
     const ScopedBinding binding(m_id);
@@ -185,6 +188,7 @@ void Texture::SetSampling() const {
 // ---- use ----------------------------------------------------------------------------------------------
 
 void Texture::Bind(int unit) const {
+    Recording::NoteTexture(unit, m_serial);
     if (unit > 0) {
         DATA_ASSERTION(HasMultiTexturing());
         SelectUnit(unit);
@@ -194,6 +198,7 @@ void Texture::Bind(int unit) const {
 }
 
 void Texture::Unbind(int unit) const {
+    Recording::NoteTexture(unit, 0);
     if (unit > 0) {
         DATA_ASSERTION(HasMultiTexturing());
         SelectUnit(unit);
@@ -226,6 +231,7 @@ ImageRGBA32Ptr Texture::Read() const {
 
 void Texture::Copy(math::Vec2i min, math::Vec2i max) {
     PROFILE_SECTION("Texture::Copy");
+    Recording::NoteUnknown();
     const math::Vec2i frame = Context::GetSize();
     const math::Vec2i from(std::max(min.x, 0), std::max(min.y, 0));
     const math::Vec2i size(std::min({max.x, frame.x, static_cast<int>(m_width)}) - from.x,
@@ -259,6 +265,7 @@ void Texture::MakeFrameBuffer() const {
 }
 
 ScopedTarget::ScopedTarget(const Texture& texture) {
+    Recording::NoteUnknown();
     glGetIntegerv(GL_FRAMEBUFFER_BINDING_EXT, &m_previous);
     glBindFramebufferEXT(GL_FRAMEBUFFER_EXT, texture.GetFrameBuffer());
 }

@@ -85,6 +85,7 @@ class Texture : public GraphicsResource {
     uint32_t m_height;  // texels
     ImageType m_type;
     unsigned int m_id = 0;
+    uint64_t m_serial = 0;                   // of the upload, unlike m_id never given twice
     uint32_t m_generation = 0;               // of the context that m_id belongs to
     mutable unsigned int m_frameBuffer = 0;  // made at its first use
     mutable bool m_triedFrameBuffer = false;

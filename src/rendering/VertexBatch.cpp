@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "rendering/Gl.h"
+#include "rendering/Recording.h"
 #include "rendering/Renderer.h"
 
 namespace rendering {
@@ -67,6 +68,9 @@ void VertexBatch::Draw() const {
 void VertexBatch::Draw(size_t first, size_t count) const {
     if (count == 0) return;
     const Vertex* const vertices = m_vertices.data();
+    if (!Recording::Note(GL_QUADS,
+                         {{&m_mode, sizeof(m_mode)}, {vertices + 4 * first, 4 * count * sizeof(Vertex)}}))
+        return;
     glEnableClientState(GL_VERTEX_ARRAY);
     glEnableClientState(GL_TEXTURE_COORD_ARRAY);
     glVertexPointer(2, GL_FLOAT, sizeof(Vertex), &vertices->position);
