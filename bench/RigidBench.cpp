@@ -1,7 +1,8 @@
-// Whole steps of rigid scenes, after settling: scene/size/engine.
+// Whole steps of rigid scenes, after settling: scene/size/engine; and how their time grows with their size.
 
 #include <benchmark/benchmark.h>
 
+#include <cmath>
 #include <ctime>
 #include <stdexcept>
 #include <string>
@@ -64,6 +65,33 @@ static void BenchSweep(benchmark::State& state, const std::string& scene, int si
     simulation.m_solveIter->Set(SWEEPS);
 }
 
+static double TimeSteps(Engine& world, int steps) {
+    const double start = ReadCpuTime();
+    for (int i = 0; i < steps; ++i) world.Step();
+    return (ReadCpuTime() - start) / steps;
+}
+
+// Twice the bodies take how much longer: the exponent x in time = N^x. What the caches of this machine add is
+// in the other engines' as well.
+static void BenchGrowth(benchmark::State& state, const std::string& scene, const std::string& engine) {
+    constexpr int FEW = 1000, MANY = 8000, STEPS = 100;
+    for (auto _ : state) {
+        const double few = TimeSteps(*MakeSettled(engine, MakeScene(scene, FEW)), STEPS * (MANY / FEW));
+        const double many = TimeSteps(*MakeSettled(engine, MakeScene(scene, MANY)), STEPS);
+        state.SetIterationTime(many);
+        state.counters["exponent"] = std::log(many / few) / std::log(double(MANY) / FEW);
+    }
+}
+
+static void RegisterGrowth(const std::string& scene) {
+    for (const char* const engine : {"vexa", "chipmunk", "box2d"}) {
+        benchmark::RegisterBenchmark(("growth/" + scene + "/" + engine).c_str(), BenchGrowth, scene, engine)
+            ->Iterations(1)
+            ->UseManualTime()
+            ->Unit(benchmark::kMillisecond);
+    }
+}
+
 static void RegisterScene(const std::string& scene, int size, int steps) {
     for (const char* const engine : {"vexa", "chipmunk", "box2d"}) {
         const std::string name = scene + "/" + std::to_string(size) + "/" + engine;
@@ -84,6 +112,8 @@ static const bool s_isRegistered = [] {
     RegisterScene("mixed", 300, 200);
     RegisterScene("chain at rest", 100, 500);
     RegisterScene("chain swinging", 100, 200);
+    RegisterGrowth("sparse");
+    RegisterGrowth("pile");
     for (const char* const scene : {"pile/1000", "pyramid/20"}) {
         const std::string text = scene;
         const size_t slash = text.find('/');

@@ -28,6 +28,8 @@ BARS = {
 }
 # Whole step per contact point and sweep, in nanoseconds.
 PER_CONTACT_BAR = 20
+# Greatest exponent of time over the number of bodies, from 1000 to 8000.
+GROWTH_BAR = 1.1
 PER_CONTACT_SCENES = ("pile/1000", "pile/4000", "pyramid/20", "pyramid/40")
 UNITS = {"ns": 1e-6, "us": 1e-3, "ms": 1, "s": 1e3}
 
@@ -62,6 +64,11 @@ def main():
             continue
         if scene.startswith("sweep per contact"):
             print(f"{scene:<24}{ours['real'] * 1e6:>10.2f} ns per contact")
+            continue
+        if scene.startswith("growth"):
+            missed += ours["exponent"] > GROWTH_BAR
+            exponents = "  ".join(f"{engine} N^{entry['exponent']:.2f}" for engine, entry in engines.items())
+            print(f"{scene:<24}{exponents} (bar {GROWTH_BAR})")
             continue
         line = f"{scene:<24}{ours['ms']:>10.3f}"
         line += f"{ours['contacts']:>10.0f}" if "contacts" in ours else " " * 10

@@ -17,6 +17,7 @@ constexpr size_t LONG_LIST = 24;       // partners, from which on sorting by ins
 constexpr double BAND_HEIGHT = 4;      // mean sizes of a box, so that few boxes lie in two bands
 constexpr size_t BOXES_PER_BAND = 32;  // fewer are not worth a band
 constexpr size_t MAX_BANDS = 128;
+constexpr size_t SAMPLES = 512;        // boxes looked at for the spread, of many
 constexpr double SPREAD_WIDTH = 3.5;  // standard deviations from end to end of evenly spread boxes
 
 }  // namespace
@@ -28,11 +29,12 @@ void PairSweep::Spread::Add(float low, float high) {
     sum += middle;
     sumSq += middle * middle;
     sizes += size;
+    ++count;
 }
 
-double PairSweep::Spread::GetVariance(size_t count) const {
-    const double mean = sum / static_cast<double>(count);
-    return std::max(sumSq / static_cast<double>(count) - mean * mean, 0.0);
+double PairSweep::Spread::GetVariance() const {
+    const double mean = sum / count;
+    return std::max(sumSq / count - mean * mean, 0.0);
 }
 
 void PairSweep::FindPairs() {
@@ -45,24 +47,24 @@ void PairSweep::FindPairs() {
 
 void PairSweep::ChooseAxis() {
     Spread x, y;
-    for (const Box& box : m_boxes) {
-        x.Add(box.minX, box.maxX);
-        y.Add(box.minY, box.maxY);
+    const size_t stride = m_boxes.size() / SAMPLES + 1;
+    for (size_t i = 0; i < m_boxes.size(); i += stride) {
+        x.Add(m_boxes[i].minX, m_boxes[i].maxX);
+        y.Add(m_boxes[i].minY, m_boxes[i].maxY);
     }
-    const double alongX = x.GetVariance(m_boxes.size()), alongY = y.GetVariance(m_boxes.size());
+    const double alongX = x.GetVariance(), alongY = y.GetVariance();
     if (m_alongY ? alongX > AXIS_LOYALTY * alongY : alongY > AXIS_LOYALTY * alongX) m_alongY = !m_alongY;
     ChooseBands(m_alongY ? x : y);
 }
 
 // Bands across the axis. Their number and place only decide how much is tested in vain.
 void PairSweep::ChooseBands(const Spread& across) {
-    const double count = static_cast<double>(m_boxes.size());
-    const double width = SPREAD_WIDTH * std::sqrt(across.GetVariance(m_boxes.size()));
-    const double wanted = width / (BAND_HEIGHT * across.sizes / count);
+    const double width = SPREAD_WIDTH * std::sqrt(across.GetVariance());
+    const double wanted = width / (BAND_HEIGHT * across.sizes / across.count);
     const double most = static_cast<double>(std::min(m_boxes.size() / BOXES_PER_BAND, MAX_BANDS));
     m_bands = wanted > 1 && most > 1 ? static_cast<uint32_t>(std::min(wanted, most)) : 1;
     m_bandsPerMetre = m_bands > 1 ? static_cast<float>(m_bands / width) : 0;
-    m_bandOrigin = m_bands > 1 ? static_cast<float>(across.sum / count - width / 2) : 0;
+    m_bandOrigin = m_bands > 1 ? static_cast<float>(across.sum / across.count - width / 2) : 0;
 }
 
 // By insertion, starting from the last order; from scratch when that is not near.
@@ -106,8 +108,8 @@ void PairSweep::Gather() {
         const Box box = m_boxes[number];
         const float crossLow = m_alongY ? box.minX : box.minY;
         const float crossHigh = m_alongY ? box.maxX : box.maxY;
-        const uint32_t lastBand = GetBand(crossHigh);
-        for (uint32_t band = GetBand(crossLow); band <= lastBand; ++band) {
+        const BandRange bands = m_boxBands[number];
+        for (uint32_t band = bands.first; band <= bands.last; ++band) {
             const uint32_t at = m_bandEnd[band]++;
             m_number[at] = number;
             m_low[at] = m_alongY ? box.minY : box.minX;
@@ -128,10 +130,13 @@ void PairSweep::PlaceBands() {
     m_bandBegin.resize(m_bands);
     m_bandEnd.resize(m_bands);
     std::fill(m_bandEnd.begin(), m_bandEnd.end(), 0u);
+    m_boxBands.clear();
+    m_boxBands.reserve(m_boxes.size());
     for (const Box& box : m_boxes) {
-        const uint32_t lastBand = GetBand(m_alongY ? box.maxX : box.maxY);
-        for (uint32_t band = GetBand(m_alongY ? box.minX : box.minY); band <= lastBand; ++band)
-            ++m_bandEnd[band];
+        const BandRange bands = {static_cast<uint8_t>(GetBand(m_alongY ? box.minX : box.minY)),
+                                 static_cast<uint8_t>(GetBand(m_alongY ? box.maxX : box.maxY))};
+        for (uint32_t band = bands.first; band <= bands.last; ++band) ++m_bandEnd[band];
+        m_boxBands.push_back(bands);
     }
     uint32_t size = 0;
     for (uint32_t band = 0; band < m_bands; ++band) {
@@ -187,8 +192,11 @@ void PairSweep::ListByNumber() {
     for (uint32_t& count : m_firstPartner) count = end += count;
     m_partners.resize(m_pairs.size());
     for (const Pair& pair : m_pairs) m_partners[--m_firstPartner[pair.low]] = pair.high;
-    for (size_t i = 0; i < n; ++i)
-        SortPartners(m_partners.data() + m_firstPartner[i], m_partners.data() + m_firstPartner[i + 1]);
+    for (size_t i = 0; i < n; ++i) {
+        uint32_t* const begin = m_partners.data() + m_firstPartner[i];
+        uint32_t* const last = m_partners.data() + m_firstPartner[i + 1];
+        if (last - begin > 1) SortPartners(begin, last);
+    }
 }
 
 void PairSweep::SortPartners(uint32_t* begin, uint32_t* end) {

@@ -39,15 +39,19 @@ class PairSweep {
     struct Pair {
         uint32_t low, high;
     };
+    struct BandRange {
+        uint8_t first, last;
+    };
 
-    // Sums that tell how widely the boxes are spread along one axis.
+    // Sums over some boxes that tell how widely all are spread along one axis.
     struct Spread {
         double sum = 0;    // of the boxes' middles
         double sumSq = 0;  // of their squares
         double sizes = 0;
+        double count = 0;
 
         void Add(float low, float high);
-        double GetVariance(size_t count) const;
+        double GetVariance() const;
     };
 
     float GetLow(uint32_t number) const { return m_alongY ? m_boxes[number].minY : m_boxes[number].minX; }
@@ -70,6 +74,7 @@ class PairSweep {
     uint32_t m_bands = 1;                              // across the axis; the outer two are endless
     float m_bandOrigin = 0;                            // where band 0 would begin
     float m_bandsPerMetre = 0;                         // 0 for a single band
+    util::VectorPOD<BandRange> m_boxBands;             // per box
     util::VectorPOD<uint32_t> m_bandBegin, m_bandEnd;  // in the arrays below
 
     // Boxes as the sweep meets them; one that lies in several bands stands in each.
