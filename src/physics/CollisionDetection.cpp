@@ -33,27 +33,20 @@ void AddBox(PairSweep& sweep, const math::BoundingBox2f& box) {
 
 // ---- assignment ----------------------------------------------------------------------------------------
 
-void Collider::AssignBodies(const BodyList& bodies, const ParticleList& particles) {
-    PROFILE_SECTION("Collider::AssignBodies");
+void Collider::Begin() {
     m_planes.clear();
     m_polygons.clear();
     m_circles.clear();
-    AssignParticles(particles);
-    for (const BodyPtr& body : bodies) {
-        for (const BodyPart& part : body.Get()->GetParts()) {
-            CODE_ASSERTION_TEXT(part.geom->GetBodyPtr() == body.Get(), "(*g)->GetBody()");
-            AssignGeom(body.Get(), part.geom.Get());
-        }
+}
+
+void Collider::Enter(Body& body) {
+    for (const BodyPart& part : body.GetParts()) {
+        CODE_ASSERTION_TEXT(part.geom.Get()->GetBodyPtr() == &body, "(*g)->GetBody()");
+        EnterGeom(&body, part.geom.Get());
     }
 }
 
-void Collider::AssignParticles(const ParticleList& particles) {
-    m_particles.clear();
-    m_particles.reserve(particles.size());
-    for (const ParticlePtr& particle : particles) m_particles.push_back(particle.Get());
-}
-
-void Collider::AssignGeom(AbstractBody* body, Geom* geom) {
+void Collider::EnterGeom(AbstractBody* body, Geom* geom) {
     const uint32_t flags = GetCollisionFlags(*body, *geom);
     switch (geom->GetKind()) {
         case Geom::Kind::POLYGON: {
@@ -91,8 +84,11 @@ void Collider::MakeContact(ContactPool& out, Geom* geomA, Geom* geomB, uint32_t 
 
 // ---- passes --------------------------------------------------------------------------------------------
 
-void Collider::Collide(ContactPool& out) {
+void Collider::Collide(const ParticleList& particles, ContactPool& out) {
     PROFILE_SECTION("Collider::Collide");
+    m_particles.clear();
+    m_particles.reserve(particles.size());
+    for (const ParticlePtr& particle : particles) m_particles.push_back(particle.Get());
     FindPairs();
     CollidePlanes(out);
     CollideCircles(out);

@@ -24,10 +24,10 @@ namespace physics {
 // Collide.
 class Collider {
   public:
-    // Lists the geoms. Each must have a body.
-    void AssignBodies(const BodyList& bodies, const ParticleList& particles);
-    // Appends the contacts.
-    void Collide(ContactPool& out);
+    void Begin();            // with no geom
+    void Enter(Body& body);  // lists its geoms
+    // Appends the contacts of those, and of these particles with them.
+    void Collide(const ParticleList& particles, ContactPool& out);
 
   private:
     struct PlaneRec {
@@ -55,8 +55,7 @@ class Collider {
     static void MakeContact(ContactPool& out, Geom* geomA, Geom* geomB, uint32_t index, math::Vec2 point,
                             math::Vec2 normal, math::real penetration);
 
-    void AssignParticles(const ParticleList& particles);
-    void AssignGeom(AbstractBody* body, Geom* geom);
+    void EnterGeom(AbstractBody* body, Geom* geom);
     void FindPairs();
 
     void CollidePlanes(ContactPool& out) const;

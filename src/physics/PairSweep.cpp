@@ -17,7 +17,7 @@ constexpr size_t LONG_LIST = 24;       // partners, from which on sorting by ins
 constexpr double BAND_HEIGHT = 4;      // mean sizes of a box, so that few boxes lie in two bands
 constexpr size_t BOXES_PER_BAND = 32;  // fewer are not worth a band
 constexpr size_t MAX_BANDS = 128;
-constexpr size_t SAMPLES = 512;        // boxes looked at for the spread, of many
+constexpr size_t SAMPLES = 512;       // boxes looked at for the spread, of many
 constexpr double SPREAD_WIDTH = 3.5;  // standard deviations from end to end of evenly spread boxes
 
 }  // namespace

@@ -231,7 +231,8 @@ void Simulation::Update(double dt) {
     } else {
         PayTimeDebt(dt);
     }
-    RemoveBadObjects();
+    if (HasBadBodies()) RemoveBadBodies();
+    RemoveBadParts();
     WriteStats();
 }
 
@@ -294,42 +295,42 @@ math::Vec2 Simulation::GetEffectiveGravity() const {
     return m_gravitySwitch->Get() && m_running->Get() ? m_gravity->Get() : math::Vec2();
 }
 
-// What has flown off, fallen out or lost an end leaves the world; nothing is reported to the user.
-void Simulation::RemoveBadObjects() {
-    const math::Vec2 down = math::Normalized(GetEffectiveGravity());
-    RemoveBadBodies(down);
-    RemoveBadParticles(down);
-    RemoveBadJoints();
-    RemoveBadHinges();
+math::Vec2 Simulation::GetDown() const {
+    return math::Normalized(GetEffectiveGravity());
 }
 
-// One pass lists the bodies for the step and looks for bad ones, which are rare.
-void Simulation::RemoveBadBodies(math::Vec2 down) {
+// What has flown off, fallen out or lost an end leaves the world; nothing is reported to the user.
+bool Simulation::IsBad(const Body& body, math::Vec2 down, float fallLimit) {
+    return body.IsBad() || math::Dot(down, body.m_pos) > fallLimit;
+}
+
+bool Simulation::HasBadBodies() const {
+    const math::Vec2 down = GetDown();
     const float limit = m_fallLimit->Get();
-    const auto isBad = [&](const BodyPtr& body) {
-        return body.Get()->IsBad() || math::Dot(down, body.Get()->m_pos) > limit;
-    };
-    const auto listBodies = [&] {
-        bool anyBad = false;
-        m_allBodies.clear();
-        m_allBodies.reserve(m_bodies.size() + m_particles.size());
-        for (const BodyPtr& body : m_bodies) {
-            List(*body.Get());
-            anyBad |= isBad(body);
-        }
-        return anyBad;
-    };
-    if (!listBodies()) return;
+    return std::any_of(m_bodies.begin(), m_bodies.end(),
+                       [&](const BodyPtr& body) { return IsBad(*body.Get(), down, limit); });
+}
+
+void Simulation::RemoveBadBodies() {
+    const math::Vec2 down = GetDown();
+    const float limit = m_fallLimit->Get();
     const BodyPtr world = GetWorldBody();
     BodyList good, bad;
-    for (const BodyPtr& body : m_bodies) (isBad(body) && body != world ? bad : good).push_back(body);
+    for (const BodyPtr& body : m_bodies)
+        (IsBad(*body, down, limit) && body != world ? bad : good).push_back(body);
     m_bodies.swap(good);
     for (const BodyPtr& body : bad) {
         Log(logging::Trace, "Removing bad object");
         body->m_inWorld = false;
         body->SetGeoms(GeomSet());
     }
-    listBodies();
+}
+
+// What hangs on bodies, and drops.
+void Simulation::RemoveBadParts() {
+    RemoveBadParticles();
+    RemoveBadJoints();
+    RemoveBadHinges();
 }
 
 void Simulation::List(AbstractBody& body) {
@@ -337,8 +338,9 @@ void Simulation::List(AbstractBody& body) {
     m_allBodies.push_back(&body);
 }
 
-void Simulation::RemoveBadParticles(math::Vec2 down) {
+void Simulation::RemoveBadParticles() {
     if (m_particles.empty()) return;
+    const math::Vec2 down = GetDown();
     const float limit = m_fallLimit->Get();
     const float vaporizeTime = SPH::Instance().m_vaporizeTime->Get();
     for (size_t i = 0; i < m_particles.size();) {

@@ -124,6 +124,7 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     void WriteStats();
 
     void List(AbstractBody& body);
+    bool VisitBodies(bool active);
     void CalcForces();
     static math::real CalcDrag(const Air& air, math::real width, math::real speed, math::real mass);
     static void AddBodyForces(Body& body, const Air& air);
@@ -132,12 +133,15 @@ class Simulation : public script::Reflected, public util::Singleton<Simulation> 
     void SolveAndMove(Forces forces);
     static void WarnOnce(bool& warned, const char* message);
 
-    void RemoveBadObjects();
-    void RemoveBadBodies(math::Vec2 down);
-    void RemoveBadParticles(math::Vec2 down);
+    static bool IsBad(const Body& body, math::Vec2 down, float fallLimit);
+    bool HasBadBodies() const;
+    void RemoveBadBodies();
+    void RemoveBadParts();
+    void RemoveBadParticles();
     void RemoveBadJoints();
     void RemoveBadHinges();
     math::Vec2 GetEffectiveGravity() const;
+    math::Vec2 GetDown() const;  // unit, or zero
 
     WorldGeomPtr m_worldGeom;  // the world body's first geom, ID 0
     BodyList m_bodies;

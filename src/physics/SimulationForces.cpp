@@ -127,16 +127,34 @@ void Simulation::AddParticleForces(const Air& air) {
     }
 }
 
+// The list of the step, the forces of the air and the contacts share one walk over bodies and their geoms: in
+// a large world these come from far memory each time. False when there are bad bodies, which are passed over.
+bool Simulation::VisitBodies(bool active) {
+    PROFILE_SECTION("Body forces");
+    const Air air(*this);
+    const math::Vec2 down = GetDown();
+    const float limit = m_fallLimit->Get();
+    bool allGood = true;
+    m_allBodies.clear();
+    m_allBodies.reserve(m_bodies.size() + m_particles.size());
+    m_contacts.Begin();
+    for (const BodyPtr& pointer : m_bodies) {
+        Body& body = *pointer.Get();
+        if (IsBad(body, down, limit) && pointer != m_bodies.front()) {  // the world's stays
+            allGood = false;
+            continue;
+        }
+        List(body);
+        if (active && !body.IsImmovable()) AddBodyForces(body, air);
+        m_contacts.Enter(body);
+    }
+    return allGood;
+}
+
 void Simulation::CalcForces() {
     PROFILE_SECTION("Simulation::CalcForces");
     const Air air(*this);
     const StepSettings settings = GetStepSettings();
-    {
-        PROFILE_SECTION("Body forces");
-        for (const BodyPtr& body : m_bodies) {
-            if (!body.Get()->IsImmovable()) AddBodyForces(*body.Get(), air);
-        }
-    }
     if (!m_particles.empty()) {
         PROFILE_SECTION("Particle forces");
         AddParticleForces(air);

@@ -20,7 +20,8 @@ constexpr float SHORTEST_STEP = 1e-6f;  // s; the weights of the rows are number
 void Simulation::Step(bool active) {
     const ScopedFlushToZero flushToZero;
     try {
-        RemoveBadObjects();
+        if (!VisitBodies(active)) RemoveBadBodies();
+        RemoveBadParts();
         SPH::Instance().Sort(m_particles);
         for (const ParticlePtr& particle : m_particles) List(*particle.Get());
         if (active) CalcForces();
@@ -47,7 +48,7 @@ void Simulation::WarnOnce(bool& warned, const char* message) {
 
 void Simulation::CalcContacts() {
     PROFILE_SECTION("Sim::CalcContacts");
-    m_contacts.Find(m_bodies, m_particles);
+    m_contacts.Find(m_particles);
     if (m_contacts.IsOverBudget()) {
         WarnOnce(m_warnedOfContacts, "Too many contacts in one place: some of them are left out");
     }

@@ -4,7 +4,7 @@
 
 namespace physics {
 
-void StepContacts::Find(const BodyList& bodies, const ParticleList& particles) {
+void StepContacts::Find(const ParticleList& particles) {
     {
         PROFILE_SECTION("Update cache");
         m_cache.Update(m_contacts);
@@ -12,8 +12,7 @@ void StepContacts::Find(const BodyList& bodies, const ParticleList& particles) {
     {
         PROFILE_SECTION("Finding contacts");
         m_contacts.Clear();
-        m_collider.AssignBodies(bodies, particles);
-        m_collider.Collide(m_contacts);
+        m_collider.Collide(particles, m_contacts);
     }
     MatchCache();
     m_reduction.Mark(m_contacts);

@@ -14,7 +14,10 @@ namespace physics {
 // impulses, and is no impact any more.
 class StepContacts {
   public:
-    void Find(const BodyList& bodies, const ParticleList& particles);
+    // In each step: once Begin, Enter for each body, and Find.
+    void Begin() { m_collider.Begin(); }
+    void Enter(Body& body) { m_collider.Enter(body); }
+    void Find(const ParticleList& particles);
     void Clear();
 
     const ContactPool& Get() const { return m_contacts; }  // of the last Find

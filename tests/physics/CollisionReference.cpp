@@ -178,8 +178,9 @@ FoundContacts Collide(physics::Collider& collider, const physics::BodyList& bodi
                       const physics::ParticleList& particles) {
     physics::ContactPool pool;
     physics::SPH::Instance().Sort(particles);
-    collider.AssignBodies(bodies, particles);
-    collider.Collide(pool);
+    collider.Begin();
+    for (const physics::BodyPtr& body : bodies) collider.Enter(*body);
+    collider.Collide(particles, pool);
     FoundContacts found;
     for (const physics::ContactPtr& contact : pool) {
         const physics::ContactID& id = contact->m_id;

@@ -40,7 +40,9 @@ class SmallWorld {
             all.push_back(body.Get());
             if (!body->IsImmovable()) body->m_force = body->m_mass * Vec2(0, -9.8f);
         }
-        m_contacts.Find(m_bodies, {});
+        m_contacts.Begin();
+        for (const physics::BodyPtr& body : m_bodies) m_contacts.Enter(*body);
+        m_contacts.Find({});
         physics::IntegrateVelocities(all, m_settings.timeDelta / 2, physics::Forces::KEEP);
         m_solver.Run(all, m_hinges, m_contacts.Get(), m_settings);
         physics::IntegrateVelocities(all, m_settings.timeDelta / 2, physics::Forces::KEEP);
