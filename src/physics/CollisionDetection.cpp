@@ -78,8 +78,8 @@ inline Geom* Collider::PolygonRec::GetGeom() const {
 }
 
 void Collider::MakeContact(ContactPool& out, Geom* geomA, Geom* geomB, uint32_t index, Vec2 point,
-                           Vec2 normal, real penetration) {
-    if (!out.IsFull()) out.Add(geomA, geomB, index, point, normal, penetration);
+                           Vec2 normal, real penetration, real rollArm) {
+    if (!out.IsFull()) out.Add(geomA, geomB, index, point, normal, penetration).m_rollArm = rollArm;
 }
 
 // ---- passes --------------------------------------------------------------------------------------------
@@ -163,7 +163,7 @@ void Collider::PlaneCircle(const PlaneRec& a, const CircleRec& b, ContactPool& o
     const real d = a.plane->Distance(b.pos);
     if (!(d < b.radius) || !MayTouch(a, b)) return;
     const Vec2 n = a.plane->GetNormal();
-    MakeContact(out, a.plane, b.circle, 0, b.pos - b.radius * n, n, b.radius - d);
+    MakeContact(out, a.plane, b.circle, 0, b.pos - b.radius * n, n, b.radius - d, b.radius);
 }
 
 void Collider::PlanePolygon(const PlaneRec& a, const PolygonRec& b, ContactPool& out) {
@@ -186,7 +186,8 @@ void Collider::CircleCircle(const CircleRec& a, const CircleRec& b, ContactPool&
     if (!(math::LengthSquared(between) < reach * reach) || !MayTouch(a, b)) return;
     const real penetration = reach - math::Length(between);
     const Vec2 n = math::Normalized(between);
-    MakeContact(out, a.circle, b.circle, 0, a.pos + n * (a.radius - penetration / 2), n, penetration);
+    MakeContact(out, a.circle, b.circle, 0, a.pos + n * (a.radius - penetration / 2), n, penetration,
+                std::min(a.radius, b.radius));
 }
 
 void Collider::CirclePolygon(const CircleRec& a, const PolygonRec& b, ContactPool& out) {
@@ -208,7 +209,7 @@ void Collider::CircleOutsidePolygon(const CircleRec& a, const PolygonRec& b, Con
     const auto touch = [&](uint32_t index, Vec2 q) {
         const real distSq = math::LengthSquared(q - c);
         if (!(distSq < r * r)) return;
-        MakeContact(out, a.circle, b.polygon, index, q, math::Normalized(q - c), r - std::sqrt(distSq));
+        MakeContact(out, a.circle, b.polygon, index, q, math::Normalized(q - c), r - std::sqrt(distSq), r);
     };
     const Vec2* const vertices = b.polygon->GetWorldVertices().data();
     const auto count = static_cast<uint32_t>(b.polygon->GetWorldVertices().size());

@@ -53,7 +53,7 @@ class Collider {
     };
 
     static void MakeContact(ContactPool& out, Geom* geomA, Geom* geomB, uint32_t index, math::Vec2 point,
-                            math::Vec2 normal, math::real penetration);
+                            math::Vec2 normal, math::real penetration, math::real rollArm = 0);
 
     void EnterGeom(AbstractBody* body, Geom* geom);
     void FindPairs();

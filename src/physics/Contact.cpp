@@ -18,6 +18,8 @@
 //
 // A new contact is an impact with the exact masses:
 //   normalTarget = -m(n) (1 + restitution) (u . n).
+//
+// What rolls is braked besides, see ContactSolve.h.
 
 #include "physics/Contact.h"
 
@@ -58,6 +60,7 @@ void Contact::Reset(Geom* geomA, Geom* geomB, uint32_t index, math::Vec2 point, 
     m_implied = false;
     m_normalImpulse = m_tangentImpulse = 0;
     m_distFactor = 1;
+    m_rollArm = 0;
 }
 
 bool Contact::SolveInit(const SolveConstants& constants) {

@@ -30,12 +30,13 @@ class Contact final : public Constraint {
     void SolveApply() override;
 
     math::Vec2 m_point;
-    math::Vec2 m_normal;             // unit, from body 0 to body 1; zero for a contact that pushes nothing
-    math::real m_penetration = 0;    // m, positive when overlapping
-    math::real m_friction = 0;       // geometric mean of the two geoms
-    math::real m_restitution = 0;    // geometric mean of the two geoms
-    bool m_new = true;               // until matched with a contact of the previous step
-    bool m_implied = false;          // held by others, see ContactReduction.h
+    math::Vec2 m_normal;           // unit, from body 0 to body 1; zero for a contact that pushes nothing
+    math::real m_penetration = 0;  // m, positive when overlapping
+    math::real m_friction = 0;     // geometric mean of the two geoms
+    math::real m_restitution = 0;  // geometric mean of the two geoms
+    math::real m_rollArm = 0;  // m, radius of what rolls here, set by who makes the contact; 0 for nothing
+    bool m_new = true;         // until matched with a contact of the previous step
+    bool m_implied = false;    // held by others, see ContactReduction.h
     math::real m_normalImpulse = 0;  // N s, accumulated; never negative after a solve
     math::real m_tangentImpulse = 0;
     ContactID m_id;

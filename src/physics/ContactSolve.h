@@ -9,6 +9,21 @@
 // The inner operations of a contact, for bodies and for the solver's packed copies of them.
 namespace physics {
 
+// What rolls is braked as if it had to climb a slope of this size: it comes to rest on what is level but for
+// rounding. Else a ball on a tower would creep to the edge within minutes, since its weight tilts the tower.
+constexpr math::real ROLLING_SLOPE = 0.0002f;
+
+// Takes away the relative spin, within the bound of ROLLING_SLOPE times what the normal row carried in the
+// last step; and half of it at most, since a ball may touch several.
+template <class B>
+void BrakeRolling(const Contact& contact, B& b0, B& b1) {
+    const math::real inertiaInv = b0.GetInertiaInv() + b1.GetInertiaInv();
+    const math::real limit = ROLLING_SLOPE * contact.m_rollArm * contact.m_normalImpulse;
+    if (!(limit > 0 && inertiaInv > 0)) return;
+    const math::real brake = (b0.m_angVel - b1.m_angVel) / (2 * inertiaInv);
+    ApplyTurnPair(b0, b1, std::min(std::max(brake, -limit), limit));
+}
+
 // Takes masses, right-hand sides and impulses of the step from the contact and its bodies, and applies the
 // impulses. Row is a ContactRow, or the contact itself; the equations stand in Contact.cpp.
 template <class Row, class B>
@@ -23,6 +38,7 @@ void InitContactRows(Row& row, const Contact& contact, const SolveConstants& con
         const math::real m = 1 / InverseEffectiveMass(b0, b1, r0, r1, along);
         return contact.m_new ? m : 1 / (1 / m + w.eps);
     };
+    BrakeRolling(contact, b0, b1);
     row.m_useNormalMass = getMass(n);
     row.m_useTangentMass = getMass(t);
     math::real g;

@@ -10,13 +10,6 @@
 // The inner operations of a hinge, for bodies and for the solver's packed copies of them.
 namespace physics {
 
-// Applies an angular impulse of -p to b0 and +p to b1.
-template <class B>
-inline void ApplyTurnPair(B& b0, B& b1, math::real p) {
-    b0.m_deltaAngVel -= b0.GetInertiaInv() * p;
-    b1.m_deltaAngVel += b1.GetInertiaInv() * p;
-}
-
 template <class B>
 void Hinge::WarmStart(const SolveConstants& constants, B& b0, B& b1) {
     const math::real share = constants.warmStartShare * m_warmFactor;

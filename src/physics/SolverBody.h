@@ -73,4 +73,11 @@ inline void ApplyImpulsePair(B& b0, B& b1, math::Vec2 r0, math::Vec2 r1, math::V
     b1.m_deltaAngVel += turn1;
 }
 
+// Applies an angular impulse of -p to b0 and +p to b1.
+template <class B>
+inline void ApplyTurnPair(B& b0, B& b1, math::real p) {
+    b0.m_deltaAngVel -= b0.GetInertiaInv() * p;
+    b1.m_deltaAngVel += b1.GetInertiaInv() * p;
+}
+
 }  // namespace physics

@@ -52,6 +52,25 @@ TEST_F(Steadiness, TallStackStands) {
     EXPECT_NEAR(boxes.back()->m_pos.y, 19.5f * 0.4f, 0.05f);
 }
 
+// A slope that is none to the eye holds a ball; from one that is seen it rolls by g sin(a) 2/3, as a full
+// disc.
+TEST_F(Steadiness, BallLiesOnWhatIsAlmostLevel) {
+    for (const float slope : {0.00005f, 0.01f}) {
+        SCOPED_TRACE(slope);
+        sim.Clear();
+        ClearAir();
+        AddGround({slope, std::sqrt(1 - slope * slope)});
+        const BodyPtr ball = AddCircle({0, 0.199f}, 0.2f);
+        constexpr float SECONDS = 5;
+        const float way = MeasureSway({ball}, SECONDS);
+        const float free = 9.8f * slope * 2 / 3 * SECONDS * SECONDS / 2;
+        if (slope < 0.001f)
+            EXPECT_LT(way, 0.02f * free);
+        else
+            EXPECT_NEAR(way, free, 0.05f * free);
+    }
+}
+
 TEST_F(Steadiness, HeavyBoxStandsOnLightOnes) {
     AddGround();
     const std::vector<BodyPtr> boxes = AddStack(5);
