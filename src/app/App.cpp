@@ -7,6 +7,7 @@
 #include "app/history/Undoer.h"
 #include "app/tools/EntityOperations.h"
 #include "app/tools/Tool.h"
+#include "gui/Focus.h"
 #include "input/Key.h"
 #include "physics/Simulation.h"
 #include "util/Assert.h"
@@ -152,10 +153,16 @@ void App::CreateGUI() {
     if (Language::Instance().GetName() != language) Language::Instance().Load(language);
     m_rebuildsGUI = false;
     const AppGUIPtr previous = m_appGUI;
-    if (previous) RemoveChild(previous);
+    gui::Focus::Place focus;
+    if (previous) {
+        previous->CloseDialog();  // which gives the focus back
+        focus = gui::Focus::GetPlace(*previous);
+        RemoveChild(previous);
+    }
     m_appGUI = new AppGUI(*this, previous.Get());
     m_appGUI->SetSize(2, 2);  // until it takes this component's size
     AddChild(m_appGUI);
+    gui::Focus::SetPlace(*m_appGUI, focus);
 }
 
 void App::OnExit() {

@@ -294,6 +294,11 @@ void AppGUI::SelectAll() {
     m_scene.GetSelection().Set(EntitySet(entities.begin(), entities.end()));
 }
 
+void AppGUI::SelectNext(bool backward) {
+    CancelTool();
+    m_scene.GetSelection().SelectNext(m_view.GetViewBox(), backward);
+}
+
 // Whether those and no others have one group.
 bool AppGUI::IsWholeGroup(const EntitySet& selected) const {
     const script::Int group = (*selected.begin())->GetGroup();
@@ -424,6 +429,7 @@ void AppGUI::Update(float dt) {
         Component::Update(dt);
         m_windows.Update();
         KeepRoomForTools();
+        gui::GUI::Instance().GetNotices()->KeepAbove(m_hints->GetRoom());
         Autosave();
         GetTool().Update();
     }

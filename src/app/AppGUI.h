@@ -73,6 +73,7 @@ class AppGUI : public gui::Component {
     WindowSet& GetWindows() { return m_windows; }
     // In front of all, in the middle, in place of the dialog that was open.
     void OpenDialog(const gui::WindowPtr& dialog);
+    void CloseDialog();  // and the popup
     // To be called when the scene has been drawn and no window yet.
     void OnSceneDrawn() { m_thumbnail.Take(); }
 
@@ -95,6 +96,7 @@ class AppGUI : public gui::Component {
     void StepHistory(bool redo);
     void EraseSelection();
     void SelectAll();
+    void SelectNext(bool backward);
     bool IsWholeGroup(const EntitySet& selected) const;
     void SetGroup(bool assign);
     static String FindFreeName();

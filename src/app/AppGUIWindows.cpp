@@ -45,6 +45,8 @@ void AppGUI::AddEditCommands() {
     m_commands.Add({"TipUndo", "tools/backward", 'z', true, [this] { StepHistory(false); }});
     m_commands.Add({"TipRedo", "tools/forward", 'y', true, [this] { StepHistory(true); }});
     m_commands.Add({"KeySelectAll", "blank", 'a', true, [this] { SelectAll(); }});
+    m_commands.Add({"KeyNextShape", "blank", gui::Key::PageDown, false, [this] { SelectNext(false); }});
+    m_commands.Add({"KeyPreviousShape", "blank", gui::Key::PageUp, false, [this] { SelectNext(true); }});
     m_commands.Add({"KeyErase", "popup/erase", gui::Key::Delete, false, [this] { EraseSelection(); }});
     m_commands.Add({"KeyGroup", "blank", 'g', true, [this] { SetGroup(true); }});
     m_commands.Add({"KeyUngroup", "blank", 'u', true, [this] { SetGroup(false); }});
@@ -169,9 +171,13 @@ bool AppGUI::ClosePopup() {
     return true;
 }
 
-void AppGUI::OpenDialog(const gui::WindowPtr& dialog) {
+void AppGUI::CloseDialog() {
     ClosePopup();
     if (gui::Window* const open = m_dialog.Get()) open->Close();
+}
+
+void AppGUI::OpenDialog(const gui::WindowPtr& dialog) {
+    CloseDialog();
     m_dialog = dialog.Get();
     dialog->AddCloseButton();
     AddChild(dialog);

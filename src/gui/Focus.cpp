@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 
 #include "gui/Component.h"
@@ -32,6 +33,15 @@ void Collect(Component& component, std::vector<Component*>& found) {
     } else {
         for (const ComponentPtr& child : children) Collect(*child, found);
     }
+}
+
+std::vector<Component*> CollectLike(Component& root, const String& kind, const String& key) {
+    std::vector<Component*> all, alike;
+    Collect(root, all);
+    std::copy_if(all.begin(), all.end(), std::back_inserter(alike), [&](const Component* component) {
+        return component->GetKind() == kind && component->GetKey() == key;
+    });
+    return alike;
 }
 
 // An interval along one axis, GUI units.
@@ -114,6 +124,19 @@ bool Focus::CanMoveInto(Component& root) {
     std::vector<Component*> all;
     Collect(root, all);
     return !all.empty();
+}
+
+Focus::Place Focus::GetPlace(Component& root) {
+    Component* const focused = Get();
+    if (focused == nullptr || !focused->IsInside(root)) return {};
+    const String kind = focused->GetKind(), key = focused->GetKey();
+    const std::vector<Component*> alike = CollectLike(root, kind, key);
+    return {kind, key, static_cast<size_t>(std::find(alike.begin(), alike.end(), focused) - alike.begin())};
+}
+
+void Focus::SetPlace(Component& root, const Place& place) {
+    const std::vector<Component*> alike = CollectLike(root, place.m_kind, place.m_key);
+    if (place.m_index < alike.size()) Set(alike[place.m_index]);
 }
 
 void Focus::HandleKey(Component& root, KeyEvent& event) {

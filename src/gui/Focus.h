@@ -3,6 +3,7 @@
 #include "gui/Fwd.h"
 #include "input/InputEvents.h"
 #include "math/BoundingBox.h"
+#include "util/String.h"
 
 namespace gui {
 
@@ -18,6 +19,15 @@ class Focus {
     // To what lies next to it under `root` in the direction of an arrow key; whether there is such a thing.
     static bool Step(Component& root, int arrow);
     static bool CanMoveInto(Component& root);  // something under `root` can have it
+
+    // Where the focus is, in terms that outlive the components: the tree may be built anew, in another
+    // language.
+    struct Place {
+        String m_kind, m_key;  // of the one that has it, see Component; empty for none
+        size_t m_index = 0;    // among those like it
+    };
+    static Place GetPlace(Component& root);
+    static void SetPlace(Component& root, const Place& place);  // nowhere, if there is no such thing
 
     // The keys told above, for what nobody took. Called by the root of the tree.
     static void HandleKey(Component& root, KeyEvent& event);

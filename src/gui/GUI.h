@@ -35,6 +35,7 @@ class GUI : public script::Reflected, public util::Singleton<GUI> {
     bool HasCursor();
 
     const ConsolePtr& GetConsole() const { return m_console; }
+    const NoticesPtr& GetNotices() const { return m_notices; }
 
     // The window that the program lives in; null in tests and tools. Outlives this object.
     void SetWindowHost(WindowHost* host) { m_windowHost = host; }

@@ -71,7 +71,7 @@ void Notices::Update(float dt) {
 // The newest at the lower edge.
 void Notices::DrawComp() {
     if (!GetParent()) return;
-    float bottom = GetParent()->GetSize().y - MARGIN;
+    float bottom = GetParent()->GetSize().y - m_floor - MARGIN;
     for (size_t i = m_notices.size(); i-- > 0;) {
         DrawNotice(m_notices[i], bottom);
         bottom -= m_notices[i].text.m_height + 3 * MARGIN;

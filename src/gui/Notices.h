@@ -14,6 +14,9 @@ class Notices : public Component {
     // A line of the log; only warnings and errors are shown, without their prefix.
     void Add(const String& line);
 
+    // What lies at the lower edge is not to be covered: so high it is, GUI units.
+    void KeepAbove(float height) { m_floor = height; }
+
     void Update(float dt) override;
     void DrawComp() override;
     bool IsVisible() const override { return !m_notices.empty(); }
@@ -29,6 +32,7 @@ class Notices : public Component {
     void DrawNotice(const Notice& notice, float bottom) const;
 
     std::deque<Notice> m_notices;  // oldest first
+    float m_floor = 0;             // GUI units above the lower edge
 };
 using NoticesPtr = util::SharedPtr<Notices>;
 

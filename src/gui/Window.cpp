@@ -19,6 +19,16 @@ constexpr float TITLE_ROOM = 18;          // beside the title
 constexpr float CLOSE_BUTTON_ROOM = 8;    // beside the button
 constexpr float LEAST_VIEW = 64;          // a smaller parent has not been given its size yet
 
+bool HasTextAt(const Component& component, const math::BoundingBox2f& box) {
+    if (!component.IsVisible()) return false;
+    const bool hasText = component.IsTopLevel() || !component.GetShownText().empty();
+    if (hasText && GetBoxInView(component).Overlaps(box)) return true;
+    const ComponentList& children = component.GetChildren();
+    return !component.IsTopLevel() &&
+           std::any_of(children.begin(), children.end(),
+                       [&box](const ComponentPtr& child) { return HasTextAt(*child, box); });
+}
+
 }  // namespace
 
 Window::Window(const String& title, const LayoutPtr& layout) : WobbleComponent("Window", layout) {
@@ -51,10 +61,25 @@ void Window::OnGeometryChanged() {
                           CLOSE_BUTTON_MARGIN - offset.y);
 }
 
+// A window is a little transparent. Over another one its frame is drawn twice, or the texts of both would
+// mix.
 void Window::DrawComp() {
+    if (LiesOverText()) GetBorder().Draw(GetSize().x, GetSize().y);
     WobbleComponent::DrawComp();
     const Vec2 place = TITLE_PLACE - GetContentOffset();
     DrawText(GetTextFormat(), place.x, place.y, m_titleText);
+}
+
+// What is drawn earlier lies below: the siblings before it, and before each that it hangs from.
+bool Window::LiesOverText() const {
+    const math::BoundingBox2f box = GetBoxInView(*this);
+    for (const Component* c = this; c->GetParent() != nullptr; c = c->GetParent()) {
+        for (const ComponentPtr& sibling : c->GetParent()->GetChildren()) {
+            if (sibling.Get() == c) break;
+            if (HasTextAt(*sibling, box)) return true;
+        }
+    }
+    return false;
 }
 
 void Window::AddCloseButton() {

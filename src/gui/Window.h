@@ -61,6 +61,7 @@ class Window : public WobbleComponent {
     bool HandleFocusKey(const KeyEvent& event);
     bool HasFocusInside() const;
     bool IsOnTitleBar(math::Vec2 gui) const;
+    bool LiesOverText() const;
     void TearOff(Component& target);
 
     String m_title;

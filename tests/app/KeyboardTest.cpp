@@ -9,6 +9,7 @@
 #include "gui/components/Button.h"
 #include "gui/components/Slider.h"
 #include "input/Key.h"
+#include "script/Conversions.h"
 
 namespace {
 
@@ -126,6 +127,42 @@ TEST_F(KeyboardTest, ReachesEveryRowOfTheMenusOnShapes) {
     }
     SendKey(gui::Key::Escape);
     EXPECT_TRUE(GetOpenWindows().empty());
+}
+
+TEST_F(KeyboardTest, ChoosesAShapeAndOpensItsMenu) {
+    const app::EntityPtr left = AddBox({-2, 0}), right = AddBox({2, 0});
+    ASSERT_TRUE(Key(gui::Key::PageDown));
+    EXPECT_EQ(Scene().GetSelection().Get(), (app::EntitySet{left}));
+    ASSERT_TRUE(Key(gui::Key::PageUp));
+    EXPECT_EQ(Scene().GetSelection().Get(), (app::EntitySet{right}));
+    ASSERT_TRUE(Key('e', true));
+    EXPECT_TRUE(FindWidget("GeomMenuButton"));
+    SendKey(gui::Key::Escape);
+}
+
+TEST_F(KeyboardTest, TheFocusStaysWhenTheLanguageChanges) {
+    GUI().GetWindows().Open("File");
+    const auto changeLanguage = [](const char* language) {
+        App().m_language->SetValue(script::ValueToObject(language));
+        App().Update(0);
+    };
+    for (const char* key : {"SaveScene", "ChangeLanguage"}) {
+        Focus::Set(FindWidget(key));
+        changeLanguage("German");
+        ASSERT_NE(Focus::Get(), nullptr) << key;
+        EXPECT_EQ(Focus::Get()->GetKey(), key);
+        EXPECT_TRUE(Focus::Get()->IsInside(GUI()));
+        changeLanguage("English");
+        EXPECT_EQ(Focus::Get(), FindWidget(key).Get());
+    }
+    GUI().GetCommands().Run("ChangeLanguage");
+    ASSERT_NE(Focus::Get()->GetKey(), "ChangeLanguage") << "the dialog has it";
+    changeLanguage("German");
+    EXPECT_EQ(Focus::Get(), FindWidget("ChangeLanguage").Get()) << "the dialog has given it back";
+    Focus::Set(nullptr);
+    changeLanguage("English");
+    EXPECT_EQ(Focus::Get(), nullptr);
+    GUI().GetWindows().Close("File");
 }
 
 }  // namespace

@@ -115,6 +115,29 @@ TEST_F(SceneTest, AClickTakesTheGroupWithIt) {
     EXPECT_EQ(GetScene().GetFreeGroup(), 0) << "the lowest";
 }
 
+TEST_F(SceneTest, ShapesInViewFollowEachOtherFromLeftToRightAndPlanesComeLast) {
+    const auto plane = AddPlane({0, 1}, -2);
+    const auto right = AddCircle({4, 1}), left = AddCircle({-2, 0}), middle = AddCircle({1, 3});
+    AddCircle({50, 0});  // out of view
+    const math::BoundingBox2f view({-5, -5}, {5, 5});
+    Selection& selection = GetApp().GetSelection();
+    const EntityPtr order[] = {left, middle, right, plane};
+    for (size_t i = 0; i < 8; ++i) {
+        selection.SelectNext(view, false);
+        EXPECT_EQ(selection.Get(), (EntitySet{order[i % 4]})) << i;
+    }
+    for (const size_t i : {2, 1, 0, 3}) {
+        selection.SelectNext(view, true);
+        EXPECT_EQ(selection.Get(), (EntitySet{order[i]})) << i;
+    }
+    selection.Clear();
+    selection.SelectNext(view, true);
+    EXPECT_TRUE(selection.Has(plane)) << "from the other end";
+    GetScene().Clear();
+    selection.SelectNext(view, false);
+    EXPECT_TRUE(selection.IsEmpty());
+}
+
 TEST_F(SceneTest, AnInnerLinkTakesItsChainWithItAnEndOnlyItself) {
     const ChainPtr chain = new Chain(0);
     EntityList links;

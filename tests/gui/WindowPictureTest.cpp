@@ -106,4 +106,22 @@ TEST_F(WindowPictures, GoWithTheirWindows) {
     m_window = new gui::Window("");
 }
 
+TEST_F(WindowPictures, OverEachOtherTheyHardlyMix) {
+    constexpr int X = 60, Y = 60;  // in the lower window and beside its children, pixels from the upper left
+    const auto shade = [](const ImageRGBA32Ptr& frame) { return (*frame)(X, SIZE - 1 - Y).z; };
+    const auto shadeWith = [&](float blue) {
+        m_window->SetColor({1, 1, blue, 1});
+        return shade(Draw(false));
+    };
+    Set("opaqueness", 0.8f);  // of which a fifth of what lies below would be seen
+    const int below = shadeWith(1) - shadeWith(0);
+    ASSERT_GT(below, 50);
+    const gui::WindowPtr upper = new gui::Window("Upper");
+    upper->SetSize(60, 60);
+    upper->SetPos(30, 20);
+    GUI::Instance().GetRoot()->AddChild(upper);
+    EXPECT_LT(shadeWith(1) - shadeWith(0), below / 10);
+    GUI::Instance().GetRoot()->RemoveChild(upper);
+}
+
 }  // namespace

@@ -33,6 +33,25 @@ bool Selection::ClickAt(math::Vec2 point) {
     return SelectAt(point, gui::Input::Instance().IsModifierDown(gui::Modifier::Alt));
 }
 
+void Selection::SelectNext(const math::BoundingBox2f& view, bool backward) {
+    const auto getMiddle = [](const EntityPtr& entity) { return entity->GetBoundingBox().GetCenter(); };
+    const auto isBounded = [](const EntityPtr& entity) { return entity->GetBoundingBox().IsFinite(); };
+    EntityList all;
+    for (const EntityPtr& entity : m_scene.GetEntities()) {
+        if (!isBounded(entity) || view.Contains(getMiddle(entity))) all.push_back(entity);
+    }
+    if (all.empty()) return;
+    const auto bounded = std::stable_partition(all.begin(), all.end(), isBounded);
+    std::stable_sort(all.begin(), bounded,
+                     [&](const EntityPtr& a, const EntityPtr& b) { return getMiddle(a).x < getMiddle(b).x; });
+    const size_t count = all.size();
+    const auto place = static_cast<size_t>(
+        std::find_if(all.begin(), all.end(), [this](const EntityPtr& e) { return Has(e); }) - all.begin());
+    size_t next = backward ? count - 1 : 0;
+    if (place < count) next = (place + (backward ? count - 1 : 1)) % count;
+    m_entities = {all[next]};
+}
+
 void Selection::Widen(const EntityPtr& entity) {
     if (entity->GetChain()) {
         for (const EntityPtr& link : entity->GetChain()->GetNeighbors(entity, true)) {

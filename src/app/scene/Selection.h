@@ -2,7 +2,7 @@
 
 #include "app/Fwd.h"
 #include "app/entities/Entity.h"
-#include "math/Vector.h"
+#include "math/BoundingBox.h"
 
 namespace app {
 
@@ -30,6 +30,10 @@ class Selection {
     bool SelectAt(math::Vec2 point, bool single);
     // The same, single while alt is down.
     bool ClickAt(math::Vec2 point);
+
+    // The one that follows the first of the selected among those whose middle is in `view`, from left to
+    // right, or comes before it; planes, which are everywhere, come last. For who has no mouse.
+    void SelectNext(const math::BoundingBox2f& view, bool backward);
 
     // The distinct bodies, in the order of the entities, without the world body.
     physics::BodyList GetBodies() const;

@@ -109,6 +109,11 @@ void Hints::Update(float dt) {
     Place();
 }
 
+float Hints::GetRoom() const {
+    const gui::Component* const parent = GetParent();
+    return m_entries.empty() || parent == nullptr ? 0 : parent->GetSize().y - GetPos().y;
+}
+
 void Hints::Place() {
     const gui::Component* const parent = GetParent();
     if (parent == nullptr) return;

@@ -20,6 +20,7 @@ class Hints : public gui::Component {
 
     bool IsPending(Kind kind) const;
     void Finish(Kind kind);
+    float GetRoom() const;  // at the lower edge of the interface that they take up, GUI units
 
     void Update(float dt) override;
 

@@ -6,6 +6,7 @@
 
 #include "app/Language.h"
 #include "app/windows/Rows.h"
+#include "gui/GUI.h"
 #include "gui/LookAndFeel.h"
 #include "gui/components/AttribWidgets.h"
 #include "gui/components/Label.h"
@@ -22,9 +23,9 @@ using gui::ComponentPtr;
 using script::AbstractAttribPtr;
 using script::ObjectPtr;
 
-// GUI units; together less than LEAST_WIDTH.
-constexpr float OBJECT_WIDTH = 116;
+// GUI units; with the list of objects less than LEAST_WIDTH.
 constexpr float NAME_WIDTH = 190;
+constexpr float PATH_WIDTH = 248;  // of a name with its object
 constexpr float VALUE_WIDTH = 120;
 constexpr float DEFAULT_WIDTH = 96;
 constexpr float LEAST_WIDTH = 720;     // of a view that has room for all columns
@@ -113,9 +114,8 @@ ComponentPtr MakeSettingRow(const Setting& setting, bool withPath, bool withDefa
     const gui::ButtonPtr reset = MakeButton("Reset", [attrib] { attrib->SetValue(attrib->MakeDefault()); });
     reset->SetToolTip(text);
     const String name = withPath ? setting.m_object + "." + setting.m_name : setting.m_name;
-    std::vector<ComponentPtr> cells = {
-        MakeCell(name, withPath && withDefault ? NAME_WIDTH + OBJECT_WIDTH / 2 : NAME_WIDTH),
-        MakeValue(setting)};
+    std::vector<ComponentPtr> cells = {MakeCell(name, withPath ? PATH_WIDTH : NAME_WIDTH),
+                                       MakeValue(setting)};
     if (withDefault) cells.push_back(MakeCell(text, DEFAULT_WIDTH));
     cells.push_back(reset);
     const ComponentPtr row = app::MakeRow(cells);
@@ -134,7 +134,7 @@ std::vector<Setting> FindSettings() {
 
 SettingsWindow::SettingsWindow(const Desk& desk)
     : Window(Translate("AllSettingsTitle"), MakeRowLayout()),
-      m_isNarrow(desk.m_interface.GetSize().x < LEAST_WIDTH),
+      m_isNarrow(gui::GUI::Instance().GetSize().x < LEAST_WIDTH),  // which comes before the interface's own
       m_search(new gui::TextField),
       m_rows(new gui::Component("Settings", MakeRowLayout())),
       m_scroll(MakeScrolled(m_rows, desk, LIST_ROOM)) {
@@ -183,7 +183,7 @@ void SettingsWindow::Fill() {
     m_rows->RemoveAllChildren();
     const bool withPath = m_isNarrow || !wanted.empty();
     std::vector<ComponentPtr> titles = {
-        MakeCell(Translate("SettingName"), NAME_WIDTH),
+        MakeCell(Translate("SettingName"), withPath ? PATH_WIDTH : NAME_WIDTH),
         MakeCell(Translate("SettingValue"), VALUE_WIDTH + 2 * gui::TEXT_MARGIN)};
     if (!m_isNarrow) titles.push_back(MakeCell(Translate("SettingDefault"), DEFAULT_WIDTH));
     m_rows->AddChild(app::MakeRow(titles));
