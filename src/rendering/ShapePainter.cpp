@@ -121,8 +121,7 @@ ShapePainter::ShapeShader::ShapeShader(const String& name)
       m_pixelSize(new Uniform(m_shader, "PixelSize")),
       m_distSampler(new Uniform(m_shader, "DistSampler")),
       m_distScale(new Uniform(m_shader, "DistScale")),
-      m_radius(new Uniform(m_shader, "Radius")),
-      m_falloff(new Uniform(m_shader, "Falloff")) {}
+      m_radius(new Uniform(m_shader, "Radius")) {}
 
 bool ShapePainter::ShapeShader::IsUsable() const {
     return Context::UseShaders() && m_shader->Get();
@@ -283,14 +282,13 @@ void ShapePainter::DrawPlaneByShader(const Vec3& plane) const {
     const PlaneOutline solid = Clip(ViewOutline(m_view.box), plane, 0, false);
     Vec2 texCoords[8];
     for (size_t i = 0; i < solid.count; ++i) {
-        texCoords[i] = {PlaneDistance(plane, solid.points[i]),
-                        plane.x * solid.points[i].y - plane.y * solid.points[i].x};
+        const float distance = PlaneDistance(plane, solid.points[i]);
+        texCoords[i] = {distance, -distance / GetFalloff()};
     }
     const ScopedTexture profile(GetProfile());
     const ScopedShader shader(*m_planeShader.m_shader->Get());
     m_planeShader.SetCommon(Renderer::Instance().GetColor(), m_view.borders ? m_view.borderWidth : 0,
                             m_view.pixelSize, 0);
-    m_planeShader.m_falloff->Set(GetFalloff());
     Renderer::Instance().DrawPolygon(solid.points, texCoords, solid.count);
 }
 

@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "Pictures.h"
 #include "rendering/Context.h"
 #include "rendering/Gl.h"
+#include "rendering/Gradient.h"
 #include "rendering/Texture.h"
 #include "rendering/VertexBatch.h"
 #include "support/LogCapture.h"
@@ -104,6 +107,31 @@ TEST_F(RendererTest, BatchesDrawTheSameAsSingleQuads) {
     EXPECT_LE(GreatestDifference(*single, *ReadFrame()), 1);
     EXPECT_TRUE(batch.IsEmpty());
     EXPECT_EQ(GlColor(), m_renderer.GetColor());
+}
+
+TEST_F(RendererTest, AGradientGoesFromOneColorToTheOther) {
+    UsePixelUnits();
+    const struct {
+        Vec4 start, end;
+    } cases[] = {{{1, 0.5f, 0, 1}, {0, 0.5f, 1, 1}}, {{0.2f, 1.3f, -1, 1}, {0.2f, 0, 0, 1}}};
+    rendering::Gradient gradient;
+    const auto part = [](float a, float b, float t) {
+        return (std::clamp(a, 0.0f, 1.0f) * (1 - t) + std::clamp(b, 0.0f, 1.0f) * t) * 255;
+    };
+    for (const auto& c : cases) {
+        gradient.SetColors(c.start, c.end);
+        gradient.DrawAcross({0, 0}, {40, 20});
+        gradient.DrawDown({0, 20}, {40, 60});
+        const rendering::ImageRGBA32Ptr frame = ReadFrame();
+        for (uint32_t i = 0; i < 40; ++i) {
+            const float t = (static_cast<float>(i) + 0.5f) / 40;
+            for (const RGBA32& pixel : {(*frame)(i, 10), (*frame)(10, 20 + i)}) {
+                EXPECT_NEAR(pixel.x, part(c.start.x, c.end.x, t), 2);
+                EXPECT_NEAR(pixel.y, part(c.start.y, c.end.y, t), 2);
+                EXPECT_NEAR(pixel.z, part(c.start.z, c.end.z, t), 2);
+            }
+        }
+    }
 }
 
 TEST_F(RendererTest, ScreenshotsAreNumberedTgaFilesOfTheFrame) {

@@ -24,8 +24,10 @@ float Spot(vec2 p) {
     return 1.0 - SPOT_DARKNESS * clamp(0.5 - d / PixelSize, 0.0, 1.0);
 }
 
+// Texture coordinates are divided by q, which is 1, as the fixed pipeline does: a driver that draws in software
+// compiles a program for each set of components that some shader reads.
 void main() {
-    vec2 p = 2.0 * gl_TexCoord[0].st - 1.0;
+    vec2 p = 2.0 * gl_TexCoord[0].st / gl_TexCoord[0].q - 1.0;
     float d = (length(p) - 1.0) * Radius;
     float coverage = clamp(-d / PixelSize, 0.0, 1.0);  // the quad ends at the outline
     gl_FragColor = vec4(Color.rgb * Rim(d) * Spot(p), Color.a * coverage);

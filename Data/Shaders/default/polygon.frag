@@ -17,8 +17,10 @@ vec3 Rim(float d) {
     return texture2D(BorderSampler, vec2(0.5 + 0.49 * (RIM_START + (1.0 - RIM_START) * k), 0.5)).rgb;
 }
 
+// Texture coordinates are divided by q, which is 1, as the fixed pipeline does: a driver that draws in software
+// compiles a program for each set of components that some shader reads.
 void main() {
-    float d = (2.0 * texture2D(DistSampler, gl_TexCoord[0].st).a - 1.0) * DistScale;
+    float d = (2.0 * texture2DProj(DistSampler, gl_TexCoord[0].stq).a - 1.0) * DistScale;
     float coverage = clamp(0.5 - d / PixelSize, 0.0, 1.0);
     gl_FragColor = vec4(Color.rgb * Rim(d), Color.a * coverage);
 }

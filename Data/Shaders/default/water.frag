@@ -8,8 +8,10 @@ uniform vec4 Color;
 const vec3 RIM_COLOR = vec3(0.88, 0.96, 1.0);  // nearly white: it must part the water from the sky
 const float RIM_ALPHA = 0.95;
 
+// Texture coordinates are divided by q, which is 1, as the fixed pipeline does: a driver that draws in software
+// compiles a program for each set of components that some shader reads.
 void main() {
-    vec4 texel = texture2D(FieldSampler, gl_TexCoord[0].st);
+    vec4 texel = texture2DProj(FieldSampler, gl_TexCoord[0].stq);
     float field = texel.r;
     if (field <= Cutoff) discard;
     // The red field tells the depth below the surface until it saturates, the green one after that.

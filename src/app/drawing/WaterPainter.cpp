@@ -123,13 +123,13 @@ void WaterPainter::DrawField(const physics::ParticleList& particles, const Water
     if (m_region.IsEmpty()) return m_sprites.Clear();
     const rendering::ScopedMatrix matrix;
     const rendering::ScopedAttribs attribs;
-    glEnable(GL_SCISSOR_TEST);
-    glScissor(m_region.min.x, m_region.min.y, m_region.max.x - m_region.min.x,
-              m_region.max.y - m_region.min.y);
     if (field->GetFrameBuffer() != 0) {
         const rendering::ScopedTarget target(*field);
         SumUp(*sprite, view);
     } else {
+        glEnable(GL_SCISSOR_TEST);
+        glScissor(m_region.min.x, m_region.min.y, m_region.max.x - m_region.min.x,
+                  m_region.max.y - m_region.min.y);
         SumUp(*sprite, view);
         field->Copy(m_region.min, m_region.max);
         ClearToBlack();
