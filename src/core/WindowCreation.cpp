@@ -11,6 +11,7 @@
 #include "rendering/Context.h"
 #include "rendering/Gl.h"
 #include "rendering/Renderer.h"
+#include "rendering/TextureManager.h"
 #include "util/Exception.h"
 #include "util/FileSystem.h"
 #include "util/Redraw.h"
@@ -100,6 +101,7 @@ void Subsystem::RestoreWindow(const WindowParams& params) {
 void Subsystem::BuildWindow(WindowParams params) {
     Log(logging::Info, "Creating window...");
     ResourceManager::Instance().DestroyAll();
+    rendering::TextureManager::Instance().ReadAhead();  // while the driver is at work
     params.m_resolution = ClampResolution(params.m_resolution);
     if (NeedsStretching(params) && !m_stretches) StartStretching();
     SetVideoMode(params);

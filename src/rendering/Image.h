@@ -2,9 +2,9 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
-#include "math/Vector.h"
-#include "util/Array2D.h"
+#include "rendering/Picture.h"
 #include "util/Pointee.h"
 #include "util/SharedPtr.h"
 #include "util/String.h"
@@ -22,8 +22,7 @@ class AbstractImage : public util::Pointee {
     uint32_t GetWidth() const { return m_width; }
     uint32_t GetHeight() const { return m_height; }
 
-    // The next level of a mipmap: sides half as long, rounded down, but at least 1; each texel is the mean of
-    // what it covers. Null for a single texel and for an image without contents.
+    // The next level of a mipmap, see HalfOf. Null for a single texel and for an image without contents.
     virtual util::SharedPtr<AbstractImage> MakeHalf() const = 0;
 
   protected:
@@ -36,17 +35,18 @@ class AbstractImage : public util::Pointee {
 using AbstractImagePtr = util::SharedPtr<AbstractImage>;
 
 template <class T>
-class TImage : public AbstractImage, public util::Array2D<T, util::VectorPOD<T>> {
+class TImage : public AbstractImage, public Pixels<T> {
   public:
-    using Pixels = util::Array2D<T, util::VectorPOD<T>>;
-
     // Throws std::bad_alloc when there is no memory for it.
     TImage(uint32_t width, uint32_t height, const T& value = T())
-        : AbstractImage(width, height), Pixels(width, height, value) {}
+        : AbstractImage(width, height), Pixels<T>(width, height, value) {}
+    explicit TImage(Pixels<T> pixels)
+        : AbstractImage(static_cast<uint32_t>(pixels.GetWidth()), static_cast<uint32_t>(pixels.GetHeight())),
+          Pixels<T>(std::move(pixels)) {}
 
     using AbstractImage::GetHeight;
     using AbstractImage::GetWidth;
-    const void* GetPixels() const override { return Pixels::GetData().data(); }
+    const void* GetPixels() const override { return Pixels<T>::GetData().data(); }
 
     const String& GetName() const { return m_name; }
     void SetName(const String& name) { m_name = name; }
@@ -59,7 +59,6 @@ class ImageRGBA32;
 class ImageFloat;
 using ImageRGBA32Ptr = util::SharedPtr<ImageRGBA32>;
 using ImageFloatPtr = util::SharedPtr<ImageFloat>;
-using RGBA32 = math::TVector4<unsigned char>;
 
 class ImageRGBA32 : public TImage<RGBA32> {
   public:
@@ -88,8 +87,11 @@ class ImageRGBA32 : public TImage<RGBA32> {
     // ".raw" as a square alpha picture, everything else (PNG, BMP, JPEG, TGA) through the image library, once
     // its first bytes are plausible. Throws FileReadException.
     static ImageRGBA32Ptr LoadFile(const std::string& path);
+    // What has been read of the file `path`, which is not looked at. Throws FileReadException for a fault.
+    static ImageRGBA32Ptr FromPicture(Picture picture, const std::string& path);
 
   private:
+    ImageRGBA32Ptr m_half;  // the next level, if it has been made with this one
     bool m_hasAlpha = true;
 };
 

@@ -307,9 +307,16 @@ Texture* TextureFromImageFloat(const ImageFloatPtr& image, Texture::ImageType ty
     return new Texture(image, type);
 }
 
-Texture* TextureFromPath(const String& name, Texture::ImageType type) {
+util::Ahead<Picture> BeginPicture(const String& name, Texture::ImageType type) {
+    return util::Ahead<Picture>(
+        [path = FindImage(name), withHalves = type.mipmaps != 0] { return ReadPicture(path, withHalves); });
+}
+
+Texture* TextureFromPath(const String& name, Texture::ImageType type, util::Ahead<Picture> ahead) {
     try {
-        return new Texture(ImageRGBA32::LoadFile(FindImage(name)), type);
+        const String path = FindImage(name);
+        if (ahead.IsEmpty()) return new Texture(ImageRGBA32::LoadFile(path), type);
+        return new Texture(ImageRGBA32::FromPicture(ahead.Take(), path), type);
     } catch (const std::exception& e) {
         LogException(e, WHERE);
         Log(logging::Error, "Failed to load image " + name);

@@ -5,6 +5,7 @@
 #include "math/Vector.h"
 #include "rendering/GraphicsResource.h"
 #include "rendering/Image.h"
+#include "util/Ahead.h"
 #include "util/Mentor.h"
 #include "util/SharedPtr.h"
 #include "util/String.h"
@@ -100,8 +101,10 @@ bool operator<(const Texture::ImageType& a, const Texture::ImageType& b);
 Texture* TextureFromImage(const ImageRGBA32Ptr& image, Texture::ImageType type);
 Texture* TextureFromImageFloat(const ImageFloatPtr& image, Texture::ImageType type);
 // The picture `name`, sought below Data/Textures/ by the extensions png, tga, bmp, jpg when it has none.
-// Null, with a line at Error, when it cannot be loaded.
-Texture* TextureFromPath(const String& name, Texture::ImageType type);
+// Null, with a line at Error, when it cannot be loaded. `ahead`, unless empty, is the reading of that
+// picture, as BeginPicture has begun it.
+Texture* TextureFromPath(const String& name, Texture::ImageType type, util::Ahead<Picture> ahead = {});
+util::Ahead<Picture> BeginPicture(const String& name, Texture::ImageType type);
 
 // Binds for a scope; a null texture is skipped.
 class ScopedTexture {

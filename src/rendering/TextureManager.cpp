@@ -26,7 +26,23 @@ TextureManager::TextureManager() {
 }
 
 TextureMentorPtr TextureManager::Get(const String& name, const Texture::ImageType& type) {
-    return Register({name, type}, [name, type] { return TextureFromPath(name, type); });
+    const Key key(name, type);
+    const TextureMentorPtr mentor = Register(key, [key] { return Instance().Load(key); });
+    m_files[key] = mentor;
+    return mentor;
+}
+
+Texture* TextureManager::Load(const Key& key) {
+    util::Ahead<Picture> ahead = std::move(m_readAhead[key]);
+    m_readAhead.erase(key);
+    return TextureFromPath(key.first, key.second, std::move(ahead));
+}
+
+void TextureManager::ReadAhead() {
+    m_readAhead.clear();
+    for (const auto& [key, mentor] : m_files) {
+        if (!mentor->IsLoaded()) m_readAhead[key] = BeginPicture(key.first, key.second);
+    }
 }
 
 TextureMentorPtr TextureManager::Get(const String& name, const ImageRGBA32Ptr& image,

@@ -26,6 +26,10 @@ class TextureManager : public util::Pointee, public util::Singleton<TextureManag
     // registered, for whoever wants a picture of the frame has one of his own.
     static TextureMentorPtr MakeForFrame(const Texture::ImageType& type);
 
+    // Reads the picture files that are not loaded in the program's second thread; which of them get loaded,
+    // and when, stays with their mentors.
+    void ReadAhead();
+
     // Any other way to make a texture, not registered: the caller owns the mentor.
     static TextureMentorPtr Make(const TextureMentor::Factory& factory);
 
@@ -34,7 +38,11 @@ class TextureManager : public util::Pointee, public util::Singleton<TextureManag
 
     TextureMentorPtr Register(const Key& key, const TextureMentor::Factory& factory);
 
+    Texture* Load(const Key& key);
+
     std::map<Key, TextureMentorPtr> m_textures;
+    std::map<Key, TextureMentorPtr> m_files;          // those of them that are picture files
+    std::map<Key, util::Ahead<Picture>> m_readAhead;  // of those
 };
 
 }  // namespace rendering

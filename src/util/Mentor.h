@@ -53,6 +53,8 @@ class Mentor : public AbstractMentor {
 
     const std::type_info& GetType() const override { return typeid(T); }
 
+    bool IsLoaded() const { return static_cast<bool>(m_value); }
+
     // The object, loaded on demand; empty when it failed and no default stands in.
     const SharedPtr<T>& Get() {
         if (!m_value && !m_tried) Load();

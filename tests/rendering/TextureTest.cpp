@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "Pictures.h"
 #include "rendering/Context.h"
 #include "rendering/Gl.h"
@@ -223,6 +225,30 @@ TEST_F(TextureManagerTest, ReloadingReadsTheFileAgain) {
     test::WriteFile("Data/Textures/Edited.png", test::MakePng(7, 7));
     mentor->Unload();
     EXPECT_EQ(mentor->Get()->GetWidth(), 7u);
+}
+
+TEST_F(TextureManagerTest, ReadingAheadChangesNoPictureAndNoFailure) {
+    TextureManager& manager = TextureManager::Instance();
+    test::WriteFile("Data/Textures/Ahead.png", test::MakePng(12, 5));
+    const TextureMentorPtr there = manager.Get("Ahead", ImageType::Icon());
+    const TextureMentorPtr missing = manager.Get("NotAhead", ImageType::Icon());
+    const auto levels = [&there] {
+        std::vector<std::vector<RGBA32>> result;
+        for (rendering::AbstractImagePtr level = there->Get()->GetImage(); level; level = level->MakeHalf()) {
+            const auto* const pixels = static_cast<const RGBA32*>(level->GetPixels());
+            result.emplace_back(pixels, pixels + level->GetWidth() * level->GetHeight());
+        }
+        return result;
+    };
+    const auto plain = levels();
+    EXPECT_EQ(plain.size(), 4u);
+    there->Unload();
+    manager.ReadAhead();
+    const test::LogCapture log;
+    EXPECT_EQ(levels(), plain);
+    missing->Get();
+    EXPECT_EQ(log.Count("Failed to load image NotAhead"), 1);
+    EXPECT_TRUE(log.Contains("NotAhead\". SDL_image error: \"Couldn't read"));
 }
 
 }  // namespace
