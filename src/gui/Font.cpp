@@ -61,9 +61,14 @@ ImageRGBA32Ptr SpreadCells(const ImageRGBA32& sheet) {
     const int gutter = std::max(1, cell / CELL_PER_GUTTER);
     const int side = (cell + 2 * gutter) * Font::CELLS_PER_SIDE;
     const ImageRGBA32Ptr spread = new ImageRGBA32(side, side, rendering::RGBA32(255, 255, 255, 0));
-    for (uint32_t y = 0; y < sheet.GetHeight(); ++y) {
-        for (uint32_t x = 0; x < sheet.GetWidth(); ++x) {
-            (*spread)(x + gutter * (2 * (x / cell) + 1), y + gutter * (2 * (y / cell) + 1)) = sheet(x, y);
+    for (int y = 0; y < cell * Font::CELLS_PER_SIDE; ++y) {
+        const rendering::RGBA32* source = sheet.GetData().data() + y * cell * Font::CELLS_PER_SIDE;
+        rendering::RGBA32* target =
+            spread->GetData().data() + (y + gutter * (2 * (y / cell) + 1)) * side + gutter;
+        for (int column = 0; column < Font::CELLS_PER_SIDE; ++column) {
+            std::copy(source, source + cell, target);
+            source += cell;
+            target += cell + 2 * gutter;
         }
     }
     return spread;
@@ -79,8 +84,10 @@ math::BoundingBox2f FindInk(const ImageRGBA32& sheet, int glyph) {
     const auto cells = [cell](int pixels) { return static_cast<float>(pixels) / static_cast<float>(cell); };
     math::BoundingBox2f ink;
     for (int y = 0; y < cell; ++y) {
+        const rendering::RGBA32* const row =
+            sheet.GetData().data() + static_cast<size_t>(top - y) * sheet.GetWidth() + left;
         for (int x = 0; x < cell; ++x) {
-            if (sheet(left + x, top - y).w == 0) continue;
+            if (row[x].w == 0) continue;
             ink.Extend({{cells(x), cells(y)}, {cells(x + 1), cells(y + 1)}});
         }
     }

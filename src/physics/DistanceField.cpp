@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "math/Geometry.h"
+#include "util/Ahead.h"
 
 namespace physics {
 
@@ -141,6 +142,12 @@ class FieldBuilder {
     util::VectorPOD<uint8_t> m_crossings;
 };
 
+DistanceField::Cells MakeCells(const RasterOutline& outline) {
+    DistanceField::Cells cells(SIZE, SIZE, std::numeric_limits<real>::infinity());
+    FieldBuilder(outline, cells.GetData()).Build();
+    return cells;
+}
+
 // One part in STEPS of the number itself, so that sizes that differ by rounding are the same.
 real RoundSize(real size) {
     int exponent;
@@ -211,11 +218,15 @@ void DistanceField::Use() const {
 
 void DistanceField::Build() const {
     if (s_kept >= s_mostKept) DropOldest();
-    Cells cells(SIZE, SIZE, std::numeric_limits<real>::infinity());
-    FieldBuilder(m_outline, cells.GetData()).Build();
-    m_cells = std::move(cells);
+    m_cells = m_ahead ? m_ahead->Take() : MakeCells(m_outline);
+    m_ahead.reset();
     ++s_kept;
     ++s_builds;
+}
+
+void DistanceField::BuildAhead() const {
+    if (m_lastUse != 0 || m_ahead || s_kept >= s_mostKept) return;
+    m_ahead = std::make_unique<util::Ahead<Cells>>([outline = m_outline] { return MakeCells(outline); });
 }
 
 void DistanceField::Drop() const {

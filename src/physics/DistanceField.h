@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "math/Vector.h"
@@ -8,6 +9,11 @@
 #include "util/Pointee.h"
 #include "util/SharedPtr.h"
 #include "util/VectorPOD.h"
+
+namespace util {
+template <class T>
+class Ahead;
+}
 
 namespace physics {
 
@@ -58,6 +64,9 @@ class DistanceField : public util::Pointee {
     }
     const RasterOutline& GetOutline() const { return m_outline; }
 
+    // Begins to make the cells in the program's second thread, for the first who asks.
+    void BuildAhead() const;
+
     // How many fields may keep their cells, at least 1.
     static void SetMostKept(size_t fields);
     static size_t GetMostKept() { return s_mostKept; }
@@ -77,8 +86,9 @@ class DistanceField : public util::Pointee {
     inline static size_t s_mostKept = BUDGET / BYTES;
 
     RasterOutline m_outline;
-    mutable Cells m_cells;           // none, or all
-    mutable uint64_t m_lastUse = 0;  // builds up to then; 0 without cells
+    mutable Cells m_cells;                                // none, or all
+    mutable uint64_t m_lastUse = 0;                       // builds up to then; 0 without cells
+    mutable std::unique_ptr<util::Ahead<Cells>> m_ahead;  // the cells in the making
 };
 
 }  // namespace physics

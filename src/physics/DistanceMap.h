@@ -31,7 +31,8 @@ class DistanceMap : public util::Pointee {
     bool SampleInside(math::Vec2 local, math::real& distance, math::Vec2& gradient) const;
 
     const DistanceField::Cells& GetDistMap() const { return GetField().GetCells(); }  // m, negative inside
-    const math::OBB2D& GetBox() const { return m_box; }                               // what the map covers
+    void BuildAhead() const { GetField().BuildAhead(); }
+    const math::OBB2D& GetBox() const { return m_box; }  // what the map covers
     const math::TMatrix3<float>& GetLocalToMap() const { return m_localToMap; }
     const math::TMatrix3<float>& GetMapToLocal() const { return m_mapToLocal; }
 

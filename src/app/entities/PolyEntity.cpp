@@ -61,14 +61,11 @@ EntityPtr PolyEntity::Clone() const {
 }
 
 rendering::ImageFloatPtr PolyEntity::MakeDistImage(const physics::Polygon& polygon, math::real scale) {
-    const auto& map = polygon.GetDistMap();
+    const auto& cells = polygon.GetDistMap().GetData();
     const uint32_t size = physics::DistanceMap::SIZE;
     const rendering::ImageFloatPtr image = new rendering::ImageFloat(size, size);
-    for (uint32_t y = 0; y < size; ++y) {
-        for (uint32_t x = 0; x < size; ++x) {
-            (*image)(x, y) = std::clamp((map(x, y) / scale + 1) / 2, 0.0f, 1.0f);
-        }
-    }
+    std::transform(cells.begin(), cells.end(), image->GetData().begin(),
+                   [scale](float distance) { return std::clamp((distance / scale + 1) / 2, 0.0f, 1.0f); });
     return image;
 }
 

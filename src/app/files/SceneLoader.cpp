@@ -1,5 +1,6 @@
 #include "app/files/SceneLoader.h"
 
+#include "app/entities/PolyEntity.h"
 #include "app/files/SceneFiles.h"
 #include "app/files/Serializer.h"
 #include "app/history/Undoer.h"
@@ -14,6 +15,14 @@
 namespace app {
 
 constexpr size_t LONG_TEXT = 500000;  // bytes that take some time
+
+// Of the shapes that are about to be drawn.
+static void BuildMapsAhead(const Scene& scene) {
+    for (const EntityPtr& entity : scene.GetEntities()) {
+        const auto* const shape = dynamic_cast<const PolyEntity*>(entity.Get());
+        if (shape != nullptr) shape->GetPolygon()->BuildMapAhead();
+    }
+}
 
 SceneLoader::SceneLoader(Scene& scene, View& view, const String& filename, bool import)
     : Action(import ? "UndoImportScene" : "UndoLoadScene"),
@@ -87,6 +96,7 @@ void SceneLoader::Do() {
     m_code = nullptr;
     if (!m_import) m_scene.SetName(GetSceneName(GetScenePath(m_filename)));
     m_view.ZoomToScene(m_scene);
+    BuildMapsAhead(m_scene);
     Log(logging::Info, (m_import ? "Imported scene " : "Loaded scene ") + m_filename);
 }
 
