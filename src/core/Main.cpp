@@ -13,6 +13,7 @@
 #include "app/files/SceneFiles.h"
 #include "app/files/SceneLoader.h"
 #include "core/CommandLine.h"
+#include "core/DriverAhead.h"
 #include "core/Platform.h"
 #include "core/ResourceManager.h"
 #include "core/Subsystem.h"
@@ -21,6 +22,7 @@
 #include "logging/Logger.h"
 #include "physics/SPH.h"
 #include "physics/Simulation.h"
+#include "rendering/TextureManager.h"
 #include "script/Parser.h"
 #include "util/Exception.h"
 #include "util/FileNames.h"
@@ -261,6 +263,7 @@ void Save(app::App& application) {
 
 [[noreturn]] void RunProgram(const util::StringList& arguments) {
     const core::CommandLine line = ReadCommandLine(arguments);
+    core::LoadDriverAhead();
     MakeSubsystem();
     RequireData();
     GetSlot().Take();
@@ -273,6 +276,7 @@ void Save(app::App& application) {
     for (const String& setting : line.m_settings) script::Parser::Instance().Execute(setting);
     core::Subsystem::Instance().RecreateWindow();
     application->CreateGUI();
+    rendering::TextureManager::Instance().ReadAhead();  // while the scene is read
     if (!line.m_noScene.empty()) TellNoScene(line.m_noScene);
     LoadFirstScene(*application, line.m_scene);
     application->GetView().Arrive();  // the first picture is not one on the way
