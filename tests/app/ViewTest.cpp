@@ -38,6 +38,19 @@ TEST_F(ViewTest, AnUnsetViewBecomesTheDefaultOne) {
     EXPECT_EQ(GetView().GetWorldToGUI().m[1][1], -App::GetDefaultZoom());
 }
 
+// From one end of the numbers to the other there is no way for a gliding view.
+TEST_F(ViewTest, PlacesBeyondTheNumbersAreRefused) {
+    const test::LogCapture log;
+    const math::TMatrix3<float> near = GetView().GetTargetWorldToGUI();
+    for (const float far : {3e38f, -3e38f}) {
+        GetApp().SetWorldToGUI(math::TMatrix3<float>::Translation(far, 0) * near, true);
+        for (int frame = 0; frame < 20; ++frame) {
+            RunFor(1);
+            EXPECT_TRUE(math::IsFinite(GetView().GetMousePos())) << far;
+        }
+    }
+}
+
 TEST_F(ViewTest, BadMatricesAreRefused) {
     const auto before = GetView().GetTargetWorldToGUI();
     const float nan = std::numeric_limits<float>::quiet_NaN();

@@ -25,13 +25,20 @@ Matrix MakeView(math::Vec2 middle, float scale, math::Vec2 world) {
            Matrix::Translation(-world.x, -world.y);
 }
 
-bool IsUsable(const Matrix& matrix) {
+// Farther away the differences between two views would leave the numbers, and the mouse be nowhere.
+constexpr float MAX_ENTRY = 1e30f;
+
+bool IsBounded(const Matrix& matrix) {
     for (const auto& row : matrix.m) {
         for (const float value : row) {
-            if (!std::isfinite(value)) return false;
+            if (!(std::fabs(value) < MAX_ENTRY)) return false;
         }
     }
-    return matrix.m[0][0] != 0;
+    return true;
+}
+
+bool IsUsable(const Matrix& matrix) {
+    return IsBounded(matrix) && matrix.m[0][0] != 0 && IsBounded(math::Inverted(matrix));
 }
 
 }  // namespace
