@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "math/Geometry.h"
+#include "physics/FlushToZero.h"
 #include "util/Ahead.h"
 
 namespace physics {
@@ -142,7 +143,9 @@ class FieldBuilder {
     util::VectorPOD<uint8_t> m_crossings;
 };
 
+// The same bits whoever asks first: the step, in its mode of numbers, drawing, or the second thread.
 DistanceField::Cells MakeCells(const RasterOutline& outline) {
+    const ScopedFlushToZero flushToZero;
     DistanceField::Cells cells(SIZE, SIZE, std::numeric_limits<real>::infinity());
     FieldBuilder(outline, cells.GetData()).Build();
     return cells;
