@@ -13,6 +13,7 @@
 #include "app/files/SceneFiles.h"
 #include "app/files/SceneLoader.h"
 #include "core/CommandLine.h"
+#include "core/ComposeTable.h"
 #include "core/DriverAhead.h"
 #include "core/Platform.h"
 #include "core/ResourceManager.h"
@@ -76,6 +77,13 @@ void RequireData() {
     if (GetFiles().Exists(folder)) return;
     THROW(FatalException,
           "The folder \"" + folder + "\" is missing: the program needs all that it came with");
+}
+
+// The variables that libraries look at, while nobody else does: from the driver's loading on another thread
+// may.
+void PrepareEnvironment() {
+    core::SetStretching(false);
+    core::ChooseComposeTable(GetFiles().GetDataDir() + "Compose");
 }
 
 void MakeSubsystem() {
@@ -263,6 +271,7 @@ void Save(app::App& application) {
 
 [[noreturn]] void RunProgram(const util::StringList& arguments) {
     const core::CommandLine line = ReadCommandLine(arguments);
+    PrepareEnvironment();
     core::LoadDriverAhead();
     MakeSubsystem();
     RequireData();

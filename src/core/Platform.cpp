@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <iostream>
 #include <utility>
 
@@ -150,7 +151,10 @@ void SetSwapInterval(bool enabled) {
 void SetStretching(bool stretching) {
     constexpr const char* SETTING = "SDL12COMPAT_OPENGL_SCALING";
     static const bool s_isUsers = std::getenv(SETTING) != nullptr;
-    if (!s_isUsers) setenv(SETTING, stretching ? "1" : "0", 1);
+    if (s_isUsers) return;
+    const char* const value = stretching ? "1" : "0";
+    const char* const present = std::getenv(SETTING);
+    if (present == nullptr || std::strcmp(present, value) != 0) setenv(SETTING, value, 1);
 }
 
 void CatchDroppedFiles() {
