@@ -48,19 +48,24 @@ Uint32 MeasureTick() {
     return now - start;
 }
 
+void LogTimers() {
+    const Uint32 sleep = MeasureSleep();
+    Log(logging::Trace,
+        boost::str(boost::format("sleep precision=%1%ms, timer precision: %2%ms") % sleep % MeasureTick()));
+}
+
 }  // namespace
 
 void Subsystem::Run() {
     PrepareLoop();
+    if (!m_quit) RunFrame();
+    LogTimers();  // which takes some milliseconds: not before the user sees something
     while (!m_quit) RunFrame();
     ResourceManager::Instance().DestroyAll();
 }
 
 void Subsystem::PrepareLoop() {
     m_previousTime = m_fpsStart = util::Clock::Now();
-    const Uint32 sleep = MeasureSleep();
-    Log(logging::Trace,
-        boost::str(boost::format("sleep precision=%1%ms, timer precision: %2%ms") % sleep % MeasureTick()));
     util::Profiler::Instance().Reset();
     Log(logging::Trace, "Entering game loop");
 }

@@ -106,6 +106,7 @@ void SceneRenderer::Draw(const std::function<void()>& drawOver) {
     drawOver();
     rendering::ShapePainter::Instance().Flush();
     CaptureFade();
+    glFlush();  // a driver that draws in software begins now, while what lies over the scene is still to come
 }
 
 // ---- water ----------------------------------------------------------------------------------------------
