@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "gui/Caret.h"
 #include "input/Clipboard.h"
 #include "input/Key.h"
 #include "logging/Log.h"
@@ -280,9 +281,8 @@ void Console::DrawBackground() const {
     renderer.DrawQuad({0, 0}, GetSize());
 }
 
-// Half a second on, half a second off.
 bool Console::IsCursorShown() const {
-    return m_open && std::lround(2 * (util::Clock::Now() - m_lastKeyTime)) % 2 == 0;
+    return m_open && IsCaretLit(m_lastKeyTime);
 }
 
 // The result is the upper edge of the line.

@@ -8,6 +8,7 @@
 #include "script/Parser.h"
 #include "util/Clock.h"
 #include "util/FileSystem.h"
+#include "util/Redraw.h"
 
 namespace {
 
@@ -180,6 +181,25 @@ TEST_F(ConsoleTest, HistorySurvivesARestart) {
     next.SetFile(path);
     EXPECT_EQ(next.GetCommands(), (Texts{"first", "caf\xE9 {"}));
     util::FileSystem::Instance().Remove(path);
+}
+
+TEST_F(ConsoleTest, TheCaretBlinksForTenSecondsAndThenAsksForNoPicture) {
+    Press(F11);
+    const auto countRequests = [this](double seconds) {
+        int count = 0;
+        for (const double end = s_time + seconds; s_time < end; s_time += 0.05) {
+            m_root->Update(0.05f);
+            count += util::Redraw::Take() ? 1 : 0;
+        }
+        return count;
+    };
+    countRequests(5);
+    for (int i = 0; i < 2; ++i) {
+        Press('a', 'a');
+        EXPECT_NEAR(countRequests(9.5), 19, 1);
+        countRequests(1);
+        EXPECT_EQ(countRequests(30), 0);
+    }
 }
 
 TEST_F(ConsoleTest, CompletesInFrontOfTheCursor) {

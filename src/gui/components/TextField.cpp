@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "gui/Caret.h"
 #include "gui/Focus.h"
 #include "gui/LookAndFeel.h"
 #include "input/Key.h"
@@ -138,9 +139,8 @@ void TextField::Update(float dt) {
     m_cursorShown = IsCursorShown();
 }
 
-// Half a second on, half a second off.
 bool TextField::IsCursorShown() const {
-    return HasFocus() && std::lround(2 * (util::Clock::Now() - m_lastInput)) % 2 == 0;
+    return HasFocus() && IsCaretLit(m_lastInput);
 }
 
 void TextField::DrawCursor() const {
