@@ -165,8 +165,12 @@ void ConstraintSolver::ClearLastGroups() {
 }
 
 void ConstraintSolver::ArrangeRows() {
+    constexpr size_t AHEAD = 8;  // the order is random: memory is asked for before it is needed
     m_slots.resize(m_list.size());
-    for (const uint32_t i : m_order) {
+    for (size_t k = 0; k < m_order.size(); ++k) {
+        const uint32_t i = m_order[k], next = m_order[std::min(k + AHEAD, m_order.size() - 1)];
+        __builtin_prefetch(&m_list[next]);
+        __builtin_prefetch(&m_rows[next]);
         const Entry& entry = m_list[i];
         const RowKind kind = GetKind(entry);
         const uint32_t slot = m_slots[i] = m_cursors[m_entryLevels[i]].ends[kind]++;
