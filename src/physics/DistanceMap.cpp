@@ -69,11 +69,11 @@ bool DistanceMap::GetFourGradients(const Place& p, Vec2* gradients) const {
     const Float4 dx = LoadTwoAndTwo(low + 1, high + 1) - LoadTwoAndTwo(low - 1, high - 1);
     const Float4 dy = LoadTwoAndTwo(high, high + SIZE) - LoadTwoAndTwo(low - SIZE, low);
     const auto& m = m_gradientToLocal.m;
-    const Float4 x = Fill4(m[0][0]) * dx + Fill4(m[0][1]) * dy;
-    const Float4 y = Fill4(m[1][0]) * dx + Fill4(m[1][1]) * dy;
+    const Float4 x = Float4::Fill(m[0][0]) * dx + Float4::Fill(m[0][1]) * dy;
+    const Float4 y = Float4::Fill(m[1][0]) * dx + Float4::Fill(m[1][1]) * dy;
     const Float4 length = Sqrt(x * x + y * y);
-    if (MaskLess4(length, Fill4(LEAST)) != 0) return false;
-    const Float4 scale = Fill4(1) / length;
+    if (MaskLess4(length, Float4::Fill(LEAST)) != 0) return false;
+    const Float4 scale = Float4::Fill(1) / length;
     alignas(16) real xs[4], ys[4];
     Store(xs, x * scale);
     Store(ys, y * scale);

@@ -16,19 +16,15 @@ namespace physics {
 
 struct Float4 {
     __m128 v;
+
+    static constexpr uint32_t LANES = 4;
+    static Float4 Load(const float* p) { return {_mm_load_ps(p)}; }
+    static Float4 Fill(float x) { return {_mm_set1_ps(x)}; }
+    static Float4 Zero() { return {_mm_setzero_ps()}; }
 };
 
-inline Float4 LoadFloat4(const float* p) {
-    return {_mm_load_ps(p)};
-}
 inline void Store(float* p, Float4 a) {
     _mm_store_ps(p, a.v);
-}
-inline Float4 Zero4() {
-    return {_mm_setzero_ps()};
-}
-inline Float4 Fill4(float x) {
-    return {_mm_set1_ps(x)};
 }
 inline Float4 operator+(Float4 a, Float4 b) {
     return {_mm_add_ps(a.v, b.v)};
@@ -102,23 +98,19 @@ inline void Transpose(Float4& a, Float4& b, Float4& c, Float4& d) {
 
 struct Float4 {
     float v[4];
+
+    static constexpr uint32_t LANES = 4;
+    static Float4 Load(const float* p) { return {{p[0], p[1], p[2], p[3]}}; }
+    static Float4 Fill(float x) { return {{x, x, x, x}}; }
+    static Float4 Zero() { return {{0, 0, 0, 0}}; }
 };
 
 template <class F>
 inline Float4 PerLane(F f) {
     return {{f(0), f(1), f(2), f(3)}};
 }
-inline Float4 LoadFloat4(const float* p) {
-    return PerLane([=](int i) { return p[i]; });
-}
 inline void Store(float* p, Float4 a) {
     for (int i = 0; i < 4; ++i) p[i] = a.v[i];
-}
-inline Float4 Zero4() {
-    return {{0, 0, 0, 0}};
-}
-inline Float4 Fill4(float x) {
-    return {{x, x, x, x}};
 }
 inline Float4 operator+(Float4 a, Float4 b) {
     return PerLane([=](int i) { return a.v[i] + b.v[i]; });
@@ -161,7 +153,7 @@ inline uint32_t MaskAtMost4(Float4 a, Float4 b) {
     return mask;
 }
 inline Float4 LoadLoose4(const float* p) {
-    return LoadFloat4(p);
+    return Float4::Load(p);
 }
 inline Float4 LoadWhole4(const uint32_t* p) {
     return PerLane([=](int i) { return static_cast<float>(p[i]); });
@@ -180,5 +172,23 @@ inline void Transpose(Float4& a, Float4& b, Float4& c, Float4& d) {
 }
 
 #endif
+
+// The numbers of LANES records of four floats, which begin at these places, turned so that those of a kind
+// lie side by side; and back.
+inline void LoadRecords(const float* from, const uint32_t* places, Float4& a, Float4& b, Float4& c,
+                        Float4& d) {
+    a = Float4::Load(from + places[0]);
+    b = Float4::Load(from + places[1]);
+    c = Float4::Load(from + places[2]);
+    d = Float4::Load(from + places[3]);
+    Transpose(a, b, c, d);
+}
+inline void StoreRecords(float* to, const uint32_t* places, Float4 a, Float4 b, Float4 c, Float4 d) {
+    Transpose(a, b, c, d);
+    Store(to + places[0], a);
+    Store(to + places[1], b);
+    Store(to + places[2], c);
+    Store(to + places[3], d);
+}
 
 }  // namespace physics

@@ -19,10 +19,10 @@ namespace physics::narrow {
 struct Float8 {
     Float4 low, high;
 
-    static Float8 Load(const float* p) { return {LoadFloat4(p), LoadFloat4(p + 4)}; }
+    static Float8 Load(const float* p) { return {Float4::Load(p), Float4::Load(p + 4)}; }
     static Float8 LoadWhole(const uint32_t* p) { return {LoadWhole4(p), LoadWhole4(p + 4)}; }  // below 2^31
-    static Float8 Fill(float x) { return {Fill4(x), Fill4(x)}; }
-    static Float8 Zero() { return {Zero4(), Zero4()}; }
+    static Float8 Fill(float x) { return {Float4::Fill(x), Float4::Fill(x)}; }
+    static Float8 Zero() { return {Float4::Zero(), Float4::Zero()}; }
     static Float8 Gather(const float* from, const uint32_t* places) {
         return {Gather4(from, places), Gather4(from, places + 4)};
     }
@@ -109,6 +109,7 @@ inline constexpr ChosenLanes CHOSEN_LANES;
 struct Float8 {
     __m256 v;
 
+    static constexpr uint32_t LANES = 8;
     static Float8 Load(const float* p) { return {_mm256_loadu_ps(p)}; }
     static Float8 LoadWhole(const uint32_t* p) {
         return {_mm256_cvtepi32_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)))};
@@ -183,6 +184,38 @@ inline Float8 Sqrt(Float8 a) {
 }
 inline Float8 KeepWhereLess(Float8 value, Float8 a, Float8 b) {
     return {_mm256_and_ps(value.v, _mm256_cmp_ps(a.v, b.v, _CMP_LT_OQ))};
+}
+// Rows become columns, in both halves.
+inline void Transpose(Float8& a, Float8& b, Float8& c, Float8& d) {
+    const __m256 lowAB = _mm256_unpacklo_ps(a.v, b.v), highAB = _mm256_unpackhi_ps(a.v, b.v);
+    const __m256 lowCD = _mm256_unpacklo_ps(c.v, d.v), highCD = _mm256_unpackhi_ps(c.v, d.v);
+    a = {_mm256_shuffle_ps(lowAB, lowCD, 0x44)};
+    b = {_mm256_shuffle_ps(lowAB, lowCD, 0xEE)};
+    c = {_mm256_shuffle_ps(highAB, highCD, 0x44)};
+    d = {_mm256_shuffle_ps(highAB, highCD, 0xEE)};
+}
+inline void LoadRecords(const float* from, const uint32_t* places, Float8& a, Float8& b, Float8& c,
+                        Float8& d) {
+    const auto load = [=](uint32_t low, uint32_t high) {
+        const __m256 first = _mm256_castps128_ps256(_mm_load_ps(from + low));
+        return Float8{_mm256_insertf128_ps(first, _mm_load_ps(from + high), 1)};
+    };
+    a = load(places[0], places[4]);
+    b = load(places[1], places[5]);
+    c = load(places[2], places[6]);
+    d = load(places[3], places[7]);
+    Transpose(a, b, c, d);
+}
+inline void StoreRecords(float* to, const uint32_t* places, Float8 a, Float8 b, Float8 c, Float8 d) {
+    const auto store = [=](uint32_t low, uint32_t high, Float8 both) {
+        _mm_store_ps(to + low, _mm256_castps256_ps128(both.v));
+        _mm_store_ps(to + high, _mm256_extractf128_ps(both.v, 1));
+    };
+    Transpose(a, b, c, d);
+    store(places[0], places[4], a);
+    store(places[1], places[5], b);
+    store(places[2], places[6], c);
+    store(places[3], places[7], d);
 }
 inline uint32_t MaskLess(Float8 a, Float8 b) {
     return static_cast<uint32_t>(_mm256_movemask_ps(_mm256_cmp_ps(a.v, b.v, _CMP_LT_OQ)));

@@ -166,9 +166,9 @@ void PairSweep::SweepFrom(uint32_t k, uint32_t band) {
         const float* const crossHighs = m_crossHigh.data() + first;
         uint32_t hits = 0;  // a bit for each
         for (uint32_t b = 0; b < BLOCK; b += 4) {
-            const uint32_t overlap = MaskAtMost4(LoadLoose4(lows + b), Fill4(high)) &
-                                     MaskAtMost4(LoadLoose4(crossLows + b), Fill4(crossHigh)) &
-                                     MaskAtMost4(Fill4(crossLow), LoadLoose4(crossHighs + b));
+            const uint32_t overlap = MaskAtMost4(LoadLoose4(lows + b), Float4::Fill(high)) &
+                                     MaskAtMost4(LoadLoose4(crossLows + b), Float4::Fill(crossHigh)) &
+                                     MaskAtMost4(Float4::Fill(crossLow), LoadLoose4(crossHighs + b));
             hits |= overlap << b;
         }
         for (; hits != 0; hits &= hits - 1) {
