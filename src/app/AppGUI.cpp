@@ -412,12 +412,12 @@ void AppGUI::ContinueAutosave() {
 
 AppGUI::AutosavedState AppGUI::GetAutosaveState() const {
     return {true, Undoer::Instance().GetChangeCount(), physics::Simulation::Instance().HashState(),
-            m_scene.GetTrackedEntity()};
+            m_scene.GetTrackedEntity(), m_scene.GetSettings().ToCode()};
 }
 
 bool AppGUI::AutosavedState::operator==(const AutosavedState& other) const {
     return m_isKnown == other.m_isKnown && m_changes == other.m_changes && m_hash == other.m_hash &&
-           m_tracked == other.m_tracked;
+           m_tracked == other.m_tracked && m_settings == other.m_settings;
 }
 
 // ---- each frame

@@ -133,6 +133,7 @@ class AppGUI : public gui::Component {
         uint64_t m_changes = 0;  // of the history
         uint64_t m_hash = 0;     // of the physics
         EntityPtr m_tracked;
+        String m_settings;  // of the scene, as source text
 
         bool operator==(const AutosavedState& other) const;
     };

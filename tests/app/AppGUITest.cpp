@@ -331,6 +331,13 @@ TEST_F(AppGUISaveTest, AutosavesOnlyWhatHasChanged) {
     BodyOf(Entities().front())->m_vel = {1, 0};
     physics::Simulation::Instance().Step(true);
     EXPECT_TRUE(wasWritten()) << "the world ran";
+    const auto gravity = physics::Simulation::Instance().m_gravity;
+    Scene().GetSettings().Adopt();
+    wasWritten();
+    gravity->Set({0, -1});
+    EXPECT_TRUE(wasWritten()) << "the scene's gravity";
+    Scene().GetSettings().Set({});
+    wasWritten();
     fs::remove(path);
     s_now += 1000;
     GUI().Update(0.01f);

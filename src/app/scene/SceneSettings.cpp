@@ -75,6 +75,12 @@ SceneSettings::Values SceneSettings::Get() const {
     return values;
 }
 
+String SceneSettings::ToCode() const {
+    String code;
+    for (const auto& [name, value] : Get()) code += name + " = " + CodeOf(value) + ";";
+    return code;
+}
+
 void SceneSettings::Switch(const Bundle& bundle) {
     if (bundle == m_bundle) return;
     for (auto& [name, value] : *m_bundle) value = Find(name)->GetValue();

@@ -32,6 +32,7 @@ class SceneSettings {
     void Set(const Values& values);
     // What the open one brings, as far as it differs from the user's own.
     Values Get() const;
+    String ToCode() const;  // of these; another text whenever one of them is changed
 
     // Whether the open scene has any, be they the same as the user's.
     bool IsEmpty() const { return m_bundle->empty(); }
