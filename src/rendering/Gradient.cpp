@@ -1,41 +1,23 @@
 #include "rendering/Gradient.h"
 
 #include <algorithm>
-#include <cmath>
 
-#include "rendering/Gl.h"
 #include "rendering/Renderer.h"
-#include "rendering/TextureManager.h"
 
 namespace rendering {
 
 namespace {
 
-unsigned char ToByte(float part) {
-    return static_cast<unsigned char>(std::lround(std::min(std::max(0.0f, part), 1.0f) * 255));
-}
-
-RGBA32 ToTexel(const math::Vec4& color) {
-    return {ToByte(color.x), ToByte(color.y), ToByte(color.z), ToByte(color.w)};
+math::Vec4 Clamp(const math::Vec4& c) {
+    const auto clamp = [](float part) { return std::min(std::max(0.0f, part), 1.0f); };
+    return {clamp(c.x), clamp(c.y), clamp(c.z), clamp(c.w)};
 }
 
 }  // namespace
 
-Gradient::Gradient(const math::Vec4& start, const math::Vec4& end)
-    : m_start(start), m_end(end), m_texture(TextureManager::Make([this] { return MakeTexture(); })) {}
-
 void Gradient::SetColors(const math::Vec4& start, const math::Vec4& end) {
-    if (start == m_start && end == m_end) return;
-    m_start = start;
-    m_end = end;
-    m_texture->Unload();
-}
-
-Texture* Gradient::MakeTexture() const {
-    const ImageRGBA32Ptr image = new ImageRGBA32(2, 1);
-    (*image)(0, 0) = ToTexel(m_start);
-    (*image)(1, 0) = ToTexel(m_end);
-    return TextureFromImage(image, Texture::ImageType::Frame());
+    m_start = Clamp(start);
+    m_end = Clamp(end);
 }
 
 void Gradient::DrawAcross(math::Vec2 min, math::Vec2 max) const {
@@ -48,14 +30,12 @@ void Gradient::DrawDown(math::Vec2 min, math::Vec2 max) const {
     Draw(corners);
 }
 
-// Between the middles of the two texels.
+// The second and the third corner are those of the end.
 void Gradient::Draw(const math::Vec2* corners) const {
-    constexpr float START = 0.25f, END = 0.75f, MIDDLE = 0.5f;
-    static constexpr math::Vec2 TEX_COORDS[4] = {
-        {START, MIDDLE}, {END, MIDDLE}, {END, MIDDLE}, {START, MIDDLE}};
-    const ScopedCapability textured(GL_TEXTURE_2D, true);
-    const ScopedTexture bound(m_texture->Get());
-    Renderer::Instance().DrawPolygon(corners, TEX_COORDS, 4);
+    Renderer& renderer = Renderer::Instance();
+    const math::Vec4 start = m_start * renderer.GetColor(), end = m_end * renderer.GetColor();
+    const math::Vec4 colors[4] = {start, end, end, start};
+    renderer.DrawColored(corners, colors, 4);
 }
 
 }  // namespace rendering

@@ -1,18 +1,14 @@
 #pragma once
 
 #include "math/Vector.h"
-#include "rendering/Texture.h"
 
 namespace rendering {
 
-// Rectangles whose colour goes over from one edge to the opposite one, times the present colour. The colours
-// are texels, so that no vertex has one of its own: a driver that draws in software compiles a program for
-// each set of values that differ from vertex to vertex, and everything else has texture coordinates.
+// Rectangles whose colour goes over from one edge to the opposite one, times the present colour. Vertices
+// carry the colours: a texture of two texels would do as well, but in software it costs eight times as much.
 class Gradient {
   public:
-    explicit Gradient(const math::Vec4& start = {}, const math::Vec4& end = {});
-    Gradient(const Gradient&) = delete;
-    Gradient& operator=(const Gradient&) = delete;
+    explicit Gradient(const math::Vec4& start = {}, const math::Vec4& end = {}) { SetColors(start, end); }
 
     void SetColors(const math::Vec4& start, const math::Vec4& end);
 
@@ -21,11 +17,9 @@ class Gradient {
     void DrawDown(math::Vec2 min, math::Vec2 max) const;
 
   private:
-    Texture* MakeTexture() const;
     void Draw(const math::Vec2* corners) const;
 
-    math::Vec4 m_start, m_end;
-    TextureMentorPtr m_texture;
+    math::Vec4 m_start, m_end;  // clamped to 0 to 1
 };
 
 }  // namespace rendering
