@@ -1,6 +1,7 @@
 // The interface: what a frame costs with the toolbar, the control window, the menu on a shape and a page of
-// the console, whose excess over the same frame without them is their price; and how long the menu takes to
-// open on many selected shapes.
+// the console, whose excess over the same frame without them is their price, as they are and with another
+// line in the console each frame, which no picture can be kept of; and how long the menu takes to open on
+// many selected shapes.
 
 #include <SDL.h>
 
@@ -61,14 +62,20 @@ static void ClosePopup() {
     GetApp().GetAppGUI()->OnKeyEvent(escape);
 }
 
+// No two are alike, or a page would look the same one line on.
+static void AddConsoleLine() {
+    static int s_count = 0;
+    const String number = std::to_string(s_count++);
+    gui::GUI::Instance().GetConsole()->AddLine(
+        "Sim.gravity = [0.0, -9.82]; the quick brown fox jumps over the lazy dog " + number, false);
+}
+
 static void OpenConsolePage() {
     constexpr int LINES = 40;
     gui::Console& console = *gui::GUI::Instance().GetConsole();
     script::Parser::Instance().Execute("GUI.Console.delay = 0; GUI.Console.screenSize = 0.87");
     console.Clear();
-    for (int i = 0; i < LINES; ++i) {
-        console.AddLine("Sim.gravity = [0.0, -9.82]; the quick brown fox jumps over the lazy dog", false);
-    }
+    for (int i = 0; i < LINES; ++i) AddConsoleLine();
     if (!console.IsOpen()) console.Toggle();
 }
 
@@ -84,16 +91,20 @@ static void DrawFrame() {
     SDL_GL_SwapBuffers();
 }
 
-static void BenchFrame(benchmark::State& state, const String& windows, bool popup, bool console) {
+static void BenchFrame(benchmark::State& state, const String& windows, bool popup, bool console,
+                       bool scrolls) {
     if (!NeedWindow(state)) return;
     const ScopedFolder folder;
     rendering::Context::SetUseShaders(true);
     BuildInterface(windows, popup ? 1 : 0);
     if (popup) OpenPopup();
     if (console) OpenConsolePage();
-    for (int i = 0; i < 3; ++i) DrawFrame();  // what is made at first use
+    for (int i = 0; i < 5; ++i) DrawFrame();  // what is made at first use, the pictures of windows among it
     glFinish();
-    for (auto _ : state) DrawFrame();
+    for (auto _ : state) {
+        if (scrolls) AddConsoleLine();
+        DrawFrame();
+    }
     CloseConsole();
     ClosePopup();
 }
@@ -114,8 +125,10 @@ static void BenchPopup(benchmark::State& state, int shapes) {
 
 static const bool s_isRegistered = [] {
     const String closed = "Tools closed - - Control closed - -", open = "Tools open - - Control open - -";
-    const auto addFrame = [](const String& name, const String& windows, bool popup, bool console) {
-        benchmark::RegisterBenchmark(("interface/frame/" + name).c_str(), BenchFrame, windows, popup, console)
+    const auto addFrame = [](const String& name, const String& windows, bool popup, bool console,
+                             bool scrolls = false) {
+        benchmark::RegisterBenchmark(("interface/frame/" + name).c_str(), BenchFrame, windows, popup, console,
+                                     scrolls)
             ->Unit(benchmark::kMillisecond)
             ->Iterations(FRAMES)
             ->MeasureProcessCPUTime();  // the driver's threads count as well
@@ -124,6 +137,7 @@ static const bool s_isRegistered = [] {
     addFrame("windows", open, false, false);
     addFrame("windows popup", open, true, false);
     addFrame("windows popup console", open, true, true);
+    addFrame("windows popup scrolling console", open, true, true, true);
     for (const int shapes : {1, 200}) {
         benchmark::RegisterBenchmark(("interface/popup/" + std::to_string(shapes)).c_str(), BenchPopup,
                                      shapes)
