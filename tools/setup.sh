@@ -6,7 +6,7 @@
 set -euo pipefail
 
 RUN_PACKAGES=(g++ cmake ninja-build ccache pkg-config libsdl1.2-compat-dev libsdl-image1.2-dev libpng-dev libglew-dev
-    libgl-dev libx11-dev libglu1-mesa-dev libgl1-mesa-dri libboost-dev libboost-filesystem-dev libgtest-dev
+    libgl-dev libglu1-mesa-dev libgl1-mesa-dri libboost-dev libboost-filesystem-dev libgtest-dev
     xvfb xauth xdotool imagemagick)
 TEST_PACKAGES=(libbenchmark-dev libbox2d-dev libchipmunk-dev clang-format clang-tidy python3 python3-pil librsvg2-bin
     fonts-dejavu-core fonts-open-sans desktop-file-utils appstream libxml2-utils man-db)
