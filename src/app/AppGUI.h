@@ -122,6 +122,7 @@ class AppGUI : public gui::Component {
     bool ClosePopup();  // whether there was one
     void BreakOff();
     void OpenSaveDialog();
+    void Tell(const String& text);
     void OpenSceneDialog(bool import);
     void ChooseLanguage();
     void EraseWater();

@@ -8,6 +8,7 @@
 #include "app/history/Snapshot.h"
 #include "app/history/Undoer.h"
 #include "app/scene/AppGUISettings.h"
+#include "app/widgets/Hint.h"
 #include "app/windows/ControlWindow.h"
 #include "app/windows/Dialogs.h"
 #include "app/windows/EntityPopup.h"
@@ -22,6 +23,7 @@
 #include "input/WindowHost.h"
 #include "physics/Simulation.h"
 #include "script/Conversions.h"
+#include "util/Encoding.h"
 
 // The commands of the interface and its windows.
 namespace app {
@@ -187,7 +189,17 @@ void AppGUI::OpenDialog(const gui::WindowPtr& dialog) {
 
 void AppGUI::OpenSaveDialog() {
     const String name = m_scene.GetName().empty() ? FindFreeName() : m_scene.GetName();
-    OpenDialog(new SaveDialog(m_scene, name, [this](const String& chosen) { SaveSceneNamed(chosen); }));
+    const auto save = [this](const String& chosen) {
+        if (!SaveSceneNamed(chosen)) return Tell(Translate("SaveFailed"));
+        const String file = chosen.substr(chosen.find_last_of("/\\") + 1);
+        Tell(Translate("SavedAs") + " " + util::Latin1FromUtf8(StripSceneEnding(file)));
+    };
+    OpenDialog(new SaveDialog(m_scene, name, save));
+}
+
+// What a dialog that has closed came to, in the middle of the picture.
+void AppGUI::Tell(const String& text) {
+    m_hint->Show(text, m_view.GetMiddle());
 }
 
 void AppGUI::OpenSceneDialog(bool import) {
@@ -197,7 +209,7 @@ void AppGUI::OpenSceneDialog(bool import) {
 
 void AppGUI::LoadScene(const String& file, bool import) {
     CancelTool();
-    SceneLoader::Load(m_scene, m_view, file, import);
+    if (!SceneLoader::Load(m_scene, m_view, file, import)) Tell(Translate("LoadFailed"));
 }
 
 void AppGUI::ChooseLanguage() {

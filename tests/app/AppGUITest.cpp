@@ -6,12 +6,14 @@
 
 #include "AppGUIFixture.h"
 #include "app/App.h"
+#include "app/Language.h"
 #include "app/entities/GeomEntity.h"
 #include "app/files/SceneFiles.h"
 #include "app/tools/BrushTool.h"
 #include "app/tools/MoveTool.h"
 #include "app/tools/PanTool.h"
 #include "app/tools/RotateTool.h"
+#include "app/widgets/Hint.h"
 #include "gui/components/TextField.h"
 #include "input/Key.h"
 #include "physics/Simulation.h"
@@ -285,6 +287,24 @@ TEST_F(AppGUISaveTest, FailureToSaveIsTold) {
     EXPECT_FALSE(GUI().SaveSceneAs("x", false));
     EXPECT_EQ(log.Count("Error: "), 2);
     EXPECT_EQ(Scene().GetName(), "");
+}
+
+TEST_F(AppGUISaveTest, WhatBecameOfADialogIsTold) {
+    AddCircle({0, 0});
+    const auto save = [](const String& name) {
+        Key('s', true);
+        const auto field = util::DynamicCast<gui::TextField>(FindWidget("EnterName"));
+        field->SetText(name);
+        field->GetOnEnter().CallAll();
+        return GUI().GetHint().GetText();
+    };
+    const Language& language = Language::Instance();
+    EXPECT_EQ(save("my car"), language.Get("SavedAs") + " my car");
+    EXPECT_TRUE(Exists("Scenes/my car.vxa"));
+    test::LogCapture log;
+    EXPECT_EQ(save(String(300, 'x')), language.Get("SaveFailed"));
+    GUI().LoadScene("nothing.vxa", false);
+    EXPECT_EQ(GUI().GetHint().GetText(), language.Get("LoadFailed"));
 }
 
 TEST_F(AppGUISaveTest, AutosavesInTime) {

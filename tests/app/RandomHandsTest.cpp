@@ -140,8 +140,10 @@ void RandomHands::TapWithTool() {
     Click(Place(), Key::LeftMouse);
 }
 
+// But for the way to the options: their settings are those of all other tests too.
 void CollectControls(const gui::ComponentPtr& parent, std::vector<gui::ComponentPtr>& found) {
     for (const gui::ComponentPtr& child : parent->GetChildren()) {
+        if (child->GetKey() == "WindowsMenu") continue;
         if (util::DynamicCast<gui::AbstractButton>(child) || util::DynamicCast<gui::Slider>(child)) {
             found.push_back(child);
         }
