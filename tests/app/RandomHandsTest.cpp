@@ -9,6 +9,7 @@
 #include "app/files/Serializer.h"
 #include "app/history/Undoer.h"
 #include "app/scene/AppGUISettings.h"
+#include "app/windows/SettingsWindow.h"
 #include "gui/components/Button.h"
 #include "gui/components/Slider.h"
 #include "input/Key.h"
@@ -30,6 +31,9 @@ using math::Vec2;
 class RandomHands : public test::AppGUIFixture {
   protected:
     void SetUp() override {
+        for (const Setting& setting : FindSettings()) {
+            m_settings.emplace_back(setting.m_attrib, setting.m_attrib->GetValue());
+        }
         const auto note = [this] { m_fewest = std::min(m_fewest, UndoCount()); };
         Undoer::Instance().GetOnChange().Add(new util::Callback(note, m_listener));
         App().m_maxUndo->Set(1000);
@@ -42,6 +46,9 @@ class RandomHands : public test::AppGUIFixture {
         physics::Simulation::Instance().m_running->Set(false);
         App().m_maxUndo->Set(App().m_maxUndo->GetDefault());
         SelectTool("brush");
+        for (const auto& [attrib, value] : m_settings) {
+            if (attrib->GetValue()->ToCode() != value->ToCode()) attrib->SetValue(value);
+        }
     }
 
     static void SelectTool(const String& name) { App().GetGUISettings().m_tool->Set(name); }
@@ -58,6 +65,8 @@ class RandomHands : public test::AppGUIFixture {
     size_t m_fewest = 0;             // steps during the last act
 
   private:
+    // As they were: hands get at them too, in the options for instance.
+    std::vector<std::pair<script::AbstractAttribPtr, script::ObjectPtr>> m_settings;
     const util::SharedPtr<util::Pointee> m_listener = new util::Pointee;
     float In(float min, float max) { return m_random.GetUniform(min, max); }
     int Below(int n) { return m_random.GetUniformInt(0, n); }
