@@ -62,6 +62,14 @@ void NeighborGrid::MakeTable() {
     m_table.resize(static_cast<size_t>(columns * rows + 1), static_cast<uint32_t>(GetSize()));
 }
 
+// Cells are cut towards zero, so a cell ends where the next number begins, away from zero.
+math::BoundingBox2f NeighborGrid::GetBounds() const {
+    const auto place = [this](int64_t cell) { return static_cast<math::real>(cell) / m_cellsPerMetre; };
+    const Window& window = m_tableWindow;
+    return {{place(window.left - 1), place(window.bottom - 1)},
+            {place(window.right + 1), place(window.top + 1)}};
+}
+
 uint32_t NeighborGrid::GetFullestCell() const {
     uint32_t most = 0;
     for (const Cell& cell : m_cells) most = std::max(most, cell.end - cell.begin);

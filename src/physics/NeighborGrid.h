@@ -61,6 +61,9 @@ class NeighborGrid {
     // The points in that order. PADDING more may be read behind them.
     const math::Vec2* GetSortedPoints() const { return m_points.data(); }
 
+    // Holds all points, and at most a cell more on each side.
+    math::BoundingBox2f GetBounds() const;
+
     // How full the cells are that hold any points.
     size_t GetCellCount() const { return m_cells.size(); }
     uint32_t GetFullestCell() const;  // points in it

@@ -19,10 +19,16 @@
 // pushes. In water at rest drops lie sqrt(pi) radius apart, so each has its mass in its share of the area,
 // and what floats displaces its own mass. G acts on d, not on d / r, so no division meets a zero.
 //
-// A body that is near, at the distance s from its surface with the normal n, counts as water at rest behind a
-// straight line: the share of the kernel beyond the line, with u = 1 - s / h,
-//   F = u^5 (1.5 - u), with the slope F' = -1.5 / h u^4 (5 - 4 u), continued to 1 - F inside,
-// adds density F to rho_i (of the share BODY_SHARE), and pressure pushes along -density F' n.
+// A body stands for water at rest behind its surface. With s the distance from there, n the normal, and
+// u = 1 - s / (BODY_REACH h),
+//   F = BODY_DENSITY u^3, continued to 2 BODY_DENSITY - F inside,
+// adds density F to rho_i, and pressure pushes along -PRESS_BACK density F' n. It reaches less far than a
+// drop and is steeper than the share of the kernel behind a straight line: so the drops at a wall keep half a
+// spacing from it, under the pressure of those beside them. PRESS_BACK stands for the pressure of the water
+// that is not there, which would be equal and make it 2. But only with 1 are the forces those of an energy,
+// and the farther from that the more a pool simmers; with 1 a few drops under a body bear up less than water
+// does, and what is lighter than water lies on the floor. The three numbers were chosen by what floats, rises
+// and comes to rest.
 
 #include "physics/SPH.h"
 
@@ -42,6 +48,10 @@ using math::real;
 using math::Vec2;
 using script::DeclareAttrib;
 using script::Range;
+
+constexpr real BODY_REACH = 0.65f;    // kernel radii
+constexpr real BODY_DENSITY = 0.55f;  // of that at rest: what a body adds at its surface
+constexpr real PRESS_BACK = 1.45f;
 
 SPH::SPH()
     : Reflected("SPH"),
@@ -103,6 +113,7 @@ SPH::Kernel SPH::MakeKernel() const {
     kernel.gradientNorm = 140 / (math::PI * (h2 * h2));
     kernel.viscousNorm = 40 / (math::PI * (h2 * h2));
     kernel.spacing = std::sqrt(math::PI) * m_radius->Get();
+    kernel.bodyReach = BODY_REACH * h;
     kernel.restDensity = m_density->Get();
     kernel.particleMass = m_density->Get() * (m_radius->Get() * m_radius->Get() * math::PI);
     return kernel;
@@ -196,7 +207,7 @@ void SPH::PartCoincident(real gradientNorm, real closest) {
 
 void SPH::FindTouches(const BodyList& bodies, const Kernel& kernel, Vec2 gravity) {
     PROFILE_SECTION("Finding touches");
-    m_found.Find(m_grid, bodies, {kernel.h, kernel.spacing, math::Normalized(gravity)});
+    m_found.Find(m_grid, bodies, {kernel.bodyReach, kernel.spacing, math::Normalized(gravity)});
     m_touches.clear();
     m_liesOnShape.clear();
     m_liesOnShape.resize(m_sorted.size(), 0);
@@ -205,24 +216,18 @@ void SPH::FindTouches(const BodyList& bodies, const Kernel& kernel, Vec2 gravity
     }
 }
 
-// A body as dense as water would keep drops a little farther away than they keep from each other, and
-// displace too much; this share of the density was measured by what floats.
-constexpr real BODY_SHARE = 0.95f;
-
 void SPH::AddTouch(const Kernel& kernel, const BodyList& bodies, const WaterTouches::Found& found) {
     constexpr real LYING = 0.75f;  // spacings
     const uint32_t drop = found.drop;
     const real distance = found.probe.distance;
     if (distance < LYING * kernel.spacing) m_liesOnShape[drop] = 1;
-    const real u = 1 - std::min(std::fabs(distance) / kernel.h, 1.0f);
-    const real u4 = u * u * u * u;
-    const real outside = u4 * u * (1.5f - u);
-    const real slope = 1.5f * u4 * (5 - 4 * u) / kernel.h;
-    const real density = BODY_SHARE * kernel.restDensity;
-    m_drops.densities[drop] += density * (distance < 0 ? 1 - outside : outside);
-    const Vec2 gradient = found.probe.normal * (density * slope);
+    const real u = std::max(1 - std::fabs(distance) / kernel.bodyReach, 0.0f);
+    const real outside = BODY_DENSITY * u * u * u;
+    const real slope = 3 * BODY_DENSITY * u * u / kernel.bodyReach;
+    m_drops.densities[drop] += kernel.restDensity * (distance < 0 ? 2 * BODY_DENSITY - outside : outside);
+    const Vec2 gradient = found.probe.normal * (kernel.restDensity * slope);
     const Vec2 arm = m_grid.GetSortedPoints()[drop] - bodies[found.body]->m_pos;
-    m_touches.push_back({drop, found.body, gradient, gradient, arm});
+    m_touches.push_back({drop, found.body, gradient, gradient * PRESS_BACK, arm});
 }
 
 // ---- forces --------------------------------------------------------------------------------------------
@@ -233,7 +238,7 @@ void SPH::InvertDensities() {
     for (size_t i = 0; i < count; ++i) m_perDensity[i] = 1 / m_drops.densities[i];
 }
 
-constexpr real CALMING = 1;         // 1/s, by which the slowest drops lose speed
+constexpr real CALMING = 3;         // 1/s, by which the slowest drops lose speed
 constexpr real CALM_SPEED = 0.06f;  // m/s, up to which they do
 
 // Viscosity and surface tension, which pressure then takes into account like gravity.
@@ -279,7 +284,8 @@ real SPH::GetViscosity(const Kernel& kernel, real dt) const {
 // By the pressures of the last step, which the drops still have.
 void SPH::ApplyFilm(const BodyList& bodies, const Kernel& kernel, Vec2 gravity) {
     PROFILE_SECTION("Film");
-    m_film.Apply(bodies, {m_grid, m_drops, m_liesOnShape}, {gravity, kernel.restDensity, kernel.spacing});
+    m_film.Apply(bodies, {m_grid, m_drops, m_liesOnShape, m_found},
+                 {gravity, kernel.restDensity, kernel.spacing});
 }
 
 void SPH::SolvePressure(const BodyList& bodies, const Kernel& kernel, real dt) {
@@ -321,7 +327,7 @@ void SPH::ApplyFormula() {
         }
     }
     for (WaterPressure::Touch& touch : m_touches) {
-        touch.push = touch.gradient * (m_perDensity[touch.drop] * m_perDensity[touch.drop]);
+        touch.push *= m_perDensity[touch.drop] * m_perDensity[touch.drop];
     }
 }
 

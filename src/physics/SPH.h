@@ -80,6 +80,7 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
         math::real viscousNorm;   // 40 / (pi h^4)
         math::real particleMass;  // kg
         math::real spacing;       // m, of drops at rest
+        math::real bodyReach;     // m, up to which drops feel a body
         math::real restDensity;   // kg/m^2
     };
     Kernel MakeKernel() const;

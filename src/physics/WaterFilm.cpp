@@ -9,7 +9,6 @@
 #include "physics/LooseBox.h"
 #include "physics/Polygon.h"
 #include "physics/SolverBody.h"
-#include "physics/WaterSums.h"
 
 namespace physics {
 
@@ -18,11 +17,22 @@ using math::Vec2;
 
 namespace {
 
-constexpr real WIDEST_GAP = 1.1f;    // spacings
 constexpr real NEAR = 1.2f;          // spacings from a drop, within which a piece is at its water
-constexpr real FAR = 2.5f;           // spacings, from which the head is taken
+constexpr real FAR = 2.5f;           // spacings, from which the head is taken at most
 constexpr real DEEPEST = 0.5f;       // gaps inside another shape: what overlaps further is no gap
 constexpr size_t MOST_PIECES = 200;  // of a shape
+constexpr real LYING_SHARE = 0.77f;  // of a lying drop's pressure: that of the water round it
+
+struct HeadSum {
+    real sum = 0;
+    real count = 0;
+
+    void Add(real head) {
+        sum += head;
+        count += 1;
+    }
+    real GetMean() const { return sum / count; }
+};
 
 math::BoundingBox2f GetLooseBox(const Geom& geom) {
     if (geom.GetKind() == Geom::Kind::POLYGON)
@@ -45,28 +55,11 @@ real GetGap(const Geom& geom, Vec2 point) {
     return static_cast<const Polygon&>(geom).GetFieldDistance(point);
 }
 
-// Calls visit(drop) for the drops closer than this.
-template <class Visit>
-void VisitDrops(const WaterFilm::Water& water, Vec2 pos, real distance, Visit visit) {
-    constexpr uint32_t BLOCK = 256;
-    math::BoundingBox2f box(pos, pos);
-    box.Grow(distance);
-    water.grid.VisitBox(box, [&](uint32_t begin, uint32_t end) {
-        uint32_t drops[BLOCK + NeighborGrid::PADDING];
-        for (; begin < end; begin += std::min(BLOCK, end - begin)) {
-            const NeighborGrid::Stretch stretch = {begin, begin + std::min(BLOCK, end - begin)};
-            const uint32_t count = GetWaterSums().keepNear(water.grid.GetSortedPoints(), stretch, pos,
-                                                           distance * distance, drops);
-            for (uint32_t k = 0; k < count; ++k) visit(drops[k]);
-        }
-    });
-}
-
 }  // namespace
 
 void WaterFilm::Apply(const BodyList& bodies, const Water& water, const Settings& settings) {
     m_settings = settings;
-    m_reach = WIDEST_GAP * settings.spacing;
+    m_reach = WIDE_GAP * settings.spacing;
     GatherShapes(bodies, water);
     SealPairs();
     if (m_pieces.empty()) return;
@@ -82,16 +75,16 @@ void WaterFilm::GatherShapes(const BodyList& bodies, const Water& water) {
     m_planes.clear();
     m_pieces.clear();
     m_sweep.Clear();
-    math::BoundingBox2f box;
-    for (size_t i = 0; i < water.grid.GetSize(); ++i) box.Extend(water.grid.GetSortedPoints()[i]);
+    math::BoundingBox2f box = water.grid.GetBounds();
     box.Grow(m_reach);
-    for (const BodyPtr& body : bodies) {
-        for (const BodyPart& part : body.Get()->GetParts()) AddShape(*body.Get(), *part.geom.Get(), box);
+    for (uint32_t b = 0; b < bodies.size(); ++b) {
+        for (const BodyPart& part : bodies[b]->GetParts())
+            AddShape(*bodies[b].Get(), b, *part.geom.Get(), box);
     }
 }
 
-void WaterFilm::AddShape(AbstractBody& body, Geom& geom, const math::BoundingBox2f& box) {
-    const Shape shape{&body, &geom, GetCollisionFlags(body, geom), !body.IsImmovable(), 0, 0};
+void WaterFilm::AddShape(AbstractBody& body, uint32_t place, Geom& geom, const math::BoundingBox2f& box) {
+    const Shape shape{&body, place, &geom, GetCollisionFlags(body, geom), !body.IsImmovable(), 0, 0};
     if (!geom.m_collideWater || geom.GetKind() == Geom::Kind::OTHER) return;
     if (geom.GetKind() == Geom::Kind::PLANE) {
         m_planes.push_back(shape);
@@ -149,23 +142,46 @@ void WaterFilm::CutOutline(uint32_t index) {
     shape.end = static_cast<uint32_t>(m_pieces.size());
 }
 
+// Edges that go on nearly straight are cut as one.
 void WaterFilm::CutPolygon(const Polygon& polygon, uint32_t index) {
     const math::Vec2List& vertices = polygon.GetWorldVertices();
-    const size_t most = std::max<size_t>(MOST_PIECES / vertices.size(), 1);
-    for (size_t i = 0; i < vertices.size(); ++i) {
-        const Vec2 a = vertices[i];
-        const Vec2 edge = vertices[i + 1 < vertices.size() ? i + 1 : 0] - a;
-        const real length = math::Length(edge);
-        if (!(length > 0)) continue;
-        const real wanted = std::min(std::ceil(length / m_settings.spacing), static_cast<real>(most));
-        const Vec2 normal(edge.y / length, -edge.x / length);
-        for (real k = 0; k < wanted; ++k)
-            AddPiece(a + edge * ((k + 0.5f) / wanted), normal, length / wanted, index);
+    const size_t count = vertices.size();
+    for (size_t i = 0; i < count;) {
+        const Vec2 begin = vertices[i];
+        const Vec2 first = vertices[i + 1 < count ? i + 1 : 0] - begin;
+        Vec2 end = begin + first;
+        for (++i; i < count; ++i) {
+            const Vec2 next = vertices[i + 1 < count ? i + 1 : 0];
+            if (!GoesOn(begin, first, end, next)) break;
+            end = next;
+        }
+        CutEdge(begin, end, index);
     }
 }
 
+// Whether the way from `begin` to `end`, which starts along `first`, leads on to `next` without a corner.
+bool WaterFilm::GoesOn(Vec2 begin, Vec2 first, Vec2 end, Vec2 next) const {
+    constexpr real STRAIGHT = 0.1f;  // spacings that it may turn aside
+    const real aside = math::Cross(first, next - begin), along = math::Dot(first, next - end);
+    const real limit = STRAIGHT * m_settings.spacing;
+    return along > std::fabs(math::Cross(first, next - end)) &&
+           aside * aside < limit * limit * math::LengthSquared(first);
+}
+
+void WaterFilm::CutEdge(Vec2 begin, Vec2 end, uint32_t index) {
+    const Vec2 edge = end - begin;
+    const real length = math::Length(edge);
+    if (!(length > 0)) return;
+    const size_t used = m_pieces.size() - m_shapes[index].begin;
+    const real most = static_cast<real>(used < MOST_PIECES ? MOST_PIECES - used : 1);
+    const real wanted = std::min(std::max(std::round(length / m_settings.spacing), 1.0f), most);
+    const Vec2 normal(edge.y / length, -edge.x / length);
+    for (real k = 0; k < wanted; ++k)
+        AddPiece(begin + edge * ((k + 0.5f) / wanted), normal, length / wanted, index);
+}
+
 void WaterFilm::AddPiece(Vec2 pos, Vec2 normal, real length, uint32_t shape) {
-    m_pieces.push_back({pos, normal, length, shape, NONE, false, false, 0});
+    m_pieces.push_back({pos, normal, length, shape, NONE, 0, false, false, 0});
 }
 
 void WaterFilm::Seal(const Shape& shape, const Shape& other) {
@@ -178,6 +194,7 @@ void WaterFilm::Seal(const Shape& shape, const Shape& other) {
         // What stands beside the shape does not seal it: there must be something before the piece.
         if (!(GetGap(*other.geom, piece.pos + piece.normal * m_reach) < gap)) continue;
         piece.isSealed = true;
+        piece.share = std::max(piece.share, 1 - GetDropShare(gap, m_settings.spacing));
         if (other.begin != other.end) piece.partner = FindPartner(piece, other);
     }
 }
@@ -210,49 +227,67 @@ real WaterFilm::GetHead(Vec2 pos, real pressure) const {
     return pressure - m_settings.density * math::Dot(m_settings.gravity, pos);
 }
 
-// Pieces beside the water, and those at an end of a gap that lies in the air or in a puddle.
+// Open pieces next to sealed ones. What drops there are within a gap stand still, and tell nothing.
 void WaterFilm::FindEnds(const Water& water) {
     m_queue.clear();
     for (uint32_t i = 0; i < m_pieces.size(); ++i) {
-        Piece& piece = m_pieces[i];
-        const bool isOpen = !piece.isSealed;
-        if (isOpen && !m_pieces[GetNext(i)].isSealed && !m_pieces[GetLast(i)].isSealed) continue;
-        LookAround(piece, water);
-        if (isOpen && !piece.isReached) {
-            piece.isReached = true;
-            piece.head = GetHead(piece.pos, 0);
-        }
-        if (piece.isReached) m_queue.push_back(i);
+        if (m_pieces[i].isSealed || !(m_pieces[GetNext(i)].isSealed || m_pieces[GetLast(i)].isSealed))
+            continue;
+        const real head = GetHeadBeside(m_pieces[i], water);
+        if (IsDry(m_pieces[i], head) && FillPocket(i)) continue;
+        m_pieces[i].isReached = true;
+        m_pieces[i].head = head;
+        m_queue.push_back(i);
     }
 }
 
-void WaterFilm::LookAround(Piece& piece, const Water& water) {
-    const real near = NEAR * m_settings.spacing;
-    m_heads.clear();
+// Whether there is less pressure than that of one layer of drops.
+bool WaterFilm::IsDry(const Piece& piece, real head) const {
+    const real layer = m_settings.density * m_settings.spacing * math::Length(m_settings.gravity);
+    return head - GetHead(piece.pos, 0) < layer;
+}
+
+// A short open way between sealed pieces is a pocket that the water has yet to find its way into. It counts
+// as part of the gap: under water nothing stays dry. What does so lies above the head, and feels no pressure.
+bool WaterFilm::FillPocket(uint32_t first) {
+    constexpr real SHORT = 4;  // spacings
+    const bool isForward = m_pieces[GetLast(first)].isSealed;
+    const auto step = [&](uint32_t i) { return isForward ? GetNext(i) : GetLast(i); };
+    real length = 0;
+    uint32_t end = first;
+    for (; !m_pieces[end].isSealed; end = step(end)) {
+        length += m_pieces[end].length;
+        if (length > SHORT * m_settings.spacing || m_pieces[end].isReached) return false;
+    }
+    for (uint32_t i = first; i != end; i = step(i)) {
+        m_pieces[i].isSealed = true;
+        m_pieces[i].share = 1;
+    }
+    return true;
+}
+
+// That of the drops near the piece's body, or of the air where none is at the piece.
+real WaterFilm::GetHeadBeside(const Piece& piece, const Water& water) const {
+    const real near = NEAR * m_settings.spacing, far = FAR * m_settings.spacing;
+    const uint32_t body = m_shapes[piece.shape].place;
+    HeadSum free, lying;
     bool isNear = false;
-    VisitDrops(water, piece.pos, FAR * m_settings.spacing, [&](uint32_t drop) {
+    for (const WaterTouches::Found* touch = water.touches.Begin(body); touch != water.touches.End(body);
+         ++touch) {
+        const uint32_t drop = touch->drop;
         const Vec2 pos = water.grid.GetSortedPoints()[drop];
-        if (!water.liesOnShape[drop]) m_heads.push_back(GetHead(pos, water.drops.pressures[drop]));
-        if (math::LengthSquared(pos - piece.pos) < near * near) isNear = true;
-    });
-    if (!isNear || m_heads.empty()) return;
-    piece.isReached = true;
-    piece.head = GetUpperMean();
-}
-
-// The mean of the heads that are not below the mean of all: drops over those that lie on a shape have too
-// little.
-real WaterFilm::GetUpperMean() const {
-    real sum = 0;
-    for (const real head : m_heads) sum += head;
-    const real mean = sum / static_cast<real>(m_heads.size());
-    real upper = 0, count = 0;
-    for (const real head : m_heads) {
-        if (head < mean) continue;
-        upper += head;
-        count += 1;
+        const real distSq = math::LengthSquared(pos - piece.pos);
+        if (touch->isLet || !(distSq < far * far)) continue;
+        const real pressure = water.drops.pressures[drop];
+        if (water.liesOnShape[drop]) {
+            lying.Add(GetHead(pos, pressure * LYING_SHARE));
+        } else {
+            free.Add(GetHead(pos, pressure));
+        }
+        isNear = isNear || distSq < near * near;
     }
-    return count > 0 ? upper / count : mean;
+    if (!isNear) return GetHead(piece.pos, 0);
+    return (free.count > 0 ? free : lying).GetMean();
 }
 
 void WaterFilm::SpreadHeads() {
@@ -278,7 +313,8 @@ void WaterFilm::AddForces() const {
         if (!piece.isSealed || !piece.isReached) continue;
         const real pressure = piece.head - GetHead(piece.pos, 0);
         if (!(pressure > 0)) continue;
-        AddForceAt(*m_shapes[piece.shape].body, piece.normal * (-pressure * piece.length), piece.pos);
+        AddForceAt(*m_shapes[piece.shape].body, piece.normal * (-pressure * piece.share * piece.length),
+                   piece.pos);
     }
 }
 

@@ -9,6 +9,7 @@
 #include "physics/NeighborGrid.h"
 #include "physics/PairSweep.h"
 #include "physics/WaterPressure.h"
+#include "physics/WaterTouches.h"
 #include "util/VectorPOD.h"
 
 namespace physics {
@@ -22,7 +23,8 @@ namespace physics {
 // so sealed pieces take over the head of the nearest open end, along the outline and across the gap. Where
 // that end lies in the water its head is that of the drops there; in the air it is that of no pressure. What
 // follows for the piece is pushed along its normal:
-//   force = -n length max(0, head + rho0 g.x).
+//   force = -n length max(0, head + rho0 g.x),
+// times the share of the gap's water that drops do not stand for (GetDropShare).
 //
 // Kept from step to step for its arrays; holds no object between calls.
 class WaterFilm {
@@ -33,12 +35,13 @@ class WaterFilm {
         math::real spacing;  // m, of drops at rest
     };
 
-    // Drops in the order of the grid. Those that lie on a shape bear what rests on them with nothing of their
-    // kind below: their pressure is twice that of the water, and does not count.
+    // Drops in the order of the grid. Those that lie on a shape have more pressure than the water round them
+    // and count only where there are no others.
     struct Water {
         const NeighborGrid& grid;
         const WaterPressure::Drops& drops;
         const util::VectorPOD<uint8_t>& liesOnShape;
+        const WaterTouches& touches;  // among the same bodies
     };
 
     // Adds the forces to the movable bodies.
@@ -49,6 +52,7 @@ class WaterFilm {
 
     struct Shape {
         AbstractBody* body;
+        uint32_t place;  // of the body in the list of bodies
         Geom* geom;
         uint32_t flags;
         bool isMovable;
@@ -63,25 +67,29 @@ class WaterFilm {
         math::real length;
         uint32_t shape;
         uint32_t partner;  // the piece across the gap, or NONE
+        math::real share;  // of the water before it that drops do not stand for
         bool isSealed;
         bool isReached;  // its head is known
         math::real head;
     };
 
     void GatherShapes(const BodyList& bodies, const Water& water);
-    void AddShape(AbstractBody& body, Geom& geom, const math::BoundingBox2f& box);
+    void AddShape(AbstractBody& body, uint32_t place, Geom& geom, const math::BoundingBox2f& box);
     void SealPairs();
     void SealPair(uint32_t a, uint32_t b);
     void CutOutline(uint32_t shape);
     void CutPolygon(const Polygon& polygon, uint32_t shape);
+    bool GoesOn(math::Vec2 begin, math::Vec2 first, math::Vec2 end, math::Vec2 next) const;
+    void CutEdge(math::Vec2 begin, math::Vec2 end, uint32_t shape);
     void AddPiece(math::Vec2 pos, math::Vec2 normal, math::real length, uint32_t shape);
     void Seal(const Shape& shape, const Shape& other);
     uint32_t FindPartner(const Piece& piece, const Shape& shape) const;
     uint32_t GetNext(uint32_t piece) const;
     uint32_t GetLast(uint32_t piece) const;
     void FindEnds(const Water& water);
-    void LookAround(Piece& piece, const Water& water);
-    math::real GetUpperMean() const;
+    bool IsDry(const Piece& piece, math::real head) const;
+    bool FillPocket(uint32_t first);
+    math::real GetHeadBeside(const Piece& piece, const Water& water) const;
     math::real GetHead(math::Vec2 pos, math::real pressure) const;
     void SpreadHeads();
     void Reach(uint32_t piece, math::real head);
@@ -92,9 +100,8 @@ class WaterFilm {
     util::VectorPOD<Shape> m_shapes;
     util::VectorPOD<Shape> m_planes;
     util::VectorPOD<Piece> m_pieces;
-    util::VectorPOD<uint32_t> m_queue;    // pieces with a head, nearest to the ends first
-    util::VectorPOD<math::real> m_heads;  // of the drops round a piece
-    PairSweep m_sweep;                    // over m_shapes
+    util::VectorPOD<uint32_t> m_queue;  // pieces with a head, nearest to the ends first
+    PairSweep m_sweep;                  // over m_shapes
 };
 
 }  // namespace physics

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "math/BoundingBox.h"
@@ -19,6 +20,15 @@ struct Probe {
     math::real distance;  // m, negative inside
     math::Vec2 normal;    // unit, out of the shape; zero where the shape has none
 };
+
+// Spacings of drops at rest: in gaps between shapes up to the one there are no drops, in those from the other
+// on only drops.
+constexpr math::real NARROW_GAP = 0.8f, WIDE_GAP = 1.1f;
+
+// The share of the water in a gap that drops stand for.
+inline math::real GetDropShare(math::real gap, math::real spacing) {
+    return std::min(std::max((gap / spacing - NARROW_GAP) / (WIDE_GAP - NARROW_GAP), 0.0f), 1.0f);
+}
 
 // The boxes hold all points closer than `reach` to the shape. The probes tell whether a point is closer than
 // `reach`, and how it lies if so.

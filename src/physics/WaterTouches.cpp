@@ -11,6 +11,8 @@ using math::Vec2;
 void WaterTouches::Find(const NeighborGrid& grid, const BodyList& bodies, const Settings& settings) {
     Forget();
     m_last.resize(grid.GetSize(), NONE);
+    m_begins.clear();
+    m_begins.push_back(0);
     for (uint32_t b = 0; b < bodies.size(); ++b) {
         for (const BodyPart& part : bodies[b]->GetParts()) {
             const Geom& geom = *part.geom.Get();
@@ -19,6 +21,7 @@ void WaterTouches::Find(const NeighborGrid& grid, const BodyList& bodies, const 
                 Add(settings, bodies, {drop, b, probe, false, m_last[drop]});
             });
         }
+        m_begins.push_back(static_cast<uint32_t>(m_found.size()));
     }
 }
 
@@ -29,7 +32,6 @@ void WaterTouches::Forget() {
 }
 
 void WaterTouches::Add(const Settings& settings, const BodyList& bodies, Found found) {
-    constexpr real NARROW = 0.5f;   // spacings
     constexpr real UPRIGHT = 0.5f;  // cosine of the angle to gravity, up to which a shape lies above or below
     const Vec2 down = settings.down;
     const auto isAbove = [down](const Found& touch) { return math::Dot(touch.probe.normal, down) > UPRIGHT; };
@@ -45,9 +47,8 @@ void WaterTouches::Add(const Settings& settings, const BodyList& bodies, Found f
     };
     for (uint32_t i = found.previous; i != NONE; i = m_found[i].previous) {
         Found& other = m_found[i];
-        if (other.body == found.body ||
-            !(other.probe.distance + found.probe.distance < NARROW * settings.spacing))
-            continue;
+        if (other.body == found.body) continue;
+        if (GetDropShare(other.probe.distance + found.probe.distance, settings.spacing) > 0) continue;
         if (isAbove(found) && isBelow(other)) let(found);
         if (isBelow(found) && isAbove(other)) let(other);
     }
