@@ -10,11 +10,11 @@
 // A persisting contact is a very stiff damped spring, integrated over one step (the constants stand in
 // StepSettings.cpp), with e the way to the depth it rests at:
 //   e = min(maxPositionCorrection, targetPenetration - penetration)
-//   normalTarget  = -m(n) (acc (a . n) + dist e + vel (u . n))
+//   normalTarget  = -m(n) (acc (a . n) + max(dist e, -MAX_PUSH_OUT) + vel (u . n))
 //   tangentTarget = -m(t) (acc (a . t) + slip (u . t))
-// e is negative when too deep, so the bound never slows the way out; and positive when shallower, so that
-// the contact settles at targetPenetration. The softness enters the mass only, not as eps times impulse: it
-// slows the approach to the fixed point and does not move it.
+// e is negative when too deep, so its bound never slows the way out, which has one of its own; and positive
+// when shallower, so that the contact settles at targetPenetration. The softness enters the mass only, not as
+// eps times impulse: it slows the approach to the fixed point and does not move it.
 //
 // A new contact is an impact with the exact masses:
 //   normalTarget = -m(n) (1 + restitution) (u . n).

@@ -13,6 +13,10 @@ namespace physics {
 // rounding. Else a ball on a tower would creep to the edge within minutes, since its weight tilts the tower.
 constexpr math::real ROLLING_SLOPE = 0.0002f;
 
+// m/s at which the position term pushes what overlaps apart, at most. What falls into each other in a step
+// lies below; what is drawn or put half into something comes out of it instead of being shot away.
+constexpr math::real MAX_PUSH_OUT = 2;
+
 // Takes away the relative spin, within the bound of ROLLING_SLOPE times what the normal row carried in the
 // last step; and half of it at most, since a ball may touch several.
 template <class B>
@@ -47,7 +51,8 @@ void InitContactRows(Row& row, const Contact& contact, const SolveConstants& con
     } else {
         const math::real e =
             std::min(constants.maxPositionCorrection, constants.targetPenetration - contact.m_penetration);
-        g = math::Dot(a, n) * w.acc + w.dist * e * contact.m_distFactor + math::Dot(u, n) * w.vel;
+        const math::real push = std::max(w.dist * e * contact.m_distFactor, -MAX_PUSH_OUT);
+        g = math::Dot(a, n) * w.acc + push + math::Dot(u, n) * w.vel;
     }
     row.m_normalTarget = -row.m_useNormalMass * g;
     row.m_tangentTarget = -row.m_useTangentMass * (math::Dot(a, t) * w.acc + math::Dot(u, t) * w.slip);

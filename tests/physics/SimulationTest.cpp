@@ -1,8 +1,10 @@
 #include "physics/Simulation.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
+#include "physics/ContactSolve.h"
 #include "physics/World.h"
 #include "support/LogCapture.h"
 #include "util/Clock.h"
@@ -308,6 +310,21 @@ TEST_F(SimulationTest, PiledUpInOnePlaceTheWorldGoesOn) {
     Run(0.03f);
     EXPECT_EQ(sim.GetContacts().size(), physics::ContactPool::MOST_CONTACTS);
     EXPECT_EQ(log.GetLines().size(), 1u);
+}
+
+// Drawn into the ground or into each other, shapes come out without being shot away.
+TEST_F(SimulationTest, WhatStartsInsideSomethingComesOutGently) {
+    AddGround();
+    const BodyPtr box = AddBox({0, 0}, 1, 1), left = AddCircle({5, 0.5f}, 0.5f),
+                  right = AddCircle({5.4f, 0.5f}, 0.5f);
+    float fastest = 0;
+    for (int step = 0; step < 100; ++step) {
+        Run(0.01f);
+        fastest = std::max(fastest, GetFastestBody());
+    }
+    EXPECT_LE(fastest, 1.1f * physics::MAX_PUSH_OUT);
+    EXPECT_GT(box->m_pos.y, 0.45f);
+    EXPECT_GT(right->m_pos.x - left->m_pos.x, 0.99f);
 }
 
 // The caller's arithmetic is as it was; within the step what is too small counts as nothing.
