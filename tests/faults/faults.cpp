@@ -90,6 +90,13 @@ bool IsOurs(int file) {
     return path[0] == '/' && IsOurs(path);
 }
 
+// As the library itself would: who asks only ferror must hear of it too.
+bool Fails(Kind kind, int reason, FILE* file) {
+    if (!IsOurs(fileno(file)) || !Fails(kind, reason)) return false;
+    file->_flags |= _IO_ERR_SEEN;
+    return true;
+}
+
 template <class Function>
 Function Next(const char* name, Function) {
     return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
@@ -124,17 +131,17 @@ int open(const char* path, int flags, ...) {
 
 size_t fread(void* data, size_t size, size_t count, FILE* file) {
     static const auto s_next = Next("fread", &fread);
-    return IsOurs(fileno(file)) && Fails(READ, EIO) ? 0 : s_next(data, size, count, file);
+    return Fails(READ, EIO, file) ? 0 : s_next(data, size, count, file);
 }
 
 char* fgets(char* data, int size, FILE* file) {
     static const auto s_next = Next("fgets", &fgets);
-    return IsOurs(fileno(file)) && Fails(READ, EIO) ? nullptr : s_next(data, size, file);
+    return Fails(READ, EIO, file) ? nullptr : s_next(data, size, file);
 }
 
 size_t fwrite(const void* data, size_t size, size_t count, FILE* file) {
     static const auto s_next = Next("fwrite", &fwrite);
-    return IsOurs(fileno(file)) && Fails(WRITE, ENOSPC) ? 0 : s_next(data, size, count, file);
+    return Fails(WRITE, ENOSPC, file) ? 0 : s_next(data, size, count, file);
 }
 
 ssize_t write(int file, const void* data, size_t size) {
