@@ -78,9 +78,8 @@ float Widen(float value) {
 }
 
 void Narrow(const math::Vec4& sum, RGBA32& pixel) {
-    const auto round = [](float value) {
-        return static_cast<unsigned char>(value + 0.5f);
-    };  // NOLINT(bugprone-*)
+    // NOLINTNEXTLINE(bugprone-incorrect-roundings): never negative, and lround takes several times as long
+    const auto round = [](float value) { return static_cast<unsigned char>(value + 0.5f); };
     pixel = {round(sum.x), round(sum.y), round(sum.z), round(sum.w)};
 }
 void Narrow(float sum, float& value) {

@@ -21,8 +21,8 @@ class Ahead {
     explicit Ahead(std::function<T()> make) : m_job(std::make_shared<Job>(std::move(make))) {
         RunAside([job = m_job] { job->Run(); });
     }
-    Ahead(Ahead&&) = default;
-    Ahead& operator=(Ahead&& other) {
+    Ahead(Ahead&&) noexcept = default;
+    Ahead& operator=(Ahead&& other) noexcept {
         Cancel();
         m_job = std::move(other.m_job);
         return *this;

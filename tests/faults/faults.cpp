@@ -174,7 +174,7 @@ int remove(const char* path) {
     return IsOurs(path) && Fails(REMOVE, EACCES) ? -1 : s_next(path);
 }
 
-void* __libc_malloc(size_t size);
+void* __libc_malloc(size_t size);  // NOLINT(bugprone-reserved-identifier): the one that is replaced
 
 void* malloc(size_t size) {
     return size >= LARGE_BLOCK && Fails(MALLOC, ENOMEM) ? nullptr : __libc_malloc(size);

@@ -65,7 +65,7 @@ class WindowPictures : public test::GlTest {
 TEST_F(WindowPictures, AreNeverOutOfDate) {
     const std::pair<const char*, std::function<void()>> steps[] = {
         {"hover",
-         [this] {
+         [] {
              MoveMouse({25, 50});
          }},
         {"focus", [this] { gui::Focus::Set(m_button); }},

@@ -23,7 +23,6 @@ using rendering::KeptPicture;
 using rendering::Renderer;
 using rendering::RGBA32;
 
-constexpr int SIZE = test::GlTest::SIZE;
 const math::BoundingBox2f WINDOW({16, 16}, {112, 96});
 constexpr int TOLERANCE = 2;  // of 255, for layers that are rounded one by one
 
