@@ -203,7 +203,7 @@ struct WaterLoops {
         return sum;
     }
 
-    static constexpr WaterSums TABLE = {KeepInBox,  KeepNear,  ListNear,   AddKernels, AddFriction,
+    static constexpr WaterSums TABLE = {KeepInBox,  ListNear,  AddKernels, AddFriction,
                                         AddSurface, AddMotion, AddChanges, AddShifts};
 };
 

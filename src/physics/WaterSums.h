@@ -60,13 +60,10 @@ struct PressureSums {
 };
 
 struct WaterSums {
-    // Writes the places of the points [begin, end) that are in the box, or closer to the middle than the
-    // radius, and returns how many. These and the next may read a group beyond the points and write so much
-    // beyond the list.
+    // Writes the places of the points [begin, end) that are in the box, and returns how many. These and the
+    // next may read a group beyond the points and write so much beyond the list.
     uint32_t (*keepInBox)(const math::Vec2* points, NeighborGrid::Stretch stretch,
                           const math::BoundingBox2f& box, uint32_t* list);
-    uint32_t (*keepNear)(const math::Vec2* points, NeighborGrid::Stretch stretch, math::Vec2 middle,
-                         math::real radiusSq, uint32_t* list);
     // Lists the points closer to the point i of the cell than the radius, in rising order and without itself,
     // and tells how many.
     uint32_t (*listNear)(const math::Vec2* points, uint32_t i, const NeighborGrid::Neighborhood& near,

@@ -63,10 +63,8 @@ std::vector<float> SumUp(const physics::WaterSums& sums, const physics::Neighbor
 std::vector<uint32_t> Keep(const physics::WaterSums& sums, const physics::NeighborGrid& grid) {
     const uint32_t end = static_cast<uint32_t>(grid.GetSize()) - 3;
     std::vector<uint32_t> list(2 * grid.GetSize());
-    uint32_t count =
-        sums.keepInBox(grid.GetSortedPoints(), {1, end}, {{-0.5f, -0.2f}, {0.3f, 0.6f}}, list.data());
-    count += sums.keepNear(grid.GetSortedPoints(), {2, end}, {0.1f, 0.2f}, 0.25f, list.data() + count);
-    list.resize(count);
+    list.resize(
+        sums.keepInBox(grid.GetSortedPoints(), {1, end}, {{-0.5f, -0.2f}, {0.3f, 0.6f}}, list.data()));
     return list;
 }
 

@@ -7,7 +7,6 @@
 #include "Pictures.h"
 #include "rendering/Context.h"
 #include "rendering/Gl.h"
-#include "rendering/Gradient.h"
 #include "rendering/Texture.h"
 #include "rendering/VertexBatch.h"
 #include "support/LogCapture.h"
@@ -109,19 +108,20 @@ TEST_F(RendererTest, BatchesDrawTheSameAsSingleQuads) {
     EXPECT_EQ(GlColor(), m_renderer.GetColor());
 }
 
-TEST_F(RendererTest, AGradientGoesFromOneColorToTheOther) {
+TEST_F(RendererTest, ColorsGoOverFromCornerToCorner) {
     UsePixelUnits();
     const struct {
         Vec4 start, end;
     } cases[] = {{{1, 0.5f, 0, 1}, {0, 0.5f, 1, 1}}, {{0.2f, 1.3f, -1, 1}, {0.2f, 0, 0, 1}}};
-    rendering::Gradient gradient;
     const auto part = [](float a, float b, float t) {
         return (std::clamp(a, 0.0f, 1.0f) * (1 - t) + std::clamp(b, 0.0f, 1.0f) * t) * 255;
     };
     for (const auto& c : cases) {
-        gradient.SetColors(c.start, c.end);
-        gradient.DrawAcross({0, 0}, {40, 20});
-        gradient.DrawDown({0, 20}, {40, 60});
+        const Vec4 across[4] = {c.start, c.end, c.end, c.start}, down[4] = {c.start, c.start, c.end, c.end};
+        const Vec2 upper[4] = {{0, 0}, {40, 0}, {40, 20}, {0, 20}},
+                   lower[4] = {{0, 20}, {40, 20}, {40, 60}, {0, 60}};
+        m_renderer.DrawColored(upper, across, 4);
+        m_renderer.DrawColored(lower, down, 4);
         const rendering::ImageRGBA32Ptr frame = ReadFrame();
         for (uint32_t i = 0; i < 40; ++i) {
             const float t = (static_cast<float>(i) + 0.5f) / 40;

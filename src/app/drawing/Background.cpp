@@ -123,12 +123,14 @@ void Background::Draw() {
 
 void Background::DrawSky() {
     PROFILE_SECTION("Draw sky color");
+    const rendering::ScopedCapability untextured(GL_TEXTURE_2D, false);
     const Vec4& sky = m_skyColor->Get();
     const Vec4& horizon = m_horizonColor->Get();
     const rendering::ScopedCapability blended(GL_BLEND, sky.w < 1 || horizon.w < 1);
-    const rendering::ScopedColor white(Vec4(1, 1, 1, 1));
-    m_sky.SetColors(sky, horizon);
-    m_sky.DrawDown({0, 0}, GetSize());
+    const Vec2 size = GetSize();
+    const Vec2 corners[4] = {{0, 0}, {size.x, 0}, size, {0, size.y}};
+    const Vec4 colors[4] = {sky, sky, horizon, horizon};
+    Renderer::Instance().DrawColored(corners, colors, 4);
 }
 
 void Background::DrawClouds() {

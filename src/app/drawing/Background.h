@@ -6,7 +6,6 @@
 #include "app/Fwd.h"
 #include "gui/Component.h"
 #include "math/BoundingBox.h"
-#include "rendering/Gradient.h"
 #include "rendering/Texture.h"
 #include "rendering/VertexBatch.h"
 #include "script/Attributes.h"
@@ -54,7 +53,6 @@ class Background : public gui::Component {
     void DrawClouds();
     void CollectClouds(const math::BoundingBox2f& view);
 
-    rendering::Gradient m_sky;
     std::vector<rendering::TextureMentorPtr> m_skyTextures;  // at least one
     std::vector<rendering::VertexBatch> m_batches;           // of this frame's clouds, one for each texture
     std::vector<Cloud> m_clouds;                             // none until the first Update

@@ -6,7 +6,8 @@
 #include "gui/Focus.h"
 #include "gui/LookAndFeel.h"
 #include "input/Key.h"
-#include "rendering/Gradient.h"
+#include "rendering/Gl.h"
+#include "rendering/Renderer.h"
 #include "script/Conversions.h"
 #include "util/Assert.h"
 #include "util/Redraw.h"
@@ -28,18 +29,9 @@ constexpr float BAR_HEIGHT = 2;
 constexpr float DEFAULT_WIDTH = 120;
 constexpr double KEY_STEP = 0.02;        // of the track
 constexpr double FINE_KEY_STEP = 0.002;  // with shift
-constexpr float HOVER_BRIGHTNESS = 1.2f;
+const Vec4 HOVER_COLOR(1.2f, 1.2f, 1.2f, 1);
 const Vec4 TRACK_START(0.45f, 0.5f, 0.6f, 1), TRACK_END(0.75f, 0.82f, 0.95f, 1);
 const Vec4 KNOB_COLOR = (TRACK_START + TRACK_END) * 0.5f;
-
-struct SliderLook {
-    explicit SliderLook(float brightness) {
-        const Vec4 factor(brightness, brightness, brightness, 1);
-        track.SetColors(TRACK_START * factor, TRACK_END * factor);
-        knob.SetColors(KNOB_COLOR * factor, KNOB_COLOR * factor);
-    }
-    rendering::Gradient track, knob;
-};
 
 bool IsSame(double a, double b) {
     return a == b || (std::isnan(a) && std::isnan(b));
@@ -195,30 +187,36 @@ void Slider::OnMouseMove(MouseMoveEvent& event) {
 // ---- drawing -----------------------------------------------------------------------------------------
 
 void Slider::DrawComp() {
+    if (m_dragging || IsMouseInside()) rendering::Renderer::Instance().MultColor(HOVER_COLOR);
     Component::DrawComp();
-    // The present colour cannot brighten: GL cuts it off at 1.
-    static SliderLook& s_plain = *new SliderLook(1);  // abandoned at exit
-    static SliderLook& s_hovered = *new SliderLook(HOVER_BRIGHTNESS);
-    const SliderLook& look = m_dragging || IsMouseInside() ? s_hovered : s_plain;
-    DrawTrack(look.track);
-    DrawKnob(look.knob);
+    DrawTrack();
+    DrawKnob();
     Focus::DrawRing(*this);
 }
 
-void Slider::DrawTrack(const rendering::Gradient& colors) const {
+void Slider::DrawTrack() const {
+    rendering::Renderer& renderer = rendering::Renderer::Instance();
+    const Vec4 present = renderer.GetColor();
+    const Vec4 start = present * TRACK_START, end = present * TRACK_END;
+    const Vec4 colors[4] = {start, end, end, start};
     const float left = MARGIN, right = GetSize().x - MARGIN;
     for (const float part : {0.25f, 0.75f}) {
         const float top = std::floor(GetSize().y * part - BAR_HEIGHT / 2), bottom = top + BAR_HEIGHT;
-        colors.DrawAcross({left, top}, {right, bottom});
+        const Vec2 corners[4] = {{left, top}, {right, top}, {right, bottom}, {left, bottom}};
+        renderer.DrawColored(corners, colors, 4);
     }
 }
 
-void Slider::DrawKnob(const rendering::Gradient& color) const {
+void Slider::DrawKnob() const {
     const double value = GetValue();
     if (std::isnan(value)) return;
     const Vec2 middle(std::round(GetKnobX(value)), std::round(GetSize().y / 2));
+    rendering::Renderer& renderer = rendering::Renderer::Instance();
+    const rendering::ScopedColor kept;
+    renderer.MultColor(KNOB_COLOR);
+    const rendering::ScopedCapability untextured(GL_TEXTURE_2D, false);
     const Vec2 half(KNOB_HALF_WIDTH, KNOB_HALF_HEIGHT);
-    color.DrawAcross(middle - half, middle + half);
+    renderer.DrawQuad(middle - half, middle + half);
 }
 
 }  // namespace gui

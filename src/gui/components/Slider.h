@@ -4,10 +4,6 @@
 
 #include "gui/Component.h"
 
-namespace rendering {
-class Gradient;
-}
-
 namespace gui {
 
 // A value along a track. The left button takes the knob to the mouse, the middle button to the default; with
@@ -57,8 +53,8 @@ class Slider : public Component {
     void ChangeAsUser(double value);
     double GetFraction(double value) const;
     double GetValueOf(double fraction) const;
-    void DrawTrack(const rendering::Gradient& colors) const;
-    void DrawKnob(const rendering::Gradient& color) const;
+    void DrawTrack() const;
+    void DrawKnob() const;
 
     const double m_min;
     const double m_max;
