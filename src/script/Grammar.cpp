@@ -319,7 +319,8 @@ ExpressionPtr Grammar::ParseLiteral(const Token& token) {
 
 // ---- declarations ------------------------------------------------------------------------------------
 
-// A pattern without a keyword would match everything, also its own arguments, without end.
+// A pattern without a keyword would match everything, also its own arguments, without end. A string is no
+// keyword: it never occurs as a name, and the printed declaration would show it without its quotes.
 ExpressionPtr Grammar::ParseInfixDeclaration(const ScopePtr& scope, TokenIt& it) {
     Expect(INFIX, it);
     Parser::ParserAssert(m_tokenEnd - it >= 2, "Bad infix function");
@@ -332,6 +333,7 @@ ExpressionPtr Grammar::ParseInfixDeclaration(const ScopePtr& scope, TokenIt& it)
     Expect(":", it);
     StringList pattern;
     for (; it != m_tokenEnd && !it->IsSymbol("=>"); ++it) {
+        Parser::ParserAssert(it->kind != StringToken, "Bad infix function");
         pattern.push_back(it->text == "_" ? String() : it->text);
     }
     Parser::ParserAssert(HasKeyword(pattern), "Bad infix function");
