@@ -35,6 +35,7 @@ App::App()
       m_autosaveTime(script::DeclareAttrib(*this, "autosaveTime", 30.0f)),
       m_view(m_DPI),
       m_renderer(m_scene, m_view, *this),
+      m_autosave(m_scene),
       m_toolSettings(*this, m_guiSettings) {
     SetFillParent(true);
     AddReflected(m_guiSettings);
@@ -67,6 +68,7 @@ void App::Update(float dt) {
         m_view.Update();
         if (m_rebuildsGUI) CreateGUI();
         Component::Update(dt);
+        if (m_appGUI) m_autosave.Update(m_autosaveTime->Get());
         if (dt > 0) PanByKeys(dt);
         physics::Simulation::Instance().Update(dt);
         m_scene.Update(dt);
@@ -159,7 +161,7 @@ void App::CreateGUI() {
         focus = gui::Focus::GetPlace(*previous);
         RemoveChild(previous);
     }
-    m_appGUI = new AppGUI(*this, previous.Get());
+    m_appGUI = new AppGUI(*this);
     m_appGUI->SetSize(2, 2);  // until it takes this component's size
     AddChild(m_appGUI);
     gui::Focus::SetPlace(*m_appGUI, focus);

@@ -2,6 +2,7 @@
 
 #include "app/Fwd.h"
 #include "app/drawing/SceneRenderer.h"
+#include "app/files/Autosave.h"
 #include "app/scene/AppGUISettings.h"
 #include "app/scene/Scene.h"
 #include "app/scene/View.h"
@@ -99,6 +100,7 @@ class App : public gui::Component, public util::Singleton<App> {
     Scene m_scene;
     View m_view;
     SceneRenderer m_renderer;
+    Autosave m_autosave;  // while there is an interface
     const ToolSettings m_toolSettings;
     AppGUIPtr m_appGUI;          // null until CreateGUI
     bool m_rebuildsGUI = false;  // at the next update

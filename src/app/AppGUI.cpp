@@ -9,7 +9,6 @@
 #include "app/drawing/DrawSettings.h"
 #include "app/entities/Entity.h"
 #include "app/files/SceneFiles.h"
-#include "app/files/SceneWriter.h"
 #include "app/history/Actions.h"
 #include "app/history/Snapshot.h"
 #include "app/history/Undoer.h"
@@ -30,15 +29,12 @@
 #include "input/Key.h"
 #include "input/WindowHost.h"
 #include "logging/Log.h"
-#include "physics/Simulation.h"
 #include "script/Parser.h"
 #include "script/Scopes.h"
-#include "util/Clock.h"
 #include "util/FileNames.h"
 #include "util/FileSystem.h"
 #include "util/Guarded.h"
 #include "util/ProfileTree.h"
-#include "util/RunSlot.h"
 
 namespace app {
 namespace {
@@ -66,7 +62,7 @@ std::vector<ToolEntry> MakeTools(const Workbench& bench, const ToolPtr& brush) {
 
 }  // namespace
 
-AppGUI::AppGUI(App& app, const AppGUI* previous)
+AppGUI::AppGUI(App& app)
     : Component("Interface"),
       m_app(app),
       m_scene(app.GetScene()),
@@ -75,7 +71,6 @@ AppGUI::AppGUI(App& app, const AppGUI* previous)
       m_rotateTool(new RotateTool(app.GetWorkbench())),
       m_panTool(new PanTool(app.GetWorkbench())),
       m_brushTool(new BrushTool(app.GetWorkbench())),
-      m_lastAutosave(previous ? previous->m_lastAutosave : util::Clock::Now()),
       m_tools(MakeTools(app.GetWorkbench(), m_brushTool)),
       m_selectedTool(m_tools.size() - 1),
       m_desk{m_scene,
@@ -90,8 +85,7 @@ AppGUI::AppGUI(App& app, const AppGUI* previous)
              app},
       m_windows(*this, app.GetGUISettings().m_windows),
       m_hints(new Hints(app.GetGUISettings().m_hintsDone, m_view)),
-      m_hint(new Hint),
-      m_autosaved(previous ? previous->m_autosaved : AutosavedState()) {
+      m_hint(new Hint) {
     SetFillParent(true);
     FollowSelectedTool();
     AddToolCommands();
@@ -368,58 +362,6 @@ void AppGUI::ShowSceneName() {
                                        : name.substr(name.find_last_of("/\\") + 1));
 }
 
-// A disk that is full, say, is told once, and not again before it has gone well in between.
-template <class Operation>
-bool AppGUI::GuardAutosave(const Operation& operation) {
-    const bool isWell =
-        util::Guarded(operation, "Error: ", m_autosaveFails ? logging::Trace : logging::Error);
-    if (!isWell) m_autosaveFails = true;
-    return isWell;
-}
-
-void AppGUI::Autosave() {
-    if (m_autosave) return ContinueAutosave();
-    const double now = util::Clock::Now();
-    if (now - m_lastAutosave <= m_app.m_autosaveTime->Get()) return;
-    m_lastAutosave = now;
-    GuardAutosave([this] { SaveAutosaveConfig(); });
-    const String scene = util::RunSlot::Instance().GetAutosaveScene();
-    const util::FileSystem& files = util::FileSystem::Instance();
-    const AutosavedState state = GetAutosaveState();
-    if (state == m_autosaved && files.Exists(files.GetScenesDir() + scene)) return;
-    m_autosaving = state;
-    if (GuardAutosave([&] { m_autosave = std::make_unique<SceneWriter>(m_scene, scene); }))
-        ContinueAutosave();
-}
-
-void AppGUI::SaveAutosaveConfig() {
-    const SceneSettings::UsersTurn usersOwn(m_scene.GetSettings());
-    const String code = script::Parser::Instance().GetRootCode();
-    const util::FileSystem& files = util::FileSystem::Instance();
-    files.WriteFileAtomically(files.GetWorkDir() + util::RunSlot::Instance().GetAutosaveConfig(), code);
-}
-
-void AppGUI::ContinueAutosave() {
-    constexpr double SLICE = 0.008;  // s of a frame
-    bool isWritten = false;
-    const bool isWell = GuardAutosave([&] { isWritten = m_autosave->Continue(SLICE); });
-    if (!isWritten && isWell) return;
-    m_autosave = nullptr;
-    if (!isWritten) return;
-    m_autosaved = m_autosaving;
-    m_autosaveFails = false;
-}
-
-AppGUI::AutosavedState AppGUI::GetAutosaveState() const {
-    return {true, Undoer::Instance().GetChangeCount(), physics::Simulation::Instance().HashState(),
-            m_scene.GetTrackedEntity(), m_scene.GetSettings().ToCode()};
-}
-
-bool AppGUI::AutosavedState::operator==(const AutosavedState& other) const {
-    return m_isKnown == other.m_isKnown && m_changes == other.m_changes && m_hash == other.m_hash &&
-           m_tracked == other.m_tracked && m_settings == other.m_settings;
-}
-
 // ---- each frame
 
 void AppGUI::Update(float dt) {
@@ -430,7 +372,6 @@ void AppGUI::Update(float dt) {
         m_windows.Update();
         KeepRoomForTools();
         gui::GUI::Instance().GetNotices()->KeepAbove(m_hints->GetRoom());
-        Autosave();
         GetTool().Update();
     }
     PASS_ON_EXCEPTIONS

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <memory>
 #include <vector>
 
 #include "app/Fwd.h"
@@ -30,8 +29,7 @@ struct ToolEntry {
 };
 
 // The interface over the world view, a child of app::App that fills it: it holds the tools, brings every
-// gesture that no widget took to one of them, and has the keyboard shortcuts, the autosave and the saving
-// of scenes.
+// gesture that no widget took to one of them, and has the keyboard shortcuts and the saving of scenes.
 //
 // A drag goes to the widgets, then to the selected tool, and if nobody took its start, by what lies under
 // the press: with the left button an entity is moved and empty ground drawn on, with the right button an
@@ -41,9 +39,7 @@ struct ToolEntry {
 // Whatever fails in a user's action ends in the log, cancels the tool, and goes no further.
 class AppGUI : public gui::Component {
   public:
-    // `previous` is the interface that this one replaces, or null: its autosave clock goes on.
-    AppGUI(App& app, const AppGUI* previous);
-
+    explicit AppGUI(App& app);
     ~AppGUI() noexcept(false) override;
 
     // In the order of a toolbar; the last one, the brush, is selected at first.
@@ -102,11 +98,6 @@ class AppGUI : public gui::Component {
     static String FindFreeName();
     void NoteSaved(const String& name);
     void ShowSceneName();  // in the title of the window
-    void Autosave();
-    template <class Operation>
-    bool GuardAutosave(const Operation& operation);
-    void SaveAutosaveConfig();
-    void ContinueAutosave();
 
     // AppGUIWindows.cpp
     void AddToolCommands();
@@ -128,18 +119,6 @@ class AppGUI : public gui::Component {
     void EraseWater();
     void ToggleFullscreen();
 
-    // By which a scene that stands still is known to be the one that was autosaved last.
-    struct AutosavedState {
-        bool m_isKnown = false;
-        uint64_t m_changes = 0;  // of the history
-        uint64_t m_hash = 0;     // of the physics
-        EntityPtr m_tracked;
-        String m_settings;  // of the scene, as source text
-
-        bool operator==(const AutosavedState& other) const;
-    };
-    AutosavedState GetAutosaveState() const;
-
     App& m_app;
     Scene& m_scene;
     View& m_view;
@@ -148,7 +127,6 @@ class AppGUI : public gui::Component {
     const util::SharedPtr<PanTool> m_panTool;
     const util::SharedPtr<BrushTool> m_brushTool;
     ToolPtr m_overrideTool;                // from a drag's start to its end; null otherwise
-    double m_lastAutosave;                 // seconds, of util::Clock
     bool m_steppedHistory = false;         // by the wheel, in this frame
     const std::vector<ToolEntry> m_tools;  // in the toolbar's order
     size_t m_selectedTool;                 // index into m_tools
@@ -160,10 +138,6 @@ class AppGUI : public gui::Component {
     const util::SharedPtr<Hints> m_hints;
     SceneThumbnail m_thumbnail;
     const util::SharedPtr<Hint> m_hint;
-    AutosavedState m_autosaved;
-    AutosavedState m_autosaving;              // of m_autosave
-    bool m_autosaveFails = false;             // the last one did, and that has been told
-    std::unique_ptr<SceneWriter> m_autosave;  // under way; null for none
 };
 
 }  // namespace app

@@ -224,7 +224,7 @@ class AppGUISaveTest : public AppGUITest {
     // By an autosave, whose files are taken away.
     void StartAutosaveClock() {
         s_now += 1000;
-        GUI().Update(0.01f);
+        App().Update(0.01f);
         fs::remove(m_folder / "Scenes" / AUTOSAVE_SCENE);
         fs::remove(m_folder / AUTOSAVE_CONFIG_FILE);
     }
@@ -310,13 +310,13 @@ TEST_F(AppGUISaveTest, WhatBecameOfADialogIsTold) {
 TEST_F(AppGUISaveTest, AutosavesInTime) {
     script::Parser::Instance().Execute("autosaved = 1");
     AddCircle({0, 0});
-    GUI().Update(0.01f);
+    App().Update(0.01f);
     EXPECT_FALSE(Exists("Scenes/" + AUTOSAVE_SCENE));
     s_now += App().m_autosaveTime->Get();
-    GUI().Update(0.01f);
+    App().Update(0.01f);
     EXPECT_FALSE(Exists("Scenes/" + AUTOSAVE_SCENE));
     s_now += 1;
-    GUI().Update(0.01f);
+    App().Update(0.01f);
     EXPECT_NE(Read("Scenes/" + AUTOSAVE_SCENE).find("circle"), String::npos);
     EXPECT_NE(Read(AUTOSAVE_CONFIG_FILE).find("autosaved = 1"), String::npos);
     EXPECT_EQ(Scene().GetName(), "");
@@ -324,10 +324,10 @@ TEST_F(AppGUISaveTest, AutosavesInTime) {
     // The clock starts anew, and goes on in an interface that is built anew.
     fs::remove(m_folder / "Scenes" / AUTOSAVE_SCENE);
     s_now += App().m_autosaveTime->Get() - 1;
-    GUI().Update(0.01f);
+    App().Update(0.01f);
     App().CreateGUI();
     s_now += 2;
-    GUI().Update(0.01f);
+    App().Update(0.01f);
     EXPECT_TRUE(Exists("Scenes/" + AUTOSAVE_SCENE));
 }
 
@@ -336,9 +336,10 @@ TEST_F(AppGUISaveTest, AutosavesOnlyWhatHasChanged) {
     const auto wasWritten = [&] {
         util::FileSystem::Instance().WriteFileAtomically(path, "marked");
         s_now += 1000;
-        GUI().Update(0.01f);
+        App().Update(0.01f);
         return Read("Scenes/" + AUTOSAVE_SCENE) != "marked";
     };
+    App().StopSimulation();
     AddCircle({0, 0});
     wasWritten();
     EXPECT_FALSE(wasWritten());
@@ -360,7 +361,7 @@ TEST_F(AppGUISaveTest, AutosavesOnlyWhatHasChanged) {
     wasWritten();
     fs::remove(path);
     s_now += 1000;
-    GUI().Update(0.01f);
+    App().Update(0.01f);
     EXPECT_TRUE(fs::exists(path)) << "the file had gone";
 }
 
@@ -387,11 +388,11 @@ TEST_F(AppGUISaveTest, FailingAutosaveDoesNotStopTheProgram) {
     test::LogCapture log(logging::Error);
     util::FileSystem::Instance().SetWorkDir("/proc/");
     s_now += 1000;
-    EXPECT_NO_THROW(GUI().Update(0.01f));
+    EXPECT_NO_THROW(App().Update(0.01f));
     EXPECT_GE(log.Count("Error: "), 1);
     log.Clear();
     s_now += 1000;
-    GUI().Update(0.01f);
+    App().Update(0.01f);
     EXPECT_EQ(log.Count(""), 0) << "told once";
 }
 
