@@ -24,6 +24,8 @@ namespace {
 
 // The index of the one contact of a circle whose centre lies inside a polygon.
 constexpr uint32_t CENTER_INSIDE = 0xFFFFFFFF;
+// The indices of contacts at side points begin here.
+constexpr uint32_t SIDE_POINTS = 0x80000000;
 
 void AddBox(PairSweep& sweep, const math::BoundingBox2f& box) {
     sweep.Add(box.min.x, box.min.y, box.max.x, box.max.y);
@@ -231,34 +233,52 @@ void Collider::PolygonPolygon(const PolygonRec& a, const PolygonRec& b, ContactP
     const real reach = a.circle.z + b.circle.z;
     if (!(math::LengthSquared(between) < reach * reach) || !MayTouch(a, b)) return;
     if (!BoundsOverlap(*a.polygon, *b.polygon)) return;
-    VerticesInside(a.polygon, b.polygon, out);
-    VerticesInside(b.polygon, a.polygon, out);
+    PointsInside(a.polygon, b.polygon, out);
+    PointsInside(b.polygon, a.polygon, out);
 }
 
-// The polygon that a vertex is found in is the contact's first geom, whichever of the two comes first in
-// the list: so a contact keeps its roles, and its cached impulses their meaning. Vertices are numbered from
-// 1; vertices of either polygon with equal numbers make equal IDs, of which the cache keeps the later.
-void Collider::VerticesInside(Polygon* owner, Polygon* other, ContactPool& out) {
-    const Vec2* const vertices = owner->GetWorldVertices().data();
-    const size_t count = owner->GetWorldVertices().size();
+namespace {
+
+// Calls found(i, distance, normal) for each point that lies in a polygon.
+template <class Found>
+void FindInside(const math::Vec2List& list, const Polygon& other, Found found) {
+    const Vec2* const points = list.data();
+    const size_t count = list.size();
     const auto test = [&](size_t i) {
         real s;
         Vec2 normal;
-        if (!other->FindInside(vertices[i], s, normal)) return;
-        MakeContact(out, other, owner, static_cast<uint32_t>(i + 1), vertices[i], normal, -s);
+        if (other.FindInside(points[i], s, normal)) found(static_cast<uint32_t>(i), s, normal);
     };
     if (count < Polygon::BLOCK) {
         for (size_t i = 0; i < count; ++i) {
-            if (other->Distance(vertices[i]) < 0) test(i);
+            if (other.Distance(points[i]) < 0) test(i);
         }
         return;
     }
     // The last block begins early enough to be full; what it has in common with the one before is done.
     for (size_t done = 0; done < count; done += Polygon::BLOCK) {
         const size_t first = std::min(done, count - Polygon::BLOCK);
-        uint32_t inBox = other->FindInBox(vertices + first) >> (done - first) << (done - first);
+        uint32_t inBox = other.FindInBox(points + first) >> (done - first) << (done - first);
         for (; inBox != 0; inBox &= inBox - 1) test(first + static_cast<size_t>(__builtin_ctz(inBox)));
     }
+}
+
+}  // namespace
+
+// The polygon that a point is found in is the contact's first geom, whichever of the two comes first in the
+// list: so a contact keeps its roles, and its cached impulses their meaning. Vertices are numbered from 1;
+// vertices of either polygon with equal numbers make equal IDs, of which the cache keeps the later. Side
+// points of the one and of the other have numbers of their own.
+void Collider::PointsInside(Polygon* owner, Polygon* other, ContactPool& out) {
+    const math::Vec2List& vertices = owner->GetWorldVertices();
+    FindInside(vertices, *other, [&](uint32_t i, real s, Vec2 normal) {
+        MakeContact(out, other, owner, i + 1, vertices[i], normal, -s);
+    });
+    const math::Vec2List& sidePoints = owner->GetWorldSidePoints();
+    const uint32_t first = SIDE_POINTS + (owner->GetID() < other->GetID() ? 0 : 1);
+    FindInside(sidePoints, *other, [&](uint32_t i, real s, Vec2 normal) {
+        MakeContact(out, other, owner, first + 2 * i, sidePoints[i], normal, -s);
+    });
 }
 
 }  // namespace physics

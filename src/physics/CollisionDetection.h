@@ -17,8 +17,8 @@ namespace physics {
 // and polygons, circles, polygons, circles and polygons, water, each pass in the order of the lists. Pairs
 // whose boxes are apart cannot touch, so a sweep hands out only the others, and in that same order.
 //
-// Shapes have no edges-against-edges test: a contact of two polygons is a vertex of one found inside the
-// other by its distance map. Normals point from the contact's first geom to its second.
+// Shapes have no edges-against-edges test: a contact of two polygons is a vertex or side point of one found
+// inside the other by its distance map. Normals point from the contact's first geom to its second.
 //
 // Kept from step to step, for its arrays and for the sweep's order; it holds no object between calls of
 // Collide.
@@ -70,7 +70,7 @@ class Collider {
     static void CirclePolygon(const CircleRec& a, const PolygonRec& b, ContactPool& out);
     static void PolygonPolygon(const PolygonRec& a, const PolygonRec& b, ContactPool& out);
     static void CircleOutsidePolygon(const CircleRec& a, const PolygonRec& b, ContactPool& out);
-    static void VerticesInside(Polygon* owner, Polygon* other, ContactPool& out);
+    static void PointsInside(Polygon* owner, Polygon* other, ContactPool& out);
 
     template <class Shape>
     void CollideWaterWith(Shape& shape, ContactPool& out) const;

@@ -5,6 +5,7 @@
 
 #include "math/Geometry.h"
 #include "physics/Float8.h"
+#include "physics/SidePoints.h"
 #include "util/Assert.h"
 #include "util/Exception.h"
 
@@ -87,6 +88,7 @@ Polygon::Polygon(const Vec2List& outline, const Surface& surface)
     if (!sound || !std::isfinite(m_inertiaSansMass)) THROW(BadDataException, "Bad polygon");
     m_obb = OBB2D::BuildBest(m_vertices.data(), m_vertices.size());
     m_boundingCircle = CalcBoundingCircle(m_vertices);
+    m_sidePoints = FindSidePoints(m_vertices);
     m_map = new DistanceMap(m_vertices, m_obb);
     SetTransform(RigidTransform(1, 0, centroid.x, centroid.y));
 }
@@ -214,6 +216,7 @@ void Polygon::SetTransform(const RigidTransform& transform) {
     Vec2* const world = m_worldVertices.data();
     for (size_t i = 0; i < n; ++i) world[i] = t(local[i]);
     m_worldLines.clear();
+    m_worldSidePoints.clear();
 }
 
 math::BoundingBox2f Polygon::GetBoundingBox() const {
@@ -228,6 +231,13 @@ const LineList& Polygon::GetWorldLines() const {
     m_worldLines.reserve(n);
     for (size_t i = 0; i < n; ++i) m_worldLines.push_back({m_worldVertices[i], m_worldVertices[(i + 1) % n]});
     return m_worldLines;
+}
+
+const Vec2List& Polygon::GetWorldSidePoints() const {
+    if (!m_worldSidePoints.empty()) return m_worldSidePoints;
+    m_worldSidePoints.reserve(m_sidePoints.size());
+    for (const Vec2 p : m_sidePoints) m_worldSidePoints.push_back(GetTransform()(p));
+    return m_worldSidePoints;
 }
 
 Vec2 Polygon::GetNormal(Vec2 point) const {

@@ -44,6 +44,8 @@ class Polygon : public Geom {
     const LineList& GetLines() const { return m_lines; }
     const math::Vec2List& GetWorldVertices() const { return m_worldVertices; }
     const LineList& GetWorldLines() const;
+    // What is no part of the outline, but touched at like its vertices; see SidePoints.h.
+    const math::Vec2List& GetWorldSidePoints() const;
 
     const math::OBB2D& GetWorldOBB() const { return m_worldOBB; }
     const math::Vec3& GetWorldBoundingCircle() const { return m_worldBoundingCircle; }
@@ -82,10 +84,12 @@ class Polygon : public Geom {
     math::Vec2List m_vertices;
     math::Vec2List m_worldVertices;
     LineList m_lines;
-    mutable LineList m_worldLines;     // empty until asked for after a move
-    math::Vec3 m_boundingCircle;       // x, y, radius
-    math::Vec3 m_worldBoundingCircle;  // x, y, radius
-    math::OBB2D m_obb;                 // tight, local
+    mutable LineList m_worldLines;  // empty until asked for after a move
+    math::Vec2List m_sidePoints;
+    mutable math::Vec2List m_worldSidePoints;  // empty until asked for after a move
+    math::Vec3 m_boundingCircle;               // x, y, radius
+    math::Vec3 m_worldBoundingCircle;          // x, y, radius
+    math::OBB2D m_obb;                         // tight, local
     math::OBB2D m_worldOBB;
     util::SharedPtr<const DistanceMap> m_map;  // never changes; shared by copies
     math::real m_area = 0;                     // m^2, above 0

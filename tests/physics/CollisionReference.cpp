@@ -121,16 +121,22 @@ class BruteForce {
 
     void PolygonPolygon(const Polygon& a, const Polygon& b) {
         if (!ShouldCollide(a, b) || !BoundsOverlap(a, b)) return;
-        VerticesInside(a, b);
-        VerticesInside(b, a);
+        PointsInside(a, b);
+        PointsInside(b, a);
     }
 
-    void VerticesInside(const Polygon& owner, const Polygon& other) {
+    void PointsInside(const Polygon& owner, const Polygon& other) {
         uint32_t index = 0;
         for (const Vec2 v : owner.GetWorldVertices()) {
             ++index;
             if (other.GetDistance(v) < 0)
                 Add(other, owner, index, v, other.GetNormal(v), -other.GetDistance(v));
+        }
+        index = 0x80000000 + (owner.GetID() < other.GetID() ? 0 : 1);
+        for (const Vec2 v : owner.GetWorldSidePoints()) {
+            if (other.GetDistance(v) < 0)
+                Add(other, owner, index, v, other.GetNormal(v), -other.GetDistance(v));
+            index += 2;
         }
     }
 

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <limits>
+#include <set>
 
 #include "CollisionReference.h"
 #include "Shapes.h"
@@ -244,16 +245,32 @@ TEST(Collider, PolygonVerticesAreFoundInTheOther) {
     World world;
     const Polygon* const lower = world.Add(Box(-2, -1, 2, 0));
     const Polygon* const upper = world.Add(Box(-1, -0.05f, 1, 1));
-    const FoundContacts found = world.Collide();
-    ASSERT_EQ(found.size(), 2u);
-    for (const auto& contact : found) {
+    uint32_t vertices = 0;
+    for (const auto& contact : world.Collide()) {
+        if (contact.index > 4) continue;  // along the sides
+        EXPECT_EQ(contact.index, ++vertices) << "vertices are counted from 1";
         EXPECT_EQ(contact.geomA, lower->GetID()) << "the polygon the vertex lies in comes first";
         EXPECT_EQ(contact.geomB, upper->GetID());
         EXPECT_NEAR(contact.normal.y, 1, 0.01f);
         EXPECT_NEAR(contact.penetration, 0.05f, 0.01f);
     }
-    EXPECT_EQ(found[0].index, 1u) << "vertices are counted from 1";
-    EXPECT_EQ(found[1].index, 2u);
+    EXPECT_EQ(vertices, 2u);
+}
+
+// Of boxes that stand flush no vertex is in the other. Points along the sides of either are, and differ in
+// their numbers, so that each keeps its own impulses.
+TEST(Collider, FlushBoxesTouchAlongTheirSides) {
+    World world;
+    world.Add(Box(-0.5f, 0, 0.5f, 1));
+    const math::Vec2List upsideDown = {{0.5f, 2}, {-0.5f, 2}, {-0.5f, 0.999f}, {0.5f, 0.999f}};
+    world.Add(new Polygon(upsideDown));
+    std::set<uint32_t> indices;
+    for (const auto& contact : world.Collide()) {
+        if (std::fabs(contact.normal.y) < 0.99f) continue;
+        EXPECT_NEAR(contact.penetration, 0.001f, 5e-5f);
+        EXPECT_TRUE(indices.insert(contact.index).second) << contact.index;
+    }
+    EXPECT_EQ(indices.size(), 6u);
 }
 
 // ---- filter --------------------------------------------------------------------------------------------
