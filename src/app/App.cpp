@@ -108,12 +108,8 @@ void App::SetWorldToGUI(const math::TMatrix3<float>& matrix, bool animate) {
 // ---- history
 
 void App::ClearScene() {
-    Undoer::Instance().GetOnInterrupt().CallAll();
-    const SnapshotPtr before = new Snapshot(m_scene);
-    Clear();
-    m_scene.GetSettings().Set({});
+    Undoer::Instance().Do(new app::ClearScene(m_scene));
     ZoomToScene();
-    Undoer::Instance().AddRestorer(before, "UndoClear");
 }
 
 void App::TakeSnapshot() {
@@ -158,6 +154,7 @@ void App::CreateGUI() {
     gui::Focus::Place focus;
     if (previous) {
         previous->CloseDialog();  // which gives the focus back
+        previous->EndGesture();
         focus = gui::Focus::GetPlace(*previous);
         RemoveChild(previous);
     }

@@ -117,6 +117,7 @@ void AppGUI::LoadKeys() {
 
 // The history is about to put another scene in the place of this one.
 void AppGUI::BreakOff() {
+    m_app.EndGesture();
     CancelTool();
     ClosePopup();
 }

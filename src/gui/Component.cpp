@@ -68,6 +68,12 @@ void Component::Update(float dt) {
     }
 }
 
+// What ends may take its own component away.
+void Component::EndGesture() {
+    const ComponentList children = m_children;
+    for (const ComponentPtr& child : children) child->EndGesture();
+}
+
 // ---- place -------------------------------------------------------------------------------------------
 
 TMatrix3<float> Component::GetInverseTransform() const {

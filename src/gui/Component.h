@@ -102,6 +102,10 @@ class Component : public InputDelegator {
     const String& GetToolTip() const { return m_toolTip; }  // shown when the mouse rests on it
     void SetToolTip(const String& text) { m_toolTip = text; }
 
+    // It is about to go, or the scene under it is: what the user holds in it ends here, as by a release of
+    // the button beside everything. Here the children's.
+    virtual void EndGesture();
+
     const Border& GetBorder() const { return m_border; }
     void SetBorder(const Border& border);
     const TextFormat& GetTextFormat() const { return m_textFormat; }

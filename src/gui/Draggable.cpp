@@ -19,4 +19,9 @@ void Draggable::OnDragEnd(DragEvent& event) {
     Component::OnDragEnd(event);
 }
 
+void Draggable::EndGesture() {
+    m_dragging = false;
+    Component::EndGesture();
+}
+
 }  // namespace gui

@@ -13,6 +13,7 @@ class Draggable : public Component {
 
     void OnDragStart(DragEvent& event) override;
     void OnDragEnd(DragEvent& event) override;
+    void EndGesture() override;
 
     bool TakesMouse() const override { return true; }
 

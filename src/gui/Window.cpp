@@ -94,10 +94,15 @@ void Window::AddCloseButton() {
 
 void Window::Close() {
     const WindowPtr self(this);  // the parent may be its last owner
-    m_dragging = false;
+    EndGesture();
     const bool hadFocus = HasFocusInside();
     if (Component* const parent = GetParent()) parent->RemoveChild(this);
     if (hadFocus) Focus::Set(m_focusBefore);
+}
+
+void Window::EndGesture() {
+    m_dragging = false;
+    WobbleComponent::EndGesture();
 }
 
 // ---- the keyboard

@@ -24,6 +24,7 @@ class Window : public WobbleComponent {
     void OnMouseMove(MouseMoveEvent& event) override;
     void OnDragStart(DragEvent& event) override;
     void OnClick(ClickEvent& event) override;
+    void EndGesture() override;
     bool TakesMouse() const override { return true; }
     bool IsTopLevel() const override { return true; }
     const char* GetKind() const override { return "Window"; }

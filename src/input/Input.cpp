@@ -1,5 +1,6 @@
 #include "input/Input.h"
 
+#include <SDL/SDL_active.h>
 #include <SDL/SDL_events.h>
 #include <SDL/SDL_keyboard.h>
 #include <SDL/SDL_mouse.h>
@@ -9,6 +10,7 @@
 
 #include "input/EventQueue.h"
 #include "input/Key.h"
+#include "input/Sdl2.h"
 #include "logging/Log.h"
 #include "util/Clock.h"
 #include "util/Guarded.h"
@@ -25,6 +27,18 @@ constexpr int KEY_REPEAT_INTERVAL = 30;  // milliseconds
 void EnableCharacters() {
     SDL_EnableUNICODE(1);
     SDL_EnableKeyRepeat(KEY_REPEAT_DELAY, KEY_REPEAT_INTERVAL);
+}
+
+constexpr int HEARS_MOUSE = SDL_APPINPUTFOCUS | SDL_APPMOUSEFOCUS;
+
+bool IsLosingWindow(const SDL_ActiveEvent& event) {
+    return event.gain == 0 && (event.state & (SDL_APPINPUTFOCUS | SDL_APPACTIVE)) != 0;
+}
+
+// Of the mouse, as the window system tells it now, bits by SDL_BUTTON; 0 where it does not.
+uint32_t AskHeldButtons() {
+    static const auto s_ask = FindSdl2<uint32_t(int*, int*)>("SDL_GetGlobalMouseState");
+    return s_ask == nullptr ? 0 : s_ask(nullptr, nullptr);
 }
 
 const char* GetJoystickEventName(int type) {
@@ -55,6 +69,7 @@ void Input::Pump() {
     SDL_Event event;
     while (SDL_PollEvent(&event) != 0) m_queue->Push(event);  // what passes by its filter
     while (m_queue->Pop(event)) HandleEvent(event);
+    util::Guarded([&] { FindSwallowedPresses(); }, "", logging::Error);
     math::Vec2i mouse;
     SDL_GetMouseState(&mouse.x, &mouse.y);
     FinishPump(mouse);
@@ -86,6 +101,9 @@ void Input::Translate(const SDL_Event& event) {
         case SDL_KEYDOWN:
         case SDL_KEYUP:
             return HandleKey(event);
+        case SDL_ACTIVEEVENT:
+            if (IsLosingWindow(event.active)) ReleaseButtons();
+            break;
         default:
             break;
     }
@@ -102,13 +120,41 @@ void Input::HandleMouseButton(const SDL_Event& event) {
     const bool pressed = event.type == SDL_MOUSEBUTTONDOWN;
     if (pressed && button == SDL_BUTTON_WHEELUP) ++m_wheelPosition;
     if (pressed && button == SDL_BUTTON_WHEELDOWN) --m_wheelPosition;
+    m_released.reset(button);
+    SendMouseButton(button, pressed, ToGUI(math::Vec2(event.button.x, event.button.y)));
+}
+
+void Input::SendMouseButton(int button, bool pressed, math::Vec2 position) {
     m_buttons.set(button, pressed);
     m_mouseButtonDown = pressed;
     if (pressed) ++m_mousePresses;
-
     KeyEvent key = MakeKeyEvent(Key::FromMouseButton(button), 0, pressed);
-    key.m_position = ToGUI(math::Vec2(event.button.x, event.button.y));
+    key.m_position = position;
     OnKeyEvent(key);
+}
+
+void Input::ReleaseButtons() {
+    m_seenUp.reset();
+    for (int button = SDL_BUTTON_LEFT; button <= SDL_BUTTON_RIGHT; ++button) {
+        if (!m_buttons[button]) continue;
+        m_released.set(button);
+        SendMouseButton(button, false, m_mousePosition);
+    }
+}
+
+void Input::FindSwallowedPresses() {
+    if (m_released.none()) return;
+    const uint32_t held = AskHeldButtons();
+    const bool isOurs = (SDL_GetAppState() & HEARS_MOUSE) == HEARS_MOUSE;
+    for (int button = SDL_BUTTON_LEFT; button <= SDL_BUTTON_RIGHT; ++button) {
+        if (!m_released[button]) continue;
+        if ((held & SDL_BUTTON(button)) == 0) {
+            m_seenUp.set(button);
+        } else if (m_seenUp[button] && isOurs && !m_buttons[button]) {
+            util::Redraw::Request();
+            SendMouseButton(button, true, m_mousePosition);
+        }
+    }
 }
 
 void Input::HandleMotion(const SDL_Event& event) {

@@ -48,6 +48,10 @@ struct InputSettings {
 //
 // A press that a listener handled opens no gesture, nor does the wheel; other buttons than the one that
 // opened the gesture leave it alone. A failing listener costs the event, not the program.
+//
+// A window that loses the keyboard or is put away may never hear of the release: its buttons are released
+// then, where the mouse is. The library goes on believing them down and swallows the next press, for which
+// the window system itself is asked.
 class Input : public InputDelegator, public util::Singleton<Input> {
   public:
     Input();
@@ -93,14 +97,17 @@ class Input : public InputDelegator, public util::Singleton<Input> {
     void HandleMouseButton(const SDL_Event& event);
     void HandleMotion(const SDL_Event& event);
     void HandleKey(const SDL_Event& event);
+    void SendMouseButton(int button, bool pressed, math::Vec2 position);
+    void ReleaseButtons();
+    void FindSwallowedPresses();
     KeyEvent MakeKeyEvent(int key, char character, bool pressed) const;
     char WorkOutCharacter(int key) const;
 
     void AdvanceGesture(KeyEvent& event);
     void OpenGesture(const KeyEvent& event);
     void DeliverClick(KeyEvent& event);
-    void DeliverDragEnd(KeyEvent& event);
     bool StartDrag();  // whether a listener handled it
+    bool EndDrag(math::Vec2 position);
     bool ContinueDrag(math::Vec2 delta, math::Vec2 position);
     void ApplyHoldRule();
 
@@ -109,6 +116,8 @@ class Input : public InputDelegator, public util::Singleton<Input> {
     bool m_mouseButtonDown = false;  // after a press of any button, until a release of any
     uint32_t m_mousePresses = 0;
     MouseButtons m_buttons;         // down now
+    MouseButtons m_released;        // by ReleaseButtons, while the library believes them down
+    MouseButtons m_seenUp;          // of these, by the window system since
     std::map<int, bool> m_keyDown;  // by key code, mouse buttons included
     // The library's, as of the event being handled: the library itself tells the state behind the last event
     // in its queue, in which a quick shortcut is over already.

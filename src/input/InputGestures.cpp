@@ -27,7 +27,7 @@ void Input::AdvanceGesture(KeyEvent& event) {
         if (m_gesture == Gesture::Pressed)
             DeliverClick(event);
         else if (m_gesture == Gesture::Dragging)
-            DeliverDragEnd(event);
+            event.m_handled = EndDrag(event.m_position);
     }
 }
 
@@ -48,14 +48,14 @@ void Input::DeliverClick(KeyEvent& event) {
     event.m_handled = click.m_handled;
 }
 
-void Input::DeliverDragEnd(KeyEvent& event) {
+bool Input::EndDrag(math::Vec2 position) {
     m_gesture = Gesture::Idle;
     DragEvent end;
     end.m_start = m_pressPosition;
-    end.m_position = event.m_position;
+    end.m_position = position;
     end.m_key = m_pressKey;
     OnDragEnd(end);
-    event.m_handled = end.m_handled;
+    return end.m_handled;
 }
 
 bool Input::StartDrag() {
@@ -93,9 +93,14 @@ void Input::OnMouseMove(MouseMoveEvent& event) {
 }
 
 void Input::ApplyHoldRule() {
-    if (m_gesture != Gesture::Pressed) return;
+    if (m_gesture == Gesture::Idle) return;
+    const bool isUp = !IsKeyDown(m_pressKey);  // a listener took the release
+    if (m_gesture == Gesture::Dragging) {
+        if (isUp) EndDrag(m_mousePosition);
+        return;
+    }
     if (!(util::Clock::Now() - m_pressTime > m_settings.m_clickTimeTolerance)) return;
-    if (!IsKeyDown(m_pressKey)) {  // a listener took the release
+    if (isUp) {
         m_gesture = Gesture::Idle;
         return;
     }

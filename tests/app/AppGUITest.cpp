@@ -384,6 +384,20 @@ TEST_F(AppGUISaveTest, ASceneIsSavedBackToItsFile) {
     }
 }
 
+TEST_F(AppGUISaveTest, UndoGivesTheNameOfTheSceneBackThatANewOneReplaced) {
+    AddCircle({0, 0});
+    EXPECT_TRUE(GUI().SaveSceneAs("mine.vxa", false));
+    EXPECT_TRUE(Key('n', true));
+    EXPECT_EQ(Scene().GetName(), "");
+    EXPECT_TRUE(GUI().SaveSceneAs("second.vxa", false));
+    Key('z', true);
+    EXPECT_EQ(Scene().GetName(), "mine.vxa");
+    EXPECT_EQ(Entities().size(), 1u);
+    Key('y', true);
+    EXPECT_EQ(Scene().GetName(), "second.vxa");
+    EXPECT_TRUE(Entities().empty());
+}
+
 TEST_F(AppGUISaveTest, FailingAutosaveDoesNotStopTheProgram) {
     test::LogCapture log(logging::Error);
     util::FileSystem::Instance().SetWorkDir("/proc/");

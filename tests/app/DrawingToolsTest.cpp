@@ -254,6 +254,23 @@ TEST_F(DragToolTest, PullsAShapeToTheMouseAndBringsTheWorldBack) {
     EXPECT_NEAR(PlaceOf(box).y, 0, 1e-5);
 }
 
+// The pull so far becomes a step, behind which there is nothing to redo.
+TEST_F(DragToolTest, ARedoWhileItPullsOnlyEndsThePull) {
+    AddBox({0, 0});
+    physics::Simulation::Instance().m_running->Set(true);
+    App().ClearScene();
+    Undoer::Instance().Undo();
+    ASSERT_EQ(Undoer::Instance().GetRedoCount(), 1u);
+    GUI().SelectTool("drag");
+    MoveMouse({0, 0});
+    EXPECT_TRUE(Press({0, 0}, Key::LeftMouse));
+    Run(5);
+    Undoer::Instance().Redo();
+    EXPECT_EQ(UndoName(), "UndoDrag");
+    EXPECT_EQ(Entities().size(), 1u);
+    EXPECT_TRUE(physics::Simulation::Instance().GetHinges().empty());
+}
+
 TEST_F(DragToolTest, LeavesNoStepWhenTheWorldStandsStill) {
     physics::Simulation::Instance().m_running->Set(false);
     AddBox({0, 0});

@@ -109,6 +109,24 @@ TEST_F(EntityPopupTest, ChangesTheMaterialOfAllAndUndoesItAtOnce) {
     EXPECT_EQ(Shape(circle).m_friction->Get(), 0.5f);
 }
 
+TEST_F(EntityPopupTest, AnUndoWhileASliderIsHeldUndoesWhatItHasDone) {
+    const EntityPtr box = AddBox({0, 0});
+    Click({0, 0}, Key::RightMouse);
+    PressButton("GeomMenuButton");
+    const auto friction = util::DynamicCast<gui::Slider>(FindWidget("Friction"));
+    gui::KeyEvent press;
+    press.m_key = Key::LeftMouse;
+    press.m_pressed = true;
+    press.m_position = friction->ToGUI(friction->GetSize() * 0.75f);
+    friction->OnKeyEvent(press);
+    EXPECT_GT(Shape(box).m_friction->Get(), 0.7f);
+    Key('z', true);
+    EXPECT_EQ(Shape(box).m_friction->Get(), 0.5f);
+    EXPECT_FALSE(friction->IsDragging());
+    Key('y', true);
+    EXPECT_GT(Shape(box).m_friction->Get(), 0.7f);
+}
+
 TEST_F(EntityPopupTest, ShowsMixedStatesAndMakesThemOne) {
     const EntityPtr box = AddBox({0, 0}), circle = AddCircle({3, 0});
     Shape(box).m_collideSet->Set(3);

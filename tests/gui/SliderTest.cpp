@@ -7,6 +7,7 @@
 
 #include "Events.h"
 #include "gui/Focus.h"
+#include "gui/Window.h"
 #include "gui/components/LabeledSlider.h"
 
 namespace {
@@ -109,6 +110,19 @@ TEST_F(SliderInputTest, LeftButtonTakesTheKnobAlong) {
     handled.m_handled = true;
     Send(*m_slider, handled);
     EXPECT_EQ(m_calls, "");
+}
+
+TEST_F(SliderInputTest, AWindowThatClosesMeanwhileEndsTheDrag) {
+    const gui::WindowPtr window = new gui::Window("window");
+    window->AddChild(m_slider);
+    const gui::ComponentPtr desk = new gui::Component;
+    desk->AddChild(window);
+    Send(*m_slider, test::Press(gui::Key::LeftMouse, m_slider->ToGUI({55, 10})));
+    window->Close();
+    window->Close();
+    EXPECT_EQ(m_calls, "sce");
+    Move({5, 5});
+    EXPECT_EQ(m_calls, "sce");
 }
 
 TEST_F(SliderInputTest, MiddleButtonBringsTheDefault) {

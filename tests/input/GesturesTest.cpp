@@ -88,6 +88,40 @@ TEST_F(GesturesTest, AHandledReleaseEndsTheWaitingGestureByTime) {
     EXPECT_EQ(TakeCalls().back(), "click (5,5) 324 x1");
 }
 
+TEST_F(GesturesTest, AHandledReleaseEndsTheDragAtTheNextFrame) {
+    Mouse(true, 1, 0, 0);
+    MoveMouse(9, 0, 9, 0);
+    m_listener->m_takes = true;
+    Mouse(false, 1, 9, 0);
+    m_listener->m_takes = false;
+    TakeCalls();
+    Wait(0, 12, 0);
+    EXPECT_EQ(TakeCalls(), Calls{"end (0,0) d(0,0) at (12,0) 324"});
+    MoveMouse(50, 0, 38, 0);
+    EXPECT_EQ(TakeCalls(), Calls{"move"});
+}
+
+// The release may happen over another program, which is never told here.
+TEST_F(GesturesTest, AWindowThatLosesTheKeyboardOrIsPutAwayEndsWhatIsHeld) {
+    for (const int state : {SDL_APPINPUTFOCUS, SDL_APPACTIVE, SDL_APPINPUTFOCUS | SDL_APPMOUSEFOCUS}) {
+        Mouse(true, 1, 10, 20);
+        MoveMouse(20, 20, 10, 0);
+        Wait(0, 20, 20);
+        TakeCalls();
+        TellActive(false, state);
+        EXPECT_EQ(TakeCalls(), (Calls{"release 324", "end (10,20) d(0,0) at (20,20) 324", "other"})) << state;
+        MoveMouse(50, 50, 30, 30);
+        Mouse(false, 1, 50, 50);  // comes late
+        EXPECT_EQ(TakeCalls(), (Calls{"move", "release 324"})) << state;
+    }
+    Mouse(true, 3, 10, 20);
+    MoveMouse(20, 20, 10, 0);
+    TakeCalls();
+    TellActive(false, SDL_APPMOUSEFOCUS);  // the mouse may well leave the window meanwhile
+    TellActive(true, SDL_APPINPUTFOCUS);
+    EXPECT_EQ(TakeCalls(), (Calls{"other", "other"}));
+}
+
 TEST_F(GesturesTest, AHandledMoveDoesNotDrag) {
     Mouse(true, 1, 0, 0);
     m_listener->m_takes = true;

@@ -77,6 +77,14 @@ void InputTest::Key(bool pressed, int key, int unicode) {
     m_input.HandleEvent(event);
 }
 
+void InputTest::TellActive(bool gain, int state) {
+    SDL_Event event{};
+    event.type = SDL_ACTIVEEVENT;
+    event.active.gain = gain ? 1 : 0;
+    event.active.state = static_cast<Uint8>(state);
+    m_input.HandleEvent(event);
+}
+
 void InputTest::SetModifiers(int state) {
     SDL_SetModState(static_cast<SDLMod>(state));
     const math::Vec2 pixels = m_input.GetMousePosition() * m_input.GetSettings().m_scale;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <SDL/SDL_active.h>
 #include <SDL/SDL_events.h>
 #include <SDL/SDL_keyboard.h>
 #include <gtest/gtest.h>
@@ -52,7 +53,8 @@ class InputTest : public testing::Test {
     void Mouse(bool pressed, int button, int x, int y);
     void MoveMouse(int x, int y, int dx = 0, int dy = 0);
     void Key(bool pressed, int key, int unicode = 0);
-    void SetModifiers(int state);  // as the library tells them
+    void TellActive(bool gain, int state);  // SDL_APP...
+    void SetModifiers(int state);           // as the library tells them
     void Tap(int key, int unicode = 0);
     // One empty frame `seconds` later, the mouse standing at x, y.
     void Wait(double seconds, int x, int y);

@@ -25,8 +25,7 @@ static void BuildMapsAhead(const Scene& scene) {
 }
 
 SceneLoader::SceneLoader(Scene& scene, View& view, const String& filename, bool import)
-    : Action(import ? "UndoImportScene" : "UndoLoadScene"),
-      m_scene(scene),
+    : SceneExchange(import ? "UndoImportScene" : "UndoLoadScene", scene),
       m_view(view),
       m_import(import),
       m_filename(filename) {}
@@ -72,22 +71,12 @@ bool SceneLoader::Read() {
     return static_cast<bool>(m_code);
 }
 
-void SceneLoader::Undo() {
-    m_loaded = new Snapshot(m_scene);
-    m_nameLoaded = m_scene.GetName();
-    m_snapshot->Restore();
-    m_scene.SetName(m_nameBefore);
-}
-
 void SceneLoader::Redo() {
-    m_loaded->Restore();
+    SceneExchange::Redo();
     if (!m_import) physics::Simulation::Instance().m_running->SetValue(script::ValueToObject(false));
-    m_scene.SetName(m_nameLoaded);
 }
 
-void SceneLoader::Do() {
-    m_nameBefore = m_scene.GetName();
-    m_snapshot = new Snapshot(m_scene);
+void SceneLoader::Exchange() {
     if (!m_import) {
         m_scene.Clear();
         physics::Simulation::Instance().m_running->SetValue(script::ValueToObject(false));

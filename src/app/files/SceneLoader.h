@@ -8,7 +8,7 @@ namespace app {
 // Loads a scene, or imports one into the present scene, as a step of the history. A load always stops the
 // simulation. Undo brings back the previous scene with the same entities, and redo what the
 // load had made: the file is read once.
-class SceneLoader : public Action {
+class SceneLoader : public SceneExchange {
   public:
     // Does it. `filename` without a slash or backslash stands for one in Scenes/. False when the file is not
     // there, or cannot be read or parsed: that is logged, and scene and history stay as they are.
@@ -23,21 +23,16 @@ class SceneLoader : public Action {
 
     SceneLoader(Scene& scene, View& view, const String& filename, bool import);
 
-    void Do() override;
-    void Undo() override;
     void Redo() override;
 
   private:
     bool Read();
+    void Exchange() override;
 
-    Scene& m_scene;
     View& m_view;
     bool m_import;  // joins the present scene instead of replacing it
     String m_filename;
     script::CodeBlockPtr m_code;  // read and not yet used; null before and after
-    SnapshotPtr m_snapshot;       // of the scene before
-    SnapshotPtr m_loaded;         // of what the load made; null until it is undone
-    String m_nameBefore, m_nameLoaded;
 };
 
 }  // namespace app

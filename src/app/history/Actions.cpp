@@ -5,6 +5,29 @@
 
 namespace app {
 
+void SceneExchange::Do() {
+    m_nameBefore = m_scene.GetName();
+    m_before = new Snapshot(m_scene);
+    Exchange();
+}
+
+void SceneExchange::Undo() {
+    m_after = new Snapshot(m_scene);
+    m_nameAfter = m_scene.GetName();
+    m_before->Restore();
+    m_scene.SetName(m_nameBefore);
+}
+
+void SceneExchange::Redo() {
+    m_after->Restore();
+    m_scene.SetName(m_nameAfter);
+}
+
+void ClearScene::Exchange() {
+    m_scene.Clear();
+    m_scene.GetSettings().Set({});
+}
+
 void EraseEntities::Do() {
     m_snapshot = new Snapshot(m_scene);
     for (const EntityPtr& entity : m_entities) m_scene.RemoveEntity(entity);

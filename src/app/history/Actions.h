@@ -56,6 +56,36 @@ class SnapshotRestorer : public Action {
     SnapshotPtr m_after;
 };
 
+// Puts another scene in the place of this one. The name goes with it; what the new scene has been called
+// meanwhile comes back by redo.
+class SceneExchange : public Action {
+  public:
+    SceneExchange(const char* name, Scene& scene) : Action(name), m_scene(scene) {}
+
+    void Do() override;
+    void Undo() override;
+    void Redo() override;
+
+  protected:
+    virtual void Exchange() = 0;
+
+    Scene& m_scene;
+
+  private:
+    SnapshotPtr m_before;
+    SnapshotPtr m_after;  // null until it is undone
+    String m_nameBefore, m_nameAfter;
+};
+
+// An empty scene without settings of its own.
+class ClearScene : public SceneExchange {
+  public:
+    explicit ClearScene(Scene& scene) : SceneExchange("UndoClear", scene) {}
+
+  private:
+    void Exchange() override;
+};
+
 // Removes entities. What the joints beside them make of it depends on where everything is at that moment, so
 // a redo brings back what the erasure left. Undoing a redo goes back to the moment before it.
 class EraseEntities : public Action {

@@ -27,8 +27,8 @@ void Undoer::Do(const ActionPtr& action) {
 
 // The action changes stacks before it runs: should restoring fail, a step back repairs what it left.
 void Undoer::Undo() {
+    m_onInterrupt.CallAll();  // what is broken off may have become a step
     if (m_undo.empty()) return;
-    m_onInterrupt.CallAll();
     const ActionPtr action = m_undo.back();
     m_undo.pop_back();
     m_redo.push_back(action);
@@ -40,6 +40,7 @@ void Undoer::Undo() {
 void Undoer::Redo() {
     if (m_redo.empty()) return;
     m_onInterrupt.CallAll();
+    if (m_redo.empty()) return;  // what was broken off has become a step, behind which there is nothing
     const ActionPtr action = m_redo.back();
     m_redo.pop_back();
     m_undo.push_back(action);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <boost/algorithm/string/predicate.hpp>
 #include <ctime>
 
 #include "app/Language.h"
@@ -14,6 +15,7 @@
 #include "gui/components/Images.h"
 #include "rendering/TextureManager.h"
 #include "util/Encoding.h"
+#include "util/FileNames.h"
 #include "util/FileSystem.h"
 
 namespace app {
@@ -62,6 +64,14 @@ static String GetTitleKey(const String& file) {
     return "Scene_" + StripSceneEnding(file);
 }
 
+// Of what the program saves for itself; of several programs each has its own autosave.
+static String GetOwnTitle(const String& file) {
+    if (file == ONEXIT_SCENE) return Translate("SceneLastSession");
+    const String stem = StripSceneEnding(AUTOSAVE_SCENE);
+    if (!boost::algorithm::starts_with(file, stem)) return String();
+    return Translate("SceneAutosaved") + StripSceneEnding(file).substr(stem.size());
+}
+
 bool HasSceneTitle(const String& file) {
     return Language::Instance().Has(GetTitleKey(file));
 }
@@ -69,7 +79,9 @@ bool HasSceneTitle(const String& file) {
 String GetSceneTitle(const String& file) {
     constexpr size_t MAX_TITLE = 40;  // characters
     if (HasSceneTitle(file)) return Language::Instance().Get(GetTitleKey(file));
-    String title = util::Latin1FromUtf8(StripSceneEnding(file));
+    String title = GetOwnTitle(file);
+    if (!title.empty()) return title;
+    title = util::Latin1FromUtf8(StripSceneEnding(file));
     for (char& c : title) {
         if (static_cast<unsigned char>(c) < ' ') c = '?';  // a file's name may hold line ends
     }

@@ -44,6 +44,11 @@ void AbstractButton::HandleLeftButton(KeyEvent& event) {
     if (!event.m_pressed) OnPressed();
 }
 
+void AbstractButton::EndGesture() {
+    m_pressed = false;
+    Component::EndGesture();
+}
+
 void AbstractButton::OnPressed() {
     m_onPress.CallAll();
 }

@@ -11,6 +11,7 @@ class AbstractButton : public Component {
     explicit AbstractButton(const String& name = "AbstractButton") : Component(name) {}
 
     void OnKeyEvent(KeyEvent& event) override;
+    void EndGesture() override;
     bool TakesMouse() const override { return true; }
     bool CanFocus() const override { return m_enabled; }
     const char* GetKind() const override { return "Button"; }

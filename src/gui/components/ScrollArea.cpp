@@ -116,6 +116,11 @@ void ScrollArea::OnKeyEvent(KeyEvent& event) {
     }
 }
 
+void ScrollArea::EndGesture() {
+    m_dragging = false;
+    Component::EndGesture();
+}
+
 bool ScrollArea::HandlePress(const KeyEvent& event) {
     const Component* const focused = Focus::Get();
     const bool hasFocus = focused != nullptr && focused->IsInside(*this);

@@ -25,6 +25,7 @@ class ScrollArea : public Component {
     void DrawChildren() override;
     void OnKeyEvent(KeyEvent& event) override;
     void OnMouseMove(MouseMoveEvent& event) override;
+    void EndGesture() override;
     Component* FindAt(math::Vec2 place) override;
     bool TakesMouse() const override { return true; }
     bool CanFocus() const override;  // for the arrows, where nothing inside could lead them

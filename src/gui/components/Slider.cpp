@@ -123,8 +123,7 @@ script::ObjectPtr Slider::GetState() const {
 void Slider::OnKeyEvent(KeyEvent& event) {
     Component::OnKeyEvent(event);
     if (event.m_key == Key::LeftMouse && !event.m_pressed && m_dragging) {
-        m_dragging = false;
-        FireDragEnd();
+        EndDrag();
         event.m_handled = true;
     } else if (!event.m_pressed && event.m_key == m_heldArrow) {
         EndHeldArrow();
@@ -160,6 +159,12 @@ bool Slider::HandleFocusKey(const KeyEvent& event) {
     return true;
 }
 
+void Slider::EndDrag() {
+    if (!m_dragging) return;
+    m_dragging = false;
+    FireDragEnd();
+}
+
 void Slider::EndHeldArrow() {
     if (m_heldArrow == 0) return;
     m_heldArrow = 0;
@@ -168,6 +173,12 @@ void Slider::EndHeldArrow() {
 
 void Slider::OnFocus(bool) {
     EndHeldArrow();
+}
+
+void Slider::EndGesture() {
+    EndDrag();
+    EndHeldArrow();
+    Component::EndGesture();
 }
 
 void Slider::ChangeAsUser(double value) {

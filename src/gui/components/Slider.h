@@ -40,6 +40,7 @@ class Slider : public Component {
     void OnKeyEvent(KeyEvent& event) override;
     void OnMouseMove(MouseMoveEvent& event) override;
     void OnFocus(bool focused) override;
+    void EndGesture() override;
     void DrawComp() override;
     bool TakesMouse() const override { return true; }
     bool CanFocus() const override { return true; }
@@ -49,6 +50,7 @@ class Slider : public Component {
   private:
     bool HandlePress(const KeyEvent& event);
     bool HandleFocusKey(const KeyEvent& event);
+    void EndDrag();
     void EndHeldArrow();
     void ChangeAsUser(double value);
     double GetFraction(double value) const;
