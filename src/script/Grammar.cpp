@@ -1,5 +1,6 @@
 #include "script/Grammar.h"
 
+#include <algorithm>
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/lexical_cast.hpp>
 #include <limits>
@@ -7,7 +8,6 @@
 
 #include "script/Exceptions.h"
 #include "script/Limits.h"
-#include "script/Parser.h"
 
 namespace script {
 
@@ -144,9 +144,20 @@ class Grammar::Splitter {
 
 // ---- tokens ------------------------------------------------------------------------------------------
 
-Grammar::Grammar(const TokenList& tokens)
-    : m_tokenBegin(tokens.begin()), m_tokenEnd(tokens.end()), m_steps(MAX_PARSE_STEPS) {
+Grammar::Grammar(const TokenList& tokens, Parser::OnProgress onProgress)
+    : m_tokenBegin(tokens.begin()),
+      m_tokenEnd(tokens.end()),
+      m_steps(MAX_PARSE_STEPS),
+      m_onProgress(std::move(onProgress)),
+      m_nextTold(m_onProgress ? m_tokenBegin : m_tokenEnd) {
     MatchParentheses();
+}
+
+void Grammar::TellProgress(TokenIt it) {
+    constexpr std::ptrdiff_t INTERVAL = 4096;  // tokens
+    if (it < m_nextTold || m_nextTold == m_tokenEnd) return;
+    m_onProgress(static_cast<size_t>(it - m_tokenBegin), static_cast<size_t>(m_tokenEnd - m_tokenBegin));
+    m_nextTold = it + std::min(INTERVAL, m_tokenEnd - it);
 }
 
 // In one pass for all of them: a scan at each "(" would cost the square of the nesting.
@@ -230,6 +241,7 @@ void Grammar::ParseExpressionList(CodeBlock& list, const ScopePtr& scope, TokenI
 
 ExpressionPtr Grammar::ParseExpression(const ScopePtr& scope, TokenIt& it) {
     const NestingGuard guard;
+    TellProgress(it);
     if (it == m_tokenEnd) THROW(ParseException, "Unexpected end of expression");
     if (IsSymbol(it, INFIX)) return ParseInfixDeclaration(scope, it);
     const TokenIt begin = it;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "script/Expressions.h"
+#include "script/Parser.h"
 #include "script/Scopes.h"
 #include "script/Tokenizer.h"
 
@@ -17,7 +18,7 @@ namespace script {
 //                | [ "(" names ")" "=>" ] "{" statements "}"
 class Grammar {
   public:
-    explicit Grammar(const TokenList& tokens);
+    explicit Grammar(const TokenList& tokens, Parser::OnProgress onProgress = nullptr);
 
     // Raises ParseException and ScriptException. `place` is then where the failure was noticed; otherwise it
     // is left alone.
@@ -52,11 +53,14 @@ class Grammar {
     void Expect(const char* symbol, TokenIt& it) const;
     SourcePlace GetPlace(TokenIt it) const;
     void MatchParentheses();
+    void TellProgress(TokenIt it);
 
     const TokenIt m_tokenBegin;
     const TokenIt m_tokenEnd;
-    std::vector<uint32_t> m_closing;  // for each token that is a "(", the index of its ")"; otherwise 0
-    int64_t m_steps;                  // comparisons left
+    std::vector<uint32_t> m_closing;        // for each token that is a "(", the index of its ")"; otherwise 0
+    int64_t m_steps;                        // comparisons left
+    const Parser::OnProgress m_onProgress;  // may be empty
+    TokenIt m_nextTold;
 };
 
 }  // namespace script

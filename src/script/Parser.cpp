@@ -89,10 +89,10 @@ void Parser::ReportError(const String& text, const SourcePlace& place) const {
     }
 }
 
-CodeBlockPtr Parser::Parse(const TokenList& tokens, const ScopePtr& scope) {
+CodeBlockPtr Parser::Parse(const TokenList& tokens, const ScopePtr& scope, const OnProgress& onProgress) {
     SourcePlace place;
     try {
-        return Grammar(tokens).Parse(scope, place);
+        return Grammar(tokens, onProgress).Parse(scope, place);
     } catch (const std::exception& e) {
         LogException(e, WHERE);
         ReportError(String("Parse error: ") + e.what(), place);
@@ -123,7 +123,7 @@ static void CutToWholeStatements(TokenList& tokens, size_t most) {
 }
 
 CodeBlockPtr Parser::ParseOrReport(const String& text, size_t& numTokens, const ScopePtr& scope,
-                                   size_t maxTokens) {
+                                   size_t maxTokens, const OnProgress& onProgress) {
     numTokens = 0;
     SourcePlace place;
     try {
@@ -134,7 +134,7 @@ CodeBlockPtr Parser::ParseOrReport(const String& text, size_t& numTokens, const 
             ReportError("The text is too long: the rest of it is left out", tokens.back().place);
         }
         numTokens = tokens.size();
-        return Parse(tokens, scope);
+        return Parse(tokens, scope, onProgress);
     } catch (const TokenException& e) {
         LogException(e, WHERE);
         BeginFailures(place.text);
@@ -147,9 +147,10 @@ CodeBlockPtr Parser::ParseOrReport(const String& text, size_t& numTokens) {
     return ParseOrReport(text, numTokens, m_rootScope, SIZE_MAX);
 }
 
-CodeBlockPtr Parser::ParseGuest(const String& text) {
+CodeBlockPtr Parser::ParseGuest(const String& text, const OnProgress& onProgress) {
     size_t numTokens;
-    return ParseOrReport(text, numTokens, new Scope("[guest scope]", m_rootScope), MAX_GUEST_TOKENS);
+    const ScopePtr scope = new Scope("[guest scope]", m_rootScope);
+    return ParseOrReport(text, numTokens, scope, MAX_GUEST_TOKENS, onProgress);
 }
 
 ClosurePtr Parser::MakeGuestClosure(Guest& guest, const String& name) const {

@@ -21,6 +21,7 @@ namespace script {
 class Parser : public util::Pointee, public util::Singleton<Parser> {
   public:
     using OnError = std::function<void(const String&)>;
+    using OnProgress = std::function<void(size_t done, size_t all)>;  // tokens; called now and then
     using KeyBinderFactory = std::function<ReflectedPtr()>;
 
     Parser();
@@ -34,7 +35,7 @@ class Parser : public util::Pointee, public util::Singleton<Parser> {
     CodeBlockPtr Parse(const String& text);  // a TokenException leaves
     // For a text from elsewhere, whose operators are its own (Guest.h). Nothing leaves; of a text of more
     // than MAX_GUEST_TOKENS the statements that fit are taken.
-    CodeBlockPtr ParseGuest(const String& text);
+    CodeBlockPtr ParseGuest(const String& text, const OnProgress& onProgress = nullptr);
     // An empty closure under the root, of this guest.
     ClosurePtr MakeGuestClosure(Guest& guest, const String& name) const;
 
@@ -77,9 +78,10 @@ class Parser : public util::Pointee, public util::Singleton<Parser> {
 
   private:
     ObjectPtr Execute(const ExpressionPtr& expression, size_t numTokens);
-    CodeBlockPtr Parse(const TokenList& tokens, const ScopePtr& scope);
-    CodeBlockPtr ParseOrReport(const String& text, size_t& numTokens, const ScopePtr& scope,
-                               size_t maxTokens);
+    CodeBlockPtr Parse(const TokenList& tokens, const ScopePtr& scope,
+                       const OnProgress& onProgress = nullptr);
+    CodeBlockPtr ParseOrReport(const String& text, size_t& numTokens, const ScopePtr& scope, size_t maxTokens,
+                               const OnProgress& onProgress = nullptr);
     CodeBlockPtr ParseOrReport(const String& text, size_t& numTokens);
     void ReportError(const String& text, const SourcePlace& place = {}) const;
     void AttachKeyBinder();

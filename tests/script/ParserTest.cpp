@@ -1,5 +1,7 @@
 #include "script/Parser.h"
 
+#include <algorithm>
+
 #include "ScriptFixture.h"
 #include "script/Exceptions.h"
 #include "util/FileSystem.h"
@@ -174,6 +176,22 @@ TEST_F(Parsing, SavedRootLoads) {
     EXPECT_EQ(m_parser.GetRootCode(), code);
     EXPECT_FALSE(m_parser.SaveRootCode("no such folder/saved.cfg"));
     EXPECT_TRUE(m_log.Contains("!! ERROR: Failed saving no such folder/saved.cfg"));
+}
+
+// Within one long list, too.
+TEST_F(Parsing, ALongTextTellsHowFarItIs) {
+    String text = "v = [";
+    for (int i = 0; i < 20000; ++i) text += "1, ";
+    std::vector<size_t> told;
+    const CodeBlockPtr code = m_parser.ParseGuest(text + "2]", [&told](size_t done, size_t all) {
+        EXPECT_LT(done, all);
+        EXPECT_EQ(all, 40005u);  // tokens
+        told.push_back(done);
+    });
+    EXPECT_TRUE(code);
+    EXPECT_GT(told.size(), 5u);
+    EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
+    EXPECT_GT(told.back(), 30000u);
 }
 
 // ---- completion --------------------------------------------------------------------------------------

@@ -15,6 +15,7 @@
 namespace app {
 
 constexpr size_t LONG_TEXT = 500000;  // bytes that take some time
+constexpr double PARSING_SHARE = 50;  // % of the work
 
 // Of the shapes that are about to be drawn.
 static void BuildMapsAhead(const Scene& scene) {
@@ -62,7 +63,10 @@ bool SceneLoader::Read() {
     try {
         const String text = files.ReadFile(path);
         if (text.size() > LONG_TEXT) m_scene.SetLoadedPart(0);  // before its words are understood
-        m_code = Serializer::Parse(text);
+        m_code = Serializer::Parse(text, [this](double part) {
+            const int percent = static_cast<int>(part * PARSING_SHARE);
+            if (m_scene.GetLoadedPart() < percent) m_scene.SetLoadedPart(percent);
+        });
     } catch (const std::exception& e) {
         LogException(e, WHERE);
         Log(logging::Warning, "Could not read " + path + ": " + e.what());

@@ -107,7 +107,8 @@ void SceneReader::TellProgress() {
     constexpr double PATIENCE = 0.3, INTERVAL = 0.1;  // s
     ++m_steps;
     const double now = util::Clock::Now();
-    if (now < m_begin + PATIENCE || now < m_lastTold + INTERVAL) return;
+    const bool isTold = m_scene.GetLoadedPart() < 100;  // the parsing was, already
+    if ((!isTold && now < m_begin + PATIENCE) || now < m_lastTold + INTERVAL) return;
     m_lastTold = now;
     // The parsing of the text was about half of the work.
     m_scene.SetLoadedPart(static_cast<int>(50 + std::min<size_t>(49 * m_steps / m_allSteps, 49)));

@@ -134,8 +134,10 @@ script::CodeBlockPtr Serializer::Serialize(const Scene& scene) {
     return code;
 }
 
-script::CodeBlockPtr Serializer::Parse(const String& text) {
-    return script::Parser::Instance().ParseGuest(text);
+script::CodeBlockPtr Serializer::Parse(const String& text, const std::function<void(double)>& onProgress) {
+    if (!onProgress) return script::Parser::Instance().ParseGuest(text);
+    const auto tell = [&](size_t done, size_t all) { onProgress(double(done) / double(all)); };
+    return script::Parser::Instance().ParseGuest(text, tell);
 }
 
 void Serializer::Deserialize(Scene& scene, const script::CodeBlockPtr& code, bool import) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include "app/Fwd.h"
@@ -26,8 +27,9 @@ class Serializer {
     static script::ExpressionPtr MakeFirstStatement();
 
     // The statements of a scene's text. Null, and the reason told to the user, for a text that is not of
-    // the language. Raises nothing.
-    static script::CodeBlockPtr Parse(const String& text);
+    // the language. Raises nothing. A long text's progress goes from 0 to 1.
+    static script::CodeBlockPtr Parse(const String& text,
+                                      const std::function<void(double)>& onProgress = nullptr);
 
     // Adds the entities of a file to the scene. Raises nothing: what fails is logged and left out. The file's
     // settings of the world come to hold unless it is imported, that is, read besides what is there.
