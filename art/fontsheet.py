@@ -1,6 +1,6 @@
 """The font sheets: 16 by 16 cells of 16 by 16 pixels, one byte a pixel, and the table of advances; and the same
-glyphs at one and a half times, twice and three times the size for screens of high density, set by the advances of the
-small ones.
+glyphs at one and a half times, twice and three times the size for screens of high density, with advances of their own:
+small letters are hinted far from their true widths.
 
 Glyph g lies in column g % 16 and row g / 16, row 0 at the top of the file. The text is ISO 8859-1, so a byte is the
 Unicode character of the same number; control characters are empty cells with the advance of a blank.
@@ -32,40 +32,39 @@ def advance_of(font, code):
     return round(font.getlength(" " if code in CONTROLS else chr(code)))
 
 
-def draw_glyph(font, code, scale, advance):
-    """One cell and the advance of its glyph in pixels, `advance` unless the ink needs more. Ink left of the pen would
-    be cut off, so such a glyph moves right. What hinting made wider or narrower than `advance` is shared out."""
+def draw_glyph(font, code, scale):
+    """One cell and the advance of its glyph in pixels. Ink left of the pen would be cut off, so such a glyph moves
+    right, and takes the room."""
     side = round(CELL * scale)
+    advance = advance_of(font, code)
     cell = Image.new("L", (side, side), 0)
     if code in CONTROLS:
         return cell, advance
     left, top, right, bottom = font.getbbox(chr(code), anchor="ls")
-    shift = max((advance - advance_of(font, code)) // 2, -left)
+    shift = max(0, -left)
     baseline = int(BASELINE * scale)
     if baseline + top < 0 or baseline + bottom > side or right + shift > side:
         raise ValueError("glyph %d does not fit its cell" % code)
     ImageDraw.Draw(cell).text((shift, baseline), chr(code), font=font, fill=255, anchor="ls")
-    return cell, max(advance, right + shift if shift > 0 and left < 0 else 0)
+    return cell, max(advance, right + shift if shift > 0 else 0)
 
 
-def draw_sheet(font, scale, advances):
-    """The bytes of a sheet and the advances that its glyphs take."""
+def draw_sheet(scale):
+    """The bytes of a sheet and of its advances."""
+    font = load_font(scale)
     side = round(CELL * scale)
     sheet = Image.new("L", (16 * side, 16 * side), 0)
-    taken = []
+    advances = []
     for code in range(256):
-        cell, advance = draw_glyph(font, code, scale, advances[code])
+        cell, advance = draw_glyph(font, code, scale)
         sheet.paste(cell, (code % 16 * side, code // 16 * side))
-        taken.append(advance)
-    return sheet.tobytes(), taken
+        advances.append(advance)
+    return sheet.tobytes(), bytes(advances)
 
 
 def build():
-    """Returns the files by their endings: the sheet, the table of advances, the larger sheets."""
-    font = load_font(1)
-    sheet, advances = draw_sheet(font, 1, [advance_of(font, code) for code in range(256)])
-    files = {".raw": sheet, ".dat": bytes(advances)}
-    for ending, scale in SCALES.items():
-        larger = [round(scale * advance) for advance in advances]
-        files[ending + ".raw"], _ = draw_sheet(load_font(scale), scale, larger)
+    """Returns the files by their endings: sheets and tables of advances."""
+    files = {}
+    for ending, scale in {"": 1, **SCALES}.items():
+        files[ending + ".raw"], files[ending + ".dat"] = draw_sheet(scale)
     return files

@@ -8,6 +8,7 @@
 #include "app/tools/EntityOperations.h"
 #include "app/tools/Tool.h"
 #include "gui/Focus.h"
+#include "gui/Font.h"
 #include "input/Key.h"
 #include "physics/Simulation.h"
 #include "util/Assert.h"
@@ -66,7 +67,7 @@ void App::Update(float dt) {
     PROFILE_SECTION("App::Update");
     try {
         m_view.Update();
-        if (m_rebuildsGUI) CreateGUI();
+        if (m_rebuildsGUI || m_textScale != gui::Font::GetPixelsPerUnit()) CreateGUI();
         Component::Update(dt);
         if (m_appGUI) m_autosave.Update(m_autosaveTime->Get());
         if (dt > 0) PanByKeys(dt);
@@ -150,6 +151,7 @@ void App::CreateGUI() {
     const String language = m_language->Get();
     if (Language::Instance().GetName() != language) Language::Instance().Load(language);
     m_rebuildsGUI = false;
+    m_textScale = gui::Font::GetPixelsPerUnit();
     const AppGUIPtr previous = m_appGUI;
     gui::Focus::Place focus;
     if (previous) {

@@ -104,6 +104,7 @@ class App : public gui::Component, public util::Singleton<App> {
     const ToolSettings m_toolSettings;
     AppGUIPtr m_appGUI;          // null until CreateGUI
     bool m_rebuildsGUI = false;  // at the next update
+    float m_textScale = 1;       // by which the texts of the interface have been measured
 };
 
 }  // namespace app

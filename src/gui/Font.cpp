@@ -1,6 +1,9 @@
 #include "gui/Font.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <filesystem>
 #include <map>
 
 #include "math/BoundingBox.h"
@@ -122,20 +125,20 @@ rendering::Texture* LoadTexture(const String& path) {
 float Font::s_pixelsPerUnit = 1;
 
 Font::Font() {
-    m_advance.fill(1);
+    m_advances.fill(1);
 }
 
 Font::Font(const String& widthsPath, const String& sheetPath, const std::vector<String>& fineSheetPaths)
     : Font() {
     SetSheet(ImageRGBA32::LoadFile(sheetPath));
+    m_advances = LoadWidths(widthsPath, m_cellSize);
     for (const String& path : fineSheetPaths) AddFineSheet(path);
-    LoadWidths(widthsPath);
 }
 
 Font* Font::MakeStandIn() {
     Font* const font = new Font;
     font->SetSheet(MakeStandInSheet());
-    font->m_advance.fill(static_cast<float>(STAND_IN_ADVANCE) / STAND_IN_CELL);
+    font->m_advances.fill(static_cast<float>(STAND_IN_ADVANCE) / STAND_IN_CELL);
     return font;
 }
 
@@ -150,7 +153,8 @@ FontMentorPtr Font::Get(const String& name) {
     return mentor;
 }
 
-void Font::LoadWidths(const std::string& path) {
+// Bytes are pixels of the sheet.
+Font::Advances Font::LoadWidths(const String& path, float cellSize) {
     std::array<unsigned char, NUM_GLYPHS> widths;
     util::FILEWrapper file(path, "rb");
     try {
@@ -160,9 +164,9 @@ void Font::LoadWidths(const std::string& path) {
         Log(logging::Error, text);
         THROW(FileReadException, text);
     }
-    // Bytes are pixels of the sheet; a cell is a sixteenth of it.
-    const float cellsPerPixel = 1 / m_cellSize;
-    for (int glyph = 0; glyph < NUM_GLYPHS; ++glyph) m_advance[glyph] = widths[glyph] * cellsPerPixel;
+    Advances advances;
+    for (int glyph = 0; glyph < NUM_GLYPHS; ++glyph) advances[glyph] = widths[glyph] / cellSize;
+    return advances;
 }
 
 void Font::SetSheet(const ImageRGBA32Ptr& sheet) {
@@ -173,21 +177,40 @@ void Font::SetSheet(const ImageRGBA32Ptr& sheet) {
     m_texture = inked;
 }
 
+// The sheet is a square of bytes, so that the size of its file tells its scale.
 void Font::AddFineSheet(const String& path) {
-    if (!util::FileSystem::Instance().Exists(path)) return;
-    m_fineTextures.push_back(rendering::TextureManager::Make([path] { return LoadTexture(path); }));
+    constexpr const char* SHEET_ENDING = ".raw";
+    const util::FileSystem& files = util::FileSystem::Instance();
+    if (!files.Exists(path)) return;
+    const double side = std::sqrt(static_cast<double>(std::filesystem::file_size(path)));
+    const float cell = static_cast<float>(side) / CELLS_PER_SIDE;
+    if (cell <= m_cellSize) return;
+    const String widths = path.substr(0, path.size() - std::strlen(SHEET_ENDING)) + ".dat";
+    m_fineSheets.push_back({cell / m_cellSize,
+                            rendering::TextureManager::Make([path] { return LoadTexture(path); }),
+                            files.Exists(widths) ? LoadWidths(widths, cell) : m_advances});
 }
 
-// The smallest that is large enough. The picture that stands in for a missing one would not have the glyphs
-// in place; it is smaller.
-const rendering::Texture& Font::ChooseTexture() const {
-    const rendering::Texture* best = m_texture.Get();
-    const float wanted = s_pixelsPerUnit * m_texture->GetWidth();
-    for (size_t i = 0; i < m_fineTextures.size() && best->GetWidth() < wanted; ++i) {
-        const rendering::TexturePtr& fine = m_fineTextures[i]->Get();
-        if (fine && fine->GetWidth() > best->GetWidth()) best = fine.Get();
+// The smallest that is large enough.
+const Font::FineSheet* Font::ChooseFineSheet() const {
+    const FineSheet* best = nullptr;
+    for (size_t i = 0; i < m_fineSheets.size() && (best ? best->m_scale : 1) < s_pixelsPerUnit; ++i) {
+        best = &m_fineSheets[i];
     }
-    return *best;
+    return best;
+}
+
+const Font::Advances& Font::ChooseAdvances() const {
+    const FineSheet* const fine = ChooseFineSheet();
+    return fine ? fine->m_advances : m_advances;
+}
+
+// The picture that stands in for a missing one would not have the glyphs in place; it is smaller.
+const rendering::Texture& Font::ChooseTexture() const {
+    const FineSheet* const fine = ChooseFineSheet();
+    if (!fine) return *m_texture;
+    const rendering::TexturePtr& texture = fine->m_texture->Get();
+    return texture && texture->GetWidth() > m_texture->GetWidth() ? *texture : *m_texture;
 }
 
 // Row 0 of the sheet is its upper edge, where t is 1; the quad's y points down.

@@ -19,8 +19,10 @@ namespace gui {
 // row 0 at the top; and 256 bytes of advances in pixels of the sheet. All lengths here are in cells, so a
 // sheet of any resolution measures alike.
 //
-// More sheets, one and a half times, twice and three times as large with the same glyphs at the same places,
-// may be there for screens of high density; without them the letters are only softer there.
+// More sheets, one and a half times, twice and three times as large, may be there for screens of high
+// density; without them the letters are only softer there. Each has advances of its own: those of the small
+// letters, rounded to whole pixels of the small sheet, would set large ones unevenly. So a text is as long as
+// the present scale makes it, and has to be measured anew when that changes.
 //
 // Widths and sheet load without a GL context, for windows are measured before there is one; the texture needs
 // it. Held by a mentor, which builds the font anew after the loss of the context.
@@ -39,7 +41,7 @@ class Font : public util::Pointee {
     static util::SharedPtr<util::Mentor<Font>> Get(const String& name);
 
     // Cells; a text of these bytes is as long as their sum.
-    float GetAdvance(unsigned char glyph) const { return m_advance[glyph]; }
+    float GetAdvance(unsigned char glyph) const { return ChooseAdvances()[glyph]; }
     float GetScale() const { return m_scale; }
     float GetCellSize() const { return m_cellSize; }  // pixels of the sheet
 
@@ -56,18 +58,27 @@ class Font : public util::Pointee {
     void DrawGlyphs(rendering::VertexBatch& batch, bool onPixels = false) const;
 
   private:
+    using Advances = std::array<float, NUM_GLYPHS>;  // cells
+    struct FineSheet {
+        float m_scale;  // pixels to one of the ordinary sheet
+        rendering::TextureMentorPtr m_texture;
+        Advances m_advances;
+    };
+
     Font();
 
-    void LoadWidths(const std::string& path);
+    static Advances LoadWidths(const String& path, float cellSize);
+    const FineSheet* ChooseFineSheet() const;  // null for the ordinary one
+    const Advances& ChooseAdvances() const;
     void SetSheet(const rendering::ImageRGBA32Ptr& sheet);
     void AddFineSheet(const String& path);
     const rendering::Texture& ChooseTexture() const;
 
-    rendering::TexturePtr m_texture;                          // GL_ALPHA: colour comes from the text
-    std::vector<rendering::TextureMentorPtr> m_fineTextures;  // from the smallest; loaded when needed
-    float m_scale = 1;                                        // cells per cell drawn
-    float m_cellSize = 16;                                    // pixels
-    std::array<float, NUM_GLYPHS> m_advance;
+    rendering::TexturePtr m_texture;      // GL_ALPHA: colour comes from the text
+    std::vector<FineSheet> m_fineSheets;  // from the smallest; textures are loaded when needed
+    float m_scale = 1;                    // cells per cell drawn
+    float m_cellSize = 16;                // pixels
+    Advances m_advances;
     std::array<bool, NUM_GLYPHS> m_isBlank{};  // has nothing to draw
 
     static float s_pixelsPerUnit;

@@ -20,9 +20,9 @@ using math::Vec2;
 
 constexpr Vec2 SMALL_SCREEN(640, 480);
 
-// With the real font and all languages: no text is wider than what shows it, no window larger than a small
-// screen.
-class InterfaceTextTest : public test::AppGUIFixture {
+// With the real font of each scale and all languages: no text is wider than what shows it, no window larger
+// than a small screen.
+class InterfaceTextTest : public test::AppGUIFixture, public testing::WithParamInterface<float> {
   protected:
     void SetUp() override {
         namespace fs = std::filesystem;
@@ -33,10 +33,12 @@ class InterfaceTextTest : public test::AppGUIFixture {
                      fs::copy_options::recursive | fs::copy_options::overwrite_existing);
         }
         ReloadFont();
+        gui::Font::SetPixelsPerUnit(GetParam());
         App().SetSize(SMALL_SCREEN.x, SMALL_SCREEN.y);
     }
 
     void TearDown() override {
+        gui::Font::SetPixelsPerUnit(1);
         App().m_language->Set("English");
         App().SetSize(1024, 768);
         App().CreateGUI();
@@ -83,7 +85,7 @@ class InterfaceTextTest : public test::AppGUIFixture {
     }
 };
 
-TEST_F(InterfaceTextTest, WindowsAndDialogs) {
+TEST_P(InterfaceTextTest, WindowsAndDialogs) {
     ASSERT_GE(app::Language::List().size(), 5u);
     for (const String& language : app::Language::List()) {
         UseLanguage(language);
@@ -100,7 +102,7 @@ TEST_F(InterfaceTextTest, WindowsAndDialogs) {
     }
 }
 
-TEST_F(InterfaceTextTest, MenusOnShapes) {
+TEST_P(InterfaceTextTest, MenusOnShapes) {
     AddBox({0, 0});
     GUI().SelectTool("hinge");
     Click({0, 0}, gui::Key::LeftMouse);
@@ -119,5 +121,7 @@ TEST_F(InterfaceTextTest, MenusOnShapes) {
         }
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(Scales, InterfaceTextTest, testing::Values(1.0f, 1.5f, 2.0f, 3.0f));
 
 }  // namespace

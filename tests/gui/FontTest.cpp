@@ -24,6 +24,21 @@ TEST(Font, ReadsAdvancesWithoutAContext) {
     EXPECT_EQ(font->GetAdvance('m'), 0.75f);
 }
 
+TEST(Font, AFinerSheetHasAdvancesOfItsOwn) {
+    constexpr int SIDE = 2 * CELL * Font::CELLS_PER_SIDE;
+    test::WriteBytes(test::FontPath("wide.raw"), String(SIDE * SIDE, '\xff'));
+    test::WriteBytes(test::FontPath("wide.dat"), String(Font::NUM_GLYPHS, 11));
+    const FontPtr font = new Font(test::FontPath("fixedsys.dat"), test::FontPath("fixedsys.raw"),
+                                  {test::FontPath("wide.raw")});
+    const float fine = 11.0f / (2 * CELL);
+    for (const auto& [pixelsPerUnit, advance] :
+         {std::pair(1.0f, 0.5f), {1.5f, fine}, {3.0f, fine}, {0.5f, 0.5f}}) {
+        Font::SetPixelsPerUnit(pixelsPerUnit);
+        EXPECT_EQ(font->GetAdvance('a'), advance) << pixelsPerUnit;
+    }
+    Font::SetPixelsPerUnit(1);
+}
+
 TEST(Font, RefusesDamagedFiles) {
     const String widths = test::FontPath("short.dat");
     test::WriteBytes(widths, String(255, 'x'));
