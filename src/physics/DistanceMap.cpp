@@ -27,11 +27,11 @@ DistanceMap::DistanceMap(const math::Vec2List& vertices, const math::OBB2D& box)
 DistanceMap::~DistanceMap() noexcept(false) = default;
 
 // A local point p has the map coordinates ((a . (p - c) + H) * SIZE / (2 H) - 0.5), for each axis a and half
-// size H of the map's box with centre c. With J the linear part of map to local, a gradient turns from map to
-// local by the transpose of J's inverse.
+// size H of the map's box with centre c.
 void DistanceMap::MakeTransforms() {
     constexpr real HALF_CELL = 0.5f;
     const real halfSize[2] = {m_box.halfSize.x, m_box.halfSize.y};
+    m_cellsPerMetre = {SIZE / (2 * halfSize[0]), SIZE / (2 * halfSize[1])};
     for (int r = 0; r < 2; ++r) {
         const Vec2 axis = m_box.axis[r];
         const real scale = SIZE / (2 * halfSize[r]);
@@ -40,14 +40,9 @@ void DistanceMap::MakeTransforms() {
         m_localToMap.m[r][2] = (halfSize[r] - math::Dot(axis, m_box.center)) * scale - HALF_CELL;
     }
     m_mapToLocal = math::Inverted(m_localToMap);
-    math::TMatrix2<float> jacobian;
-    for (int r = 0; r < 2; ++r) {
-        for (int c = 0; c < 2; ++c) jacobian.m[r][c] = m_mapToLocal.m[r][c];
-    }
-    m_gradientToLocal = math::Transposed(math::Inverted(jacobian));
 }
 
-// Central differences, in map coordinates; at the borders one-sided ones, doubled to the same scale.
+// Central differences, in cells; at the borders one-sided ones, doubled to the same scale.
 Vec2 DistanceMap::GetGradient(int i, int j) const {
     const float* const dist = GetField().GetCells().GetData().data();
     const auto difference = [dist](int at, int stride, int place) {
@@ -56,21 +51,20 @@ Vec2 DistanceMap::GetGradient(int i, int j) const {
         return dist[at + stride] - dist[at - stride];
     };
     const int at = j * SIZE + i;
-    return math::Normalized(m_gradientToLocal * Vec2(difference(at, 1, i), difference(at, SIZE, j)));
+    const Vec2 perCell(difference(at, 1, i), difference(at, SIZE, j));
+    return math::Normalized(Vec2(perCell.x * m_cellsPerMetre.x, perCell.y * m_cellsPerMetre.y));
 }
 
 // The cells of a place side by side, away from the borders: GetGradient, operation by operation. False where
 // one of them has no gradient.
 bool DistanceMap::GetFourGradients(const Place& p, Vec2* gradients) const {
     constexpr real LEAST = 1e-07f;  // what counts as zero
-    if (p.i < 1 || p.j < 1 || p.nextI > SIZE - 2 || p.nextJ > SIZE - 2) return false;
+    if (p.i < 1 || p.j < 1 || p.i > SIZE - 3 || p.j > SIZE - 3) return false;
     const float* const low = GetField().GetCells().GetData().data() + p.j * SIZE + p.i;
     const float* const high = low + SIZE;
     const Float4 dx = LoadTwoAndTwo(low + 1, high + 1) - LoadTwoAndTwo(low - 1, high - 1);
     const Float4 dy = LoadTwoAndTwo(high, high + SIZE) - LoadTwoAndTwo(low - SIZE, low);
-    const auto& m = m_gradientToLocal.m;
-    const Float4 x = Float4::Fill(m[0][0]) * dx + Float4::Fill(m[0][1]) * dy;
-    const Float4 y = Float4::Fill(m[1][0]) * dx + Float4::Fill(m[1][1]) * dy;
+    const Float4 x = dx * Float4::Fill(m_cellsPerMetre.x), y = dy * Float4::Fill(m_cellsPerMetre.y);
     const Float4 length = Sqrt(x * x + y * y);
     if (MaskLess4(length, Float4::Fill(LEAST)) != 0) return false;
     const Float4 scale = Float4::Fill(1) / length;
@@ -85,9 +79,9 @@ Vec2 DistanceMap::SampleGradient(const Place& p) const {
     Vec2 g[4];
     if (!GetFourGradients(p, g)) {
         g[0] = GetGradient(p.i, p.j);
-        g[1] = GetGradient(p.nextI, p.j);
-        g[2] = GetGradient(p.i, p.nextJ);
-        g[3] = GetGradient(p.nextI, p.nextJ);
+        g[1] = GetGradient(p.i + 1, p.j);
+        g[2] = GetGradient(p.i, p.j + 1);
+        g[3] = GetGradient(p.i + 1, p.j + 1);
     }
     const Vec2 low = g[0] * (1 - p.fx) + g[1] * p.fx;
     const Vec2 high = g[2] * (1 - p.fx) + g[3] * p.fx;

@@ -67,7 +67,10 @@ inline uint32_t MaskLess4(Float4 a, Float4 b) {
 inline uint32_t MaskAtMost4(Float4 a, Float4 b) {  // where a <= b
     return static_cast<uint32_t>(_mm_movemask_ps(_mm_cmple_ps(a.v, b.v)));
 }
-// From any address.
+// From and to any address.
+inline void StoreLoose(float* p, Float4 a) {
+    _mm_storeu_ps(p, a.v);
+}
 inline Float4 LoadLoose4(const float* p) {
     return {_mm_loadu_ps(p)};
 }
@@ -88,6 +91,20 @@ inline void GatherPairs4(const float* from, const uint32_t* places, Float4& firs
     const __m128 a = load(places[0], places[1]), b = load(places[2], places[3]);
     first = {_mm_shuffle_ps(a, b, 0x88)};
     second = {_mm_shuffle_ps(a, b, 0xDD)};
+}
+// The floats at these places, and those behind them.
+inline void GatherNext4(const float* from, const uint32_t* places, Float4& here, Float4& next) {
+    const __m128 a = LoadTwoAndTwo(from + places[0], from + places[1]).v;
+    const __m128 b = LoadTwoAndTwo(from + places[2], from + places[3]).v;
+    here = {_mm_shuffle_ps(a, b, 0x88)};
+    next = {_mm_shuffle_ps(a, b, 0xDD)};
+}
+// Cut to whole numbers, of floats between -2^31 and 2^31.
+inline Float4 Truncate(Float4 a) {
+    return {_mm_cvtepi32_ps(_mm_cvttps_epi32(a.v))};
+}
+inline void StoreWhole4(uint32_t* p, Float4 a) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm_cvttps_epi32(a.v));
 }
 // Rows become columns.
 inline void Transpose(Float4& a, Float4& b, Float4& c, Float4& d) {
@@ -152,6 +169,9 @@ inline uint32_t MaskAtMost4(Float4 a, Float4 b) {
     for (int i = 0; i < 4; ++i) mask |= (a.v[i] <= b.v[i] ? 1u : 0u) << i;
     return mask;
 }
+inline void StoreLoose(float* p, Float4 a) {
+    Store(p, a);
+}
 inline Float4 LoadLoose4(const float* p) {
     return Float4::Load(p);
 }
@@ -164,6 +184,16 @@ inline Float4 Gather4(const float* from, const uint32_t* places) {
 inline void GatherPairs4(const float* from, const uint32_t* places, Float4& first, Float4& second) {
     first = PerLane([=](int i) { return from[size_t(places[i]) * 2]; });
     second = PerLane([=](int i) { return from[size_t(places[i]) * 2 + 1]; });
+}
+inline void GatherNext4(const float* from, const uint32_t* places, Float4& here, Float4& next) {
+    here = PerLane([=](int i) { return from[places[i]]; });
+    next = PerLane([=](int i) { return from[places[i] + 1]; });
+}
+inline Float4 Truncate(Float4 a) {
+    return PerLane([=](int i) { return std::trunc(a.v[i]); });
+}
+inline void StoreWhole4(uint32_t* p, Float4 a) {
+    for (int i = 0; i < 4; ++i) p[i] = static_cast<uint32_t>(static_cast<int32_t>(a.v[i]));
 }
 inline void Transpose(Float4& a, Float4& b, Float4& c, Float4& d) {
     const Float4 rows[4] = {a, b, c, d};

@@ -51,22 +51,27 @@ Vec3 CalcBoundingCircle(const Vec2List& vertices) {
     return {middle.x, middle.y, radius};
 }
 
-Vec2 ToBox(const OBB2D& box, Vec2 p) {
-    const Vec2 r = p - box.center;
-    return {math::Dot(box.axis[0], r), math::Dot(box.axis[1], r)};
+// Of a box about the origin.
+bool Contains(Vec2 halfSize, Vec2 p) {
+    return std::fabs(p.x) <= halfSize.x && std::fabs(p.y) <= halfSize.y;
 }
 
-bool Contains(const OBB2D& box, Vec2 p) {
-    const Vec2 q = ToBox(box, p);
-    return std::fabs(q.x) <= box.halfSize.x && std::fabs(q.y) <= box.halfSize.y;
+// From the nearest point of such a box to a point outside it.
+Vec2 GetWayOut(Vec2 halfSize, Vec2 p) {
+    return {p.x - std::clamp(p.x, -halfSize.x, halfSize.x), p.y - std::clamp(p.y, -halfSize.y, halfSize.y)};
 }
 
-// From the nearest point of a box to a point outside it.
-Vec2 GetWayOut(const OBB2D& box, Vec2 p) {
-    const Vec2 q = ToBox(box, p);
-    const real x = q.x - std::clamp(q.x, -box.halfSize.x, box.halfSize.x);
-    const real y = q.y - std::clamp(q.y, -box.halfSize.y, box.halfSize.y);
-    return x * box.axis[0] + y * box.axis[1];
+// Into the frame of a box.
+RigidTransform MakeToBox(const OBB2D& box) {
+    const Vec2 axis = box.axis[0];
+    const RigidTransform turn(axis.x, -axis.y, 0, 0);
+    const Vec2 center = turn(box.center);
+    return {turn.cos, turn.sin, -center.x, -center.y};
+}
+
+// A direction from the frame that a transform leads to back to where it comes from.
+Vec2 RotateBack(const RigidTransform& transform, Vec2 v) {
+    return {transform.cos * v.x + transform.sin * v.y, transform.cos * v.y - transform.sin * v.x};
 }
 
 [[noreturn]] void ThrowTooManyVertices() {
@@ -89,6 +94,7 @@ Polygon::Polygon(const Vec2List& outline, const Surface& surface)
     m_obb = OBB2D::BuildBest(m_vertices.data(), m_vertices.size());
     m_boundingCircle = CalcBoundingCircle(m_vertices);
     m_sidePoints = FindSidePoints(m_vertices);
+    m_localToBox = MakeToBox(m_obb);
     m_map = new DistanceMap(m_vertices, m_obb);
     SetTransform(RigidTransform(1, 0, centroid.x, centroid.y));
 }
@@ -202,6 +208,7 @@ void Polygon::CheckSelfIntersection() const {
 
 void Polygon::SetTransform(const RigidTransform& transform) {
     Geom::SetTransform(transform);
+    m_worldToBox = m_localToBox * GetInvTransform();
     m_worldOBB.center = transform(m_obb.center);
     m_worldOBB.axis[0] = transform.Rotate(m_obb.axis[0]);
     m_worldOBB.axis[1] = transform.Rotate(m_obb.axis[1]);
@@ -240,51 +247,153 @@ const Vec2List& Polygon::GetWorldSidePoints() const {
     return m_worldSidePoints;
 }
 
+const OutlinePieces& Polygon::GetPieces(real length) const {
+    if (m_pieceLength != length) {
+        m_pieces = CutPolygon(m_vertices, length);
+        m_pieceLength = length;
+    }
+    return m_pieces;
+}
+
 Vec2 Polygon::GetNormal(Vec2 point) const {
-    const Vec2 p = GetInvTransform()(point);
-    const Vec2 r = p - m_obb.center;
-    if (std::fabs(math::Dot(m_obb.axis[0], r)) > m_obb.halfSize.x) return Vec2();
-    if (std::fabs(math::Dot(m_obb.axis[1], r)) > m_obb.halfSize.y) return Vec2();
-    return GetTransform().Rotate(math::Normalized(m_map->SampleGradient(p)));
+    const Vec2 p = m_worldToBox(point);
+    if (std::fabs(p.x) > m_obb.halfSize.x || std::fabs(p.y) > m_obb.halfSize.y) return Vec2();
+    return RotateBack(m_worldToBox, math::Normalized(m_map->SampleGradient(p)));
 }
 
 real Polygon::GetFieldDistance(Vec2 point) const {
-    const Vec2 p = GetInvTransform()(point);
-    if (Contains(m_map->GetBox(), p)) return m_map->SampleDistance(p);
-    return math::Length(GetWayOut(m_obb, p));
-}
-
-Vec2 Polygon::GetFieldNormal(Vec2 point) const {
-    const Vec2 p = GetInvTransform()(point);
-    const bool isMapped = Contains(m_map->GetBox(), p);
-    return GetTransform().Rotate(math::Normalized(isMapped ? m_map->SampleGradient(p) : GetWayOut(m_obb, p)));
+    const Vec2 p = m_worldToBox(point);
+    if (Contains(m_map->GetBox().halfSize, p)) return m_map->SampleDistance(p);
+    return math::Length(GetWayOut(m_obb.halfSize, p));
 }
 
 bool Polygon::FindInside(Vec2 point, real& distance, Vec2& normal) const {
     Vec2 gradient;
-    if (!m_map->SampleInside(GetInvTransform()(point), distance, gradient)) return false;
-    normal = GetTransform().Rotate(math::Normalized(gradient));
+    if (!m_map->SampleInside(m_worldToBox(point), distance, gradient)) return false;
+    normal = RotateBack(m_worldToBox, math::Normalized(gradient));
     return true;
+}
+
+// ---- several points at a time --------------------------------------------------------------------------
+
+// FEW points or directions in the frame of the tight box.
+struct Polygon::InBox {
+    Float4 x, y;
+
+    static constexpr uint32_t ALL = 0xFu;  // lanes, as bits
+
+    InBox GetSize() const { return {Max(x, -x), Max(y, -y)}; }
+    // The lanes within a box about the origin, as bits.
+    uint32_t FindWithin(Float4 halfX, Float4 halfY) const {
+        const InBox size = GetSize();
+        return ~(MaskLess4(halfX, size.x) | MaskLess4(halfY, size.y)) & ALL;
+    }
+};
+
+inline Polygon::InBox Polygon::TurnToBox(const Vec2* directions) const {
+    constexpr uint32_t PLACES[FEW] = {0, 1, 2, 3};
+    Float4 x, y;
+    GatherPairs4(&directions->x, PLACES, x, y);
+    const Float4 c = Float4::Fill(m_worldToBox.cos), s = Float4::Fill(m_worldToBox.sin);
+    return {c * x - s * y, s * x + c * y};
+}
+
+inline Polygon::InBox Polygon::ToBox(const Vec2* points) const {
+    const InBox turned = TurnToBox(points);
+    return {turned.x + Float4::Fill(m_worldToBox.x), turned.y + Float4::Fill(m_worldToBox.y)};
+}
+
+inline uint32_t Polygon::FindMapped(const InBox& points) const {
+    const Vec2 half = m_map->GetBox().halfSize;
+    return points.FindWithin(Float4::Fill(half.x), Float4::Fill(half.y));
+}
+
+// GetFieldDistance, operation by operation.
+Float4 Polygon::GetFieldDistances(const InBox& points) const {
+    const Float4 distances = m_map->SampleDistances(points.x, points.y);
+    const uint32_t isMapped = FindMapped(points);
+    if (isMapped == InBox::ALL) return distances;
+    DistanceMap::FourSlopes slopes = {distances, Float4::Zero(), Float4::Zero()};
+    TakeWaysOut(points, isMapped, slopes);
+    return slopes.distances;
+}
+
+uint32_t Polygon::FindNear(const Vec2* points, real limit, real* distances, Vec2* normals) const {
+    const InBox p = ToBox(points);
+    DistanceMap::FourSlopes slopes = m_map->SampleSlopes(p.x, p.y);
+    const uint32_t isMapped = FindMapped(p);
+    if (isMapped != InBox::ALL) TakeWaysOut(p, isMapped, slopes);
+    const uint32_t isNear = MaskLess4(slopes.distances, Float4::Fill(limit));
+    if (isNear == 0) return 0;
+    StoreNormals(slopes.x, slopes.y, normals);
+    StoreLoose(distances, slopes.distances);
+    return isNear;
+}
+
+// Of directions in the frame of the box; math::Normalized, operation by operation.
+inline void Polygon::StoreNormals(Float4 x, Float4 y, Vec2* normals) const {
+    const Float4 least = Float4::Fill(1e-07f), one = Float4::Fill(1);
+    const Float4 length = Sqrt(x * x + y * y);
+    const Float4 scale = one / Max(length, least);
+    x = KeepWhereLess(x * scale, least, length);
+    y = KeepWhereLess(y * scale, least, length);
+    const Float4 c = Float4::Fill(m_worldToBox.cos), s = Float4::Fill(m_worldToBox.sin);
+    alignas(16) real worldX[FEW], worldY[FEW];
+    Store(worldX, c * x + s * y);
+    Store(worldY, c * y - s * x);
+    for (size_t k = 0; k < FEW; ++k) normals[k] = {worldX[k], worldY[k]};
+}
+
+// Where points lie beyond the map: those from the tight box.
+void Polygon::TakeWaysOut(const InBox& points, uint32_t isMapped, DistanceMap::FourSlopes& slopes) const {
+    alignas(16) real x[FEW], y[FEW], distances[FEW], outX[FEW], outY[FEW];
+    Store(x, points.x);
+    Store(y, points.y);
+    Store(distances, slopes.distances);
+    Store(outX, slopes.x);
+    Store(outY, slopes.y);
+    for (size_t k = 0; k < FEW; ++k) {
+        if ((isMapped >> k & 1) != 0) continue;
+        const Vec2 out = GetWayOut(m_obb.halfSize, {x[k], y[k]});
+        distances[k] = math::Length(out);
+        outX[k] = out.x;
+        outY[k] = out.y;
+    }
+    slopes = {Float4::Load(distances), Float4::Load(outX), Float4::Load(outY)};
+}
+
+// Most points are too far from the box, or have nothing of it before them.
+uint32_t Polygon::FindGaps(const Vec2* points, const Vec2* directions, real reach, real* gaps) const {
+    const Float4 far = Float4::Fill(reach);
+    const Float4 halfX = Float4::Fill(m_obb.halfSize.x), halfY = Float4::Fill(m_obb.halfSize.y);
+    const InBox p = ToBox(points), d = TurnToBox(directions);
+    const InBox size = d.GetSize();
+    const uint32_t isBefore = MaskLess4(p.x * d.x + p.y * d.y, size.x * halfX + size.y * halfY);
+    uint32_t found = p.FindWithin(halfX + far, halfY + far) & isBefore;
+    if (found == 0) return 0;
+    const Float4 here = GetFieldDistances(p);
+    found &= MaskLess4(here, far);
+    if (found == 0) return 0;
+    const Float4 there = GetFieldDistances({p.x + d.x * far, p.y + d.y * far});
+    StoreLoose(gaps, here);
+    return found & MaskLess4(there, here);
 }
 
 // The arithmetic of Distance up to the map, operation by operation.
 uint32_t Polygon::FindInBox(const Vec2* points) const {
     using narrow::Float8;
     const auto fill = [](real x) { return Float8::Fill(x); };
-    const RigidTransform& toLocal = GetInvTransform();
     Float8 px, py;
     Float8::LoadPairs(points, px, py);
-    const Float8 c = fill(toLocal.cos), s = fill(toLocal.sin);
-    const Float8 rx = c * px - s * py + fill(toLocal.x) - fill(m_obb.center.x);
-    const Float8 ry = s * px + c * py + fill(toLocal.y) - fill(m_obb.center.y);
-    uint32_t outside = 0;
-    const real halfSizes[] = {m_obb.halfSize.x, m_obb.halfSize.y};
-    for (int i = 0; i < 2; ++i) {
-        const Float8 along = fill(m_obb.axis[i].x) * rx + fill(m_obb.axis[i].y) * ry;
-        outside |= MaskLess(fill(halfSizes[i]), Max(along, -along));
-    }
+    const Float8 c = fill(m_worldToBox.cos), s = fill(m_worldToBox.sin);
+    const Float8 x = c * px - s * py + fill(m_worldToBox.x);
+    const Float8 y = s * px + c * py + fill(m_worldToBox.y);
+    const uint32_t outside =
+        MaskLess(fill(m_obb.halfSize.x), Max(x, -x)) | MaskLess(fill(m_obb.halfSize.y), Max(y, -y));
     return ~outside & ((1u << BLOCK) - 1);
 }
+
+// ---- outlines and lines -------------------------------------------------------------------------------
 
 bool Polygon::Encloses(const Polygon& other) const {
     if (!BoundsOverlap(*this, other)) return false;
@@ -314,12 +423,18 @@ real GetReach(const OBB2D& box, Vec2 direction) {
            box.halfSize.y * std::fabs(math::Dot(box.axis[1], direction));
 }
 
-bool BoxesOverlap(const OBB2D& a, const OBB2D& b) {
+bool BoxesOverlap(const OBB2D& a, const OBB2D& b, real distance) {
     const Vec2 d = b.center - a.center;
-    for (const Vec2 axis : {a.axis[0], a.axis[1], b.axis[0], b.axis[1]}) {
-        if (!(std::fabs(math::Dot(d, axis)) <= GetReach(a, axis) + GetReach(b, axis))) return false;
-    }
-    return true;
+    // Cosines of the angles between the axes: first of a's first one.
+    const real c00 = std::fabs(math::Dot(a.axis[0], b.axis[0])),
+               c01 = std::fabs(math::Dot(a.axis[0], b.axis[1]));
+    const real c10 = std::fabs(math::Dot(a.axis[1], b.axis[0])),
+               c11 = std::fabs(math::Dot(a.axis[1], b.axis[1]));
+    const Vec2 ha = a.halfSize, hb = b.halfSize;
+    return std::fabs(math::Dot(d, a.axis[0])) <= ha.x + (hb.x * c00 + hb.y * c01) + distance &&
+           std::fabs(math::Dot(d, a.axis[1])) <= ha.y + (hb.x * c10 + hb.y * c11) + distance &&
+           std::fabs(math::Dot(d, b.axis[0])) <= hb.x + (ha.x * c00 + ha.y * c10) + distance &&
+           std::fabs(math::Dot(d, b.axis[1])) <= hb.y + (ha.x * c01 + ha.y * c11) + distance;
 }
 
 bool BoundsOverlap(const Polygon& a, const Polygon& b) {

@@ -9,6 +9,7 @@
 #include "physics/DistanceMap.h"
 #include "physics/Geom.h"
 #include "physics/Line.h"
+#include "physics/OutlinePieces.h"
 #include "util/SharedPtr.h"
 
 namespace physics {
@@ -46,6 +47,8 @@ class Polygon : public Geom {
     const LineList& GetWorldLines() const;
     // What is no part of the outline, but touched at like its vertices; see SidePoints.h.
     const math::Vec2List& GetWorldSidePoints() const;
+    // The outline in pieces about as long as `length`, local; remembered for the length last asked for.
+    const OutlinePieces& GetPieces(math::real length) const;
 
     const math::OBB2D& GetWorldOBB() const { return m_worldOBB; }
     const math::Vec3& GetWorldBoundingCircle() const { return m_worldBoundingCircle; }
@@ -63,15 +66,23 @@ class Polygon : public Geom {
     // Pairs of a given line and an edge that cross.
     size_t CountIntersections(const LineList& lines) const;
 
-    // The distance and the unit direction outward at any point: from the map as far as it reaches, some way
-    // round the tight box; beyond, those from the tight box.
+    // The distance at any point: from the map as far as it reaches, some way round the tight box; beyond,
+    // that from the tight box.
     math::real GetFieldDistance(math::Vec2 point) const;
-    math::Vec2 GetFieldNormal(math::Vec2 point) const;
 
     // GetDistance without the virtual call, for loops over vertices.
     math::real Distance(math::Vec2 point) const;
     // For a point in the tight box: whether its distance is below 0; that and the normal, if it is.
     bool FindInside(math::Vec2 point, math::real& distance, math::Vec2& normal) const;
+    // Which of FEW points have a field distance below a limit, as bits; the distances of these, and the unit
+    // directions in which they rise, zero where there is none.
+    static constexpr uint32_t FEW = 4;
+    uint32_t FindNear(const math::Vec2* points, math::real limit, math::real* distances,
+                      math::Vec2* normals) const;
+    // Which of FEW points have one below `reach`, and less still so far along their unit directions; the
+    // distances of these.
+    uint32_t FindGaps(const math::Vec2* points, const math::Vec2* directions, math::real reach,
+                      math::real* gaps) const;
     // Which of BLOCK points lie in the tight box, as bits; the distance of the others is positive.
     static constexpr size_t BLOCK = 8;
     uint32_t FindInBox(const math::Vec2* points) const;
@@ -80,6 +91,13 @@ class Polygon : public Geom {
     math::Vec2 CalcAttribs();
     void BuildLines();
     void CheckSelfIntersection() const;
+    struct InBox;
+    InBox TurnToBox(const math::Vec2* directions) const;
+    InBox ToBox(const math::Vec2* points) const;
+    uint32_t FindMapped(const InBox& points) const;
+    void StoreNormals(Float4 x, Float4 y, math::Vec2* normals) const;
+    Float4 GetFieldDistances(const InBox& points) const;
+    void TakeWaysOut(const InBox& points, uint32_t isMapped, DistanceMap::FourSlopes& slopes) const;
 
     math::Vec2List m_vertices;
     math::Vec2List m_worldVertices;
@@ -87,10 +105,14 @@ class Polygon : public Geom {
     mutable LineList m_worldLines;  // empty until asked for after a move
     math::Vec2List m_sidePoints;
     mutable math::Vec2List m_worldSidePoints;  // empty until asked for after a move
-    math::Vec3 m_boundingCircle;               // x, y, radius
-    math::Vec3 m_worldBoundingCircle;          // x, y, radius
-    math::OBB2D m_obb;                         // tight, local
+    mutable OutlinePieces m_pieces;
+    mutable math::real m_pieceLength = 0;  // m, of m_pieces; 0 without them
+    math::Vec3 m_boundingCircle;           // x, y, radius
+    math::Vec3 m_worldBoundingCircle;      // x, y, radius
+    math::OBB2D m_obb;                     // tight, local
     math::OBB2D m_worldOBB;
+    math::RigidTransform m_localToBox;  // into the frame of m_obb: its centre the origin, its axes the axes
+    math::RigidTransform m_worldToBox;
     util::SharedPtr<const DistanceMap> m_map;  // never changes; shared by copies
     math::real m_area = 0;                     // m^2, above 0
     math::real m_inertiaSansMass = 0;          // m^2, about the centroid, per unit mass
@@ -99,8 +121,8 @@ class Polygon : public Geom {
 // Whether two polygons are near enough for a vertex of one to lie in the other: by bounding circles, by the
 // axes of their boxes, and by the distance of each circle's centre from the other polygon.
 bool BoundsOverlap(const Polygon& a, const Polygon& b);
-// Whether no axis of either box separates them. Touching counts as overlapping.
-bool BoxesOverlap(const math::OBB2D& a, const math::OBB2D& b);
+// Whether no axis of either box separates them by more than a distance. Touching counts as overlapping.
+bool BoxesOverlap(const math::OBB2D& a, const math::OBB2D& b, math::real distance = 0);
 // Half the extent of a box along a unit vector.
 math::real GetReach(const math::OBB2D& box, math::Vec2 direction);
 
@@ -113,10 +135,9 @@ math::Vec2List AssertMaxDist(const math::Vec2List& outline, math::real maxDist);
 PolygonPtr MakeBoxPolygon(math::real minX, math::real minY, math::real maxX, math::real maxY);
 
 inline math::real Polygon::Distance(math::Vec2 point) const {
-    const math::Vec2 p = GetInvTransform()(point);
-    const math::Vec2 r = p - m_obb.center;
-    const math::real dx = std::fabs(math::Dot(m_obb.axis[0], r)) - m_obb.halfSize.x;
-    const math::real dy = std::fabs(math::Dot(m_obb.axis[1], r)) - m_obb.halfSize.y;
+    const math::Vec2 p = m_worldToBox(point);
+    const math::real dx = std::fabs(p.x) - m_obb.halfSize.x;
+    const math::real dy = std::fabs(p.y) - m_obb.halfSize.y;
     if (dx > 0) return dy > 0 ? std::sqrt(dx * dx + dy * dy) : dx;
     if (dy > 0) return dy;
     return m_map->SampleDistance(p);

@@ -161,11 +161,20 @@ void SPH::TakeDrops(const ParticleList& particles) {
     }
 }
 
+// For an array that is filled anew: it need not keep what it holds, and has room for what comes and goes.
+static void ResizeAnew(util::VectorPOD<real>& array, size_t size) {
+    if (size > array.capacity()) {
+        array.clear();
+        array.reserve(size + size / 8);
+    }
+    array.resize(size);
+}
+
 void SPH::CalcKernels(const Kernel& kernel) {
     constexpr real CLOSEST = 0.001f;  // kernel radii, that drops in one place count as being apart
     const size_t pairs = m_lists.GetPlaceCount();
-    m_closeness.resize(pairs);
-    m_gradients.resize(2 * pairs);
+    ResizeAnew(m_closeness, pairs);
+    ResizeAnew(m_gradients, 2 * pairs);
     m_drops.densities.resize(m_lists.GetPaddedCount());
     KernelSums sums;
     sums.perRadius = 1 / kernel.h;

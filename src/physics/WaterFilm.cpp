@@ -20,7 +20,6 @@ namespace {
 constexpr real NEAR = 1.2f;          // spacings from a drop, within which a piece is at its water
 constexpr real FAR = 2.5f;           // spacings, from which the head is taken at most
 constexpr real DEEPEST = 0.5f;       // gaps inside another shape: what overlaps further is no gap
-constexpr size_t MOST_PIECES = 200;  // of a shape
 constexpr real LYING_SHARE = 0.77f;  // of a lying drop's pressure: that of the water round it
 
 struct HeadSum {
@@ -41,18 +40,26 @@ math::BoundingBox2f GetLooseBox(const Geom& geom) {
     return LooseBox(geom.GetPos(), half);
 }
 
-// Holds all that is closer than this.
-math::BoundingBox2f GetReachBox(const Geom& geom, real distance) {
-    constexpr real EVERYWHERE = std::numeric_limits<real>::infinity();
-    if (geom.GetKind() == Geom::Kind::PLANE) return {{-EVERYWHERE, -EVERYWHERE}, {EVERYWHERE, EVERYWHERE}};
-    math::BoundingBox2f box = GetLooseBox(geom);
-    box.Grow(distance);
-    return box;
+constexpr uint32_t FEW = Polygon::FEW;  // pieces that are looked at together
+
+// Which of FEW points are closer to a shape than `reach`, as bits, and so far along their normals closer
+// still: what stands beside a piece of an outline does not seal it. Their distances too.
+uint32_t FindGaps(const Geom& geom, const Vec2* points, const Vec2* normals, real reach, real* gaps) {
+    if (geom.GetKind() == Geom::Kind::POLYGON)
+        return static_cast<const Polygon&>(geom).FindGaps(points, normals, reach, gaps);
+    uint32_t found = 0;
+    for (uint32_t k = 0; k < FEW; ++k) {
+        gaps[k] = geom.GetDistance(points[k]);
+        if (gaps[k] < reach && geom.GetDistance(points[k] + normals[k] * reach) < gaps[k]) found |= 1u << k;
+    }
+    return found;
 }
 
-real GetGap(const Geom& geom, Vec2 point) {
-    if (geom.GetKind() != Geom::Kind::POLYGON) return geom.GetDistance(point);
-    return static_cast<const Polygon&>(geom).GetFieldDistance(point);
+// Whether an axis of their boxes tells that two polygons are farther apart than this.
+bool AreApart(const Geom& a, const Geom& b, real distance) {
+    if (a.GetKind() != Geom::Kind::POLYGON || b.GetKind() != Geom::Kind::POLYGON) return false;
+    return !BoxesOverlap(static_cast<const Polygon&>(a).GetWorldOBB(),
+                         static_cast<const Polygon&>(b).GetWorldOBB(), distance);
 }
 
 }  // namespace
@@ -115,6 +122,7 @@ void WaterFilm::SealPairs() {
 
 void WaterFilm::SealPair(uint32_t a, uint32_t b) {
     if (!MayTouch(m_shapes[a], m_shapes[b])) return;
+    if (AreApart(*m_shapes[a].geom, *m_shapes[b].geom, m_reach)) return;
     for (const uint32_t i : {a, b}) {
         if (m_shapes[i].isMovable) CutOutline(i);
     }
@@ -128,85 +136,55 @@ void WaterFilm::CutOutline(uint32_t index) {
     if (shape.begin != shape.end) return;
     shape.begin = static_cast<uint32_t>(m_pieces.size());
     if (shape.geom->GetKind() == Geom::Kind::POLYGON) {
-        CutPolygon(*static_cast<const Polygon*>(shape.geom), index);
+        AddPieces(static_cast<const Polygon*>(shape.geom)->GetPieces(m_settings.spacing),
+                  shape.geom->GetTransform(), index);
     } else {
-        const real radius = shape.geom->GetBoundingCircle().z;
-        const real wanted = std::max(math::TWO_PI * radius / m_settings.spacing, 8.0f);
-        const int count = static_cast<int>(std::min(wanted, static_cast<real>(MOST_PIECES)));
-        const real angle = math::TWO_PI / static_cast<real>(count);
-        for (int i = 0; i < count; ++i) {
-            const Vec2 normal(std::cos(angle * static_cast<real>(i)), std::sin(angle * static_cast<real>(i)));
-            AddPiece(shape.geom->GetPos() + normal * radius, normal, angle * radius, index);
-        }
+        AddPieces(CutCircle(shape.geom->GetPos(), shape.geom->GetBoundingCircle().z, m_settings.spacing),
+                  math::RigidTransform(), index);
     }
     shape.end = static_cast<uint32_t>(m_pieces.size());
 }
 
-// Edges that go on nearly straight are cut as one.
-void WaterFilm::CutPolygon(const Polygon& polygon, uint32_t index) {
-    const math::Vec2List& vertices = polygon.GetWorldVertices();
-    const size_t count = vertices.size();
-    for (size_t i = 0; i < count;) {
-        const Vec2 begin = vertices[i];
-        const Vec2 first = vertices[i + 1 < count ? i + 1 : 0] - begin;
-        Vec2 end = begin + first;
-        for (++i; i < count; ++i) {
-            const Vec2 next = vertices[i + 1 < count ? i + 1 : 0];
-            if (!GoesOn(begin, first, end, next)) break;
-            end = next;
-        }
-        CutEdge(begin, end, index);
+void WaterFilm::AddPieces(const OutlinePieces& pieces, const math::RigidTransform& place, uint32_t shape) {
+    const size_t begin = m_pieces.size(), padded = begin + pieces.size() + FEW - 1;
+    m_middles.resize(padded);
+    m_normals.resize(padded);
+    for (size_t i = 0; i < pieces.size(); ++i) {
+        m_middles[begin + i] = place(pieces[i].pos);
+        m_normals[begin + i] = place.Rotate(pieces[i].normal);
+        m_pieces.push_back({pieces[i].length, shape, NONE, 0, false, false, 0});
     }
-}
-
-// Whether the way from `begin` to `end`, which starts along `first`, leads on to `next` without a corner.
-bool WaterFilm::GoesOn(Vec2 begin, Vec2 first, Vec2 end, Vec2 next) const {
-    constexpr real STRAIGHT = 0.1f;  // spacings that it may turn aside
-    const real aside = math::Cross(first, next - begin), along = math::Dot(first, next - end);
-    const real limit = STRAIGHT * m_settings.spacing;
-    return along > std::fabs(math::Cross(first, next - end)) &&
-           aside * aside < limit * limit * math::LengthSquared(first);
-}
-
-void WaterFilm::CutEdge(Vec2 begin, Vec2 end, uint32_t index) {
-    const Vec2 edge = end - begin;
-    const real length = math::Length(edge);
-    if (!(length > 0)) return;
-    const size_t used = m_pieces.size() - m_shapes[index].begin;
-    const real most = static_cast<real>(used < MOST_PIECES ? MOST_PIECES - used : 1);
-    const real wanted = std::min(std::max(std::round(length / m_settings.spacing), 1.0f), most);
-    const Vec2 normal(edge.y / length, -edge.x / length);
-    for (real k = 0; k < wanted; ++k)
-        AddPiece(begin + edge * ((k + 0.5f) / wanted), normal, length / wanted, index);
-}
-
-void WaterFilm::AddPiece(Vec2 pos, Vec2 normal, real length, uint32_t shape) {
-    m_pieces.push_back({pos, normal, length, shape, NONE, 0, false, false, 0});
 }
 
 void WaterFilm::Seal(const Shape& shape, const Shape& other) {
-    const math::BoundingBox2f near = GetReachBox(*other.geom, m_reach);
-    for (uint32_t i = shape.begin; i < shape.end; ++i) {
-        Piece& piece = m_pieces[i];
-        if (!near.Contains(piece.pos)) continue;
-        const real gap = GetGap(*other.geom, piece.pos);
-        if (!(gap < m_reach && gap > -DEEPEST * m_reach)) continue;
-        // What stands beside the shape does not seal it: there must be something before the piece.
-        if (!(GetGap(*other.geom, piece.pos + piece.normal * m_reach) < gap)) continue;
-        piece.isSealed = true;
-        piece.share = std::max(piece.share, 1 - GetDropShare(gap, m_settings.spacing));
-        if (other.begin != other.end) piece.partner = FindPartner(piece, other);
+    for (uint32_t first = shape.begin; first < shape.end; first += FEW) {
+        real gaps[FEW];
+        uint32_t found = FindGaps(*other.geom, &m_middles[first], &m_normals[first], m_reach, gaps);
+        if (shape.end - first < FEW) found &= (1u << (shape.end - first)) - 1;
+        for (; found != 0; found &= found - 1) {
+            const auto k = static_cast<uint32_t>(__builtin_ctz(found));
+            if (gaps[k] > -DEEPEST * m_reach) SealPiece(first + k, gaps[k], other);
+        }
     }
 }
 
-uint32_t WaterFilm::FindPartner(const Piece& piece, const Shape& shape) const {
+void WaterFilm::SealPiece(uint32_t index, real gap, const Shape& other) {
+    Piece& piece = m_pieces[index];
+    piece.isSealed = true;
+    piece.share = std::max(piece.share, 1 - GetDropShare(gap, m_settings.spacing));
+    if (other.begin != other.end) piece.partner = FindPartner(index, other);
+}
+
+// Among the pieces that face it.
+uint32_t WaterFilm::FindPartner(uint32_t piece, const Shape& shape) const {
+    const Vec2 middle = m_middles[piece], normal = m_normals[piece];
     uint32_t nearest = NONE;
     real least = 4 * m_reach * m_reach;
     for (uint32_t i = shape.begin; i < shape.end; ++i) {
-        const real distSq = math::LengthSquared(m_pieces[i].pos - piece.pos);
-        if (!(distSq < least) || math::Dot(m_pieces[i].normal, piece.normal) > 0) continue;
-        least = distSq;
-        nearest = i;
+        const real distSq = math::LengthSquared(m_middles[i] - middle);
+        const bool isNearer = (distSq < least) & (math::Dot(m_normals[i], normal) <= 0);
+        least = isNearer ? distSq : least;
+        nearest = isNearer ? i : nearest;
     }
     return nearest;
 }
@@ -233,8 +211,8 @@ void WaterFilm::FindEnds(const Water& water) {
     for (uint32_t i = 0; i < m_pieces.size(); ++i) {
         if (m_pieces[i].isSealed || !(m_pieces[GetNext(i)].isSealed || m_pieces[GetLast(i)].isSealed))
             continue;
-        const real head = GetHeadBeside(m_pieces[i], water);
-        if (IsDry(m_pieces[i], head) && FillPocket(i)) continue;
+        const real head = GetHeadBeside(i, water);
+        if (IsDry(i, head) && FillPocket(i)) continue;
         m_pieces[i].isReached = true;
         m_pieces[i].head = head;
         m_queue.push_back(i);
@@ -242,9 +220,9 @@ void WaterFilm::FindEnds(const Water& water) {
 }
 
 // Whether there is less pressure than that of one layer of drops.
-bool WaterFilm::IsDry(const Piece& piece, real head) const {
+bool WaterFilm::IsDry(uint32_t piece, real head) const {
     const real layer = m_settings.density * m_settings.spacing * math::Length(m_settings.gravity);
-    return head - GetHead(piece.pos, 0) < layer;
+    return head - GetHead(m_middles[piece], 0) < layer;
 }
 
 // A short open way between sealed pieces is a pocket that the water has yet to find its way into. It counts
@@ -267,16 +245,17 @@ bool WaterFilm::FillPocket(uint32_t first) {
 }
 
 // That of the drops near the piece's body, or of the air where none is at the piece.
-real WaterFilm::GetHeadBeside(const Piece& piece, const Water& water) const {
+real WaterFilm::GetHeadBeside(uint32_t piece, const Water& water) const {
+    const Vec2 middle = m_middles[piece];
     const real near = NEAR * m_settings.spacing, far = FAR * m_settings.spacing;
-    const uint32_t body = m_shapes[piece.shape].place;
+    const uint32_t body = m_shapes[m_pieces[piece].shape].place;
     HeadSum free, lying;
     bool isNear = false;
     for (const WaterTouches::Found* touch = water.touches.Begin(body); touch != water.touches.End(body);
          ++touch) {
         const uint32_t drop = touch->drop;
         const Vec2 pos = water.grid.GetSortedPoints()[drop];
-        const real distSq = math::LengthSquared(pos - piece.pos);
+        const real distSq = math::LengthSquared(pos - middle);
         if (touch->isLet || !(distSq < far * far)) continue;
         const real pressure = water.drops.pressures[drop];
         if (water.liesOnShape[drop]) {
@@ -286,7 +265,7 @@ real WaterFilm::GetHeadBeside(const Piece& piece, const Water& water) const {
         }
         isNear = isNear || distSq < near * near;
     }
-    if (!isNear) return GetHead(piece.pos, 0);
+    if (!isNear) return GetHead(middle, 0);
     return (free.count > 0 ? free : lying).GetMean();
 }
 
@@ -309,12 +288,13 @@ void WaterFilm::Reach(uint32_t index, real head) {
 }
 
 void WaterFilm::AddForces() const {
-    for (const Piece& piece : m_pieces) {
+    for (uint32_t i = 0; i < m_pieces.size(); ++i) {
+        const Piece& piece = m_pieces[i];
         if (!piece.isSealed || !piece.isReached) continue;
-        const real pressure = piece.head - GetHead(piece.pos, 0);
+        const real pressure = piece.head - GetHead(m_middles[i], 0);
         if (!(pressure > 0)) continue;
-        AddForceAt(*m_shapes[piece.shape].body, piece.normal * (-pressure * piece.share * piece.length),
-                   piece.pos);
+        AddForceAt(*m_shapes[piece.shape].body, m_normals[i] * (-pressure * piece.share * piece.length),
+                   m_middles[i]);
     }
 }
 

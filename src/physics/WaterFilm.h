@@ -2,11 +2,13 @@
 
 #include <cstdint>
 
+#include "math/RigidTransform.h"
 #include "math/Vector.h"
 #include "physics/CollisionFilter.h"
 #include "physics/Fwd.h"
 #include "physics/Geom.h"
 #include "physics/NeighborGrid.h"
+#include "physics/OutlinePieces.h"
 #include "physics/PairSweep.h"
 #include "physics/WaterPressure.h"
 #include "physics/WaterTouches.h"
@@ -62,8 +64,6 @@ class WaterFilm {
         Geom* GetGeom() const { return geom; }
     };
     struct Piece {
-        math::Vec2 pos;  // its middle
-        math::Vec2 normal;
         math::real length;
         uint32_t shape;
         uint32_t partner;  // the piece across the gap, or NONE
@@ -78,18 +78,16 @@ class WaterFilm {
     void SealPairs();
     void SealPair(uint32_t a, uint32_t b);
     void CutOutline(uint32_t shape);
-    void CutPolygon(const Polygon& polygon, uint32_t shape);
-    bool GoesOn(math::Vec2 begin, math::Vec2 first, math::Vec2 end, math::Vec2 next) const;
-    void CutEdge(math::Vec2 begin, math::Vec2 end, uint32_t shape);
-    void AddPiece(math::Vec2 pos, math::Vec2 normal, math::real length, uint32_t shape);
+    void AddPieces(const OutlinePieces& pieces, const math::RigidTransform& place, uint32_t shape);
     void Seal(const Shape& shape, const Shape& other);
-    uint32_t FindPartner(const Piece& piece, const Shape& shape) const;
+    void SealPiece(uint32_t piece, math::real gap, const Shape& other);
+    uint32_t FindPartner(uint32_t piece, const Shape& shape) const;
     uint32_t GetNext(uint32_t piece) const;
     uint32_t GetLast(uint32_t piece) const;
     void FindEnds(const Water& water);
-    bool IsDry(const Piece& piece, math::real head) const;
+    bool IsDry(uint32_t piece, math::real head) const;
     bool FillPocket(uint32_t first);
-    math::real GetHeadBeside(const Piece& piece, const Water& water) const;
+    math::real GetHeadBeside(uint32_t piece, const Water& water) const;
     math::real GetHead(math::Vec2 pos, math::real pressure) const;
     void SpreadHeads();
     void Reach(uint32_t piece, math::real head);
@@ -100,8 +98,10 @@ class WaterFilm {
     util::VectorPOD<Shape> m_shapes;
     util::VectorPOD<Shape> m_planes;
     util::VectorPOD<Piece> m_pieces;
-    util::VectorPOD<uint32_t> m_queue;  // pieces with a head, nearest to the ends first
-    PairSweep m_sweep;                  // over m_shapes
+    util::VectorPOD<math::Vec2> m_middles;  // of the pieces, and some more to fill up the last few
+    util::VectorPOD<math::Vec2> m_normals;  // as many
+    util::VectorPOD<uint32_t> m_queue;      // pieces with a head, nearest to the ends first
+    PairSweep m_sweep;                      // over m_shapes
 };
 
 }  // namespace physics

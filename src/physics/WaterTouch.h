@@ -49,16 +49,37 @@ inline math::BoundingBox2f GetProbeBox(const Polygon& polygon, math::real reach)
     box.Grow(reach);
     return box;
 }
-inline bool ProbePoint(const Polygon& polygon, math::Vec2 point, math::real reach, Probe& probe) {
-    probe.distance = polygon.GetFieldDistance(point);
-    if (!(probe.distance < reach)) return false;
-    probe.normal = polygon.GetFieldNormal(point);
-    return true;
-}
 
 inline bool ProbePoint(const Plane& plane, math::Vec2 point, math::real reach, Probe& probe) {
     probe = {plane.Distance(point), plane.GetNormal()};
     return probe.distance < reach;
+}
+
+// Calls visit(place, probe) for those of the points that are closer than `reach` to the shape.
+template <class Visit>
+void ProbePoints(const Circle& circle, const math::Vec2* points, const uint32_t* places, uint32_t count,
+                 math::real reach, Visit visit) {
+    Probe probe;
+    for (uint32_t k = 0; k < count; ++k) {
+        if (ProbePoint(circle, points[places[k]], reach, probe)) visit(places[k], probe);
+    }
+}
+
+template <class Visit>
+void ProbePoints(const Polygon& polygon, const math::Vec2* points, const uint32_t* places, uint32_t count,
+                 math::real reach, Visit visit) {
+    constexpr uint32_t FEW = Polygon::FEW;
+    math::Vec2 few[FEW], normals[FEW];
+    math::real distances[FEW];
+    for (uint32_t first = 0; first < count; first += FEW) {
+        const uint32_t here = std::min(count - first, FEW);
+        for (uint32_t k = 0; k < FEW; ++k) few[k] = points[places[first + std::min(k, here - 1)]];
+        uint32_t isNear = polygon.FindNear(few, reach, distances, normals) & ((1u << here) - 1);
+        for (; isNear != 0; isNear &= isNear - 1) {
+            const auto k = static_cast<uint32_t>(__builtin_ctz(isNear));
+            visit(places[first + k], Probe{distances[k], normals[k]});
+        }
+    }
 }
 
 // Calls visit(place, probe) for each point closer than `reach` to the shape, in the order of the grid.
@@ -67,17 +88,19 @@ void VisitNear(const NeighborGrid& grid, const Shape& shape, math::real reach, V
     constexpr uint32_t BLOCK = 256;
     const math::Vec2* const points = grid.GetSortedPoints();
     const math::BoundingBox2f box = GetProbeBox(shape, reach);
+    uint32_t places[BLOCK + NeighborGrid::PADDING];
+    uint32_t count = 0;
     grid.VisitBox(box, [&](uint32_t begin, uint32_t end) {
-        uint32_t places[BLOCK + NeighborGrid::PADDING];
-        Probe probe;
-        for (; begin < end; begin += std::min(BLOCK, end - begin)) {
-            const uint32_t stop = begin + std::min(BLOCK, end - begin);
-            const uint32_t count = GetWaterSums().keepInBox(points, {begin, stop}, box, places);
-            for (uint32_t k = 0; k < count; ++k) {
-                if (ProbePoint(shape, points[places[k]], reach, probe)) visit(places[k], probe);
-            }
+        while (begin < end) {
+            const uint32_t stop = begin + std::min(BLOCK - count, end - begin);
+            count += GetWaterSums().keepInBox(points, {begin, stop}, box, places + count);
+            begin = stop;
+            if (count < BLOCK) continue;
+            ProbePoints(shape, points, places, count, reach, visit);
+            count = 0;
         }
     });
+    ProbePoints(shape, points, places, count, reach, visit);
 }
 
 template <class Visit>

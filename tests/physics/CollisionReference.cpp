@@ -146,7 +146,12 @@ class BruteForce {
     }
     static Vec2 GetFieldNormal(const Geom& geom, Vec2 p) {
         const auto* polygon = dynamic_cast<const Polygon*>(&geom);
-        return polygon ? polygon->GetFieldNormal(p) : geom.GetNormal(p);
+        if (polygon == nullptr) return geom.GetNormal(p);
+        const Vec2 points[Polygon::FEW] = {p, p, p, p};
+        real distances[Polygon::FEW];
+        Vec2 normals[Polygon::FEW];
+        polygon->FindNear(points, 1e9f, distances, normals);
+        return normals[0];
     }
 
     void Water(const Geom& geom, const physics::ParticleList& particles) {

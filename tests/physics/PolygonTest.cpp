@@ -211,6 +211,44 @@ TEST(Polygon, EnclosesWhatLiesWhollyInside) {
     EXPECT_FALSE(big->Encloses(*apart));
 }
 
+// Beside the outline, within the map and beyond it: the bits of one point at a time, and the way up.
+TEST(Polygon, FourPointsAtATime) {
+    constexpr uint32_t FEW = Polygon::FEW;
+    constexpr float LIMIT = 0.4f, STEP = 0.004f;
+    const PolygonPtr ell = new Polygon(L_SHAPE);
+    ell->SetTransform(math::RigidTransform(0.7f, Vec2(30, -4)));
+    test::Random random(5);
+    int near = 0, rising = 0;
+    for (int i = 0; i < 500; ++i) {
+        Vec2 points[FEW], normals[FEW];
+        float distances[FEW];
+        for (Vec2& p : points)
+            p = Vec2(30, -4) + Vec2(test::Uniform(random, -3, 3), test::Uniform(random, -3, 3));
+        const uint32_t isNear = ell->FindNear(points, LIMIT, distances, normals);
+        for (uint32_t k = 0; k < FEW; ++k) {
+            const float distance = ell->GetFieldDistance(points[k]);
+            ASSERT_EQ((isNear >> k & 1) != 0, distance < LIMIT);
+            if (!(distance < LIMIT)) continue;
+            EXPECT_EQ(distances[k], distance);
+            const float ahead = ell->GetFieldDistance(points[k] + normals[k] * STEP);
+            ++near;
+            if (ahead - distance > 0.7f * STEP) ++rising;
+        }
+    }
+    EXPECT_GT(near, 300);
+    EXPECT_GT(rising, near * 9 / 10) << "but on ridges, where there is no way up";
+}
+
+// What is before a point, and nearer than so far; not what stands beside it or behind.
+TEST(Polygon, FindsGapsBeforeAPoint) {
+    const PolygonPtr box = MakeBoxPolygon(0, 0, 2, 1);
+    const Vec2 points[] = {{1, 1.2f}, {1, 1.2f}, {1, 1.2f}, {1, 1.5f}};
+    const Vec2 normals[] = {{0, -1}, {0, 1}, {1, 0}, {0, -1}};
+    float gaps[Polygon::FEW];
+    EXPECT_EQ(box->FindGaps(points, normals, 0.3f, gaps), 1u);
+    EXPECT_NEAR(gaps[0], 0.2f, 0.01f);
+}
+
 TEST(Polygon, CountsCrossingsOfAStroke) {
     const PolygonPtr ell = new Polygon(L_SHAPE);
     LineList stroke;
