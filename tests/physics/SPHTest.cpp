@@ -459,14 +459,14 @@ TEST_F(SPHTest, HeavyBoxesSettleOnWetGround) {
             EXPECT_NEAR(box->m_pos.y, HEIGHT / 2, 0.002f);
             EXPECT_NEAR(box->m_angle, 0, 0.002f);
             EXPECT_LT(fastest, 0.1f);
-            // Pulled up, it leaves them where they lay.
+            // Pulled up, it leaves them where they lay: they run no faster than by the fall of their depth.
             for (int i = 0; i < 40; ++i) {
                 box->m_vel = {0, 0.5f};
                 sim.Step(true);
             }
             for (const ParticlePtr& particle : sim.GetParticles()) {
                 EXPECT_GT(particle->m_pos.y, 0);
-                EXPECT_LT(math::Length(particle->m_vel), 1.5f);
+                EXPECT_LT(math::Length(particle->m_vel), 1.9f);
             }
         }
     }
