@@ -1,7 +1,10 @@
 #pragma once
 
+#include <unistd.h>
+
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 
 #include "logging/Logger.h"
 #include "script/Parser.h"
@@ -13,6 +16,14 @@ inline void Require(bool holds, const char* property, const String& detail = Str
     if (holds) return;
     std::fprintf(stderr, "does not hold: %s\n%s\n", property, detail.c_str());
     std::abort();
+}
+
+// A folder of this process, which run.sh puts into memory: hundreds of files a second would wait for the
+// disk.
+inline String MakeFolder() {
+    const auto folder = std::filesystem::temp_directory_path() / ("vexa-fuzz-" + std::to_string(getpid()));
+    std::filesystem::create_directory(folder);
+    return folder.string() + "/";
 }
 
 // Services without output: a logger without sinks, and failures that go nowhere.

@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <cmath>
 
 #include "Fuzz.h"
@@ -33,7 +31,7 @@ void CheckText(const gui::TextFormat& format, const String& text) {
 // Any bytes as widths and sheet are refused or make a font, in which any text can be set, at any width.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     logging::Logger::Instance();
-    static const String& s_base = *new String("/tmp/vexa-fuzz-" + std::to_string(getpid()));
+    static const String& s_base = *new String(fuzz::MakeFolder() + "any");
     const String bytes(data, data + size);
     const size_t numWidths = std::min<size_t>(size, gui::Font::NUM_GLYPHS);
     const size_t numText = numWidths < size ? std::min<size_t>(data[numWidths], size - numWidths) : 0;

@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <cstring>
 
 #include "Fuzz.h"
@@ -46,7 +44,7 @@ extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t oldSize, size_t 
 // A file of any bytes, under each extension that has a reader, gives a picture or a failure.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     logging::Logger::Instance();
-    static const String& s_base = *new String("/tmp/vexa-fuzz-" + std::to_string(getpid()));
+    static const String& s_base = *new String(fuzz::MakeFolder() + "any");
     for (const char* const extension : {".png", ".tga", ".raw"}) {
         const String path = s_base + extension;
         {

@@ -6,12 +6,10 @@
 namespace {
 
 // A folder with this one language.
-bool MakeFolder() {
+bool Prepare() {
     fuzz::MakeQuietParser();
-    char folder[] = "/tmp/vexa-fuzz-XXXXXX";
-    fuzz::Require(mkdtemp(folder) != nullptr, "a scratch folder");
     util::FileSystem& files = util::FileSystem::Instance();
-    files.SetWorkDir(String(folder) + "/");
+    files.SetWorkDir(fuzz::MakeFolder());
     files.MakeDir(files.GetLanguageDir());
     return true;
 }
@@ -20,7 +18,7 @@ bool MakeFolder() {
 
 // Any bytes are a language file: its texts are read or not, and a look-up answers.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static const bool s_ready = MakeFolder();
+    static const bool s_ready = Prepare();
     fuzz::Require(s_ready, "ready");
     util::FileSystem& files = util::FileSystem::Instance();
     files.WriteFileAtomically(files.GetLanguageDir() + "Any.cfg", String(data, data + size));

@@ -42,6 +42,10 @@ keep_built() {
 
 if [ -n "$build" ]; then build_them; else keep_built; fi
 
+if [ -w /dev/shm ]; then export TMPDIR=/dev/shm; fi
+TMPDIR=$(mktemp -d)
+export TMPDIR
+trap 'rm -r "$TMPDIR"' EXIT
 status=0
 for name in "${names[@]}"; do
     case $name in
