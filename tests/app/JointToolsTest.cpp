@@ -2,12 +2,14 @@
 
 #include "AppGUIFixture.h"
 #include "app/App.h"
+#include "app/Language.h"
 #include "app/entities/Chain.h"
 #include "app/entities/CircleEntity.h"
 #include "app/entities/FixJointEntity.h"
 #include "app/entities/HingeEntity.h"
 #include "app/entities/SpringEntity.h"
 #include "app/tools/Tool.h"
+#include "app/widgets/Hint.h"
 #include "input/Key.h"
 #include "physics/Hinge.h"
 #include "physics/Joints.h"
@@ -60,6 +62,11 @@ TEST_F(JointToolsTest, OnThePlaneAloneNothingIsMade) {
     Click({0, -1}, Key::LeftMouse);
     EXPECT_EQ(UndoCount(), 0u);
     EXPECT_EQ(Entities().size(), 1u);
+    EXPECT_EQ(GUI().GetHint().GetText(), Translate("NothingToJoin"));
+    GUI().ShowHint("StrokeNotClosed", {0, 0});
+    GUI().SelectTool("spring");
+    Drag({{0, -1}, {1, -2}}, Key::LeftMouse);
+    EXPECT_EQ(GUI().GetHint().GetText(), Translate("NothingToJoin"));
 }
 
 TEST_F(JointToolsTest, AClickFixesTwoShapes) {

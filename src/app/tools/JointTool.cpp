@@ -13,13 +13,13 @@ namespace app {
 void JointTool::OnClick(gui::ClickEvent& event) {
     if (event.m_handled || event.m_key != gui::Key::LeftMouse || event.m_clicks != 1) return;
     const math::Vec2 world = m_view.GUIToWorld(event.m_position);
-    if (!m_scene.GetEntityAt(world)) return;
+    if (!m_scene.GetEntityAt(world)) return Tell("NothingToJoin", world);
     event.m_handled = true;
     const SnapshotPtr before = new Snapshot(m_scene);
     const JointEntityPtr joint = Make(ICON_SIZE * m_view.GetCmToWorld());
     joint->SetScene(&m_scene);
     joint->Attach(world, world);
-    if (joint->IsOrphaned()) return;
+    if (joint->IsOrphaned()) return Tell("NothingToJoin", world);
     joint->Rebuild();
     AddToScene(joint, before, m_undoName);
 }

@@ -40,11 +40,14 @@ void SpringTool::Update() {
 void SpringTool::OnDragEnd(gui::DragEvent& event) {
     if (!m_spring || event.m_key != gui::Key::LeftMouse) return;
     event.m_handled = true;
-    MoveFreeEnd(m_view.GUIToWorld(event.m_position));
+    const math::Vec2 world = m_view.GUIToWorld(event.m_position);
+    MoveFreeEnd(world);
     const SpringEntityPtr spring = m_spring;
     const SnapshotPtr before = m_before;
     Cancel();
-    if (!spring->IsInSimulation() || spring->GetPos(0) == spring->GetPos(1)) return;
+    if (!spring->IsInSimulation() || spring->GetPos(0) == spring->GetPos(1)) {
+        return Tell("NothingToJoin", world);
+    }
     spring->Rebuild();
     AddToScene(spring, before, "UndoSpring");
 }

@@ -68,7 +68,8 @@ void Menu::Open() {
 
 // At the side where there is room for it.
 void Menu::Place(const gui::Window& own, gui::Window& window) const {
-    math::Vec2 place(own.GetPos().x + own.GetOuterSize().x, own.GetPos().y + GetPos().y);
+    const float row = own.ToContent(ToGUI({0, 0})).y - GetContentOffset().y;
+    math::Vec2 place(own.GetPos().x + own.GetOuterSize().x, own.GetPos().y + row);
     const math::Vec2 room = window.GetParent()->GetSize() - window.GetOuterSize();
     if (place.x > room.x) place.x = own.GetPos().x - window.GetOuterSize().x;
     if (place.y > room.y) place.y = room.y;

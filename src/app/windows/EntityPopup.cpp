@@ -20,6 +20,7 @@
 #include "app/windows/Rows.h"
 #include "gui/components/AttribWidgets.h"
 #include "gui/components/LabeledSlider.h"
+#include "gui/components/ScrollArea.h"
 #include "math/Geometry.h"
 
 namespace app {
@@ -135,7 +136,8 @@ EntityPopup::EntityPopup(const Desk& desk)
     : Window(Translate("PopupTitle"), MakeRowLayout()),
       m_desk(desk),
       m_group(desk.m_scene, desk.m_scene.GetSelection().Get()),
-      m_isForScene(desk.m_scene.GetSelection().IsEmpty()) {
+      m_isForScene(desk.m_scene.GetSelection().IsEmpty()),
+      m_rows(new gui::Component("Rows", MakeRowLayout())) {
     SetKey("PopupTitle");
     SetTearOffTarget(&desk.m_interface);
     if (m_isForScene) {
@@ -145,8 +147,11 @@ EntityPopup::EntityPopup(const Desk& desk)
         AddOrderRows();
         AddMenuRows();
     }
+    AddChild(MakeScrolled(m_rows, m_desk, FRAME_ROOM));
     AddCloseButton();
 }
+
+EntityPopup::~EntityPopup() noexcept(false) = default;
 
 void EntityPopup::Update(float dt) {
     Window::Update(dt);
@@ -158,13 +163,13 @@ void EntityPopup::Update(float dt) {
 void EntityPopup::AddRow(const char* key, const char* icon,
                          const std::function<void(const EntitySet&)>& act) {
     const EntityGroup group = m_group;
-    AddChild(MakeActionRow(key, icon, [group, act] { act(group.Get()); }));
+    m_rows->AddChild(MakeActionRow(key, icon, [group, act] { act(group.Get()); }));
 }
 
 void EntityPopup::AddFinalRow(const char* key, const char* icon,
                               const std::function<void(const EntitySet&)>& act) {
     const EntityGroup group = m_group;
-    AddChild(MakeActionRow(key, icon, [this, group, act] {
+    m_rows->AddChild(MakeActionRow(key, icon, [this, group, act] {
         const auto chosen = act;
         const EntitySet entities = group.Get();
         Close();
@@ -173,7 +178,7 @@ void EntityPopup::AddFinalRow(const char* key, const char* icon,
 }
 
 void EntityPopup::AddMenu(const char* key, const char* icon, const std::function<WindowPtr()>& factory) {
-    AddChild(new Menu(key, icon, m_desk.m_interface, factory));
+    m_rows->AddChild(new Menu(key, icon, m_desk.m_interface, factory));
 }
 
 void EntityPopup::AddSceneRows() {
@@ -211,7 +216,7 @@ void EntityPopup::AddOrderRows() {
     AddRow("MoveToBack", "popup/toback", [&](const EntitySet& entities) { MoveToBack(scene, entities); });
     AddRow("MoveToFront", "popup/tofront", [&](const EntitySet& entities) { MoveToFront(scene, entities); });
     AddFinalRow("Invert", "popup/invert", [&](const EntitySet&) { Invert(scene); });
-    AddChild(new FollowObjectCheckbox(m_group));
+    m_rows->AddChild(new FollowObjectCheckbox(m_group));
 }
 
 void EntityPopup::AddMenuRows() {

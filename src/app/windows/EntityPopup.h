@@ -11,6 +11,7 @@ namespace app {
 class EntityPopup : public gui::Window {
   public:
     explicit EntityPopup(const Desk& desk);
+    ~EntityPopup() noexcept(false) override;
 
     void Update(float dt) override;
 
@@ -36,6 +37,7 @@ class EntityPopup : public gui::Window {
     const Desk m_desk;
     const EntityGroup m_group;
     const bool m_isForScene;  // there were no entities
+    const gui::ComponentPtr m_rows;
 };
 
 }  // namespace app

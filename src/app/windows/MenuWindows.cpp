@@ -58,7 +58,6 @@ constexpr double MIN_DPI = 50;
 constexpr double MAX_DPI = 400;
 constexpr float DPI_LABEL_WIDTH = 180;  // GUI units
 constexpr float DPI_SLIDER_WIDTH = 110;
-constexpr float FRAME_ROOM = 40;             // GUI units, of a window's title bar and edges
 constexpr int SHADERS_ROW = 5;               // among the options
 constexpr float SCALES[] = {1, 1.5f, 2, 3};  // pixels per GUI unit
 constexpr math::Vec4 CURRENT_COLOR(1.4f, 1.4f, 1.6f, 1);

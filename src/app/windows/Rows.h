@@ -28,6 +28,7 @@ gui::ButtonPtr MakeButton(const char* key, const std::function<void()>& run);
 // Components beside each other.
 gui::ComponentPtr MakeRow(const std::vector<gui::ComponentPtr>& components);
 
+constexpr float FRAME_ROOM = 40;  // GUI units, of a window's title bar and edges
 // With a bar, page keys and the wheel, as high as the content as far as the interface leaves `room` free.
 gui::ScrollAreaPtr MakeScrolled(const gui::ComponentPtr& content, const Desk& desk, float room = 110);
 
