@@ -242,6 +242,7 @@ namespace {
 // Calls found(i, distance, normal) for each point that lies in a polygon.
 template <class Found>
 void FindInside(const math::Vec2List& list, const Polygon& other, Found found) {
+    if (list.empty()) return;
     const Vec2* const points = list.data();
     const size_t count = list.size();
     const auto test = [&](size_t i) {
@@ -249,17 +250,19 @@ void FindInside(const math::Vec2List& list, const Polygon& other, Found found) {
         Vec2 normal;
         if (other.FindInside(points[i], s, normal)) found(static_cast<uint32_t>(i), s, normal);
     };
+    const auto testBits = [&](size_t first, uint32_t inBox) {
+        for (; inBox != 0; inBox &= inBox - 1) test(first + static_cast<size_t>(__builtin_ctz(inBox)));
+    };
     if (count < Polygon::BLOCK) {
-        for (size_t i = 0; i < count; ++i) {
-            if (other.Distance(points[i]) < 0) test(i);
-        }
+        Vec2 block[Polygon::BLOCK];
+        std::copy(points, points + count, block);
+        testBits(0, other.FindInBox(block) & ((1u << count) - 1));
         return;
     }
     // The last block begins early enough to be full; what it has in common with the one before is done.
     for (size_t done = 0; done < count; done += Polygon::BLOCK) {
         const size_t first = std::min(done, count - Polygon::BLOCK);
-        uint32_t inBox = other.FindInBox(points + first) >> (done - first) << (done - first);
-        for (; inBox != 0; inBox &= inBox - 1) test(first + static_cast<size_t>(__builtin_ctz(inBox)));
+        testBits(first, other.FindInBox(points + first) >> (done - first) << (done - first));
     }
 }
 
@@ -269,14 +272,26 @@ void FindInside(const math::Vec2List& list, const Polygon& other, Found found) {
 // list: so a contact keeps its roles, and its cached impulses their meaning. Vertices are numbered from 1;
 // vertices of either polygon with equal numbers make equal IDs, of which the cache keeps the later. Side
 // points of the one and of the other have numbers of their own.
+//
+// A vertex beside a corner of the other polygon may be nearest to the side that it stands flush with, and is
+// then held by the one it points at. Side points count only along a side.
 void Collider::PointsInside(Polygon* owner, Polygon* other, ContactPool& out) {
     const math::Vec2List& vertices = owner->GetWorldVertices();
     FindInside(vertices, *other, [&](uint32_t i, real s, Vec2 normal) {
-        MakeContact(out, other, owner, i + 1, vertices[i], normal, -s);
+        const auto count = static_cast<uint32_t>(vertices.size());
+        const Vec2 v = vertices[i];
+        const OutlineSides::Corner corner(vertices[i > 0 ? i - 1 : count - 1] - v,
+                                          vertices[i + 1 < count ? i + 1 : 0] - v);
+        if (!corner.PointsAt(normal)) other->FindOpposite(v, corner, s, normal);
+        MakeContact(out, other, owner, i + 1, v, normal, -s);
     });
     const math::Vec2List& sidePoints = owner->GetWorldSidePoints();
     const uint32_t first = SIDE_POINTS + (owner->GetID() < other->GetID() ? 0 : 1);
     FindInside(sidePoints, *other, [&](uint32_t i, real s, Vec2 normal) {
+        const uint32_t edge = owner->GetSidePoints()[i].edge;
+        const Vec2 along = vertices[edge + 1 < vertices.size() ? edge + 1 : 0] - vertices[edge];
+        const OutlineSides::Corner side(along, -along);
+        if (!side.PointsAt(normal) && !other->FindOpposite(sidePoints[i], side, s, normal)) return;
         MakeContact(out, other, owner, first + 2 * i, sidePoints[i], normal, -s);
     });
 }

@@ -18,7 +18,7 @@ namespace physics {
 // whose boxes are apart cannot touch, so a sweep hands out only the others, and in that same order.
 //
 // Shapes have no edges-against-edges test: a contact of two polygons is a vertex or side point of one found
-// inside the other by its distance map. Normals point from the contact's first geom to its second.
+// inside the other. Normals point from the contact's first geom to its second.
 //
 // Kept from step to step, for its arrays and for the sweep's order; it holds no object between calls of
 // Collide.

@@ -19,8 +19,8 @@ static math::Vec2List ToBox(const math::Vec2List& vertices, const math::OBB2D& b
 }
 
 DistanceMap::DistanceMap(const math::Vec2List& vertices, const math::OBB2D& box)
-    : m_outline(ToBox(vertices, box), box.halfSize), m_box(box) {
-    m_box.halfSize = DistanceField::GetReach(m_outline.halfSize);
+    : m_field(DistanceField::Get(RasterOutline(ToBox(vertices, box), box.halfSize))), m_box(box) {
+    m_box.halfSize = DistanceField::GetReach(m_field->GetOutline().halfSize);
     MakeTransforms();
 }
 

@@ -63,7 +63,7 @@ class DistanceMap : public util::Pointee {
         Float4 fx, fy;
     };
 
-    const DistanceField& GetField() const;
+    const DistanceField& GetField() const { return *m_field.Get(); }
     void MakeTransforms();
     Place Locate(math::Vec2 inBox) const;
     FourPlaces LocateFour(Float4 x, Float4 y) const;
@@ -73,18 +73,12 @@ class DistanceMap : public util::Pointee {
     math::Vec2 GetGradient(int i, int j) const;  // unit, of a cell
     bool GetFourGradients(const Place& place, math::Vec2* gradients) const;
 
-    const RasterOutline m_outline;
+    util::SharedPtr<const DistanceField> m_field;
     math::OBB2D m_box;
     math::TMatrix3<float> m_localToMap;
     math::TMatrix3<float> m_mapToLocal;
-    math::Vec2 m_cellsPerMetre;                            // along either axis
-    mutable util::SharedPtr<const DistanceField> m_field;  // null until asked for
+    math::Vec2 m_cellsPerMetre;  // along either axis
 };
-
-inline const DistanceField& DistanceMap::GetField() const {
-    if (!m_field) m_field = DistanceField::Get(m_outline);
-    return *m_field.Get();
-}
 
 // Points beyond the map, which none inside an outline's box is, count as points on its border; so does a
 // NaN, whose cell would not be a number.

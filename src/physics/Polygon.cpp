@@ -5,7 +5,6 @@
 
 #include "math/Geometry.h"
 #include "physics/Float8.h"
-#include "physics/SidePoints.h"
 #include "util/Assert.h"
 #include "util/Exception.h"
 
@@ -87,7 +86,6 @@ Polygon::Polygon(const Vec2List& outline, const Surface& surface)
     const Vec2 centroid = CalcAttribs();
     const bool sound = m_area > 0 && std::isfinite(m_area) && m_inertiaSansMass > 0;
     if (!std::isfinite(centroid.x) || !std::isfinite(centroid.y)) THROW(BadDataException, "Bad polygon");
-    BuildLines();
     CheckSelfIntersection();
     // Asked last, since the loops of a figure of eight may cancel out and it deserves its own message.
     if (!sound || !std::isfinite(m_inertiaSansMass)) THROW(BadDataException, "Bad polygon");
@@ -96,6 +94,7 @@ Polygon::Polygon(const Vec2List& outline, const Surface& surface)
     m_sidePoints = FindSidePoints(m_vertices);
     m_localToBox = MakeToBox(m_obb);
     m_map = new DistanceMap(m_vertices, m_obb);
+    m_sides = new OutlineSides(m_vertices);
     SetTransform(RigidTransform(1, 0, centroid.x, centroid.y));
 }
 
@@ -177,30 +176,25 @@ Vec2 Polygon::CalcAttribs() {
     return centroid;
 }
 
-void Polygon::BuildLines() {
-    const size_t n = m_vertices.size();
-    m_lines.reserve(n);
-    for (size_t i = 0; i < n; ++i) m_lines.push_back({m_vertices[i], m_vertices[(i + 1) % n]});
-    CODE_ASSERTION(m_lines.size() == m_vertices.size());
-}
-
 // All pairs of edges. Edges whose boxes are apart are not asked: they cannot cross, and the answer for
 // nearly collinear ones, such as those of a slanted side with points put in, would be rounding noise.
 void Polygon::CheckSelfIntersection() const {
+    const LineList lines = GetLines();
+    const size_t n = lines.size();
     util::VectorPOD<math::BoundingBox2f> boxes;
-    boxes.reserve(m_lines.size());
-    for (const Line& line : m_lines) {
+    boxes.reserve(n);
+    for (const Line& line : lines) {
         math::BoundingBox2f box;
         box.Extend(line.start);
         box.Extend(line.end);
         boxes.push_back(box);
     }
-    for (size_t i = 0; i < m_lines.size(); ++i) {
-        const Line a = m_lines[i];
+    for (size_t i = 0; i < n; ++i) {
+        const Line a = lines[i];
         const math::BoundingBox2f box = boxes[i];
-        for (size_t j = i + 1; j < m_lines.size(); ++j) {
+        for (size_t j = i + 1; j < n; ++j) {
             if (!box.Overlaps(boxes[j])) continue;
-            if (!math::SegmentsIntersect(a.start, a.end, m_lines[j].start, m_lines[j].end)) continue;
+            if (!math::SegmentsIntersect(a.start, a.end, lines[j].start, lines[j].end)) continue;
             THROW(BadDataException, "Self-intersecting polygon");
         }
     }
@@ -232,18 +226,27 @@ math::BoundingBox2f Polygon::GetBoundingBox() const {
     return box;
 }
 
+static LineList MakeLines(const Vec2List& vertices) {
+    const size_t n = vertices.size();
+    LineList lines;
+    lines.reserve(n);
+    for (size_t i = 0; i < n; ++i) lines.push_back({vertices[i], vertices[(i + 1) % n]});
+    return lines;
+}
+
+LineList Polygon::GetLines() const {
+    return MakeLines(m_vertices);
+}
+
 const LineList& Polygon::GetWorldLines() const {
-    if (!m_worldLines.empty()) return m_worldLines;
-    const size_t n = m_worldVertices.size();
-    m_worldLines.reserve(n);
-    for (size_t i = 0; i < n; ++i) m_worldLines.push_back({m_worldVertices[i], m_worldVertices[(i + 1) % n]});
+    if (m_worldLines.empty()) m_worldLines = MakeLines(m_worldVertices);
     return m_worldLines;
 }
 
 const Vec2List& Polygon::GetWorldSidePoints() const {
     if (!m_worldSidePoints.empty()) return m_worldSidePoints;
     m_worldSidePoints.reserve(m_sidePoints.size());
-    for (const Vec2 p : m_sidePoints) m_worldSidePoints.push_back(GetTransform()(p));
+    for (const SidePoint& point : m_sidePoints) m_worldSidePoints.push_back(GetTransform()(point.place));
     return m_worldSidePoints;
 }
 
@@ -268,9 +271,26 @@ real Polygon::GetFieldDistance(Vec2 point) const {
 }
 
 bool Polygon::FindInside(Vec2 point, real& distance, Vec2& normal) const {
-    Vec2 gradient;
-    if (!m_map->SampleInside(m_worldToBox(point), distance, gradient)) return false;
-    normal = RotateBack(m_worldToBox, math::Normalized(gradient));
+    const Vec2 p = GetInvTransform()(point);
+    const OutlineSides::Place place = m_sides->Find(m_vertices, p, distance, normal);
+    if (place == OutlineSides::Place::OUTSIDE) return false;
+    if (place == OutlineSides::Place::DEEP) {
+        Vec2 gradient;
+        if (!m_map->SampleInside(m_worldToBox(point), distance, gradient)) return false;
+        normal = RotateBack(m_worldToBox, math::Normalized(gradient));
+    } else {
+        normal = GetTransform().Rotate(normal);
+    }
+    return true;
+}
+
+bool Polygon::FindOpposite(Vec2 point, const OutlineSides::Corner& corner, real& distance,
+                           Vec2& normal) const {
+    const RigidTransform& toLocal = GetInvTransform();
+    const OutlineSides::Corner local(toLocal.Rotate(corner.directions[0]),
+                                     toLocal.Rotate(corner.directions[1]));
+    if (!m_sides->FindOpposite(m_vertices, toLocal(point), local, distance, normal)) return false;
+    normal = GetTransform().Rotate(normal);
     return true;
 }
 

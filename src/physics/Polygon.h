@@ -10,13 +10,16 @@
 #include "physics/Geom.h"
 #include "physics/Line.h"
 #include "physics/OutlinePieces.h"
+#include "physics/OutlineSides.h"
+#include "physics/SidePoints.h"
 #include "util/SharedPtr.h"
 
 namespace physics {
 
 // Any simple polygon, convex or concave. It is never cut into convex pieces: its signed distance field is
 // sampled into a map when something first comes near, and from then on the questions whether a point is
-// inside and which way is out are bilinear look-ups, whatever the number of vertices.
+// inside and which way is out are bilinear look-ups, whatever the number of vertices. Contacts of polygons
+// ask the sides themselves where they are near (OutlineSides).
 //
 // Local coordinates have the centroid at the origin; the geom starts where the vertices were. Inside its
 // tight box (m_obb) the distance comes from the map; outside it is the distance to that box, which bounds
@@ -42,10 +45,11 @@ class Polygon : public Geom {
 
     // Counter-clockwise. Edge i runs from vertex i to the next; the last closes the loop.
     const math::Vec2List& GetVertices() const { return m_vertices; }
-    const LineList& GetLines() const { return m_lines; }
+    LineList GetLines() const;
     const math::Vec2List& GetWorldVertices() const { return m_worldVertices; }
     const LineList& GetWorldLines() const;
     // What is no part of the outline, but touched at like its vertices; see SidePoints.h.
+    const util::VectorPOD<SidePoint>& GetSidePoints() const { return m_sidePoints; }
     const math::Vec2List& GetWorldSidePoints() const;
     // The outline in pieces about as long as `length`, local; remembered for the length last asked for.
     const OutlinePieces& GetPieces(math::real length) const;
@@ -72,8 +76,13 @@ class Polygon : public Geom {
 
     // GetDistance without the virtual call, for loops over vertices.
     math::real Distance(math::Vec2 point) const;
-    // For a point in the tight box: whether its distance is below 0; that and the normal, if it is.
+    // For a point in the tight box: whether it is inside, and if so its distance, below 0, and the normal.
+    // Exact near the outline, and anywhere in shapes of few sides.
     bool FindInside(math::Vec2 point, math::real& distance, math::Vec2& normal) const;
+    // For one that is a corner of another outline, with directions in the world: the nearest side it points
+    // at, if one is close.
+    bool FindOpposite(math::Vec2 point, const OutlineSides::Corner& corner, math::real& distance,
+                      math::Vec2& normal) const;
     // Which of FEW points have a field distance below a limit, as bits; the distances of these, and the unit
     // directions in which they rise, zero where there is none.
     static constexpr uint32_t FEW = 4;
@@ -89,7 +98,6 @@ class Polygon : public Geom {
 
   private:
     math::Vec2 CalcAttribs();
-    void BuildLines();
     void CheckSelfIntersection() const;
     struct InBox;
     InBox TurnToBox(const math::Vec2* directions) const;
@@ -101,9 +109,8 @@ class Polygon : public Geom {
 
     math::Vec2List m_vertices;
     math::Vec2List m_worldVertices;
-    LineList m_lines;
     mutable LineList m_worldLines;  // empty until asked for after a move
-    math::Vec2List m_sidePoints;
+    util::VectorPOD<SidePoint> m_sidePoints;
     mutable math::Vec2List m_worldSidePoints;  // empty until asked for after a move
     mutable OutlinePieces m_pieces;
     mutable math::real m_pieceLength = 0;  // m, of m_pieces; 0 without them
@@ -113,9 +120,10 @@ class Polygon : public Geom {
     math::OBB2D m_worldOBB;
     math::RigidTransform m_localToBox;  // into the frame of m_obb: its centre the origin, its axes the axes
     math::RigidTransform m_worldToBox;
-    util::SharedPtr<const DistanceMap> m_map;  // never changes; shared by copies
-    math::real m_area = 0;                     // m^2, above 0
-    math::real m_inertiaSansMass = 0;          // m^2, about the centroid, per unit mass
+    util::SharedPtr<const DistanceMap> m_map;     // never changes; shared by copies
+    util::SharedPtr<const OutlineSides> m_sides;  // the same
+    math::real m_area = 0;                        // m^2, above 0
+    math::real m_inertiaSansMass = 0;             // m^2, about the centroid, per unit mass
 };
 
 // Whether two polygons are near enough for a vertex of one to lie in the other: by bounding circles, by the

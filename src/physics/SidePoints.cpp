@@ -13,6 +13,8 @@ using math::real;
 using math::Vec2;
 using math::Vec2List;
 
+using SidePoints = util::VectorPOD<SidePoint>;
+
 namespace {
 
 constexpr real STRAIGHT = 0.01f;         // rad, of turn at a vertex within a side
@@ -30,7 +32,7 @@ constexpr real WIDEST_GAP = 0.55f;    // of the side, without any point
 // A straight stretch of an outline: its vertices from corner to corner.
 class Side {
   public:
-    Side(const Vec2List& vertices, size_t first, size_t last) {
+    Side(const Vec2List& vertices, size_t first, size_t last) : m_first(first), m_count(vertices.size()) {
         const size_t n = vertices.size();
         for (size_t i = first; i <= last; ++i) {
             const Vec2 v = vertices[i % n];
@@ -41,7 +43,7 @@ class Side {
 
     real GetLength() const { return m_places.back(); }
 
-    void FindPoints(bool isSharpAtStart, bool isSharpAtEnd, Vec2List& points) const {
+    void FindPoints(bool isSharpAtStart, bool isSharpAtEnd, SidePoints& points) const {
         const real near = std::min(std::max(NEAR * GetLength(), LEAST_NEAR), MOST_NEAR * GetLength());
         std::vector<real> wanted;
         if (isSharpAtStart && !HasVertexNear(0, near)) wanted.push_back(near);
@@ -72,13 +74,15 @@ class Side {
         return 0;
     }
 
-    Vec2 GetPoint(real place) const {
+    SidePoint GetPoint(real place) const {
         const auto next = std::upper_bound(m_places.begin(), m_places.end() - 1, place);
         const auto i = static_cast<size_t>(next - m_places.begin());
         const real share = (place - m_places[i - 1]) / (m_places[i] - m_places[i - 1]);
-        return m_vertices[i - 1] * (1 - share) + m_vertices[i] * share;
+        const size_t edge = (m_first + i - 1) % m_count;
+        return {m_vertices[i - 1] * (1 - share) + m_vertices[i] * share, static_cast<uint32_t>(edge)};
     }
 
+    size_t m_first, m_count;  // of the outline's vertices
     Vec2List m_vertices;
     std::vector<real> m_places;  // m, of the vertices, along the side
 };
@@ -103,8 +107,8 @@ class Outline {
         }
     }
 
-    Vec2List FindPoints() const {
-        Vec2List points;
+    SidePoints FindPoints() const {
+        SidePoints points;
         const real least = LEAST_LENGTH * GetExtent(m_vertices);
         for (size_t k = 0; k < m_corners.size(); ++k) {
             const bool wraps = k + 1 == m_corners.size();
@@ -127,7 +131,7 @@ class Outline {
 
 }  // namespace
 
-Vec2List FindSidePoints(const Vec2List& vertices) {
+SidePoints FindSidePoints(const Vec2List& vertices) {
     return Outline(vertices).FindPoints();
 }
 

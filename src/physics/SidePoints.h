@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cstdint>
+
 #include "math/Vector.h"
+#include "util/VectorPOD.h"
 
 namespace physics {
 
@@ -11,7 +14,13 @@ namespace physics {
 // other the overlap ends at a corner on either side, and where two corners meet there, both lie on the other
 // outline, neither in nor out: shapes that stand flush would sink into each other.
 //
+// They count where two sides lie along each other, and nowhere else.
+struct SidePoint {
+    math::Vec2 place;
+    uint32_t edge;  // that it lies on
+};
+
 // `vertices` counter-clockwise; the points come in their order.
-math::Vec2List FindSidePoints(const math::Vec2List& vertices);
+util::VectorPOD<SidePoint> FindSidePoints(const math::Vec2List& vertices);
 
 }  // namespace physics

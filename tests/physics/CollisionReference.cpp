@@ -21,6 +21,7 @@ using physics::Circle;
 using physics::Geom;
 using physics::Plane;
 using physics::Polygon;
+using Corner = physics::OutlineSides::Corner;
 
 namespace {
 
@@ -126,19 +127,31 @@ class BruteForce {
     }
 
     void PointsInside(const Polygon& owner, const Polygon& other) {
-        uint32_t index = 0;
-        for (const Vec2 v : owner.GetWorldVertices()) {
-            ++index;
-            if (other.GetDistance(v) < 0)
-                Add(other, owner, index, v, other.GetNormal(v), -other.GetDistance(v));
+        real distance;
+        Vec2 normal;
+        const math::Vec2List& vertices = owner.GetWorldVertices();
+        const size_t count = vertices.size();
+        for (size_t i = 0; i < count; ++i) {
+            const Vec2 v = vertices[i];
+            if (!IsInBox(other, v) || !other.FindInside(v, distance, normal)) continue;
+            const Corner corner(vertices[(i + count - 1) % count] - v, vertices[(i + 1) % count] - v);
+            if (!corner.PointsAt(normal)) other.FindOpposite(v, corner, distance, normal);
+            Add(other, owner, static_cast<uint32_t>(i + 1), v, normal, -distance);
         }
-        index = 0x80000000 + (owner.GetID() < other.GetID() ? 0 : 1);
-        for (const Vec2 v : owner.GetWorldSidePoints()) {
-            if (other.GetDistance(v) < 0)
-                Add(other, owner, index, v, other.GetNormal(v), -other.GetDistance(v));
-            index += 2;
+        const uint32_t first = 0x80000000 + (owner.GetID() < other.GetID() ? 0 : 1);
+        for (uint32_t i = 0; i < owner.GetSidePoints().size(); ++i) {
+            const Vec2 v = owner.GetWorldSidePoints()[i];
+            if (!IsInBox(other, v) || !other.FindInside(v, distance, normal)) continue;
+            const uint32_t edge = owner.GetSidePoints()[i].edge;
+            const Vec2 along = vertices[(edge + 1) % count] - vertices[edge];
+            const Corner side(along, -along);
+            if (side.PointsAt(normal) || other.FindOpposite(v, side, distance, normal))
+                Add(other, owner, first + 2 * i, v, normal, -distance);
         }
     }
+
+    // Outside the box the normal is zero.
+    static bool IsInBox(const Polygon& polygon, Vec2 point) { return polygon.GetNormal(point) != Vec2(); }
 
     static real GetFieldDistance(const Geom& geom, Vec2 p) {
         const auto* polygon = dynamic_cast<const Polygon*>(&geom);

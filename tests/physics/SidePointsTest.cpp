@@ -35,10 +35,12 @@ Vec2List MakeRegular(int corners, float radius, Vec2 center) {
     return outline;
 }
 
-void ExpectPoints(const Vec2List& found, const Vec2List& expected) {
-    ASSERT_EQ(found.size(), expected.size());
-    for (size_t i = 0; i < found.size(); ++i) {
-        EXPECT_LT(math::Length(found[i] - expected[i]), 1e-6f) << "point " << i;
+void ExpectPoints(const Vec2List& outline, const std::vector<physics::SidePoint>& expected) {
+    const auto found = physics::FindSidePoints(outline);
+    ASSERT_GE(found.size(), expected.size());
+    for (size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_LT(math::Length(found[i].place - expected[i].place), 1e-6f) << "point " << i;
+        EXPECT_EQ(found[i].edge, expected[i].edge) << "point " << i;
     }
 }
 
@@ -47,21 +49,20 @@ void ExpectPoints(const Vec2List& found, const Vec2List& expected) {
 // ---- where the points lie ------------------------------------------------------------------------------
 
 TEST(SidePoints, LieNearSharpCornersAndInTheMiddle) {
-    ExpectPoints(physics::FindSidePoints({{0, 0}, {3.2f, 0}, {0, 1.6f}}), {{0.1f, 0},
-                                                                           {1.6f, 0},
-                                                                           {3.1f, 0},  // along the long leg
-                                                                           {3.2f - 0.1f, 0.05f},
-                                                                           {1.6f, 0.8f},
-                                                                           {0.1f, 1.55f},  // the slanted side
-                                                                           {0, 1.55f},
-                                                                           {0, 0.8f},
-                                                                           {0, 0.05f}});
+    ExpectPoints({{0, 0}, {3.2f, 0}, {0, 1.6f}}, {{{0.1f, 0}, 0},
+                                                  {{1.6f, 0}, 0},
+                                                  {{3.1f, 0}, 0},
+                                                  {{3.1f, 0.05f}, 1},
+                                                  {{1.6f, 0.8f}, 1},
+                                                  {{0.1f, 1.55f}, 1},
+                                                  {{0, 1.55f}, 2},
+                                                  {{0, 0.8f}, 2},
+                                                  {{0, 0.05f}, 2}});
 }
 
 TEST(SidePoints, KeepAwayFromTheCornersOfSmallShapes) {
-    const Vec2List points = physics::FindSidePoints(Box(0, 0, 0.04f, 0.008f));
-    ExpectPoints({points[0], points[1], points[2], points[3]},
-                 {{-0.017f, -0.004f}, {0, -0.004f}, {0.017f, -0.004f}, {0.02f, -0.002f}});
+    ExpectPoints(Box(0, 0, 0.04f, 0.008f),
+                 {{{-0.017f, -0.004f}, 0}, {{0, -0.004f}, 0}, {{0.017f, -0.004f}, 0}, {{0.02f, -0.002f}, 1}});
 }
 
 TEST(SidePoints, AreFewWhereVerticesAre) {
@@ -95,7 +96,7 @@ class FlushShapes : public World {
         const float sunk = 1.3f * sim.m_targetPenetration->Get() * static_cast<float>(layers);
         for (size_t i = 0; i < m_shapes.size(); ++i) {
             const Vec2 move = m_shapes[i]->m_pos - m_places[i];
-            EXPECT_LT(std::fabs(move.x), 0.002f * size + 0.0002f) << "shape " << i;
+            EXPECT_LT(std::fabs(move.x), 0.002f * size + 0.0004f) << "shape " << i;
             EXPECT_LT(move.y, 0.0001f) << "shape " << i;
             EXPECT_GT(move.y, -sunk) << "shape " << i;
             EXPECT_LT(std::fabs(m_shapes[i]->m_angle), 0.01f) << "shape " << i;
@@ -118,7 +119,7 @@ TEST_P(FlushStack, OfBoxesOfFourCornersStands) {
     ExpectStanding(20, GetParam(), BOXES);
 }
 
-INSTANTIATE_TEST_SUITE_P(Scales, FlushStack, testing::Values(0.05f, 0.1f, 0.3f, 1.0f, 10.0f, 100.0f));
+INSTANTIATE_TEST_SUITE_P(Scales, FlushStack, testing::Values(0.01f, 0.03f, 0.1f, 0.3f, 1.0f, 10.0f, 100.0f));
 
 // In metres at scale 1; all lie flat on each other, with corners beside corners.
 struct Arrangement {
@@ -150,6 +151,9 @@ const Arrangement ARRANGEMENTS[] = {
     {"PlankOverPost", 2, {Box(0, 0.5f, 0.2f, 1), Box(0, 1.05f, 6, 0.1f)}},
     {"PlankFlushWithPosts", 2, {Box(-2, 0.5f, 0.2f, 1), Box(2, 0.5f, 0.2f, 1), Box(0, 1.05f, 4.2f, 0.1f)}},
     {"PlankOnPlank", 3, {Box(0, 0.05f, 6, 0.1f), Box(0, 0.15f, 6, 0.1f), Box(0, 0.25f, 6, 0.1f)}},
+    {"PoleOnPole", 2, {Box(0, 1, 0.1f, 2), Box(0, 3, 0.1f, 2)}},
+    {"SmallOnPole", 2, {Box(0, 3, 0.1f, 6), Box(0, 6.025f, 0.05f, 0.05f)}},
+    {"ThinPlankOverPosts", 2, {Box(-0.4f, 0.5f, 0.1f, 1), Box(0.4f, 0.5f, 0.1f, 1), Box(0, 1.03f, 1, 0.06f)}},
     {"TriangleOnTwo",
      2,
      {{{-1, 0}, {0, 0}, {-0.5f, 0.8f}}, {{0, 0}, {1, 0}, {0.5f, 0.8f}}, {{-1, 0.8f}, {1, 0.8f}, {0, 2}}}},
