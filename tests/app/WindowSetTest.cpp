@@ -46,6 +46,26 @@ TEST_F(WindowSetTest, DocksWhatNobodyMoved) {
     App().SetSize(1024, 768);
 }
 
+TEST_F(WindowSetTest, TilesFollowTheWidthOfTheInterface) {
+    const std::function<size_t(const gui::Component&)> countColumns = [&](const gui::Component& parent) {
+        for (const gui::ComponentPtr& child : parent.GetChildren()) {
+            const bool isGrid = child->GetReflectedName().find("Grid") == 0;
+            const size_t columns =
+                isGrid ? child->GetChildren().front()->GetChildren().size() : countColumns(*child);
+            if (columns > 0) return columns;
+        }
+        return size_t(0);
+    };
+    App().SetSize(300, 480);
+    GUI().GetCommands().Run("ShowHelp");
+    const size_t few = countColumns(GUI());
+    EXPECT_GT(few, 0u);
+    App().SetSize(1024, 768);
+    GUI().Update(0.01f);
+    EXPECT_GT(countColumns(GUI()), few);
+    GUI().CloseDialog();
+}
+
 TEST_F(WindowSetTest, ReadsPlacesAndSurvivesDamage) {
     SetState("Tools open 300 200 File clo 1");
     EXPECT_EQ(Windows().Get("Tools")->GetPos(), Vec2(300, 200));

@@ -64,19 +64,43 @@ gui::ButtonPtr MakeCancelButton(const WindowPtr& window) {
     return MakeButton("Cancel", CloseAnd(window, [] {}));
 }
 
-// Rows of as many tiles as fit into the width.
-ComponentPtr MakeGrid(const std::vector<ComponentPtr>& tiles, float width, size_t columns) {
-    const ComponentPtr grid = new gui::Component("Grid", MakeRowLayout());
-    std::vector<ComponentPtr> row;
-    for (size_t i = 0; i < tiles.size(); ++i) {
-        row.push_back(tiles[i]);
-        const float next = static_cast<float>(row.size() + 1) * tiles[i]->GetOuterSize().x;
-        if (row.size() < columns && next <= width && i + 1 < tiles.size()) continue;
-        grid->AddChild(MakeRow(row));
-        row.clear();
+// Rows of as many tiles, all of them about equally wide, as the interface has room for.
+class Grid : public gui::Component {
+  public:
+    Grid(const Desk& desk, const std::vector<ComponentPtr>& tiles, size_t mostColumns)
+        : Component("Grid", MakeRowLayout()), m_desk(desk), m_tiles(tiles), m_mostColumns(mostColumns) {
+        LayOut(GetColumns());
     }
-    return grid;
-}
+
+    void Update(float dt) override {
+        Component::Update(dt);
+        const size_t columns = GetColumns();
+        if (columns != m_columns) LayOut(columns);
+    }
+
+  private:
+    size_t GetColumns() const {
+        float widest = 1;
+        for (const ComponentPtr& tile : m_tiles) widest = std::max(widest, tile->GetOuterSize().x);
+        const float room = std::max(m_desk.m_interface.GetSize().x - SIDE_ROOM, widest);
+        return std::min(static_cast<size_t>(room / widest), m_mostColumns);
+    }
+
+    void LayOut(size_t columns) {
+        m_columns = columns;
+        RemoveAllChildren();
+        for (size_t i = 0; i < m_tiles.size(); i += columns) {
+            const auto first = m_tiles.begin() + static_cast<std::ptrdiff_t>(i);
+            const auto count = static_cast<std::ptrdiff_t>(std::min(columns, m_tiles.size() - i));
+            AddChild(MakeRow({first, first + count}));
+        }
+    }
+
+    const Desk& m_desk;
+    const std::vector<ComponentPtr> m_tiles;
+    const size_t m_mostColumns;
+    size_t m_columns = 0;
+};
 
 float GetTextWidth(const Desk& desk) {
     return std::min(TEXT_WIDTH, desk.m_interface.GetSize().x - SIDE_ROOM);
@@ -188,8 +212,7 @@ WindowPtr MakeGallery(const Desk& desk, const NameFunction& choose) {
     for (const String& file : names) {
         tiles.push_back(new SceneButton(file, SceneButton::Shape::Tile, [choose, file] { choose(file); }));
     }
-    window->AddChild(
-        MakeScrolled(MakeGrid(tiles, desk.m_interface.GetSize().x - SIDE_ROOM, GALLERY_COLUMNS), desk));
+    window->AddChild(MakeScrolled(new Grid(desk, tiles, GALLERY_COLUMNS), desk));
     return window;
 }
 
@@ -218,7 +241,7 @@ WindowPtr MakeHelpDialog(const Desk& desk, const String& text) {
     std::vector<ComponentPtr> tiles;
     for (const Gesture& gesture : GESTURES) tiles.push_back(MakeGestureTile(gesture));
     const ComponentPtr content = new gui::Component("Help", MakeRowLayout());
-    content->AddChild(MakeGrid(tiles, GetTextWidth(desk), GESTURE_COLUMNS));
+    content->AddChild(new Grid(desk, tiles, GESTURE_COLUMNS));
     content->AddChild(MakeText(desk, text));
     window->AddChild(MakeScrolled(content, desk));
     return window;

@@ -69,7 +69,8 @@ void ScrollArea::ScrollTo(float offset) {
 }
 
 void ScrollArea::ScrollTo(const Component& component) {
-    const Vec2 top = ToContent(component.ToGUI({0, 0})), bottom = top + Vec2(0, component.GetSize().y);
+    const math::BoundingBox2f box = component.GetOuterBox();
+    const Vec2 top = ToContent(component.ToGUI(box.min)), bottom = ToContent(component.ToGUI(box.max));
     if (top.y < 0) {
         ScrollTo(m_offset + top.y);
     } else if (bottom.y > GetSize().y) {
