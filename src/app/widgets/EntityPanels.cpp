@@ -30,8 +30,15 @@ String FormatFigure(const char* key, double value, const char* unit) {
     return boost::str(boost::format("%1%: %2$.4g %3%\n") % Translate(key) % value % unit);
 }
 
+// Of places and motions; what is less, such as the trembling of what lies still, is nothing.
+double DropNoise(double value) {
+    constexpr double LEAST = 1e-4;  // m, m/s, rad/s, J
+    return std::fabs(value) < LEAST ? 0 : value;
+}
+
 String FormatVector(const char* key, math::Vec2 value, const char* unit) {
-    return boost::str(boost::format("%1%: %2$.4g, %3$.4g %4%\n") % Translate(key) % value.x % value.y % unit);
+    return boost::str(boost::format("%1%: %2$.4g, %3$.4g %4%\n") % Translate(key) % DropNoise(value.x) %
+                      DropNoise(value.y) % unit);
 }
 
 // What moves with a body: 1/2 m v^2 + 1/2 I w^2. None for what cannot move.
@@ -45,9 +52,9 @@ String DescribeMotion(const physics::Body& body) {
     const math::Vec2 velocity = body.m_vel;
     return FormatFigure("EntInfoInertia", body.m_inertia, "kg m2") +
            FormatVector("EntInfoPos", body.m_pos, "m") + FormatVector("EntInfoVel", velocity, "m/s") +
-           FormatFigure("EntInfoSpeed", std::hypot(velocity.x, velocity.y), "m/s") +
-           FormatFigure("EntInfoAngVel", body.m_angVel, "rad/s") +
-           FormatFigure("EntInfoEnergy", GetEnergy(body), "J");
+           FormatFigure("EntInfoSpeed", DropNoise(std::hypot(velocity.x, velocity.y)), "m/s") +
+           FormatFigure("EntInfoAngVel", DropNoise(body.m_angVel), "rad/s") +
+           FormatFigure("EntInfoEnergy", DropNoise(GetEnergy(body)), "J");
 }
 
 String Describe(const EntityGroup& group) {

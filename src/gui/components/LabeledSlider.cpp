@@ -12,6 +12,7 @@ namespace {
 constexpr float LABEL_WIDTH = 110;  // GUI units
 constexpr float SLIDER_WIDTH = 120;
 constexpr float VALUE_WIDTH = 60;
+constexpr float FRAME = 6;  // of the window, into which a value may reach
 
 }  // namespace
 
@@ -46,7 +47,12 @@ String LabeledSlider::FormatValue(double value) const {
     if (std::isnan(value)) return "-";
     if (m_slider->IsMinClamp(value)) return "-inf";
     if (m_slider->IsMaxClamp(value)) return "+inf";
-    return boost::str(boost::format("%." + std::to_string(m_decimals) + "f") % value) + m_unit;
+    String text;
+    for (int decimals = m_decimals; decimals >= 0; --decimals) {
+        text = boost::str(boost::format("%." + std::to_string(decimals) + "f") % value) + m_unit;
+        if (TEXT_MARGIN + FormatText(GetTextFormat(), text).m_width <= VALUE_WIDTH + FRAME) break;
+    }
+    return text;
 }
 
 }  // namespace gui

@@ -8,7 +8,7 @@ namespace gui {
 // A name, a slider and its value in a row of fixed widths, so that a changing value moves nothing.
 class LabeledSlider : public Component {
   public:
-    // The value has `decimals` behind the point and `unit`, as " rpm", behind it.
+    // The value has `decimals` behind the point, or fewer for want of room, and `unit`, as " rpm", behind it.
     LabeledSlider(const String& text, const SliderPtr& slider, int decimals, const String& unit = String(),
                   const String& name = "LabeledSlider");
 
