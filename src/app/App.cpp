@@ -109,8 +109,7 @@ void App::SetWorldToGUI(const math::TMatrix3<float>& matrix, bool animate) {
 // ---- history
 
 void App::ClearScene() {
-    Undoer::Instance().Do(new app::ClearScene(m_scene));
-    ZoomToScene();
+    Undoer::Instance().Do(new app::ClearScene(m_scene, m_view));
 }
 
 void App::TakeSnapshot() {

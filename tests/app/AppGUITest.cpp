@@ -384,15 +384,19 @@ TEST_F(AppGUISaveTest, ASceneIsSavedBackToItsFile) {
     }
 }
 
-TEST_F(AppGUISaveTest, UndoGivesTheNameOfTheSceneBackThatANewOneReplaced) {
+TEST_F(AppGUISaveTest, UndoGivesNameAndViewOfTheSceneBackThatANewOneReplaced) {
     AddCircle({0, 0});
     EXPECT_TRUE(GUI().SaveSceneAs("mine.vxa", false));
+    View().Pan(300, 0, false);
+    const float place = View().GetTargetWorldToGUI()({0, 0}).x;
     EXPECT_TRUE(Key('n', true));
     EXPECT_EQ(Scene().GetName(), "");
+    EXPECT_NE(View().GetTargetWorldToGUI()({0, 0}).x, place);
     EXPECT_TRUE(GUI().SaveSceneAs("second.vxa", false));
     Key('z', true);
     EXPECT_EQ(Scene().GetName(), "mine.vxa");
     EXPECT_EQ(Entities().size(), 1u);
+    EXPECT_EQ(View().GetTargetWorldToGUI()({0, 0}).x, place);
     Key('y', true);
     EXPECT_EQ(Scene().GetName(), "second.vxa");
     EXPECT_TRUE(Entities().empty());

@@ -26,8 +26,7 @@ static void BuildMapsAhead(const Scene& scene) {
 }
 
 SceneLoader::SceneLoader(Scene& scene, View& view, const String& filename, bool import)
-    : SceneExchange(import ? "UndoImportScene" : "UndoLoadScene", scene),
-      m_view(view),
+    : SceneExchange(import ? "UndoImportScene" : "UndoLoadScene", scene, view),
       m_import(import),
       m_filename(filename) {}
 

@@ -29,7 +29,6 @@ class SceneLoader : public SceneExchange {
     bool Read();
     void Exchange() override;
 
-    View& m_view;
     bool m_import;  // joins the present scene instead of replacing it
     String m_filename;
     script::CodeBlockPtr m_code;  // read and not yet used; null before and after

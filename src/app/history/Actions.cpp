@@ -1,31 +1,39 @@
 #include "app/history/Actions.h"
 
 #include "app/scene/Scene.h"
+#include "app/scene/View.h"
 #include "physics/Simulation.h"
 
 namespace app {
 
+SceneExchange::Side SceneExchange::Take() const {
+    return {new Snapshot(m_scene), m_scene.GetName(), m_view.GetTargetWorldToGUI()};
+}
+
+void SceneExchange::Restore(const Side& side) const {
+    side.m_snapshot->Restore();
+    m_scene.SetName(side.m_name);
+    m_view.SetWorldToGUI(side.m_worldToGUI);
+}
+
 void SceneExchange::Do() {
-    m_nameBefore = m_scene.GetName();
-    m_before = new Snapshot(m_scene);
+    m_before = Take();
     Exchange();
 }
 
 void SceneExchange::Undo() {
-    m_after = new Snapshot(m_scene);
-    m_nameAfter = m_scene.GetName();
-    m_before->Restore();
-    m_scene.SetName(m_nameBefore);
+    m_after = Take();
+    Restore(m_before);
 }
 
 void SceneExchange::Redo() {
-    m_after->Restore();
-    m_scene.SetName(m_nameAfter);
+    Restore(m_after);
 }
 
 void ClearScene::Exchange() {
     m_scene.Clear();
     m_scene.GetSettings().Set({});
+    m_view.ZoomToScene(m_scene);
 }
 
 void EraseEntities::Do() {

@@ -4,6 +4,7 @@
 #include "app/entities/Entity.h"
 #include "app/history/Snapshot.h"
 #include "app/scene/SceneSettings.h"
+#include "math/Matrix3.h"
 #include "util/Pointee.h"
 
 namespace app {
@@ -56,11 +57,11 @@ class SnapshotRestorer : public Action {
     SnapshotPtr m_after;
 };
 
-// Puts another scene in the place of this one. The name goes with it; what the new scene has been called
-// meanwhile comes back by redo.
+// Puts another scene in the place of this one. The name goes with it, and where the user looks, for the other
+// scene may be far from there; what these have become meanwhile comes back by redo.
 class SceneExchange : public Action {
   public:
-    SceneExchange(const char* name, Scene& scene) : Action(name), m_scene(scene) {}
+    SceneExchange(const char* name, Scene& scene, View& view) : Action(name), m_scene(scene), m_view(view) {}
 
     void Do() override;
     void Undo() override;
@@ -70,17 +71,25 @@ class SceneExchange : public Action {
     virtual void Exchange() = 0;
 
     Scene& m_scene;
+    View& m_view;
 
   private:
-    SnapshotPtr m_before;
-    SnapshotPtr m_after;  // null until it is undone
-    String m_nameBefore, m_nameAfter;
+    struct Side {
+        SnapshotPtr m_snapshot;
+        String m_name;
+        math::TMatrix3<float> m_worldToGUI;
+    };
+    Side Take() const;
+    void Restore(const Side& side) const;
+
+    Side m_before;
+    Side m_after;  // empty until it is undone
 };
 
 // An empty scene without settings of its own.
 class ClearScene : public SceneExchange {
   public:
-    explicit ClearScene(Scene& scene) : SceneExchange("UndoClear", scene) {}
+    ClearScene(Scene& scene, View& view) : SceneExchange("UndoClear", scene, view) {}
 
   private:
     void Exchange() override;
