@@ -205,17 +205,17 @@ real WaterFilm::GetHead(Vec2 pos, real pressure) const {
     return pressure - m_settings.density * math::Dot(m_settings.gravity, pos);
 }
 
-// Open pieces next to sealed ones. What drops there are within a gap stand still, and tell nothing.
+// Open pieces next to sealed ones, where there is water. What drops there are within a gap stand still, and
+// tell nothing.
 void WaterFilm::FindEnds(const Water& water) {
     m_queue.clear();
     for (uint32_t i = 0; i < m_pieces.size(); ++i) {
         if (m_pieces[i].isSealed || !(m_pieces[GetNext(i)].isSealed || m_pieces[GetLast(i)].isSealed))
             continue;
-        const real head = GetHeadBeside(i, water);
-        if (IsDry(i, head) && FillPocket(i)) continue;
-        m_pieces[i].isReached = true;
-        m_pieces[i].head = head;
-        m_queue.push_back(i);
+        real head = 0;
+        const bool isWet = FindHeadBeside(i, water, head);
+        if ((!isWet || IsDry(i, head)) && FillPocket(i)) continue;
+        if (isWet) Reach(i, head);
     }
 }
 
@@ -244,8 +244,8 @@ bool WaterFilm::FillPocket(uint32_t first) {
     return true;
 }
 
-// That of the drops near the piece's body, or of the air where none is at the piece.
-real WaterFilm::GetHeadBeside(uint32_t piece, const Water& water) const {
+// That of the drops near the piece's body, if there is one at the piece.
+bool WaterFilm::FindHeadBeside(uint32_t piece, const Water& water, real& head) const {
     const Vec2 middle = m_middles[piece];
     const real near = NEAR * m_settings.spacing, far = FAR * m_settings.spacing;
     const uint32_t body = m_shapes[m_pieces[piece].shape].place;
@@ -265,23 +265,26 @@ real WaterFilm::GetHeadBeside(uint32_t piece, const Water& water) const {
         }
         isNear = isNear || distSq < near * near;
     }
-    if (!isNear) return GetHead(middle, 0);
-    return (free.count > 0 ? free : lying).GetMean();
+    if (isNear) head = (free.count > 0 ? free : lying).GetMean();
+    return isNear;
 }
 
 void WaterFilm::SpreadHeads() {
     for (size_t at = 0; at < m_queue.size(); ++at) {
         const uint32_t i = m_queue[at];
         const real head = m_pieces[i].head;
-        Reach(GetNext(i), head);
-        Reach(GetLast(i), head);
-        if (m_pieces[i].isSealed && m_pieces[i].partner != NONE) Reach(m_pieces[i].partner, head);
+        Follow(GetNext(i), head);
+        Follow(GetLast(i), head);
+        if (m_pieces[i].isSealed && m_pieces[i].partner != NONE) Follow(m_pieces[i].partner, head);
     }
+}
+
+void WaterFilm::Follow(uint32_t index, real head) {
+    if (m_pieces[index].isSealed && !m_pieces[index].isReached) Reach(index, head);
 }
 
 void WaterFilm::Reach(uint32_t index, real head) {
     Piece& piece = m_pieces[index];
-    if (!piece.isSealed || piece.isReached) return;
     piece.isReached = true;
     piece.head = head;
     m_queue.push_back(index);

@@ -22,9 +22,8 @@ namespace physics {
 // Outlines are looked at in pieces. One that has another shape close before it is sealed: no drop gets there.
 // Water at rest has the same head everywhere it is connected, whatever the way,
 //   head = p - rho0 g.x,
-// so sealed pieces take over the head of the nearest open end, along the outline and across the gap. Where
-// that end lies in the water its head is that of the drops there; in the air it is that of no pressure. What
-// follows for the piece is pushed along its normal:
+// so sealed pieces take over the head of the nearest open end that lies in the water, which is that of the
+// drops there, along the outline and across the gap. What follows for the piece is pushed along its normal:
 //   force = -n length max(0, head + rho0 g.x),
 // times the share of the gap's water that drops do not stand for (GetDropShare).
 //
@@ -87,9 +86,10 @@ class WaterFilm {
     void FindEnds(const Water& water);
     bool IsDry(uint32_t piece, math::real head) const;
     bool FillPocket(uint32_t first);
-    math::real GetHeadBeside(uint32_t piece, const Water& water) const;
+    bool FindHeadBeside(uint32_t piece, const Water& water, math::real& head) const;
     math::real GetHead(math::Vec2 pos, math::real pressure) const;
     void SpreadHeads();
+    void Follow(uint32_t piece, math::real head);
     void Reach(uint32_t piece, math::real head);
     void AddForces() const;
 

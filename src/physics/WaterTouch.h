@@ -22,8 +22,8 @@ struct Probe {
 };
 
 // Spacings of drops at rest: in gaps between shapes up to the one there are no drops, in those from the other
-// on only drops.
-constexpr math::real NARROW_GAP = 0.8f, WIDE_GAP = 1.1f;
+// on only drops. Where both count, what lies on drops is carried twice: so they are close to each other.
+constexpr math::real NARROW_GAP = 0.8f, WIDE_GAP = 0.85f;
 
 // The share of the water in a gap that drops stand for.
 inline math::real GetDropShare(math::real gap, math::real spacing) {

@@ -501,6 +501,39 @@ TEST_F(SPHTest, FloorBearsTheRest) {
     }
 }
 
+// Drops that are caught under what is heavier than water, and the water that seeps in beside them, do not
+// carry it together.
+TEST_F(SPHTest, WhatIsHeavierSinksToTheFloor) {
+    for (uint32_t seed = 1; seed <= 2; ++seed) {
+        sim.Clear();
+        AddPool(200, 3, seed);
+        Run(3);
+        sim.m_defaultBodyDensity->Set(1.3f);
+        const physics::BodyPtr box = AddBox({1.5f, 1.3f}, 0.5f, 0.5f);
+        Run(12);
+        EXPECT_NEAR(box->m_pos.y, 0.25f, 0.005f);
+    }
+}
+
+// What stands on dry land beside water bears its whole weight.
+TEST_F(SPHTest, DryGapsHoldNoWater) {
+    constexpr float WIDTH = 0.4f, HEIGHT = 0.25f, DENSITY = 0.3f;
+    AddPool(33, 3);  // a row of drops on the floor
+    MakeRoom({1.5f, 0}, WIDTH, HEIGHT);
+    sim.m_defaultBodyDensity->Set(DENSITY);
+    AddBox({1.5f, HEIGHT / 2}, WIDTH, HEIGHT);
+    const physics::BodyPtr upper = AddBox({1.5f, HEIGHT * 1.5f}, WIDTH, HEIGHT);
+    Run(2);
+    float sum = 0;
+    for (const physics::ContactPtr& contact : sim.GetContacts()) {
+        for (const int side : {0, 1}) {
+            if (contact->m_bodies[side] != upper.Get()) continue;
+            sum += contact->m_normalImpulse * contact->m_normal.y * (side == 0 ? -1.0f : 1.0f);
+        }
+    }
+    EXPECT_NEAR(sum / sim.m_timeDelta->Get(), 9.8f * DENSITY * WIDTH * HEIGHT, 0.01f);
+}
+
 TEST_F(SPHTest, HashInfoTellsHowTheGridIsFilled) {
     AddParticle({0.01f, 0});
     AddParticle({-0.01f, 0});  // the same cell: cells are cut towards zero
