@@ -370,6 +370,7 @@ void AppGUI::Update(float dt) {
         PROFILE_SECTION("AppGUI::Update");
         m_steppedHistory = false;
         Component::Update(dt);
+        if (m_popup && m_popup->GetParent() == nullptr) m_popup = nullptr;  // with the menus that hang on it
         m_windows.Update();
         KeepRoomForTools();
         gui::GUI::Instance().GetNotices()->KeepAbove(m_hints->GetRoom());

@@ -218,6 +218,23 @@ TEST_F(EntityPopupTest, OneMenuAtATimeUnlessItIsTornOff) {
     EXPECT_TRUE(FindTopLevel("GeomMenu"));
 }
 
+TEST_F(EntityPopupTest, MenusCloseWithThePopupTheyHangOn) {
+    for (const bool byButton : {true, false}) {
+        AddBox({0, 0});
+        Click({0, 0}, Key::RightMouse);
+        PressButton("GeomMenuButton");
+        ASSERT_TRUE(FindTopLevel("GeomMenu"));
+        if (byButton) {
+            FindPopup()->Close();
+        } else {
+            PressButton("Liquify");
+        }
+        App().Update(0);
+        EXPECT_FALSE(FindPopup());
+        EXPECT_FALSE(FindTopLevel("GeomMenu")) << byButton;
+    }
+}
+
 TEST_F(EntityPopupTest, ChangesMotorsOfAllHingesAsOneStep) {
     app::HingeEntityPtr hinges[2];
     for (int i = 0; i < 2; ++i) {
