@@ -15,13 +15,21 @@ TextInputer::TextInputer(const String& name) : InputListener(name) {
 void TextInputer::SetText(const String& text) {
     m_text = text;
     m_cursor = m_text.size();
+    m_isMarked = false;
 }
 
 void TextInputer::SetCursor(size_t cursor) {
     m_cursor = std::min(cursor, m_text.size());
+    m_isMarked = false;
+}
+
+void TextInputer::MarkAll() {
+    m_cursor = m_text.size();
+    m_isMarked = !m_text.empty();
 }
 
 void TextInputer::Insert(const String& text) {
+    if (m_isMarked) SetText(String());
     if (m_overwrite) m_text.erase(m_cursor, text.size());
     m_text.insert(m_cursor, text);
     m_cursor += text.size();
@@ -56,16 +64,16 @@ void TextInputer::Edit(KeyEvent& event) {
 bool TextInputer::MoveCursor(int key) {
     switch (key) {
         case Key::Left:
-            if (m_cursor > 0) --m_cursor;
+            SetCursor(m_cursor > 0 ? m_cursor - 1 : 0);
             return true;
         case Key::Right:
             SetCursor(m_cursor + 1);
             return true;
         case Key::Home:
-            m_cursor = 0;
+            SetCursor(0);
             return true;
         case Key::End:
-            m_cursor = m_text.size();
+            SetCursor(m_text.size());
             return true;
         case Key::Insert:
             m_overwrite = !m_overwrite;
@@ -77,6 +85,10 @@ bool TextInputer::MoveCursor(int key) {
 
 bool TextInputer::Erase(int key) {
     if (key != Key::Backspace && key != Key::Delete) return false;
+    if (m_isMarked) {
+        SetText(String());
+        return true;
+    }
     if (key == Key::Backspace) {
         if (m_cursor == 0) return true;
         --m_cursor;

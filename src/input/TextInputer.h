@@ -19,9 +19,11 @@ class TextInputer : public InputListener {
     const String& GetText() const { return m_text; }
     size_t GetCursor() const { return m_cursor; }
     bool IsOverwriting() const { return m_overwrite; }
-    void SetText(const String& text);                      // the cursor goes to the end
-    void SetCursor(size_t cursor);                         // at most the length
-    void Insert(const String& text);                       // at the cursor, which moves past it
+    void SetText(const String& text);  // the cursor goes to the end
+    void SetCursor(size_t cursor);     // at most the length
+    void Insert(const String& text);   // at the cursor, which moves past it
+    void MarkAll();                    // what is typed or erased next replaces it all
+    bool IsMarked() const { return m_isMarked; }
     util::CallbackSet& GetOnEnter() { return m_onEnter; }  // return, with a text that is not empty
 
   private:
@@ -31,6 +33,7 @@ class TextInputer : public InputListener {
     String m_text;        // ISO 8859-1
     size_t m_cursor = 0;  // index of the character behind it
     bool m_overwrite = false;
+    bool m_isMarked = false;  // all of the text
     util::CallbackSet m_onEnter;
 };
 using TextInputerPtr = util::SharedPtr<TextInputer>;

@@ -131,6 +131,22 @@ TEST_F(TreeTest, AFieldTypesWhileItHasTheFocus) {
     EXPECT_FALSE(Press('y', 'y'));
 }
 
+TEST_F(TreeTest, CtrlAMarksTheTextOfAField) {
+    const WindowPtr window = AddWindow({0, 0}, {300, 100});
+    const TextFieldPtr field = new gui::TextField("old");
+    window->AddChild(field);
+    gui::KeyEvent ctrlA = test::Press('a', {});
+    ctrlA.m_ctrl = true;
+    field->OnKeyEvent(ctrlA);
+    EXPECT_FALSE(ctrlA.m_handled) << "without the focus it is somebody else's";
+    Focus::Set(field);
+    field->OnKeyEvent(ctrlA);
+    EXPECT_TRUE(ctrlA.m_handled);
+    EXPECT_TRUE(Press('n', 'n'));
+    EXPECT_TRUE(Press('e', 'e'));
+    EXPECT_EQ(field->GetText(), "ne");
+}
+
 TEST_F(TreeTest, EscapeClosesADialogThatHasTheFocus) {
     const WindowPtr dialog = AddWindow({0, 0}, {300, 100});
     const TextFieldPtr field = new gui::TextField;

@@ -61,6 +61,29 @@ TEST_F(TextInputerTest, Editing) {
     }
 }
 
+TEST_F(TextInputerTest, WhatIsMarkedIsReplaced) {
+    struct Step {
+        int m_key;
+        char m_character;
+        const char* m_result;
+    };
+    const Step steps[] = {{'x', 'x', "x|"},
+                          {gui::Key::Backspace, 8, "|"},
+                          {gui::Key::Delete, 127, "|"},
+                          {gui::Key::Home, 0, "|name"},
+                          {gui::Key::Right, 0, "name|"},
+                          {gui::Key::LeftShift, 0, "name|"}};
+    for (const Step& step : steps) {
+        m_editor->SetText("name");
+        m_editor->MarkAll();
+        Press(step.m_key, step.m_character);
+        EXPECT_EQ(Show(), step.m_result) << step.m_key;
+        EXPECT_EQ(m_editor->IsMarked(), step.m_key == gui::Key::LeftShift) << "a modifier alone does nothing";
+    }
+    Press('y', 'y');
+    EXPECT_EQ(Show(), "y|");
+}
+
 TEST_F(TextInputerTest, WhatItLeavesToOthers) {
     EXPECT_FALSE(Press(gui::Key::Escape, 27));
     EXPECT_FALSE(Press(gui::Key::F1));

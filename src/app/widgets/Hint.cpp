@@ -47,6 +47,7 @@ void Hint::Draw() {
     math::Vec4 color = rendering::Renderer::Instance().GetColor();
     color.w *= GetAlpha();
     const rendering::ScopedColor faded(color);
+    GetBorder().Draw(GetSize().x, GetSize().y);  // twice: it may lie over the text of a window
     Label::Draw();
 }
 

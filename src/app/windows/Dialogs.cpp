@@ -159,6 +159,7 @@ SaveDialog::~SaveDialog() noexcept(false) = default;
 void SaveDialog::TakeFocus() {
     Window::TakeFocus();
     gui::Focus::Set(m_name.Get());
+    m_name->MarkAll();  // typing a name replaces the one that is proposed
 }
 
 bool SaveDialog::IsOtherScene(const String& file) const {

@@ -6,14 +6,19 @@
 #include "gui/Caret.h"
 #include "gui/Focus.h"
 #include "gui/LookAndFeel.h"
+#include "input/Clipboard.h"
 #include "input/Key.h"
 #include "rendering/Gl.h"
+#include "rendering/Renderer.h"
 #include "script/Conversions.h"
 #include "util/Clock.h"
 #include "util/Redraw.h"
 
 namespace gui {
 namespace {
+
+constexpr math::Vec4 MARK_COLOR(0.3f, 0.5f, 0.9f, 0.9f);
+constexpr float MARK_MARGIN = 2;  // GUI units, above and below
 
 // Nothing is drawn left of 0 and right of the width for the length of a scope. Other planes than those of a
 // scroll area, which the field may stand in.
@@ -79,12 +84,30 @@ void TextField::OnKeyEvent(KeyEvent& event) {
     Component::OnKeyEvent(event);
     if (event.m_handled || !HasFocus() || event.m_key == Key::Tab) return;
     const String before = GetText();
-    m_inputer->OnKeyEvent(event);
+    if (!HandleMarkKey(event)) m_inputer->OnKeyEvent(event);
     if (!event.m_handled) return;
     m_lastInput = util::Clock::Now();
     if (GetText() == before) return;
     Format();
     m_onChange.CallAll();
+}
+
+void TextField::MarkAll() {
+    m_inputer->MarkAll();
+    util::Redraw::Request();
+}
+
+bool TextField::HandleMarkKey(KeyEvent& event) {
+    if (!event.m_pressed || !event.m_ctrl || event.m_alt) return false;
+    if (event.m_key == 'a') {
+        m_inputer->MarkAll();
+    } else if (event.m_key == 'c' && m_inputer->IsMarked()) {
+        SetClipboardText(GetText());
+    } else {
+        return false;
+    }
+    event.m_handled = true;
+    return true;
 }
 
 void TextField::OnClick(ClickEvent& event) {
@@ -127,6 +150,7 @@ void TextField::DrawComp() {
     {
         const ScopedWidth clip(GetSize().x);
         const float x = TEXT_MARGIN - GetShift();
+        if (HasFocus() && m_inputer->IsMarked()) DrawMark(x);
         DrawText(GetTextFormat(), x, std::floor((GetSize().y - m_text.m_height) / 2), m_text);
         if (IsCursorShown()) DrawCursor();
     }
@@ -141,6 +165,14 @@ void TextField::Update(float dt) {
 
 bool TextField::IsCursorShown() const {
     return HasFocus() && IsCaretLit(m_lastInput);
+}
+
+void TextField::DrawMark(float x) const {
+    const rendering::ScopedColor kept;
+    const rendering::ScopedCapability untextured(GL_TEXTURE_2D, false);
+    rendering::Renderer& renderer = rendering::Renderer::Instance();
+    renderer.MultColor(MARK_COLOR);
+    renderer.DrawQuad({x, MARK_MARGIN}, {x + m_text.m_width, GetSize().y - MARK_MARGIN});
 }
 
 void TextField::DrawCursor() const {

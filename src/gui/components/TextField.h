@@ -25,6 +25,7 @@ class TextField : public Component {
 
     const String& GetText() const { return m_inputer->GetText(); }
     void SetText(const String& text);
+    void MarkAll();                 // ctrl+a: what is typed next replaces the text
     void SetMinWidth(float width);  // GUI units
     void SetMaxWidth(float width);  // a longer text is cut, and moves with the cursor
 
@@ -38,6 +39,8 @@ class TextField : public Component {
     float GetCursorX(size_t cursor) const;
     size_t GetCursorAt(float x) const;
     bool IsCursorShown() const;
+    bool HandleMarkKey(KeyEvent& event);
+    void DrawMark(float x) const;
     void DrawCursor() const;
 
     const TextInputerPtr m_inputer;
