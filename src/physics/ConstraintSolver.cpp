@@ -42,7 +42,8 @@ void ConstraintSolver::ListConstraints(const AbstractBodyList& bodies, const Hin
 
 void ConstraintSolver::List(Constraint* constraint, Hinge* hinge, const AbstractBodyList& bodies) {
     const uint32_t body0 = Activate(constraint->m_bodies[0], bodies);
-    m_list.push_back({constraint, hinge, body0, Activate(constraint->m_bodies[1], bodies)});
+    const uint32_t body1 = Activate(constraint->m_bodies[1], bodies);
+    m_list.push_back({constraint, hinge, body0, body1});
 }
 
 uint32_t ConstraintSolver::Activate(AbstractBody* body, const AbstractBodyList& bodies) {
@@ -52,14 +53,14 @@ uint32_t ConstraintSolver::Activate(AbstractBody* body, const AbstractBodyList& 
     if (place != NOWHERE) return place;
     place = static_cast<uint32_t>(m_active.size());
     m_active.push_back(body);
-    SolverBody packed;
+    m_bodies.push_back(SolverBody());
+    SolverBody& packed = m_bodies.back();  // written in place: a copy would wait for its own parts
     packed.m_massInv = body->GetMassInv();
     packed.m_inertiaInv = body->GetInertiaInv();
     packed.m_vel = body->m_vel;
     packed.m_angVel = body->m_angVel;
     packed.m_force = body->m_force;
     packed.m_torque = body->m_torque;
-    m_bodies.push_back(packed);
     return place;
 }
 

@@ -99,7 +99,7 @@ class ConstraintSolver {
     AbstractBodyList m_active;                // bodies with constraints, in order of first mention
     util::VectorPOD<SolverBody> m_bodies;     // their copies, and one that never moves, for unused lanes
     util::VectorPOD<uint32_t> m_order;        // list indices, greatest residual first
-    util::VectorPOD<uint32_t> m_bodyLevels;   // per body: levels in use so far
+    util::VectorPOD<uint32_t> m_bodyLevels;   // per body: levels in use so far; NOWHERE if it cannot move
     util::VectorPOD<uint32_t> m_entryLevels;  // per list entry
     util::VectorPOD<uint32_t> m_slots;        // per list entry: its place among the lanes of its kind
     util::VectorPOD<Level> m_levels;

@@ -80,11 +80,11 @@ void ConstraintSolver::SortByResidual() {
 // The first level after those of both bodies' earlier constraints. Bodies that cannot move are in nobody's
 // way.
 uint32_t ConstraintSolver::RaiseLevel(uint32_t body0, uint32_t body1) {
-    const bool moves0 = !m_bodies[body0].IsImmovable();
-    const bool moves1 = !m_bodies[body1].IsImmovable();
-    const uint32_t level = std::max(moves0 ? m_bodyLevels[body0] : 0, moves1 ? m_bodyLevels[body1] : 0);
-    if (moves0) m_bodyLevels[body0] = level + 1;
-    if (moves1) m_bodyLevels[body1] = level + 1;
+    uint32_t &level0 = m_bodyLevels[body0], &level1 = m_bodyLevels[body1];
+    const bool moves0 = level0 != NOWHERE, moves1 = level1 != NOWHERE;
+    const uint32_t level = std::max(moves0 ? level0 : 0, moves1 ? level1 : 0);
+    if (moves0) level0 = level + 1;
+    if (moves1) level1 = level + 1;
     return level;
 }
 
@@ -95,7 +95,8 @@ ConstraintSolver::RowKind ConstraintSolver::GetKind(const Entry& entry) {
 
 void ConstraintSolver::AssignLevels() {
     m_bodyLevels.clear();
-    m_bodyLevels.resize(m_bodies.size(), 0);
+    m_bodyLevels.reserve(m_bodies.size());
+    for (const SolverBody& body : m_bodies) m_bodyLevels.push_back(body.IsImmovable() ? NOWHERE : 0);
     m_entryLevels.resize(m_list.size());
     m_levels.clear();
     for (const uint32_t i : m_order) {
