@@ -129,6 +129,9 @@ class Input : public InputDelegator, public util::Singleton<Input> {
     double m_pressTime = 0;      // seconds; these three belong to the press that opened the gesture
     math::Vec2 m_pressPosition;  // GUI coordinates
     int m_pressKey = 0;
+    double m_lastClickTime = 0;  // seconds, of its press
+    math::Vec2 m_lastClickPosition;
+    int m_lastClickKey = 0;  // 0 when the next click is a first one
 };
 
 }  // namespace gui

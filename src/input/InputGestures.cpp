@@ -38,12 +38,19 @@ void Input::OpenGesture(const KeyEvent& event) {
     m_gesture = Gesture::Pressed;
 }
 
-// Each gesture is one press, so that the count of clicks is always 1.
+// The second of two quick clicks on one place counts 2, a third begins anew.
 void Input::DeliverClick(KeyEvent& event) {
     m_gesture = Gesture::Idle;
+    const bool isSecond = m_lastClickKey == m_pressKey &&
+                          m_pressTime - m_lastClickTime <= m_settings.m_clickTimeTolerance &&
+                          GetDistance(m_pressPosition, m_lastClickPosition) <= m_settings.m_clickTolerance;
+    m_lastClickKey = isSecond ? 0 : m_pressKey;
+    m_lastClickTime = m_pressTime;
+    m_lastClickPosition = m_pressPosition;
     ClickEvent click;
     click.m_position = m_pressPosition;
     click.m_key = m_pressKey;
+    click.m_clicks = isSecond ? 2 : 1;
     OnClick(click);
     event.m_handled = click.m_handled;
 }

@@ -110,10 +110,12 @@ std::map<String, int> MakeCodes() {
 
 }  // namespace
 
+bool Key::HasName(int key) {
+    return key >= 0 && key < NUM_CODES && !GetNames()[key].empty();
+}
+
 const String& Key::GetKeyName(int key) {
-    if (key < 0 || key >= NUM_CODES || GetNames()[key].empty()) {
-        THROW(BadDataException, WHERE + ": Unknown key");
-    }
+    if (!HasName(key)) THROW(BadDataException, WHERE + ": Unknown key");
     return GetNames()[key];
 }
 

@@ -57,6 +57,7 @@ class Key {
 
     // The name by which scripts know the key. Throws BadDataException, "Unknown key", where it has none.
     static const String& GetKeyName(int key);
+    static bool HasName(int key);  // by which it can be bound
 
     // Upper and lower case are the same. Throws BadDataException, "Unknown name of key ...".
     static int GetKeyFromName(const String& name);

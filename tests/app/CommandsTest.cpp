@@ -45,6 +45,14 @@ TEST_F(CommandsTest, LettersFireAtTheReleaseAndNothingElseDoes) {
     EXPECT_EQ(m_plain, 1);
 }
 
+// The menu key of many keyboards, for one, is none that the library knows.
+TEST_F(CommandsTest, AnUnknownKeyFiresNothing) {
+    int fired = 0;
+    m_commands->Add({"WithoutKey", "blank", 0, false, [&fired] { ++fired; }});
+    for (const bool pressed : {true, false, true, false}) EXPECT_FALSE(Send(0, pressed));
+    EXPECT_EQ(fired, 0);
+}
+
 TEST_F(CommandsTest, WhatAFieldTookFiresNothing) {
     Send('b', true, false, true);
     EXPECT_FALSE(Send('b', false));

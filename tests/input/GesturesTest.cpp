@@ -10,9 +10,21 @@ TEST_F(GesturesTest, QuickPressAndReleaseIsAClickWhereItWentDown) {
     MoveMouse(12, 21, 2, 1);  // within the tolerance
     Mouse(false, 1, 12, 21);
     EXPECT_EQ(TakeCalls(), (Calls{"press 324", "move", "release 324", "click (10,20) 324 x1"}));
-    Mouse(true, 1, 10, 20);
-    Mouse(false, 1, 10, 20);
-    EXPECT_EQ(TakeCalls().back(), "click (10,20) 324 x1");  // there is no double click
+}
+
+TEST_F(GesturesTest, TwoQuickClicksOnOnePlaceAreADoubleClick) {
+    const auto click = [this](int button, int x, double wait) {
+        Wait(wait, x, 20);
+        Mouse(true, button, x, 20);
+        Mouse(false, button, x, 20);
+        return TakeCalls().back();
+    };
+    click(1, 500, 10);
+    EXPECT_EQ(click(1, 10, 0.1), "click (10,20) 324 x1") << "elsewhere";
+    EXPECT_EQ(click(1, 12, 0.3), "click (12,20) 324 x2");
+    EXPECT_EQ(click(1, 12, 0.3), "click (12,20) 324 x1") << "a third one begins anew";
+    EXPECT_EQ(click(1, 12, 0.5), "click (12,20) 324 x1") << "too slow";
+    EXPECT_EQ(click(3, 12, 0.1), "click (12,20) 326 x1") << "the other button";
 }
 
 TEST_F(GesturesTest, MovingBeyondTheToleranceDrags) {

@@ -57,7 +57,9 @@ void Commands::ReadKeys(const String& text) {
     }
 }
 
+// Of the keys that the library does not know, all of which are 0, none means a command without a key.
 const Command* Commands::FindByKey(int key, bool ctrl) const {
+    if (key == 0) return nullptr;
     for (const Command& command : m_commands) {
         if (command.m_key == key && command.m_ctrl == ctrl) return &command;
     }

@@ -130,8 +130,8 @@ void KeysWindow::Update(float dt) {
 }
 
 void KeysWindow::OnKeyEvent(gui::KeyEvent& event) {
-    const bool isKeyboard = event.m_key < gui::Key::LeftMouse;
-    if (m_awaited.empty() || !isKeyboard || !event.m_pressed || event.m_handled || IsModifier(event.m_key)) {
+    const bool canBeBound = event.m_key < gui::Key::LeftMouse && gui::Key::HasName(event.m_key);
+    if (m_awaited.empty() || !canBeBound || !event.m_pressed || event.m_handled || IsModifier(event.m_key)) {
         Window::OnKeyEvent(event);
         return;
     }
