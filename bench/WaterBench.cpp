@@ -46,8 +46,9 @@ static void MakeTank(int drops, float tankWidth, float blockWidth) {
     std::mt19937 random(1);
     std::uniform_real_distribution<float> jitter(-0.005f, 0.005f);
     for (int i = 0; i < drops; ++i) {
-        const Vec2 pos((static_cast<float>(i % columns) + 0.5f) * SPACING + jitter(random),
-                       (static_cast<float>(i / columns) + 0.5f) * SPACING + jitter(random));
+        const float up = jitter(random), aside = jitter(random);  // in this order with every compiler
+        const Vec2 pos((static_cast<float>(i % columns) + 0.5f) * SPACING + aside,
+                       (static_cast<float>(i / columns) + 0.5f) * SPACING + up);
         simulation.AddParticle(new physics::Particle(pos, Vec2()));
     }
 }
