@@ -187,6 +187,7 @@ void Collider::CircleCircle(const CircleRec& a, const CircleRec& b, ContactPool&
     const real reach = a.radius + b.radius;
     if (!(math::LengthSquared(between) < reach * reach) || !MayTouch(a, b)) return;
     const real penetration = reach - math::Length(between);
+    if (!(penetration > 0)) return;  // rounding
     const Vec2 n = math::Normalized(between);
     MakeContact(out, a.circle, b.circle, 0, a.pos + n * (a.radius - penetration / 2), n, penetration,
                 std::min(a.radius, b.radius));
@@ -211,7 +212,9 @@ void Collider::CircleOutsidePolygon(const CircleRec& a, const PolygonRec& b, Con
     const auto touch = [&](uint32_t index, Vec2 q) {
         const real distSq = math::LengthSquared(q - c);
         if (!(distSq < r * r)) return;
-        MakeContact(out, a.circle, b.polygon, index, q, math::Normalized(q - c), r - std::sqrt(distSq), r);
+        const real penetration = r - std::sqrt(distSq);
+        if (!(penetration > 0)) return;  // rounding
+        MakeContact(out, a.circle, b.polygon, index, q, math::Normalized(q - c), penetration, r);
     };
     const Vec2* const vertices = b.polygon->GetWorldVertices().data();
     const auto count = static_cast<uint32_t>(b.polygon->GetWorldVertices().size());

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 #include <limits>
 #include <set>
@@ -181,6 +182,22 @@ TEST(Collider, CirclesMeetInTheMiddleOfTheOverlap) {
     EXPECT_EQ(found[0].normal, Vec2(1, 0));
     EXPECT_NEAR(found[0].penetration, 0.2f, 1e-6f);
     EXPECT_NEAR(found[0].point.x, 0.9f, 1e-6f);
+}
+
+// The square of a distance may be below that of the radius, and the distance still be rounded to it.
+TEST(Collider, EveryContactOverlaps) {
+    const float justBelow = std::nextafter(0.7f, 0.0f);
+    for (int i = 0; i < 1000; ++i) {
+        const Vec2 pos(justBelow, static_cast<float>(i) * 1e-6f);
+        World circles, corner;
+        circles.Add(new Circle(0.35f, {0, 0}));
+        circles.Add(new Circle(0.35f, pos));
+        corner.Add(Box(-1, -1, 0, 0));
+        corner.Add(new Circle(0.7f, pos));
+        for (World* const world : {&circles, &corner}) {
+            for (const auto& contact : world->Collide()) EXPECT_GT(contact.penetration, 0) << i;
+        }
+    }
 }
 
 TEST(Collider, CirclesAtOnePlaceArePushedNowhere) {
