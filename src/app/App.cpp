@@ -67,7 +67,8 @@ void App::Update(float dt) {
     PROFILE_SECTION("App::Update");
     try {
         m_view.Update();
-        if (m_rebuildsGUI || m_textScale != gui::Font::GetPixelsPerUnit()) CreateGUI();
+        const bool isRescaled = m_appGUI && m_textScale != gui::Font::GetPixelsPerUnit();
+        if (m_rebuildsGUI || isRescaled) CreateGUI();
         Component::Update(dt);
         if (m_appGUI) m_autosave.Update(m_autosaveTime->Get());
         if (dt > 0) PanByKeys(dt);

@@ -2,6 +2,7 @@
 
 #include "app/entities/PolyEntity.h"
 #include "app/files/SceneFiles.h"
+#include "app/files/SceneReader.h"
 #include "app/files/Serializer.h"
 #include "app/history/Undoer.h"
 #include "app/scene/Scene.h"
@@ -15,7 +16,6 @@
 namespace app {
 
 constexpr size_t LONG_TEXT = 500000;  // bytes that take some time
-constexpr double PARSING_SHARE = 50;  // % of the work
 
 // Of the shapes that are about to be drawn.
 static void BuildMapsAhead(const Scene& scene) {
@@ -63,7 +63,7 @@ bool SceneLoader::Read() {
         const String text = files.ReadFile(path);
         if (text.size() > LONG_TEXT) m_scene.SetLoadedPart(0);  // before its words are understood
         m_code = Serializer::Parse(text, [this](double part) {
-            const int percent = static_cast<int>(part * PARSING_SHARE);
+            const int percent = static_cast<int>(part * SceneReader::PARSING_SHARE);
             if (m_scene.GetLoadedPart() < percent) m_scene.SetLoadedPart(percent);
         });
     } catch (const std::exception& e) {

@@ -110,8 +110,8 @@ void SceneReader::TellProgress() {
     const bool isTold = m_scene.GetLoadedPart() < 100;  // the parsing was, already
     if ((!isTold && now < m_begin + PATIENCE) || now < m_lastTold + INTERVAL) return;
     m_lastTold = now;
-    // The parsing of the text was about half of the work.
-    m_scene.SetLoadedPart(static_cast<int>(50 + std::min<size_t>(49 * m_steps / m_allSteps, 49)));
+    constexpr size_t REST = 99 - PARSING_SHARE;
+    m_scene.SetLoadedPart(PARSING_SHARE + static_cast<int>(std::min(REST * m_steps / m_allSteps, REST)));
 }
 
 void SceneReader::ReadStatements(const script::CodeBlock& code) {

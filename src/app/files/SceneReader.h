@@ -39,6 +39,9 @@ class SceneReader {
     static constexpr size_t MAX_ENTITIES = 30000;
     static constexpr script::Int MAX_CHAIN_PLACE = 100000;
 
+    // % of the work of a load, which is done before the reading.
+    static constexpr int PARSING_SHARE = 50;
+
   private:
     using GeomMap = std::map<unsigned int, physics::GeomPtr>;
     using BodyMap = std::map<unsigned int, physics::GeomSet>;
