@@ -39,7 +39,10 @@ void LabeledSlider::Update(float dt) {
 }
 
 void LabeledSlider::ShowValue() {
-    const String text = FormatValue(m_slider->GetValue());
+    const double value = m_slider->GetValue();
+    if (value == m_shownValue) return;  // a text takes long to measure
+    m_shownValue = value;
+    const String text = FormatValue(value);
     if (text != m_valueLabel->GetText()) m_valueLabel->SetText(text);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <limits>
+
 #include "gui/components/Label.h"
 #include "gui/components/Slider.h"
 
@@ -26,6 +28,7 @@ class LabeledSlider : public Component {
     const SliderPtr m_slider;
     const int m_decimals;
     const String m_unit;
+    double m_shownValue = std::numeric_limits<double>::quiet_NaN();  // no number yet
     LabelPtr m_label;
     LabelPtr m_valueLabel;
 };
