@@ -8,7 +8,6 @@
 #include "app/history/Undoer.h"
 #include "app/scene/AppGUISettings.h"
 #include "app/scene/Scene.h"
-#include "app/widgets/InfoLabel.h"
 #include "app/windows/Rows.h"
 #include "gui/GUI.h"
 #include "gui/LookAndFeel.h"
@@ -56,8 +55,6 @@ constexpr double MIN_SPEED = 0.01;
 constexpr double MAX_SPEED = 10;
 constexpr double MIN_DPI = 50;
 constexpr double MAX_DPI = 400;
-constexpr float DPI_LABEL_WIDTH = 180;  // GUI units
-constexpr float DPI_SLIDER_WIDTH = 110;
 constexpr int SHADERS_ROW = 5;               // among the options
 constexpr float SCALES[] = {1, 1.5f, 2, 3};  // pixels per GUI unit
 constexpr math::Vec4 CURRENT_COLOR(1.4f, 1.4f, 1.6f, 1);
@@ -147,14 +144,11 @@ ComponentPtr MakeScaleRow() {
     return MakeRow(row);
 }
 
-// Its name is long, so the value stands behind it and not behind the slider.
 ComponentPtr MakeDPIRow(const script::AttribPtr<float>& dpi) {
-    const String name = Translate("ScreenDPI");
-    const auto text = [=] { return name + ": " + std::to_string(std::lround(dpi->Get())); };
     const gui::SliderPtr slider = new gui::AttribSlider(MIN_DPI, MAX_DPI, dpi);
-    slider->SetKey("ScreenDPI");
-    slider->SetSize(DPI_SLIDER_WIDTH, gui::ROW_HEIGHT);
-    return MakeRow({new InfoLabel(text, DPI_LABEL_WIDTH), slider});
+    const ComponentPtr row = MakeSliderRow("ScreenDPI", slider, {0, " dpi"});
+    row->SetToolTip(Translate("TipScreenDPI"));
+    return row;
 }
 
 // Rows that are scrolled in a small view.
