@@ -88,15 +88,12 @@ void Collider::MakeContact(ContactPool& out, Geom* geomA, Geom* geomB, uint32_t 
 
 void Collider::Collide(const ParticleList& particles, ContactPool& out) {
     PROFILE_SECTION("Collider::Collide");
-    m_particles.clear();
-    m_particles.reserve(particles.size());
-    for (const ParticlePtr& particle : particles) m_particles.push_back(particle.Get());
     FindPairs();
     CollidePlanes(out);
     CollideCircles(out);
     CollidePolygons(out);
     CollideCirclesWithPolygons(out);
-    CollideWater(out);
+    CollideWater(particles, out);
 }
 
 // The boxes are numbered as circles first, then polygons. A contact with a polygon needs a point inside or

@@ -14,7 +14,8 @@ namespace physics {
 // Turns the places of all bodies into the contacts of a step.
 //
 // What comes out is defined by brute force over all pairs of geoms, in the order planes and circles, planes
-// and polygons, circles, polygons, circles and polygons, water, each pass in the order of the lists. Pairs
+// and polygons, circles, polygons, circles and polygons, each pass in the order of the lists, and then the
+// water's, body by body. Pairs
 // whose boxes are apart cannot touch, so a sweep hands out only the others, and in that same order.
 //
 // Shapes have no edges-against-edges test: a contact of two polygons is a vertex or side point of one found
@@ -26,7 +27,7 @@ class Collider {
   public:
     void Begin();            // with no geom
     void Enter(Body& body);  // lists its geoms
-    // Appends the contacts of those, and of these particles with them.
+    // Appends the contacts of those, and of these particles, whose touches SPH has found, with them.
     void Collide(const ParticleList& particles, ContactPool& out);
 
   private:
@@ -62,7 +63,6 @@ class Collider {
     void CollideCircles(ContactPool& out) const;
     void CollidePolygons(ContactPool& out) const;
     void CollideCirclesWithPolygons(ContactPool& out) const;
-    void CollideWater(ContactPool& out) const;
 
     static void PlaneCircle(const PlaneRec& a, const CircleRec& b, ContactPool& out);
     static void PlanePolygon(const PlaneRec& a, const PolygonRec& b, ContactPool& out);
@@ -71,14 +71,11 @@ class Collider {
     static void PolygonPolygon(const PolygonRec& a, const PolygonRec& b, ContactPool& out);
     static void CircleOutsidePolygon(const CircleRec& a, const PolygonRec& b, ContactPool& out);
     static void PointsInside(Polygon* owner, Polygon* other, ContactPool& out);
-
-    template <class Shape>
-    void CollideWaterWith(Shape& shape, ContactPool& out) const;
+    static void CollideWater(const ParticleList& particles, ContactPool& out);
 
     util::VectorPOD<PlaneRec> m_planes;
     util::VectorPOD<PolygonRec> m_polygons;
     util::VectorPOD<CircleRec> m_circles;
-    util::VectorPOD<Particle*> m_particles;
 
     PairSweep m_sweep;  // over circles, then polygons
 };

@@ -73,7 +73,6 @@ SPH::SPH()
 
 void SPH::Sort(const ParticleList& particles) {
     PROFILE_SECTION("Sorting particles");
-    m_found.Forget();
     m_points.clear();
     m_points.reserve(particles.size());
     for (const ParticlePtr& particle : particles) m_points.push_back(particle.Get()->m_pos);
@@ -87,7 +86,7 @@ void SPH::Update(const ParticleList& particles, const BodyList& bodies, Vec2 gra
     PROFILE_SECTION("SPH::Update");
     const Kernel kernel = MakeKernel();
     FindNeighbors(particles, kernel);
-    FindTouches(bodies, kernel, gravity);
+    TakeTouches(bodies, kernel);
     InvertDensities();
     Jitter(particles, kernel.particleMass);
     AddInnerForces(kernel, dt);
@@ -214,9 +213,13 @@ void SPH::PartCoincident(real gradientNorm, real closest) {
 
 // ---- bodies --------------------------------------------------------------------------------------------
 
-void SPH::FindTouches(const BodyList& bodies, const Kernel& kernel, Vec2 gravity) {
+void SPH::FindTouches(const BodyList& bodies, Vec2 gravity) {
     PROFILE_SECTION("Finding touches");
+    const Kernel kernel = MakeKernel();
     m_found.Find(m_grid, bodies, {kernel.bodyReach, kernel.spacing, math::Normalized(gravity)});
+}
+
+void SPH::TakeTouches(const BodyList& bodies, const Kernel& kernel) {
     m_touches.clear();
     m_liesOnShape.clear();
     m_liesOnShape.resize(m_sorted.size(), 0);

@@ -19,8 +19,8 @@ namespace physics {
 
 // Water as smoothed-particle hydrodynamics: the settings, and the pass that adds the fluid forces to the
 // particles and to the bodies they touch. Holds no particles between passes; Simulation owns them, has them
-// sorted at the start of each step, and calls Update once per active step, after the rigid bodies' forces
-// and before the solver.
+// sorted and their touches found at the start of each step, and calls Update once per active step, after the
+// rigid bodies' forces and before the solver.
 //
 // The pass gathers the particles into arrays sorted by grid cell, lists the neighbours of each, sums over
 // these (WaterSums) and writes the results back to the particles. After the first pass scripts can call
@@ -33,13 +33,15 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
     void Sort(const ParticleList& particles);
     // The particles as they were sorted last.
     const NeighborGrid& GetGrid() const { return m_grid; }
-    // Whether the particle at this place of the grid and the body pass through each other in this step.
-    bool LetsPass(uint32_t place, const AbstractBody& body) const { return m_found.LetsPass(place, body); }
+    // Which of these are near which bodies. `gravity`, in m/s^2, tells which way down is.
+    void FindTouches(const BodyList& bodies, math::Vec2 gravity);
+    // As they were found last.
+    const WaterTouches& GetTouches() const { return m_found; }
     // Their neighbours in the last pass.
     const NeighborLists& GetNeighbors() const { return m_lists; }
 
-    // The whole water step over `particles`, sorted, among `bodies`; `dt` seconds long. Of gravity, m/s^2,
-    // only the water in narrow gaps asks.
+    // The whole water step over `particles`, sorted, among `bodies`, with their touches; `dt` seconds long.
+    // Of gravity, m/s^2, only the water in narrow gaps asks.
     void Update(const ParticleList& particles, const BodyList& bodies, math::Vec2 gravity, math::real dt);
 
     // What particles are made of now.
@@ -88,7 +90,7 @@ class SPH : public script::Reflected, public util::Singleton<SPH> {
     void TakeDrops(const ParticleList& particles);
     void CalcKernels(const Kernel& kernel);
     void PartCoincident(math::real gradientNorm, math::real closest);
-    void FindTouches(const BodyList& bodies, const Kernel& kernel, math::Vec2 gravity);
+    void TakeTouches(const BodyList& bodies, const Kernel& kernel);
     void AddTouch(const Kernel& kernel, const BodyList& bodies, const WaterTouches::Found& found);
     void InvertDensities();
     void AddInnerForces(const Kernel& kernel, math::real dt);

@@ -23,6 +23,7 @@ void Simulation::Step(bool active) {
         if (!VisitBodies(active)) RemoveBadBodies();
         RemoveBadParts();
         SPH::Instance().Sort(m_particles);
+        SPH::Instance().FindTouches(m_bodies, GetEffectiveGravity());
         for (const ParticlePtr& particle : m_particles) List(*particle.Get());
         if (active) CalcForces();
         CalcContacts();

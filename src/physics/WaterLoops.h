@@ -66,6 +66,14 @@ struct WaterLoops {
         });
     }
 
+    static uint32_t KeepBelow(const math::Vec2* points, NeighborGrid::Stretch stretch,
+                              const math::Vec3& plane, float distance, uint32_t* list) {
+        const Pair normal = {Float8::Fill(plane.x), Float8::Fill(plane.y)};
+        const Float8 offset = Float8::Fill(plane.z), limit = Float8::Fill(distance);
+        return Keep(points, stretch.begin, stretch.end, list,
+                    [&](const Pair& p) { return MaskLess(normal.x * p.x + normal.y * p.y + offset, limit); });
+    }
+
     static uint32_t ListNear(const math::Vec2* points, uint32_t i, const NeighborGrid::Neighborhood& near,
                              float radiusSq, uint32_t* list) {
         const NeighborGrid::Stretch stretches[] = {
@@ -203,8 +211,8 @@ struct WaterLoops {
         return sum;
     }
 
-    static constexpr WaterSums TABLE = {KeepInBox,  ListNear,  AddKernels, AddFriction,
-                                        AddSurface, AddMotion, AddChanges, AddShifts};
+    static constexpr WaterSums TABLE = {KeepInBox,   KeepNear,   KeepBelow, ListNear,   AddKernels,
+                                        AddFriction, AddSurface, AddMotion, AddChanges, AddShifts};
 };
 
 }  // namespace physics

@@ -60,10 +60,15 @@ struct PressureSums {
 };
 
 struct WaterSums {
-    // Writes the places of the points [begin, end) that are in the box, and returns how many. These and the
-    // next may read a group beyond the points and write so much beyond the list.
+    // Write the places of a stretch of points that are in the box, closer to the middle than the radius, or
+    // at less than a distance from the plane of normal x, normal y and offset; they return how many. These
+    // and the next may read a group beyond the points and write so much beyond the list.
     uint32_t (*keepInBox)(const math::Vec2* points, NeighborGrid::Stretch stretch,
                           const math::BoundingBox2f& box, uint32_t* list);
+    uint32_t (*keepNear)(const math::Vec2* points, NeighborGrid::Stretch stretch, math::Vec2 middle,
+                         math::real radiusSq, uint32_t* list);
+    uint32_t (*keepBelow)(const math::Vec2* points, NeighborGrid::Stretch stretch, const math::Vec3& plane,
+                          math::real distance, uint32_t* list);
     // Lists the points closer to the point i of the cell than the radius, in rising order and without itself,
     // and tells how many.
     uint32_t (*listNear)(const math::Vec2* points, uint32_t i, const NeighborGrid::Neighborhood& near,

@@ -30,24 +30,11 @@ inline math::real GetDropShare(math::real gap, math::real spacing) {
     return std::min(std::max((gap / spacing - NARROW_GAP) / (WIDE_GAP - NARROW_GAP), 0.0f), 1.0f);
 }
 
-// The boxes hold all points closer than `reach` to the shape. The probes tell whether a point is closer than
-// `reach`, and how it lies if so.
-inline math::BoundingBox2f GetProbeBox(const Circle& circle, math::real reach) {
-    math::BoundingBox2f box = LooseBox(circle.GetPos(), math::Vec2(circle.m_radius, circle.m_radius));
-    box.Grow(reach);
-    return box;
-}
+// The probes tell whether a point is closer than `reach` to the shape, and how it lies if so.
 inline bool ProbePoint(const Circle& circle, math::Vec2 point, math::real reach, Probe& probe) {
     const math::Vec2 out = point - circle.GetPos();
-    if (!(math::LengthSquared(out) < (circle.m_radius + reach) * (circle.m_radius + reach))) return false;
     probe = {math::Length(out) - circle.m_radius, math::Normalized(out)};
     return probe.distance < reach;
-}
-
-inline math::BoundingBox2f GetProbeBox(const Polygon& polygon, math::real reach) {
-    math::BoundingBox2f box = LooseBox(polygon.GetWorldOBB());
-    box.Grow(reach);
-    return box;
 }
 
 inline bool ProbePoint(const Plane& plane, math::Vec2 point, math::real reach, Probe& probe) {
@@ -56,12 +43,12 @@ inline bool ProbePoint(const Plane& plane, math::Vec2 point, math::real reach, P
 }
 
 // Calls visit(place, probe) for those of the points that are closer than `reach` to the shape.
-template <class Visit>
-void ProbePoints(const Circle& circle, const math::Vec2* points, const uint32_t* places, uint32_t count,
+template <class Shape, class Visit>
+void ProbePoints(const Shape& shape, const math::Vec2* points, const uint32_t* places, uint32_t count,
                  math::real reach, Visit visit) {
     Probe probe;
     for (uint32_t k = 0; k < count; ++k) {
-        if (ProbePoint(circle, points[places[k]], reach, probe)) visit(places[k], probe);
+        if (ProbePoint(shape, points[places[k]], reach, probe)) visit(places[k], probe);
     }
 }
 
@@ -82,18 +69,19 @@ void ProbePoints(const Polygon& polygon, const math::Vec2* points, const uint32_
     }
 }
 
-// Calls visit(place, probe) for each point closer than `reach` to the shape, in the order of the grid.
-template <class Shape, class Visit>
-void VisitNear(const NeighborGrid& grid, const Shape& shape, math::real reach, Visit visit) {
+// `keep` lists the places of a stretch that may be near the shape; all of these lie in the box. Calls
+// visit(place, probe) for each point that is, in the order of the grid.
+template <class Shape, class Keep, class Visit>
+void VisitKept(const NeighborGrid& grid, const Shape& shape, const math::BoundingBox2f& box, math::real reach,
+               Keep keep, Visit visit) {
     constexpr uint32_t BLOCK = 256;
     const math::Vec2* const points = grid.GetSortedPoints();
-    const math::BoundingBox2f box = GetProbeBox(shape, reach);
     uint32_t places[BLOCK + NeighborGrid::PADDING];
     uint32_t count = 0;
     grid.VisitBox(box, [&](uint32_t begin, uint32_t end) {
         while (begin < end) {
             const uint32_t stop = begin + std::min(BLOCK - count, end - begin);
-            count += GetWaterSums().keepInBox(points, {begin, stop}, box, places + count);
+            count += keep(NeighborGrid::Stretch{begin, stop}, places + count);
             begin = stop;
             if (count < BLOCK) continue;
             ProbePoints(shape, points, places, count, reach, visit);
@@ -103,12 +91,33 @@ void VisitNear(const NeighborGrid& grid, const Shape& shape, math::real reach, V
     ProbePoints(shape, points, places, count, reach, visit);
 }
 
+// Calls visit(place, probe) for each point closer than `reach` to the shape, in the order of the grid.
+template <class Visit>
+void VisitNear(const NeighborGrid& grid, const Polygon& polygon, math::real reach, Visit visit) {
+    math::BoundingBox2f box = LooseBox(polygon.GetWorldOBB());
+    box.Grow(reach);
+    const auto keep = [&](NeighborGrid::Stretch stretch, uint32_t* list) {
+        return GetWaterSums().keepInBox(grid.GetSortedPoints(), stretch, box, list);
+    };
+    VisitKept(grid, polygon, box, reach, keep, visit);
+}
+
+template <class Visit>
+void VisitNear(const NeighborGrid& grid, const Circle& circle, math::real reach, Visit visit) {
+    const math::real radius = circle.m_radius + reach;
+    const auto keep = [&](NeighborGrid::Stretch stretch, uint32_t* list) {
+        return GetWaterSums().keepNear(grid.GetSortedPoints(), stretch, circle.GetPos(), radius * radius,
+                                       list);
+    };
+    VisitKept(grid, circle, LooseBox(circle.GetPos(), math::Vec2(radius, radius)), reach, keep, visit);
+}
+
 template <class Visit>
 void VisitNear(const NeighborGrid& grid, const Plane& plane, math::real reach, Visit visit) {
-    Probe probe;
-    for (uint32_t i = 0; i < grid.GetSize(); ++i) {
-        if (ProbePoint(plane, grid.GetSortedPoints()[i], reach, probe)) visit(i, probe);
-    }
+    const auto keep = [&](NeighborGrid::Stretch stretch, uint32_t* list) {
+        return GetWaterSums().keepBelow(grid.GetSortedPoints(), stretch, plane.GetPlane(), reach, list);
+    };
+    VisitKept(grid, plane, plane.GetBoundingBox(), reach, keep, visit);
 }
 
 // The same for a shape of any kind; one that collides with nothing is near nothing.

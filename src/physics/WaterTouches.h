@@ -28,29 +28,26 @@ class WaterTouches {
     struct Found {
         uint32_t drop;  // in the order of the grid
         uint32_t body;  // its place in the list of bodies
+        Geom* geom;     // of the body
         Probe probe;
-        bool isLet;         // the body does not feel the drop
+        bool isLet;         // body and drop pass through each other
         uint32_t previous;  // of the same drop, or NONE
     };
 
     // Body by body, and drop by drop.
     void Find(const NeighborGrid& grid, const BodyList& bodies, const Settings& settings);
-    void Forget();
 
     const util::VectorPOD<Found>& GetAll() const { return m_found; }
     // Those of the body at this place of the list.
     const Found* Begin(uint32_t body) const { return m_found.data() + m_begins[body]; }
     const Found* End(uint32_t body) const { return m_found.data() + m_begins[body + 1]; }
-    // Whether the drop and the body pass through each other.
-    bool LetsPass(uint32_t drop, const AbstractBody& body) const;
 
   private:
     void Add(const Settings& settings, const BodyList& bodies, Found found);
 
     util::VectorPOD<Found> m_found;
-    util::VectorPOD<uint32_t> m_begins;                // per body: the first of its touches; and their end
-    util::VectorPOD<uint32_t> m_last;                  // per drop: the last of its touches, or NONE
-    util::VectorPOD<const AbstractBody*> m_letBodies;  // per drop: whom it lets pass; empty when nobody is
+    util::VectorPOD<uint32_t> m_begins;  // per body: the first of its touches; and their end
+    util::VectorPOD<uint32_t> m_last;    // per drop: the last of its touches, or NONE
 };
 
 }  // namespace physics

@@ -202,6 +202,7 @@ FoundContacts Collide(physics::Collider& collider, const physics::BodyList& bodi
                       const physics::ParticleList& particles) {
     physics::ContactPool pool;
     physics::SPH::Instance().Sort(particles);
+    physics::SPH::Instance().FindTouches(bodies, Vec2());
     collider.Begin();
     for (const physics::BodyPtr& body : bodies) collider.Enter(*body);
     collider.Collide(particles, pool);

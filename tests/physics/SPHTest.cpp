@@ -14,6 +14,8 @@ using math::Vec2;
 using physics::Particle;
 using physics::ParticlePtr;
 
+static const Vec2 GRAVITY(0, -9.8f);
+
 class SPHTest : public World {
   protected:
     void AddCloud(int count, float size, uint32_t seed) {
@@ -54,7 +56,8 @@ class SPHTest : public World {
     }
     void Pass(float dt = 0.01f) {
         sph.Sort(sim.GetParticles());
-        sph.Update(sim.GetParticles(), sim.GetBodies(), {0, -9.8f}, dt);
+        sph.FindTouches(sim.GetBodies(), GRAVITY);
+        sph.Update(sim.GetParticles(), sim.GetBodies(), GRAVITY, dt);
     }
     Vec2 GetTotalForce() const {
         Vec2 sum;

@@ -60,12 +60,26 @@ std::vector<float> SumUp(const physics::WaterSums& sums, const physics::Neighbor
     return all;
 }
 
-std::vector<uint32_t> Keep(const physics::WaterSums& sums, const physics::NeighborGrid& grid) {
-    const uint32_t end = static_cast<uint32_t>(grid.GetSize()) - 3;
-    std::vector<uint32_t> list(2 * grid.GetSize());
-    list.resize(
-        sums.keepInBox(grid.GetSortedPoints(), {1, end}, {{-0.5f, -0.2f}, {0.3f, 0.6f}}, list.data()));
-    return list;
+using Places = std::vector<uint32_t>;
+
+// What lies in a box, near a point, and below a plane.
+std::vector<Places> Keep(const physics::WaterSums& sums, const physics::NeighborGrid& grid) {
+    const Vec2* const points = grid.GetSortedPoints();
+    const physics::NeighborGrid::Stretch stretch = {1, static_cast<uint32_t>(grid.GetSize()) - 3};
+    const auto list = [&](auto keep) {
+        Places places(2 * grid.GetSize());
+        places.resize(keep(places.data()));
+        return places;
+    };
+    return {list([&](uint32_t* to) {
+                return sums.keepInBox(points, stretch, {{-0.5f, -0.2f}, {0.3f, 0.6f}}, to);
+            }),
+            list([&](uint32_t* to) {
+                return sums.keepNear(points, stretch, {0.2f, -0.1f}, 0.3f, to);
+            }),
+            list([&](uint32_t* to) {
+                return sums.keepBelow(points, stretch, {0.6f, 0.8f, 0.1f}, 0.2f, to);
+            })};
 }
 
 }  // namespace
