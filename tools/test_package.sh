@@ -10,6 +10,7 @@ package=$(realpath "${1:-$(ls -t build/packages/vexa_*.deb | head -n 1)}")
 archive=$(realpath "${2:-$(ls -t build/packages/vexa-*.tar.xz | head -n 1)}")
 command -v debootstrap >/dev/null || { echo "test_package: install debootstrap" >&2; exit 2; }
 root=$(mktemp -d)
+chmod 755 "$root" # the ordinary user's too
 trap 'umount "$root/proc" 2>/dev/null || true; rm -rf "$root"' EXIT
 mirror=$(cat /etc/apt/sources.list /etc/apt/sources.list.d/* 2>/dev/null |
     sed -n 's/^deb [^h]*\(http[^ ]*\).*/\1/p; s/^URIs: *\([^ ]*\).*/\1/p' | head -n 1) || true
