@@ -2,15 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include "support/FailureOf.h"
+
 namespace {
 
 String FailureOf(const util::StringList& arguments) {
-    try {
-        core::ParseCommandLine(arguments);
-    } catch (const std::invalid_argument& e) {
-        return e.what();
-    }
-    return String();
+    return test::FailureOf<std::invalid_argument>([&] { core::ParseCommandLine(arguments); });
 }
 
 }  // namespace

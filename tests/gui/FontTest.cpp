@@ -6,6 +6,7 @@
 #include "gui/LookAndFeel.h"
 #include "rendering/Gl.h"
 #include "rendering/Renderer.h"
+#include "support/FailureOf.h"
 #include "support/LogCapture.h"
 #include "support/gl/GlWindow.h"
 #include "util/Exception.h"
@@ -43,13 +44,10 @@ TEST(Font, RefusesDamagedFiles) {
     const String widths = test::FontPath("short.dat");
     test::WriteBytes(widths, String(255, 'x'));
     const test::LogCapture log;
-    try {
-        const FontPtr font = new Font(widths, test::FontPath("fixedsys.raw"));
-        FAIL();
-    } catch (const FileReadException& e) {
-        EXPECT_EQ(String(e.what()), "File \"" + widths + "\" is corrupt.");
-    }
-    EXPECT_TRUE(log.Contains("!! ERROR: File \"" + widths + "\" is corrupt."));
+    const String failure = "File \"" + widths + "\" is corrupt.";
+    EXPECT_EQ(test::FailureOf<FileReadException>([&] { new Font(widths, test::FontPath("fixedsys.raw")); }),
+              failure);
+    EXPECT_TRUE(log.Contains("!! ERROR: " + failure));
 
     const String sheet = test::FontPath("odd.raw");
     test::WriteBytes(sheet, String(100, 'x'));  // ten by ten: no grid of cells

@@ -5,6 +5,7 @@
 #include <cctype>
 
 #include "Fixtures.h"
+#include "support/FailureOf.h"
 #include "util/Exception.h"
 #include "util/Random.h"
 
@@ -27,16 +28,6 @@ std::vector<String> GetLines(const FormattedText& text) {
         lines.push_back(text.m_text.substr(line.m_begin, line.m_end - line.m_begin));
     }
     return lines;
-}
-
-TEST(TextFormat, TakesSizeAndColourFromTheFont) {
-    const TextFormat format = test::Format();
-    EXPECT_EQ(format.m_size, 16);
-    EXPECT_EQ(format.m_lineHeight, 16);
-    EXPECT_EQ(format.m_color, math::Vec4(1, 1, 1, 0.9f));
-    EXPECT_EQ(format.GetWidth('a'), test::WIDTH);
-    EXPECT_EQ(format.GetWidth('i'), test::NARROW);
-    EXPECT_EQ(format.GetWidth(static_cast<unsigned char>('\xE4')), test::WIDTH);
 }
 
 TEST(TextFormat, BreaksLines) {
@@ -142,12 +133,8 @@ TEST(TextFormat, CharBoundsLieSideBySide) {
 TEST(TextFormat, CharBoundsBeyondTheTextFail) {
     const FormattedText text = FormatText(test::Format(), "abc");
     for (const size_t index : {size_t{4}, static_cast<size_t>(-1)}) {
-        try {
-            text.GetCharBounds(index);
-            FAIL() << index;
-        } catch (const BadDataException& e) {
-            EXPECT_STREQ(e.what(), "Error in TextFormat::GetCharBounds");
-        }
+        EXPECT_EQ(test::FailureOf<BadDataException>([&] { text.GetCharBounds(index); }),
+                  "Error in TextFormat::GetCharBounds");
     }
 }
 

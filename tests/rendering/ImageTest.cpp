@@ -8,6 +8,7 @@
 #include "Pictures.h"
 #include "rendering/ImageFile.h"
 #include "rendering/PngFile.h"
+#include "support/FailureOf.h"
 #include "support/LogCapture.h"
 #include "util/Exception.h"
 #include "util/FileSystem.h"
@@ -23,12 +24,7 @@ using test::WriteFile;
 
 // What loading says; empty when it succeeds.
 String LoadFailure(const String& path) {
-    try {
-        ImageRGBA32::LoadFile(path);
-        return "";
-    } catch (const FileReadException& e) {
-        return e.what();
-    }
+    return test::FailureOf<FileReadException>([&] { ImageRGBA32::LoadFile(path); });
 }
 
 // ---- halves -------------------------------------------------------------------------------------------
@@ -112,12 +108,9 @@ TEST(RawImageTest, AShortFileIsCorruptAndALongOneIsReadAsFarAsNeeded) {
     const String path = WriteFile("sized.raw", FileBytes(20, 9));
     EXPECT_EQ(ImageRGBA32::LoadRAW(path, ImageRGBA32::RAW_RGBA, 5, 1)->GetWidth(), 5u);
     EXPECT_EQ(ImageRGBA32::LoadRAW(path, ImageRGBA32::RAW_RGB, 3, 2)->GetHeight(), 2u);
-    try {
-        ImageRGBA32::LoadRAW(path, ImageRGBA32::RAW_RGBA, 3, 2);
-        ADD_FAILURE();
-    } catch (const FileReadException& e) {
-        EXPECT_EQ(String(e.what()), "File \"" + path + "\" is corrupt.");
-    }
+    EXPECT_EQ(
+        test::FailureOf<FileReadException>([&] { ImageRGBA32::LoadRAW(path, ImageRGBA32::RAW_RGBA, 3, 2); }),
+        "File \"" + path + "\" is corrupt.");
     EXPECT_THROW(ImageRGBA32::LoadRAW("nowhere.raw", ImageRGBA32::RAW_RGB, 1, 1), std::runtime_error);
 }
 

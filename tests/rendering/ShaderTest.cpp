@@ -6,6 +6,7 @@
 #include "rendering/Context.h"
 #include "rendering/Gl.h"
 #include "rendering/ShaderManager.h"
+#include "support/FailureOf.h"
 #include "support/LogCapture.h"
 #include "support/gl/GlWindow.h"
 #include "util/FileSystem.h"
@@ -38,19 +39,12 @@ TEST_F(ShaderTest, OneStageIsEnough) {
 
 TEST_F(ShaderTest, BrokenSourcesFailWithWhatTheCompilerSays) {
     const test::LogCapture log;
-    try {
-        const ShaderPtr shader = new Shader("", "void main() { nonsense }", "broken");
-        ADD_FAILURE();
-    } catch (const BadDataException& e) {
-        EXPECT_STREQ(e.what(), "Failed to compile shader");
-    }
+    const auto make = [](const char* source, const char* name) {
+        return test::FailureOf<BadDataException>([&] { ShaderPtr(new Shader("", source, name)); });
+    };
+    EXPECT_EQ(make("void main() { nonsense }", "broken"), "Failed to compile shader");
     EXPECT_TRUE(log.Contains("-- Compilation results for shader: broken"));
-    try {
-        const ShaderPtr shader = new Shader("", "void f(); void main() { f(); }", "unlinked");
-        ADD_FAILURE();
-    } catch (const BadDataException& e) {
-        EXPECT_STREQ(e.what(), "Failed to link shader");
-    }
+    EXPECT_EQ(make("void f(); void main() { f(); }", "unlinked"), "Failed to link shader");
     EXPECT_TRUE(log.Contains("-- Linking results for program: unlinked"));
     EXPECT_EQ(log.Count("Exception passed on at "), 2);
 }

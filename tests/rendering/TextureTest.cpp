@@ -8,6 +8,7 @@
 #include "rendering/Context.h"
 #include "rendering/Gl.h"
 #include "rendering/TextureManager.h"
+#include "support/FailureOf.h"
 #include "support/LogCapture.h"
 #include "support/gl/GlWindow.h"
 #include "util/FileSystem.h"
@@ -94,12 +95,8 @@ TEST_F(TextureTest, MemoryUsageCountsBytesAndMipmaps) {
         EXPECT_EQ(texture->MemoryUsage(), c.bytes) << c.format;
     }
     const TexturePtr unknown = new Texture(MakeGradient(8), {GL_R3_G3_B2, 0, 0, 0, 1, 1, 1});
-    try {
-        unknown->MemoryUsage();
-        ADD_FAILURE();
-    } catch (const BadDataException& e) {
-        EXPECT_NE(String(e.what()).find("!\"Bad image format\""), String::npos);
-    }
+    const String failure = test::FailureOf<BadDataException>([&] { unknown->MemoryUsage(); });
+    EXPECT_NE(failure.find("!\"Bad image format\""), String::npos);
 }
 
 TEST_F(TextureTest, PixelsComeBackAsTheyWent) {

@@ -2,6 +2,7 @@
 
 #include "ScriptFixture.h"
 #include "script/Exceptions.h"
+#include "support/FailureOf.h"
 
 namespace script {
 
@@ -14,12 +15,7 @@ class Converting : public test::Script {
     }
     template <class T>
     static String FailureOf(const ObjectPtr& object) {
-        try {
-            ObjectToValue<T>(object);
-            return "";
-        } catch (const ScriptException& e) {
-            return e.what();
-        }
+        return test::FailureOf<ScriptException>([&] { ObjectToValue<T>(object); });
     }
 };
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/FailureOf.h"
+
 namespace script {
 
 // A token as one word: the first letter of its kind, then its text.
@@ -55,12 +57,8 @@ TEST(Tokenizer, RefusesBrokenStrings) {
         {"\"abc\\", "Bad string"},
     };
     for (const auto& row : rows) {
-        try {
-            Tokenizer::Tokenize(row.text);
-            ADD_FAILURE() << row.text;
-        } catch (const TokenException& e) {
-            EXPECT_EQ(e.what(), row.message) << row.text;
-        }
+        EXPECT_EQ(test::FailureOf<TokenException>([&] { Tokenizer::Tokenize(row.text); }), row.message)
+            << row.text;
     }
 }
 

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "support/FailureOf.h"
 #include "support/LogCapture.h"
 #include "util/Exception.h"
 #include "util/FileWrapper.h"
@@ -204,18 +205,11 @@ TEST(FileSystem, KeepsACopyOfWhatCouldNotBeRead) {
 TEST(FILEWrapper, FailuresSayWhatFailed) {
     const String path = Files().GetWorkDir() + "short.bin";
     Put(path, "abc");
-    const auto textOf = [](auto function) {
-        try {
-            function();
-        } catch (const std::runtime_error& e) {
-            return String(e.what());
-        }
-        return String();
-    };
-    EXPECT_EQ(textOf([&] { util::FILEWrapper(path + "x", "rb"); }), "Failed to open file \"" + path + "x\"");
+    EXPECT_EQ(test::FailureOf([&] { util::FILEWrapper(path + "x", "rb"); }),
+              "Failed to open file \"" + path + "x\"");
     util::FILEWrapper file(path, "rb");
     char buffer[4];
-    EXPECT_EQ(textOf([&] { file.Read(buffer, 4); }), "Failed to read 4 bytes");
-    EXPECT_EQ(textOf([&] { file.Write("z", 1); }), "Failed to write 1 bytes");
-    EXPECT_EQ(textOf([&] { file.Seek(-9, SEEK_SET); }), "Failed to seek in FILE");
+    EXPECT_EQ(test::FailureOf([&] { file.Read(buffer, 4); }), "Failed to read 4 bytes");
+    EXPECT_EQ(test::FailureOf([&] { file.Write("z", 1); }), "Failed to write 1 bytes");
+    EXPECT_EQ(test::FailureOf([&] { file.Seek(-9, SEEK_SET); }), "Failed to seek in FILE");
 }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "support/FailureOf.h"
 #include "support/LogCapture.h"
 #include "util/ClassTracker.h"
 #include "util/Exception.h"
@@ -88,12 +89,7 @@ TEST(Pointee, ALockCanBeTheLastHold) {
 }
 
 TEST(Pointee, DereferencingNothingThrowsTheText) {
-    try {
-        ProbePtr()->m_dead = nullptr;
-        FAIL();
-    } catch (const std::runtime_error& e) {
-        EXPECT_STREQ(e.what(), "Tried to dereference a NULL SharedPtr");
-    }
+    EXPECT_EQ(test::FailureOf([] { ProbePtr()->m_dead = nullptr; }), "Tried to dereference a NULL SharedPtr");
     EXPECT_THROW(util::LockPtr<Probe>()->m_dead, std::runtime_error);
 }
 
@@ -142,12 +138,8 @@ TEST(Singleton, IsMadeOnFirstUseAndOnlyOnce) {
     EXPECT_EQ(&service, &Service::Instance());
     Service::Destroy();
     EXPECT_FALSE(Service::IsCreated());
-    try {
-        Service::Instance();
-        FAIL();
-    } catch (const BadCoderException& e) {
-        EXPECT_EQ(String(e.what()), String("Phoenix singleton detected: ") + typeid(Service).name());
-    }
+    EXPECT_EQ(test::FailureOf<BadCoderException>([] { Service::Instance(); }),
+              String("Phoenix singleton detected: ") + typeid(Service).name());
 }
 
 TEST(Singleton, ItsDestructorCannotAskForIt) {
