@@ -7,6 +7,7 @@
 #include "app/entities/PlaneEntity.h"
 #include "app/entities/PolyEntity.h"
 #include "app/scene/AppGUISettings.h"
+#include "gui/Window.h"
 #include "gui/components/Button.h"
 #include "input/Input.h"
 #include "input/Key.h"
@@ -210,6 +211,17 @@ void AppGUIFixture::PressButton(const String& key) {
     const auto button = util::DynamicCast<gui::AbstractButton>(FindWidget(key));
     ASSERT_TRUE(button) << "no button " << key;
     button->OnPressed();
+}
+
+std::vector<gui::Window*> AppGUIFixture::GetOpenWindows() {
+    std::vector<gui::Window*> windows;
+    for (const gui::Component* parent :
+         {static_cast<gui::Component*>(&App()), static_cast<gui::Component*>(&GUI())}) {
+        for (const gui::ComponentPtr& child : parent->GetChildren()) {
+            if (auto* const window = dynamic_cast<gui::Window*>(child.Get())) windows.push_back(window);
+        }
+    }
+    return windows;
 }
 
 math::Vec2List AppGUIFixture::Circle(Vec2 center, float radius, float turns) {

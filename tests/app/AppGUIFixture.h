@@ -52,6 +52,7 @@ class AppGUIFixture : public testing::Test {
     // The topmost control of that language key below the world view; null for none.
     static gui::ComponentPtr FindWidget(const String& key);
     static void PressButton(const String& key);
+    static std::vector<gui::Window*> GetOpenWindows();  // with menus and dialogs
 
     static math::Vec2List Circle(math::Vec2 center, float radius, float turns = 0.98f);
 

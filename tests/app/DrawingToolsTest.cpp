@@ -126,14 +126,17 @@ TEST_F(DrawingToolsTest, PreviewsKeepTheirColour) {
 }
 
 TEST_F(DrawingToolsTest, EscapeDropsThePreview) {
-    for (const char* const tool : {"circle", "box", "plane"}) {
+    const EntityPtr box = AddBox({0, 0});
+    const std::pair<const char*, Vec2> starts[] = {
+        {"circle", {1, 1}}, {"box", {1, 1}}, {"plane", {1, 1}}, {"spring", {0, 0}}, {"chain", {0, 0}}};
+    for (const auto& [tool, start] : starts) {
         GUI().SelectTool(tool);
-        Press({0, 0}, Key::LeftMouse);
-        DragTo({1, 1});
-        EXPECT_TRUE(Key(Key::Escape)) << tool;
+        Press(start, Key::LeftMouse);
         DragTo({2, 2});
+        EXPECT_TRUE(Key(Key::Escape)) << tool;
+        DragTo({3, 3});
         Release();
-        EXPECT_TRUE(Entities().empty()) << tool;
+        EXPECT_EQ(Entities(), EntityList{box}) << tool;
         EXPECT_EQ(UndoCount(), 0u) << tool;
     }
 }

@@ -28,11 +28,8 @@ class EntityPopupTest : public test::AppGUIFixture {
     static gui::Window* FindPopup() { return FindTopLevel("PopupTitle"); }
 
     static gui::Window* FindTopLevel(const String& key) {
-        for (const gui::Component* parent :
-             {static_cast<gui::Component*>(&App()), static_cast<gui::Component*>(&GUI())}) {
-            for (const gui::ComponentPtr& child : parent->GetChildren()) {
-                if (child->GetKey() == key) return dynamic_cast<gui::Window*>(child.Get());
-            }
+        for (gui::Window* const window : GetOpenWindows()) {
+            if (window->GetKey() == key) return window;
         }
         return nullptr;
     }

@@ -76,12 +76,7 @@ class InterfaceTextTest : public test::AppGUIFixture, public testing::WithParamI
 
     // Whatever is open now.
     static void ExpectAllFit(const String& language) {
-        for (const Component* parent : {static_cast<Component*>(&App()), static_cast<Component*>(&GUI())}) {
-            for (const ComponentPtr& child : parent->GetChildren()) {
-                const auto* const window = dynamic_cast<const gui::Window*>(child.Get());
-                if (window != nullptr) ExpectFits(*window, language);
-            }
-        }
+        for (const gui::Window* const window : GetOpenWindows()) ExpectFits(*window, language);
     }
 };
 

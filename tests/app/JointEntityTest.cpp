@@ -384,30 +384,5 @@ TEST_F(JointEntityTest, FusedCopiesShareABodyAndFixedOnesAreFixed) {
     EXPECT_FALSE(AreOne(shape(5), shape(6)));
 }
 
-TEST_F(JointEntityTest, CopiesOfAChainKeepItsOrder) {
-    const ChainPtr chain = new Chain(0);
-    const EntityPtr links[] = {AddCircle({0, 0}), AddCircle({2, 0}), AddCircle({4, 0})};
-    const size_t places[] = {2, 0, 1};
-    for (int i = 0; i < 3; ++i) chain->AddEntity(places[i], links[i]);
-    CloneIntoScene(GetScene(), {links[0], links[1], links[2]});
-    const EntityList& entities = GetApp().GetEntities();
-    ASSERT_EQ(entities.size(), 6u);
-    EXPECT_EQ(entities[3]->GetChain()->GetEntities(), (EntityList{entities[4], entities[5], entities[3]}));
-    EXPECT_EQ(entities[3]->GetChain()->GetID(), 1);
-}
-
-TEST_F(JointEntityTest, DissolvedChainsComeBackByUndo) {
-    const ChainPtr chain = new Chain(0);
-    const EntityPtr a = AddCircle({0, 0}), b = AddCircle({2, 0});
-    chain->AddEntity(0, a);
-    chain->AddEntity(1, b);
-    GetApp().GetSelection().Set({a});
-    GetApp().DissolveChain();
-    EXPECT_FALSE(a->GetChain() || b->GetChain());
-    EXPECT_STREQ(GetUndoer().GetUndoName(), "UndoDissolveChain");
-    GetUndoer().Undo();
-    EXPECT_EQ(a->GetChain()->GetEntities(), (EntityList{a, b}));
-}
-
 }  // namespace
 }  // namespace app

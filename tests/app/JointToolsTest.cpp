@@ -95,17 +95,6 @@ TEST_F(JointToolsTest, ASpringIsSpannedFromShapeToShapeOrGround) {
     EXPECT_EQ(UndoCount(), 2u) << "from nothing to nothing";
 }
 
-TEST_F(JointToolsTest, EscapeDropsTheSpringUnderWay) {
-    AddBox({0, 0});
-    GUI().SelectTool("spring");
-    Press({0, 0}, Key::LeftMouse);
-    DragTo({2, 0});
-    EXPECT_TRUE(GUI().CancelTool());
-    Release();
-    EXPECT_EQ(Entities().size(), 1u);
-    EXPECT_EQ(UndoCount(), 0u);
-}
-
 // n = L / (0.4 cm on the screen) links that touch, and a hinge more than links.
 TEST_F(JointToolsTest, AChainHangsBetweenShapeAndGround) {
     const EntityPtr box = AddBox({0, 0});

@@ -31,16 +31,6 @@ class KeyboardTest : public test::AppGUIFixture {
         App().OnKeyEvent(event);
     }
 
-    static std::vector<gui::Window*> GetOpenWindows() {
-        std::vector<gui::Window*> windows;
-        for (const Component* parent : {static_cast<Component*>(&App()), static_cast<Component*>(&GUI())}) {
-            for (const gui::ComponentPtr& child : parent->GetChildren()) {
-                if (auto* const window = dynamic_cast<gui::Window*>(child.Get())) windows.push_back(window);
-            }
-        }
-        return windows;
-    }
-
     // What a mouse could press, drag or type into.
     static void CollectControls(const Component& parent, Controls& controls) {
         for (const gui::ComponentPtr& child : parent.GetChildren()) {

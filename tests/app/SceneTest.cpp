@@ -65,15 +65,6 @@ TEST_F(SceneTest, RemovingOneShapeOfABodyKeepsTheOther) {
     EXPECT_FALSE(GetSim().HasBody(body));
 }
 
-TEST_F(SceneTest, ClearLeavesOnlyTheWorld) {
-    AddCircle({0, 0});
-    AddPlane({0, 1}, 0);
-    GetApp().Clear();
-    EXPECT_TRUE(GetApp().GetEntities().empty());
-    EXPECT_EQ(GetSim().GetBodies().size(), 1u);
-    EXPECT_EQ(GetSim().GetWorldBody()->GetGeoms().size(), 1u);
-}
-
 TEST_F(SceneTest, ClearSceneCanBeUndone) {
     const auto circle = AddCircle({0, 0});
     GetApp().ClearScene();
@@ -81,20 +72,6 @@ TEST_F(SceneTest, ClearSceneCanBeUndone) {
     EXPECT_STREQ(GetUndoer().GetUndoName(), "UndoClear");
     GetUndoer().Undo();
     EXPECT_EQ(GetApp().GetEntities(), (EntityList{circle}));
-}
-
-TEST_F(SceneTest, HeldBodiesStandStill) {
-    const auto circle = AddCircle({0, 5});
-    circle->GetBody()->m_vel = {1, 2};
-    const physics::BodyList bodies{circle->GetBody()};
-    GetScene().HoldBodies(bodies);
-    EXPECT_EQ(circle->GetBody()->m_vel, Vec2());
-    GetSim().m_running->Set(true);
-    RunFor(10);
-    EXPECT_EQ(circle->GetBody()->m_pos, Vec2(0, 5));
-    GetScene().ReleaseBodies(bodies);
-    RunFor(10);
-    EXPECT_LT(circle->GetBody()->m_pos.y, 5);
 }
 
 // ---- selection
@@ -153,15 +130,6 @@ TEST_F(SceneTest, AnInnerLinkTakesItsChainWithItAnEndOnlyItself) {
     EXPECT_EQ(chain->GetNeighbors(links[2], false), (EntitySet{links[1], links[3]}));
     EXPECT_TRUE(chain->GetNeighbors(links[3], true).empty());
     EXPECT_THROW(chain->AddEntity(100000, links[0]), BadDataException);
-}
-
-TEST_F(SceneTest, AChainKeepsPlacesAndForgetsTheDead) {
-    const ChainPtr chain = new Chain(7);
-    const EntityPtr second = AddCircle({0, 0});
-    chain->AddEntity(3, second);
-    EXPECT_EQ(chain->IndexOf(*second), 3u);
-    EXPECT_EQ(chain->GetEntities(), (EntityList{second}));
-    EXPECT_EQ(GetScene().GetFreeChain(), 0);
 }
 
 TEST_F(SceneTest, BodiesCentreAndOrderOfTheSelection) {

@@ -94,15 +94,6 @@ TEST_F(ViewTest, ZoomKeepsThePointItIsAbout) {
     ExpectNear(GetApp().GUIToWorld(mouse), under);
 }
 
-TEST_F(ViewTest, NotchesInQuickSuccessionAddUp) {
-    GetView().ZoomAbout({400, 300}, 2);
-    AdvanceClock(0.02);
-    GetApp().Update(0);
-    GetView().ZoomAbout({400, 300}, 2);
-    Settle();
-    EXPECT_NEAR(GetView().GetZoom(), 600, 0.01);
-}
-
 TEST_F(ViewTest, ZoomIsKeptInBounds) {
     GetApp().SetZoom(0.5f);
     Settle();

@@ -38,34 +38,34 @@ class ListTest : public testing::Test {
     ComponentPtr m_items[3];
 };
 
-TEST_F(ListTest, RunsDown) {
-    Make(ListLayout::Vertical);
-    ExpectPlaces({0, 0}, {0, 20}, {0, 33});
-    EXPECT_EQ(m_list->GetSize(), Vec2(38, 41));
-}
-
-TEST_F(ListTest, RunsAcross) {
-    Make(ListLayout::Horizontal);
-    ExpectPlaces({0, 0}, {10, 0}, {48, 0});
-    EXPECT_EQ(m_list->GetSize(), Vec2(56, 20));
+TEST_F(ListTest, RunsDownOrAcrossAndAlignsAtEitherSide) {
+    const struct {
+        uint32_t flags;
+        Vec2 places[3], size;
+    } cases[] = {
+        {ListLayout::Vertical, {{0, 0}, {0, 20}, {0, 33}}, {38, 41}},
+        {ListLayout::Horizontal, {{0, 0}, {10, 0}, {48, 0}}, {56, 20}},
+        {ListLayout::Vertical | ListLayout::AlignEnd, {{28, 0}, {0, 20}, {30, 33}}, {38, 41}},
+        {ListLayout::Horizontal | ListLayout::AlignEnd, {{0, 0}, {10, 7}, {48, 12}}, {56, 20}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.flags);
+        Make(c.flags);
+        ExpectPlaces(c.places[0], c.places[1], c.places[2]);
+        EXPECT_EQ(m_list->GetSize(), c.size);
+    }
 }
 
 TEST_F(ListTest, StretchesAcrossTheList) {
-    Make(ListLayout::Vertical | ListLayout::StretchCross);
-    EXPECT_EQ(m_items[0]->GetSize(), Vec2(38, 20));
-    EXPECT_EQ(m_items[1]->GetSize(), Vec2(30, 5));
-    EXPECT_EQ(m_items[2]->GetSize(), Vec2(38, 8));
-    Make(ListLayout::Horizontal | ListLayout::StretchCross);
-    EXPECT_EQ(m_items[0]->GetSize(), Vec2(10, 20));
-    EXPECT_EQ(m_items[1]->GetSize(), Vec2(30, 12));
-    EXPECT_EQ(m_items[2]->GetSize(), Vec2(8, 20));
-}
-
-TEST_F(ListTest, AlignsAtTheFarSide) {
-    Make(ListLayout::Vertical | ListLayout::AlignEnd);
-    ExpectPlaces({28, 0}, {0, 20}, {30, 33});
-    Make(ListLayout::Horizontal | ListLayout::AlignEnd);
-    ExpectPlaces({0, 0}, {10, 7}, {48, 12});
+    const struct {
+        uint32_t flags;
+        Vec2 sizes[3];
+    } cases[] = {{ListLayout::Vertical, {{38, 20}, {30, 5}, {38, 8}}},
+                 {ListLayout::Horizontal, {{10, 20}, {30, 12}, {8, 20}}}};
+    for (const auto& c : cases) {
+        Make(c.flags | ListLayout::StretchCross);
+        for (int i = 0; i < 3; ++i) EXPECT_EQ(m_items[i]->GetSize(), c.sizes[i]) << i;
+    }
 }
 
 TEST_F(ListTest, FollowsItsChildren) {

@@ -96,14 +96,6 @@ TEST_F(WindowTest, IsDraggedByTheTitleBarWithTheLeftButton) {
     EXPECT_FALSE(ReleaseKey(Key::LeftMouse, TITLE));
 }
 
-TEST_F(WindowTest, ComesToTheFrontWhenItsTitleIsPressed) {
-    const WindowPtr other = new Window("other");
-    m_root->AddChild(other);
-    other->SetPos(100, 300);
-    EXPECT_TRUE(PressKey(Key::LeftMouse, TITLE));
-    EXPECT_EQ(m_root->GetChildren().back(), m_window);
-}
-
 TEST_F(WindowTest, LetsNoClickAndNoDragThrough) {
     const struct {
         Vec2 place;
@@ -209,14 +201,6 @@ TEST_F(WindowTest, WobbleStaysBoundedAtAnyFrameTime) {
     m_window->SetPos(100, 100);
     m_window->Update(0.02f);
     EXPECT_EQ(m_window->GetWobbleLag(), Vec2(0, 0));
-}
-
-TEST_F(WindowTest, ComesToRest) {
-    for (const float dt : {0.001f, 0.0166f, 0.05f, 0.1f}) {
-        m_window->SetPos(m_window->GetPos().x + 30, 100);
-        for (float t = 0; t < 3; t += dt) m_window->Update(dt);
-        EXPECT_NEAR(m_window->GetWobbleLag().x, 0, 0.05f) << dt;
-    }
 }
 
 TEST_F(WindowTest, HitTestsFollowThePicture) {

@@ -108,20 +108,6 @@ TEST_F(Accuracy, MotorTorqueBoundsTheAcceleration) {
     }
 }
 
-TEST_F(Accuracy, PendulumKeepsItsLengthAndEnergy) {
-    ClearAir();
-    const BodyPtr bob = AddCircle({1, 0}, 0.1f);
-    AddHinge(sim.GetWorldBody(), bob, {0, 0});
-    float longest = 0;
-    for (int i = 0; i < 200; ++i) {
-        sim.Step(true);
-        longest = std::max(longest, std::fabs(math::Length(bob->m_pos) - 1));
-    }
-    EXPECT_LT(longest, 0.01f);
-    const float energy = GetKineticEnergy() + bob->m_mass * 9.8f * bob->m_pos.y;
-    EXPECT_NEAR(energy, 0, 0.03f * bob->m_mass * 9.8f);
-}
-
 TEST_F(Accuracy, PairKeepsItsMomentum) {
     ClearAir();
     sim.m_gravitySwitch->Set(false);
@@ -174,30 +160,7 @@ TEST_F(Accuracy, PyramidStands) {
     for (const BodyPtr& box : boxes) heights.push_back(box->m_pos.y);
     Run(10);
     for (size_t i = 0; i < boxes.size(); ++i) EXPECT_NEAR(boxes[i]->m_pos.y, heights[i], 0.03f);
-    EXPECT_LT(GetFastestBody(), 0.05f);
-}
-
-TEST_F(Accuracy, RestingWorldGainsNoEnergy) {
-    SetSurface(0.5f, 0);
-    AddGround();
-    AddPyramid(6);
-    Run(3);
-    const float rested = GetKineticEnergy();
-    EXPECT_LT(rested, 1e-3f);
-    Run(5);
-    EXPECT_LT(GetKineticEnergy(), std::max(rested, 1e-5f));
-}
-
-TEST_F(Accuracy, CircleInsideABlockLeavesOnTheNearSide) {
-    for (const float x : {-0.4f, -0.2f, 0.2f, 0.4f}) {
-        sim.Clear();
-        sim.m_gravitySwitch->Set(false);
-        const BodyPtr block = AddBox({0, 0}, 1, 4);
-        block->m_held = true;
-        const BodyPtr circle = AddCircle({x, 0}, 0.1f);
-        Run(2);
-        EXPECT_GT(circle->m_pos.x * (x < 0 ? -1 : 1), 0.55f) << "from " << x;
-    }
+    EXPECT_LT(GetKineticEnergy(), 1e-3f);
 }
 
 }  // namespace test

@@ -228,24 +228,6 @@ TEST(Body, BadBeyondTheLimitsOnly) {
 
 // ---- motion of parts
 
-struct Momentum {
-    double mass = 0, x = 0, y = 0, turn = 0;
-
-    void Add(const Body& body) {
-        mass += body.m_mass;
-        x += double(body.m_mass) * body.m_vel.x;
-        y += double(body.m_mass) * body.m_vel.y;
-        turn += double(body.m_inertia) * body.m_angVel +
-                double(body.m_mass) * math::Cross(body.m_pos, body.m_vel);
-    }
-    void ExpectNear(const Momentum& other) const {
-        EXPECT_NEAR(mass, other.mass, 1e-4 * mass);
-        EXPECT_NEAR(x, other.x, 1e-4 * mass);
-        EXPECT_NEAR(y, other.y, 1e-4 * mass);
-        EXPECT_NEAR(turn, other.turn, 1e-3 * mass);
-    }
-};
-
 static BodyPtr SpinningPair(const GeomPtr& left, const GeomPtr& right) {
     const BodyPtr pair = new Body;
     pair->SetGeoms({left, right});
@@ -261,35 +243,6 @@ TEST(Body, HalfOfASpinningPairFliesOn) {
     EXPECT_FLOAT_EQ(pair->m_vel.x, 1);
     EXPECT_FLOAT_EQ(pair->m_vel.y, 5);
     EXPECT_EQ(pair->m_angVel, 3);
-}
-
-TEST(Body, SplitPartsKeepTheirMotionTogether) {
-    const GeomPtr left = CircleAt({-1, 0}, 0.5f), right = CircleAt({1, 2}, 0.8f);
-    const BodyPtr pair = SpinningPair(left, right);
-    Momentum before, after;
-    before.Add(*pair);
-    const BodyPtr part = pair->Split({right});
-    EXPECT_EQ(pair->GetGeoms(), GeomSet{left});
-    EXPECT_EQ(part->GetGeoms(), GeomSet{right});
-    after.Add(*pair);
-    after.Add(*part);
-    after.ExpectNear(before);
-    EXPECT_EQ(part->m_angVel, 3);
-}
-
-TEST(Body, AbsorbingKeepsMomentum) {
-    const BodyPtr a = test::MakeBody(CircleAt({0, 0}, 1)), b = test::MakeBody(CircleAt({3, 1}, 0.5f));
-    a->m_vel = {2, 0};
-    b->m_vel = {-1, 4};
-    b->m_angVel = -6;
-    Momentum before, after;
-    before.Add(*a);
-    before.Add(*b);
-    a->Absorb(*b);
-    after.Add(*a);
-    after.ExpectNear(before);
-    EXPECT_TRUE(b->GetGeoms().empty());
-    EXPECT_EQ(a->GetGeoms().size(), 2u);
 }
 
 TEST(Body, WhatImmovableOnesAbsorbRests) {

@@ -148,42 +148,6 @@ TEST(Collider, BodiesWithoutPlaceTouchNothing) {
 
 // ---- single pairs --------------------------------------------------------------------------------------
 
-TEST(Collider, CircleOnPlane) {
-    World world;
-    world.Add(new Plane({0, 1}, -1));
-    world.Add(new Circle(0.5f, {3, 1.4f}));
-    const FoundContacts found = world.Collide();
-    ASSERT_EQ(found.size(), 1u);
-    EXPECT_EQ(found[0].index, 0u);
-    EXPECT_EQ(found[0].normal, Vec2(0, 1));
-    EXPECT_NEAR(found[0].penetration, 0.1f, 1e-6f);
-    EXPECT_NEAR(found[0].point.y, 0.9f, 1e-6f);
-}
-
-TEST(Collider, PolygonOnPlaneCountsVerticesFromZero) {
-    World world;
-    world.Add(new Plane({0, 1}, 0));
-    const Polygon* const box = world.Add(Box(0, -0.1f, 2, 1));
-    const FoundContacts found = world.Collide();
-    ASSERT_EQ(found.size(), 2u);
-    EXPECT_EQ(found[0].index, 0u);
-    EXPECT_EQ(found[0].geomB, box->GetID());
-    EXPECT_EQ(found[1].index, 1u);
-    EXPECT_NEAR(found[1].penetration, 0.1f, 1e-6f);
-    EXPECT_EQ(found[1].normal, Vec2(0, 1));
-}
-
-TEST(Collider, CirclesMeetInTheMiddleOfTheOverlap) {
-    World world;
-    world.Add(new Circle(1, {0, 0}));
-    world.Add(new Circle(0.5f, {1.3f, 0}));
-    const FoundContacts found = world.Collide();
-    ASSERT_EQ(found.size(), 1u);
-    EXPECT_EQ(found[0].normal, Vec2(1, 0));
-    EXPECT_NEAR(found[0].penetration, 0.2f, 1e-6f);
-    EXPECT_NEAR(found[0].point.x, 0.9f, 1e-6f);
-}
-
 // The square of a distance may be below that of the radius, and the distance still be rounded to it.
 TEST(Collider, EveryContactOverlaps) {
     const float justBelow = std::nextafter(0.7f, 0.0f);

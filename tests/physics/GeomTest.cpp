@@ -37,15 +37,6 @@ TEST(Plane, MovesWithItsTransform) {
     EXPECT_NEAR(plane->GetNormal({0, 0}).x, -1, 1e-6f);
 }
 
-TEST(Plane, IsEndless) {
-    const PlanePtr plane = new Plane({0, 1}, 0);
-    EXPECT_EQ(plane->GetArea(), INF);
-    EXPECT_EQ(plane->GetInertiaSansMass(), INF);
-    EXPECT_EQ(plane->GetBoundingBox(), math::BoundingBox2f({-INF, -INF}, {INF, INF}));
-    EXPECT_EQ(plane->GetBoundingCircle(), math::Vec3(0, 0, INF));
-    EXPECT_EQ(plane->GetOBB().halfSize, Vec2(INF, INF));
-}
-
 TEST(WorldGeom, IsEverywhereAndEmpty) {
     const WorldGeomPtr world = new WorldGeom;
     EXPECT_EQ(world->GetDistance({1e6f, 0}), -1);
@@ -87,15 +78,6 @@ TEST(Geom, RemembersTheAngleThatItWasGiven) {
     }
     circle->SetTransform(RigidTransform(0.25f, Vec2(1, 2)));
     EXPECT_NEAR(circle->GetAngle(), 0.25, 1e-6);
-}
-
-TEST(Geom, InverseTransformUndoesTheTransform) {
-    const CirclePtr circle = new Circle(1);
-    circle->SetTransform(RigidTransform(0.7f, Vec2(3, -2)));
-    const Vec2 back = circle->GetInvTransform()(circle->GetTransform()(Vec2(0.3f, 0.4f)));
-    EXPECT_NEAR(back.x, 0.3f, 1e-6f);
-    EXPECT_NEAR(back.y, 0.4f, 1e-6f);
-    EXPECT_EQ(circle->GetPos(), Vec2(3, -2));
 }
 
 }  // namespace

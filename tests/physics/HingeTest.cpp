@@ -100,47 +100,4 @@ TEST_F(HingeTest, PullIsBoundedByMaxPositionCorrection) {
     EXPECT_NEAR(body->m_vel.x, 19.047619f * 0.01f, 2e-3f);
 }
 
-static float WidestGap(const std::vector<HingePtr>& hinges) {
-    float widest = 0;
-    for (const HingePtr& hinge : hinges) {
-        widest = std::max(widest, math::Length(hinge->GetWorldAnchor(1) - hinge->GetWorldAnchor(0)));
-    }
-    return widest;
-}
-
-TEST_F(HingeTest, PendulumsPinHolds) {
-    const BodyPtr rod = AddBox({1, 0}, 2, 0.1f);
-    const HingePtr pin = AddHinge(sim.GetWorldBody(), rod, {0, 0});
-    float widest = 0;
-    for (int i = 0; i < 1000; ++i) {
-        sim.Step(true);
-        widest = std::max(widest, WidestGap({pin}));
-    }
-    EXPECT_LT(widest, 0.005f);
-}
-
-// Ten links of 0.5 m with a weight of twenty times a link's mass at the end, let go at 45 degrees.
-TEST_F(HingeTest, ChainWithAHeavyEndHangsTogether) {
-    const float side = std::sqrt(20 * 0.5f * 0.1f);
-    const Vec2 along = Vec2(1, -1) / std::sqrt(2.0f);
-    BodyPtr last = sim.GetWorldBody();
-    std::vector<HingePtr> hinges;
-    for (int i = 0; i <= 10; ++i) {
-        const float from = 0.5f * static_cast<float>(i);
-        const bool isLoad = i == 10;
-        const float length = isLoad ? side : 0.5f, width = isLoad ? side : 0.1f;
-        const BodyPtr link = AddBox(along * (from + length / 2), length, width);
-        link->m_angle = -math::PI / 4;
-        link->UpdateGeoms();
-        hinges.push_back(AddHinge(last, link, along * from));
-        last = link;
-    }
-    float widest = 0;
-    for (int i = 0; i < 1000; ++i) {
-        sim.Step(true);
-        widest = std::max(widest, WidestGap(hinges));
-    }
-    EXPECT_LT(widest, 0.02f);
-}
-
 }  // namespace test
