@@ -90,7 +90,7 @@ TEST(Pointee, ALockCanBeTheLastHold) {
 
 TEST(Pointee, DereferencingNothingThrowsTheText) {
     EXPECT_EQ(test::FailureOf([] { ProbePtr()->m_dead = nullptr; }), "Tried to dereference a NULL SharedPtr");
-    EXPECT_THROW(util::LockPtr<Probe>()->m_dead, std::runtime_error);
+    EXPECT_NE(test::FailureOf([] { util::LockPtr<Probe>()->m_dead = nullptr; }), "");
 }
 
 TEST(Pointee, ACopyIsAnObjectOfItsOwn) {
@@ -127,7 +127,7 @@ TEST(Pointee, SweepFreesHandlesOfTheDeadAndKeepsWatchedOnes) {
 
 TEST(Pointee, AThrowingDestructorIsLoggedAndGoesNoFurther) {
     test::LogCapture log;
-    util::SharedPtr<ThrowingProbe>(new ThrowingProbe);
+    { const util::SharedPtr<ThrowingProbe> dying = new ThrowingProbe; }
     EXPECT_TRUE(log.Contains("Exception caught when deleting a "));
     EXPECT_TRUE(log.Contains(": will not go"));
 }
