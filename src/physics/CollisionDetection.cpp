@@ -242,27 +242,28 @@ namespace {
 // Calls found(i, distance, normal) for each point that lies in a polygon.
 template <class Found>
 void FindInside(const math::Vec2List& list, const Polygon& other, Found found) {
+    constexpr size_t BLOCK = Polygon::BLOCK;
     if (list.empty()) return;
-    const Vec2* const points = list.data();
     const size_t count = list.size();
-    const auto test = [&](size_t i) {
-        real s;
-        Vec2 normal;
-        if (other.FindInside(points[i], s, normal)) found(static_cast<uint32_t>(i), s, normal);
+    const auto test = [&](const Vec2* points, size_t first, uint32_t wanted) {
+        real distances[BLOCK];
+        Vec2 normals[BLOCK];
+        uint32_t inside = other.FindInside(points, distances, normals) & wanted;
+        for (; inside != 0; inside &= inside - 1) {
+            const auto k = static_cast<uint32_t>(__builtin_ctz(inside));
+            found(static_cast<uint32_t>(first + k), distances[k], normals[k]);
+        }
     };
-    const auto testBits = [&](size_t first, uint32_t inBox) {
-        for (; inBox != 0; inBox &= inBox - 1) test(first + static_cast<size_t>(__builtin_ctz(inBox)));
-    };
-    if (count < Polygon::BLOCK) {
-        Vec2 block[Polygon::BLOCK];
-        std::copy(points, points + count, block);
-        testBits(0, other.FindInBox(block) & ((1u << count) - 1));
+    if (count < BLOCK) {
+        Vec2 block[BLOCK];
+        std::copy(list.begin(), list.end(), block);
+        test(block, 0, (1u << count) - 1);
         return;
     }
     // The last block begins early enough to be full; what it has in common with the one before is done.
-    for (size_t done = 0; done < count; done += Polygon::BLOCK) {
-        const size_t first = std::min(done, count - Polygon::BLOCK);
-        testBits(first, other.FindInBox(points + first) >> (done - first) << (done - first));
+    for (size_t done = 0; done < count; done += BLOCK) {
+        const size_t first = std::min(done, count - BLOCK);
+        test(list.data() + first, first, ~0u << (done - first));
     }
 }
 

@@ -12,8 +12,11 @@ namespace physics {
 using math::real;
 using math::Vec2;
 using math::Vec2List;
+using narrow::Float8;
 
 namespace {
+
+constexpr real NOWHERE = -std::numeric_limits<real>::max();  // m, below the distance of any point
 
 constexpr real STRAIGHT = 1e-5f;        // of the extent: how far off a side its vertices may lie
 constexpr size_t MOST_JOINED = 64;      // edges that become one side
@@ -82,7 +85,10 @@ OutlineSides::OutlineSides(const Vec2List& vertices) {
     }
     starts.push_back(0);
     m_starts.assign(starts.begin(), starts.end());
-    if (GetSideCount() <= FEW_SIDES) return;
+    if (GetSideCount() <= FEW_SIDES) {
+        MakeLines(vertices);
+        return;
+    }
     const real tiles = std::sqrt(static_cast<real>(GetSideCount())) / SIDES_PER_TILE;
     m_blocks = std::min(static_cast<uint32_t>(tiles) / BLOCK + 1, MOST_BLOCKS);
     m_low = box.min;
@@ -92,12 +98,27 @@ OutlineSides::OutlineSides(const Vec2List& vertices) {
 
 OutlineSides::~OutlineSides() noexcept(false) = default;
 
+void OutlineSides::MakeLines(const Vec2List& vertices) {
+    m_isSimple = true;
+    for (size_t i = 0; i < GetSideCount(); ++i) {
+        m_isSimple = m_isSimple && !IsReflex(vertices, i);
+        m_lines.push_back(MakeLine(vertices, i));
+    }
+}
+
+OutlineSides::Line OutlineSides::MakeLine(const Vec2List& vertices, size_t i) const {
+    const Side side = GetSide(vertices, m_starts, i);
+    const Vec2 normal = side.GetNormal();
+    return {normal, math::Dot(normal, side.start)};
+}
+
 // ---- finding the nearest -------------------------------------------------------------------------------
 
 // Of a side that is nearest at a point within it, the left is inside; at its end, what lies in the corner of
 // a reflex angle is.
 OutlineSides::Place OutlineSides::Find(const Vec2List& vertices, Vec2 point, real& distance,
                                        Vec2& normal) const {
+    if (m_isSimple) return FindByLines(point, distance, normal);
     const Choice choice = Choose(vertices, point);
     if (choice.begin == choice.end) return Place::DEEP;
     real least = std::numeric_limits<real>::infinity(), share = 0;
@@ -124,6 +145,45 @@ OutlineSides::Place OutlineSides::Find(const Vec2List& vertices, Vec2 point, rea
     return Place::INSIDE;
 }
 
+// Within a convex outline the nearest line is the nearest side.
+OutlineSides::Place OutlineSides::FindByLines(Vec2 point, real& distance, Vec2& normal) const {
+    real greatest = NOWHERE;
+    for (const Line& line : m_lines) {
+        const real here = line.GetDistance(point);
+        if (!(here > greatest)) continue;
+        greatest = here;
+        normal = line.normal;
+    }
+    if (!(greatest < 0 && greatest > NOWHERE)) return Place::OUTSIDE;
+    distance = greatest;
+    return Place::INSIDE;
+}
+
+// The same, operation by operation.
+uint32_t OutlineSides::FindInside(Float8 x, Float8 y, real* distances, Vec2* normals) const {
+    alignas(16) real all[FEW_SIDES][POINTS], greatest[POINTS];
+    const Float8 nowhere = Float8::Fill(NOWHERE);
+    Float8 most = nowhere;
+    for (size_t i = 0; i < m_lines.size(); ++i) {
+        const Line& line = m_lines[i];
+        const Float8 here =
+            Float8::Fill(line.normal.x) * x + Float8::Fill(line.normal.y) * y - Float8::Fill(line.offset);
+        most = Max(most, here);
+        Store(all[i], here);
+    }
+    const uint32_t inside = MaskLess(most, Float8::Zero()) & MaskLess(nowhere, most);
+    if (inside == 0) return 0;
+    Store(greatest, most);
+    for (uint32_t rest = inside; rest != 0; rest &= rest - 1) {
+        const auto k = static_cast<uint32_t>(__builtin_ctz(rest));
+        size_t i = 0;
+        while (all[i][k] != greatest[k]) ++i;
+        distances[k] = greatest[k];
+        normals[k] = m_lines[i].normal;
+    }
+    return inside;
+}
+
 // Whether the outline turns inward where a side begins.
 bool OutlineSides::IsReflex(const Vec2List& vertices, size_t side) const {
     const size_t count = GetSideCount();
@@ -140,15 +200,16 @@ bool OutlineSides::FindOpposite(const Vec2List& vertices, Vec2 point, const Corn
     real least = MOST_OPPOSITE;
     bool isFound = false;
     for (const uint16_t* i = choice.begin; i != choice.end; ++i) {
+        const Line line = m_lines.empty() ? MakeLine(vertices, *i) : m_lines[*i];
+        const real depth = -line.GetDistance(point);
+        if (!(depth > 0 && depth < least) || !corner.PointsAt(line.normal)) continue;
         const Side side = GetSide(vertices, m_starts, *i);
-        const Vec2 r = point - side.start, out = side.GetNormal();
-        const real depth = -math::Dot(out, r), length = math::Length(side.way);
-        const real place = math::Dot(side.way, r) / length;
-        if (!(depth > 0 && depth < least && place > -least && place < length + least)) continue;
-        if (!corner.PointsAt(out)) continue;
+        const real length = math::Length(side.way);
+        const real place = math::Dot(side.way, point - side.start) / length;
+        if (!(place > -least && place < length + least)) continue;
         least = depth;
         distance = -depth;
-        normal = out;
+        normal = line.normal;
         isFound = true;
     }
     return isFound;

@@ -399,18 +399,42 @@ uint32_t Polygon::FindGaps(const Vec2* points, const Vec2* directions, real reac
     return found & MaskLess4(there, here);
 }
 
-// The arithmetic of Distance up to the map, operation by operation.
-uint32_t Polygon::FindInBox(const Vec2* points) const {
-    using narrow::Float8;
-    const auto fill = [](real x) { return Float8::Fill(x); };
-    Float8 px, py;
-    Float8::LoadPairs(points, px, py);
-    const Float8 c = fill(m_worldToBox.cos), s = fill(m_worldToBox.sin);
-    const Float8 x = c * px - s * py + fill(m_worldToBox.x);
-    const Float8 y = s * px + c * py + fill(m_worldToBox.y);
-    const uint32_t outside =
-        MaskLess(fill(m_obb.halfSize.x), Max(x, -x)) | MaskLess(fill(m_obb.halfSize.y), Max(y, -y));
-    return ~outside & ((1u << BLOCK) - 1);
+struct Polygon::Block {
+    narrow::Float8 x, y;
+
+    // The points, transformed; RigidTransform, operation by operation.
+    Block(const Vec2* points, const RigidTransform& transform) {
+        const auto fill = [](real number) { return narrow::Float8::Fill(number); };
+        narrow::Float8 px, py;
+        narrow::Float8::LoadPairs(points, px, py);
+        const narrow::Float8 c = fill(transform.cos), s = fill(transform.sin);
+        x = c * px - s * py + fill(transform.x);
+        y = s * px + c * py + fill(transform.y);
+    }
+};
+
+// Most points lie outside the tight box.
+uint32_t Polygon::FindInside(const Vec2* points, real* distances, Vec2* normals) const {
+    const Block inBox(points, m_worldToBox);
+    const auto isBeyond = [](narrow::Float8 place, real half) {
+        return MaskLess(narrow::Float8::Fill(half), Max(place, -place));
+    };
+    uint32_t inside =
+        ~(isBeyond(inBox.x, m_obb.halfSize.x) | isBeyond(inBox.y, m_obb.halfSize.y)) & ((1u << BLOCK) - 1);
+    if (inside == 0) return 0;
+    if (m_sides->IsSimple()) {
+        const Block local(points, GetInvTransform());
+        inside &= m_sides->FindInside(local.x, local.y, distances, normals);
+    }
+    for (uint32_t rest = inside; rest != 0; rest &= rest - 1) {
+        const auto k = static_cast<uint32_t>(__builtin_ctz(rest));
+        if (m_sides->IsSimple()) {
+            normals[k] = GetTransform().Rotate(normals[k]);
+        } else if (!FindInside(points[k], distances[k], normals[k])) {
+            inside &= ~(1u << k);
+        }
+    }
+    return inside;
 }
 
 // ---- outlines and lines -------------------------------------------------------------------------------

@@ -79,6 +79,9 @@ class Polygon : public Geom {
     // For a point in the tight box: whether it is inside, and if so its distance, below 0, and the normal.
     // Exact near the outline, and anywhere in shapes of few sides.
     bool FindInside(math::Vec2 point, math::real& distance, math::Vec2& normal) const;
+    // The same of BLOCK points, as bits.
+    static constexpr size_t BLOCK = OutlineSides::POINTS;
+    uint32_t FindInside(const math::Vec2* points, math::real* distances, math::Vec2* normals) const;
     // For one that is a corner of another outline, with directions in the world: the nearest side it points
     // at, if one is close.
     bool FindOpposite(math::Vec2 point, const OutlineSides::Corner& corner, math::real& distance,
@@ -92,14 +95,12 @@ class Polygon : public Geom {
     // distances of these.
     uint32_t FindGaps(const math::Vec2* points, const math::Vec2* directions, math::real reach,
                       math::real* gaps) const;
-    // Which of BLOCK points lie in the tight box, as bits; the distance of the others is positive.
-    static constexpr size_t BLOCK = 8;
-    uint32_t FindInBox(const math::Vec2* points) const;
 
   private:
     math::Vec2 CalcAttribs();
     void CheckSelfIntersection() const;
     struct InBox;
+    struct Block;
     InBox TurnToBox(const math::Vec2* directions) const;
     InBox ToBox(const math::Vec2* points) const;
     uint32_t FindMapped(const InBox& points) const;

@@ -97,7 +97,7 @@ TEST(OutlineSides, JoinEdgesThatStandInARow) {
 
 TEST(OutlineSides, FindNothingForWhatIsNoPlace) {
     test::Random random(5);
-    for (const int vertices : {4, 60}) {
+    for (const int vertices : {3, 4, 60}) {
         const Vec2List outline = test::MakeStar(random, vertices, 1, {});
         const OutlineSides sides(outline);
         float distance;
