@@ -175,8 +175,7 @@ void Window::OnMouseMove(MouseMoveEvent& event) {
     WobbleComponent::OnMouseMove(event);
     if (event.m_handled || !m_dragging) return;
     event.m_handled = true;
-    const util::LockPtr<Component> target = m_tearOffTarget.Lock();
-    if (target && target.Get() != GetParent()) TearOff(*target);
+    TearOff();
     m_dragPos += event.m_delta;
     const Vec2 pos = GetNearestInView(m_dragPos);
     SetPos(pos.x, pos.y);
@@ -200,9 +199,16 @@ void Window::FitToParent() {
     StopWobble();
 }
 
+void Window::TearOff() {
+    const util::LockPtr<Component> target = m_tearOffTarget.Lock();
+    if (!target) return;
+    m_tornOff = true;
+    if (target.Get() != GetParent()) MoveTo(*target);
+}
+
 // The outer corner stays where it is on screen, and the change of coordinates must not set the spring going.
 // A layout of the old parent would put the window back, so the parents change first.
-void Window::TearOff(Component& target) {
+void Window::MoveTo(Component& target) {
     const Vec2 corner = target.ToContent(ToGUI(-GetContentOffset()));
     const bool wobbleEnabled = IsWobbleEnabled();
     SetWobbleEnabled(false);

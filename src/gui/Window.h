@@ -48,7 +48,10 @@ class Window : public WobbleComponent {
     void Close();
 
     util::CallbackSet& GetMovedCallbacks() { return m_movedCallbacks; }  // after each step of a drag
+    // The first drag tears the window off: it becomes a child of the target, where it stays in its place.
     void SetTearOffTarget(const ComponentWeakPtr& target) { m_tearOffTarget = target; }
+    void TearOff();
+    bool IsTornOff() const { return m_tornOff; }
     bool IsDragged() const { return m_dragging; }
     // The place nearest to `pos` at which the title bar is in the parent's view.
     math::Vec2 GetNearestInView(math::Vec2 pos) const;
@@ -63,7 +66,7 @@ class Window : public WobbleComponent {
     bool HasFocusInside() const;
     bool IsOnTitleBar(math::Vec2 gui) const;
     bool LiesOverText() const;
-    void TearOff(Component& target);
+    void MoveTo(Component& target);
 
     String m_title;
     FormattedText m_titleText;
@@ -74,6 +77,7 @@ class Window : public WobbleComponent {
     ButtonPtr m_closeButton;         // a child too; may be null
     util::CallbackSet m_movedCallbacks;
     ComponentWeakPtr m_tearOffTarget;
+    bool m_tornOff = false;
 };
 
 }  // namespace gui

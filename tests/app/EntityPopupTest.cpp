@@ -48,6 +48,14 @@ class EntityPopupTest : public test::AppGUIFixture {
         slider->FireDragEnd();
     }
 
+    // Windows that have been torn off with them.
+    void TearDown() override {
+        Key('a', true);
+        Key(Key::Delete);
+        App().Update(0);
+        AppGUIFixture::TearDown();
+    }
+
     static app::GeomEntity& Shape(const EntityPtr& entity) {
         return *util::DynamicCast<app::GeomEntity>(entity);
     }
@@ -198,21 +206,47 @@ TEST_F(EntityPopupTest, OneMenuAtATimeUnlessItIsTornOff) {
     EXPECT_FALSE(FindTopLevel("ChooseColor"));
     gui::Window* const info = FindTopLevel("EntInfoMenu");
     ASSERT_TRUE(info);
+    FindPopup()->TearOff();
     const Vec2 between = info->GetPos() - FindPopup()->GetPos();
-    gui::KeyEvent press;
-    press.m_key = Key::LeftMouse;
-    press.m_pressed = true;
-    press.m_position = FindPopup()->ToGUI({10, -10});
-    App().OnKeyEvent(press);
-    gui::MouseMoveEvent move;
-    move.m_delta = {-100, -30};
-    App().OnMouseMove(move);
+    FindPopup()->SetPos(FindPopup()->GetPos().x, FindPopup()->GetPos().y - 30);
     App().Component::Update(0);
     EXPECT_EQ(info->GetPos() - FindPopup()->GetPos(), between) << "it goes along";
-    GUI().AddChild(info);
+    info->TearOff();
+    PressButton("ChooseColor");
     PressButton("GeomMenuButton");
     EXPECT_TRUE(FindTopLevel("EntInfoMenu"));
+    EXPECT_FALSE(FindTopLevel("ChooseColor"));
     EXPECT_TRUE(FindTopLevel("GeomMenu"));
+}
+
+TEST_F(EntityPopupTest, WhatHasBeenTornOffClosesWithItsEntities) {
+    AddBox({0, 0});
+    Click({0, 0}, Key::RightMouse);
+    FindTopLevel("PopupTitle")->TearOff();
+    PressButton("GeomMenuButton");
+    FindTopLevel("GeomMenu")->TearOff();
+    PressButton("ChooseColor");
+    ASSERT_TRUE(FindTopLevel("GeomMenu") && FindTopLevel("ChooseColor"));
+    Key(Key::Delete);
+    App().Update(0);
+    for (const char* const key : {"PopupTitle", "ChooseColor", "GeomMenu"}) {
+        EXPECT_FALSE(FindTopLevel(key)) << key;
+    }
+}
+
+TEST_F(EntityPopupTest, TheColourChooserFollowsTheHistory) {
+    const EntityPtr box = AddBox({0, 0});
+    box->SetColor({0, 0, 1});
+    Click({0, 0}, Key::RightMouse);
+    PressButton("ChooseColor");
+    const auto hue = util::DynamicCast<gui::Slider>(FindWidget("ColorHue"));
+    ASSERT_NEAR(hue->GetValue(), 240, 1e-3);
+    DragSlider("ColorHue", 120);
+    EXPECT_NEAR(box->GetColor().y, 1, 1e-5);
+    FindTopLevel("ChooseColor")->TearOff();
+    Key('z', true);
+    App().Update(0);
+    EXPECT_NEAR(hue->GetValue(), 240, 1e-3);
 }
 
 TEST_F(EntityPopupTest, MenusCloseWithThePopupTheyHangOn) {

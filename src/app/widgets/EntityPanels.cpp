@@ -115,8 +115,7 @@ ColorChooser::ColorChooser(const EntityGroup& group)
     : Component("ColorChooser",
                 new gui::ListLayout(gui::ListLayout::Vertical | gui::ListLayout::StretchCross)),
       m_group(group) {
-    const EntitySet entities = group.Get();
-    if (!entities.empty()) m_hsl = math::RGBtoHSL((*entities.begin())->GetColor());
+    FollowColor();
     AddChild(new Swatch(m_hsl));
     AddSlider("ColorHue", &math::Vec3::x, MAX_HUE, 0);
     AddSlider("ColorSaturation", &math::Vec3::y, 1, 2);
@@ -136,6 +135,14 @@ void ColorChooser::AddSlider(const char* key, math::real math::Vec3::*part, doub
     AddChild(new gui::LabeledSlider(Translate(key), slider, decimals));
 }
 
+// Of the first one, which an undo may have given another colour.
+void ColorChooser::FollowColor() {
+    const EntitySet entities = m_group.Get();
+    if (entities.empty()) return;
+    const math::Vec3 color = (*entities.begin())->GetColor();
+    if (color != math::HSLtoRGB(m_hsl)) m_hsl = math::RGBtoHSL(color);
+}
+
 void ColorChooser::SetHSL(math::Vec3 hsl) {
     m_hsl = hsl;
     const math::Vec3 rgb = math::HSLtoRGB(hsl);
@@ -144,9 +151,8 @@ void ColorChooser::SetHSL(math::Vec3 hsl) {
 
 void ColorChooser::Update(float dt) {
     PROFILE_SECTION("ColorChooser::Update");
+    FollowColor();
     Component::Update(dt);
-    gui::Component* const parent = GetParent();
-    if (parent != nullptr && m_group.IsEmpty()) parent->RemoveChild(this);
 }
 
 }  // namespace app

@@ -13,7 +13,7 @@ class EntityInfo : public InfoLabel {
     explicit EntityInfo(const EntityGroup& group);
 };
 
-// Gives all entities one colour. Leaves its window when none of them is in the scene any more.
+// Gives all entities one colour.
 class ColorChooser : public gui::Component {
   public:
     explicit ColorChooser(const EntityGroup& group);
@@ -21,6 +21,7 @@ class ColorChooser : public gui::Component {
     void Update(float dt) override;
 
   private:
+    void FollowColor();
     void SetHSL(math::Vec3 hsl);
     void AddSlider(const char* key, math::real math::Vec3::*part, double max, int decimals);
 

@@ -46,7 +46,7 @@ void Menu::CloseOthers() const {
 }
 
 bool Menu::IsAttached() const {
-    return IsOpen() && m_window.Get()->GetParent() != &m_tearOffTarget;
+    return IsOpen() && !m_window.Get()->IsTornOff();
 }
 
 void Menu::CloseIfAttached() const {
@@ -67,7 +67,8 @@ void Menu::Open() {
 }
 
 // At the side where there is room for it.
-void Menu::Place(const gui::Window& own, gui::Window& window) const {
+void Menu::Place(const gui::Window& own, gui::Window& window) {
+    m_ownPlace = own.GetPos();
     const float row = own.ToContent(ToGUI({0, 0})).y - GetContentOffset().y;
     math::Vec2 place(own.GetPos().x + own.GetOuterSize().x, own.GetPos().y + row);
     const math::Vec2 room = window.GetParent()->GetSize() - window.GetOuterSize();
@@ -78,11 +79,11 @@ void Menu::Place(const gui::Window& own, gui::Window& window) const {
     window.StopWobble();
 }
 
-// What hangs on a window goes along when that is dragged.
+// What hangs on a window goes along with it.
 void Menu::Update(float dt) {
     MenuButton::Update(dt);
     const gui::Window* const own = FindOwnWindow();
-    if (own != nullptr && own->IsDragged() && IsAttached()) Place(*own, *m_window.Get());
+    if (own != nullptr && IsAttached() && own->GetPos() != m_ownPlace) Place(*own, *m_window.Get());
 }
 
 void Menu::DrawComp() {

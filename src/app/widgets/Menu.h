@@ -23,7 +23,7 @@ class Menu : public MenuButton {
     bool IsOpen() const;
     bool IsAttached() const;
     void Open();
-    void Place(const gui::Window& own, gui::Window& window) const;
+    void Place(const gui::Window& own, gui::Window& window);
     void CloseOthers() const;
     void CloseIfAttached() const;
     gui::Window* FindOwnWindow() const;
@@ -31,6 +31,7 @@ class Menu : public MenuButton {
     gui::Component& m_tearOffTarget;
     const Factory m_factory;
     util::WeakPtr<gui::Window> m_window;
+    math::Vec2 m_ownPlace;  // of the window with the row, when the other was placed
 };
 
 }  // namespace app

@@ -133,14 +133,11 @@ void Invert(Scene& scene) {
 }  // namespace
 
 EntityPopup::EntityPopup(const Desk& desk)
-    : Window(Translate("PopupTitle"), MakeRowLayout()),
+    : EntityWindow("PopupTitle", EntityGroup(desk.m_scene, desk.m_scene.GetSelection().Get())),
       m_desk(desk),
-      m_group(desk.m_scene, desk.m_scene.GetSelection().Get()),
-      m_isForScene(desk.m_scene.GetSelection().IsEmpty()),
       m_rows(new gui::Component("Rows", MakeRowLayout())) {
-    SetKey("PopupTitle");
     SetTearOffTarget(&desk.m_interface);
-    if (m_isForScene) {
+    if (desk.m_scene.GetSelection().IsEmpty()) {
         AddSceneRows();
     } else {
         AddEntityRows();
@@ -152,11 +149,6 @@ EntityPopup::EntityPopup(const Desk& desk)
 }
 
 EntityPopup::~EntityPopup() noexcept(false) = default;
-
-void EntityPopup::Update(float dt) {
-    Window::Update(dt);
-    if (!m_isForScene && GetParent() != nullptr && m_group.IsEmpty()) Close();
-}
 
 // ---- rows
 
@@ -244,19 +236,19 @@ WindowPtr EntityPopup::MakeWindowsMenu() const {
 }
 
 WindowPtr EntityPopup::MakeColorMenu() const {
-    const WindowPtr window = MakeMenuWindow("ChooseColor");
+    const WindowPtr window = new EntityWindow("ChooseColor", m_group);
     window->AddChild(new ColorChooser(m_group));
     return window;
 }
 
 WindowPtr EntityPopup::MakeInfoMenu() const {
-    const WindowPtr window = MakeMenuWindow("EntInfoMenu");
+    const WindowPtr window = new EntityWindow("EntInfoMenu", m_group);
     window->AddChild(new EntityInfo(m_group));
     return window;
 }
 
 WindowPtr EntityPopup::MakeCollisionMenu() const {
-    const WindowPtr window = MakeMenuWindow("CollisionMenu");
+    const WindowPtr window = new EntityWindow("CollisionMenu", m_group);
     window->AddChild(new CollideSetMenu(m_group));
     window->AddChild(new AttribGroupCheckbox("WaterCollisionOn", m_group, "collideWater"));
     return window;
@@ -277,7 +269,7 @@ WindowPtr EntityPopup::MakeSelectMenu() const {
 }
 
 WindowPtr EntityPopup::MakeGeomMenu() const {
-    const WindowPtr window = MakeMenuWindow("GeomMenu");
+    const WindowPtr window = new EntityWindow("GeomMenu", m_group);
     for (const SliderRow& row : GEOM_SLIDERS) {
         if (!m_group.FindAttribs<float>(row.m_attrib).empty()) window->AddChild(MakeRow(m_group, row));
     }
@@ -302,7 +294,7 @@ WindowPtr EntityPopup::MakeGeomMenu() const {
 }
 
 WindowPtr EntityPopup::MakeHingeMenu() const {
-    const WindowPtr window = MakeMenuWindow("HingeMenu");
+    const WindowPtr window = new EntityWindow("HingeMenu", m_group);
     window->AddChild(new AttribGroupCheckbox("HingeMotor", m_group, "motor"));
     window->AddChild(new AttribGroupCheckbox("HingeReversed", m_group, "ccw"));
     window->AddChild(new ControllerSelector(m_group));
@@ -312,7 +304,7 @@ WindowPtr EntityPopup::MakeHingeMenu() const {
 }
 
 WindowPtr EntityPopup::MakeSpringMenu() const {
-    const WindowPtr window = MakeMenuWindow("SpringMenu");
+    const WindowPtr window = new EntityWindow("SpringMenu", m_group);
     for (const SliderRow& row : SPRING_SLIDERS) window->AddChild(MakeRow(m_group, row));
     return window;
 }

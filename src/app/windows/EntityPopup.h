@@ -1,19 +1,16 @@
 #pragma once
 
-#include "app/widgets/EntityGroup.h"
 #include "app/windows/Desk.h"
-#include "gui/Window.h"
+#include "app/windows/EntityWindow.h"
 
 namespace app {
 
 // What can be done with the selected entities, or with the empty scene when there are none. Made for the
 // selection of one moment; torn off by its title it stays, until its entities have left the scene.
-class EntityPopup : public gui::Window {
+class EntityPopup : public EntityWindow {
   public:
     explicit EntityPopup(const Desk& desk);
     ~EntityPopup() noexcept(false) override;
-
-    void Update(float dt) override;
 
   private:
     void AddSceneRows();
@@ -35,8 +32,6 @@ class EntityPopup : public gui::Window {
     gui::WindowPtr MakeSpringMenu() const;
 
     const Desk m_desk;
-    const EntityGroup m_group;
-    const bool m_isForScene;  // there were no entities
     const gui::ComponentPtr m_rows;
 };
 
