@@ -29,8 +29,10 @@
 namespace app {
 namespace {
 
-// GUI units that scenes and hints keep clear of the tools at the left.
+// GUI units that scenes and hints keep clear of the tools at the left, and scenes of the control window
+// above.
 constexpr float TOOLS_ROOM = 120;
+constexpr float CONTROL_ROOM = 60;
 
 }  // namespace
 
@@ -134,9 +136,10 @@ void AppGUI::AddWindows() {
     KeepRoomForTools();
 }
 
-// Scenes come to stand beside the tools while these are in their place.
+// Scenes come to stand clear of the windows while these are in their place.
 void AppGUI::KeepRoomForTools() {
-    m_view.SetLeftRoom(m_windows.IsDocked("Tools") ? TOOLS_ROOM : 0);
+    m_view.SetRooms(m_windows.IsDocked("Tools") ? TOOLS_ROOM : 0,
+                    m_windows.IsDocked("Control") ? CONTROL_ROOM : 0);
 }
 
 // Above everything, its corner where the mouse is.

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "app/App.h"
@@ -299,6 +300,29 @@ TEST_F(SceneDrawingTest, CloudsFillTheirBoxAndBigOnesAreFaster) {
     const float half = 1950.5f / 2;
     for (const app::Background::Cloud& cloud : sky->GetClouds())
         EXPECT_LE(std::fabs(cloud.position.x), half + 3);
+}
+
+TEST_F(SceneDrawingTest, TheWindNeverSweepsTheSkyForLong) {
+    App& app = App::Instance();
+    const util::SharedPtr<app::Background> sky =
+        new app::Background(app.GetView(), app.GetDrawSettings().m_drawClouds);
+    app.GetDrawSettings().m_drawClouds->Set(true);
+    sky->SetSize(SIZE, SIZE);
+    Simulation::Instance().m_running->Set(true);
+    const float half = SIZE / app.GetView().GetZoom() / app::Background::PARALLAX / 2;
+    int empty = 0;  // seconds
+    for (int second = 0; second < 600; ++second) {
+        sky->Update(1);
+        sky->Draw();
+        const auto& clouds = sky->GetClouds();
+        const bool any = std::any_of(clouds.begin(), clouds.end(), [half](const auto& cloud) {
+            const float reach = half + cloud.size / 2;
+            return std::fabs(cloud.position.x) < reach && std::fabs(cloud.position.y) < reach;
+        });
+        empty = any ? 0 : empty + 1;
+        ASSERT_LE(empty, 3) << second;
+    }
+    Simulation::Instance().m_running->Set(false);
 }
 
 }  // namespace

@@ -135,17 +135,18 @@ TEST_F(ViewTest, ZoomToSceneFitsWhatHasAnExtent) {
     // In the middle, and low: what there is above a flat scene is sky, not ground under it.
     ExpectNear(GetView().WorldToGUI({20, 3}), {400, 600 * 0.78f});
 
-    GetView().SetLeftRoom(100);
+    GetView().SetRooms(100, 60);
     GetApp().ZoomToScene();
     Settle();
     EXPECT_NEAR(GetView().GetZoom(), 700 / (24 * 1.1), 0.01);
     EXPECT_NEAR(GetView().WorldToGUI({20, 3}).x, 450, 0.01);
-    GetView().SetLeftRoom(0);
-
     AddCircle({20, 25}, 2);  // now its height decides
+    GetView().SetRooms(100, 60);
     GetApp().ZoomToScene();
     Settle();
-    ExpectNear(GetApp().GUIToWorld(GetView().GetMiddle()), {20, 15});
+    EXPECT_NEAR(GetView().GetZoom(), 540 / (24 * 1.1), 0.01);
+    ExpectNear(GetView().WorldToGUI({20, 15}), {450, 330}, 0.01f);
+    GetView().SetRooms(0, 0);
 }
 
 TEST_F(ViewTest, ASceneWithoutExtentIsSeenInTheDefaultView) {

@@ -34,6 +34,8 @@ struct CloudPlace {
 };
 constexpr CloudPlace CLOUD_PLACES[] = {
     {0.27f, 0.42f, 0.17f}, {0.36f, 0.10f, 0.15f}, {0.90f, 0.13f, 0.22f}, {0.63f, 0.50f, 0.20f}};
+constexpr float LEAST_WIDTH = 0.08f;  // of a cloud that one notices, in parts of the view
+constexpr float CLOUD_GAP = 0.4f;     // between those that drift in, in parts of the view
 
 const char* const FOLDER = "background/";
 const char* const MASKS[] = {"*.png", "*.tga", "*.bmp", "*.jpg"};
@@ -141,7 +143,7 @@ void Background::DrawClouds() {
     view.Extend(fromGUI({0, 0}));
     view.Extend(fromGUI(GetSize()));
     if (IsViewOfNewScene()) BringClouds(view);
-    CollectClouds(view);
+    if (!CollectClouds(view)) SendClouds(view);
     Renderer::Instance().MultMatrix(toGUI);
     Renderer::Instance().SetColor({1, 1, 1, m_opacity->Get()});
     glEnable(GL_TEXTURE_2D);
@@ -173,28 +175,44 @@ bool Background::IsViewOfNewScene() {
 // The sky that a user sees first is the same for everybody; a later one is left as it is.
 void Background::BringClouds(const math::BoundingBox2f& view) {
     const auto isVisible = [&view](const Cloud& cloud) { return IsIn(view, cloud); };
+    const auto isNoticed = [&](const Cloud& cloud) {
+        return isVisible(cloud) && cloud.size >= LEAST_WIDTH * view.GetSize().x;
+    };
     const bool isFirst = !std::exchange(m_hasBroughtClouds, true);
-    if (!isFirst && std::any_of(m_clouds.begin(), m_clouds.end(), isVisible)) return;
+    if (!isFirst && std::any_of(m_clouds.begin(), m_clouds.end(), isNoticed)) return;
     for (Cloud& cloud : m_clouds) {
         if (isVisible(cloud)) cloud.position.x += m_wrapWidth / 2;
     }
-    const Vec2 size = view.GetSize();
+    for (size_t i = 0; i < std::size(CLOUD_PLACES); ++i) PlaceCloud(i, view, CLOUD_PLACES[i].x);
+}
+
+// When the wind has swept the sky, clouds drift in from the left, one behind the other.
+void Background::SendClouds(const math::BoundingBox2f& view) {
     for (size_t i = 0; i < std::size(CLOUD_PLACES); ++i) {
-        const CloudPlace& place = CLOUD_PLACES[i];
-        Cloud& cloud = m_clouds[i];
-        cloud.velocity *= place.width * size.x / cloud.size;
-        cloud.size = place.width * size.x;
-        cloud.position = {view.min.x + place.x * size.x, view.max.y - place.y * size.y};
+        PlaceCloud(i, view, -CLOUD_PLACES[i].width / 2 - CLOUD_GAP * static_cast<float>(i));
     }
 }
 
+// At its height and in its size, with its middle at `x` from the left, in parts of the view.
+void Background::PlaceCloud(size_t index, const math::BoundingBox2f& view, float x) {
+    const CloudPlace& place = CLOUD_PLACES[index];
+    const Vec2 size = view.GetSize();
+    Cloud& cloud = m_clouds[index];
+    cloud.velocity *= place.width * size.x / cloud.size;
+    cloud.size = place.width * size.x;
+    cloud.position = {view.min.x + x * size.x, view.max.y - place.y * size.y};
+}
+
 // Sorted by texture. They are not turned.
-void Background::CollectClouds(const math::BoundingBox2f& view) {
+bool Background::CollectClouds(const math::BoundingBox2f& view) {
+    bool any = false;
     for (const Cloud& cloud : m_clouds) {
         if (!IsIn(view, cloud)) continue;
+        any = true;
         const float half = cloud.size / 2;
         m_batches[cloud.textureIndex].AddSprite(cloud.position, {half, 0}, {0, half});
     }
+    return any;
 }
 
 }  // namespace app

@@ -46,12 +46,15 @@ class Background : public gui::Component {
     void FindTextures();
     void CreateClouds();
     void WrapClouds(math::Vec2 center);
-    // Some clouds come into a view that has just been fitted to a scene, if it is the first or shows none.
+    // Some clouds come into a view that has just been fitted to a scene, if it is the first or shows none
+    // that one would notice.
     void BringClouds(const math::BoundingBox2f& view);
+    void SendClouds(const math::BoundingBox2f& view);
+    void PlaceCloud(size_t index, const math::BoundingBox2f& view, float x);
     bool IsViewOfNewScene();
     void DrawSky();
     void DrawClouds();
-    void CollectClouds(const math::BoundingBox2f& view);
+    bool CollectClouds(const math::BoundingBox2f& view);  // false if there are none in view
 
     std::vector<rendering::TextureMentorPtr> m_skyTextures;  // at least one
     std::vector<rendering::VertexBatch> m_batches;           // of this frame's clouds, one for each texture

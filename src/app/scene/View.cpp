@@ -16,6 +16,7 @@ constexpr double VIEW_TIME = 0.1;     // seconds that the view takes to glide to
 constexpr float SCENE_MARGIN = 1.1f;  // of the scene's extent, at ZoomToScene
 constexpr float MOST_BELOW = 0.22f;   // part of the view's height left free under the scene, mostly ground
 constexpr float MOST_LEFT = 0.25f;    // part of the view's width that is kept for the interface
+constexpr float MOST_ABOVE = 0.15f;   // part of its height
 constexpr float CM_PER_INCH = 2.54f;
 
 using Matrix = math::TMatrix3<float>;
@@ -88,8 +89,17 @@ void View::SetDefaultView(bool animate) {
     SetWorldToGUI(MakeView(GetMiddle(), GetDefaultZoom(), {}), animate);
 }
 
+void View::SetRooms(float left, float top) {
+    m_leftRoom = left;
+    m_topRoom = top;
+}
+
 float View::GetLeftRoom() const {
     return std::min(m_leftRoom, MOST_LEFT * m_size.x);
+}
+
+float View::GetTopRoom() const {
+    return std::min(m_topRoom, MOST_ABOVE * m_size.y);
 }
 
 void View::ZoomToScene(const Scene& scene) {
@@ -98,11 +108,11 @@ void View::ZoomToScene(const Scene& scene) {
     // Planes alone have no extent to fit, and without a size there is nothing to fit it into.
     if (!box.IsFinite() || !(m_size.x > 0) || !(m_size.y > 0)) return SetDefaultView(true);
     const math::Vec2 extent = box.GetSize();
-    const float left = GetLeftRoom(), width = m_size.x - left;
-    const float worldPerGUI = SCENE_MARGIN * std::max(extent.x / width, extent.y / m_size.y);
+    const float left = GetLeftRoom(), width = m_size.x - left, room = m_size.y - GetTopRoom();
+    const float worldPerGUI = SCENE_MARGIN * std::max(extent.x / width, extent.y / room);
     const float scale = std::clamp(1 / worldPerGUI, GetMinZoom(), GetMaxZoom());
     const float height = extent.y * scale;
-    const float below = std::min((m_size.y - height) / 2, MOST_BELOW * m_size.y);
+    const float below = std::min((room - height) / 2, MOST_BELOW * m_size.y);
     const math::Vec2 middle(left + width / 2, m_size.y - below - height / 2);
     SetWorldToGUI(MakeView(middle, scale, box.GetCenter()));
 }

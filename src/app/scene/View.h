@@ -41,11 +41,12 @@ class View {
     void ZoomAbout(math::Vec2 gui, float factor);    // the world under that point stays there
     // Moves the picture by GUI units; under the mouse at once, or the ground would trail behind it.
     void Pan(float x, float y, bool animate = true);
-    // To all entities with finite extents; to the default view when there are none. Beside the left room.
+    // To all entities with finite extents; to the default view when there are none. Clear of the rooms.
     void ZoomToScene(const Scene& scene);
-    // What the interface covers at the left edge, GUI units.
-    void SetLeftRoom(float room) { m_leftRoom = room; }
+    // What the interface covers at the left and at the upper edge, GUI units.
+    void SetRooms(float left, float top);
     float GetLeftRoom() const;                             // at most a part of the width
+    float GetTopRoom() const;                              // at most a part of the height
     uint32_t GetSceneFits() const { return m_sceneFits; }  // how often it has gone to a scene
     void SetDefaultView(bool animate);
     // Brings the tracked entity to the middle; one without finite extents is not tracked any more.
@@ -66,6 +67,7 @@ class View {
     math::TMatrix3<float> m_worldToGUI;  // the present value of m_view
     math::Vec2 m_size;
     float m_leftRoom = 0;  // GUI units
+    float m_topRoom = 0;
     uint32_t m_sceneFits = 0;
 };
 
