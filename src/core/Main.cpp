@@ -281,13 +281,18 @@ void Save(app::App& application) {
     const AppPtr application = MakeApp();
     RenameOldScenes();
     Log(logging::Trace, "Application created");
+    gui::GUI& interface = gui::GUI::Instance();
+    interface.SetReadsUserFiles(true);
     LoadConfigurations();
     for (const String& setting : line.m_settings) script::Parser::Instance().Execute(setting);
+    interface.SetReadsUserFiles(false);
     core::Subsystem::Instance().RecreateWindow();
     application->CreateGUI();
     rendering::TextureManager::Instance().ReadAhead();  // while the scene is read
+    interface.SetReadsUserFiles(true);
     if (!line.m_noScene.empty()) TellNoScene(line.m_noScene);
     LoadFirstScene(*application, line.m_scene);
+    interface.SetReadsUserFiles(false);
     application->GetView().Arrive();  // the first picture is not one on the way
     core::Subsystem::Instance().SetOnFileDropped(
         [&application](const String& path) { OpenDroppedFile(*application, path); });

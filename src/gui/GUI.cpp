@@ -89,10 +89,16 @@ void GUI::InstallLogSink() {
     logging::Logger::Instance().AddLogger(new logging::FunctionLogger(SINK_LEVELS, forward));
 }
 
-// The machine's own warnings before the first frame are nothing that the user did.
 void GUI::TakeLogLine(const String& line) {
     m_console->AddLogLine(line);
     if (m_hasDrawn && !m_console->IsOpen()) m_notices->Add(line);
+    if (!m_hasDrawn && m_readsUserFiles) m_earlyNotices.push_back(line);
+}
+
+// Their time begins when they can be seen.
+void GUI::ShowEarlyNotices() {
+    for (const String& line : m_earlyNotices) m_notices->Add(line);
+    m_earlyNotices.clear();
 }
 
 void GUI::LoadCursor() {
@@ -166,6 +172,7 @@ void GUI::Draw() {
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     Renderer::Instance().SetColor({1, 1, 1, m_opaqueness->Get()});
+    if (!m_hasDrawn) ShowEarlyNotices();
     m_hasDrawn = true;
     DrawTree();
     DrawCursor();

@@ -36,6 +36,9 @@ class GUI : public script::Reflected, public util::Singleton<GUI> {
 
     const ConsolePtr& GetConsole() const { return m_console; }
     const NoticesPtr& GetNotices() const { return m_notices; }
+    // Warnings become notices from the first frame on. Those of before are the machine's own, unless they
+    // come while the user's files are being read.
+    void SetReadsUserFiles(bool reads) { m_readsUserFiles = reads; }
 
     // The window that the program lives in; null in tests and tools. Outlives this object.
     void SetWindowHost(WindowHost* host) { m_windowHost = host; }
@@ -45,6 +48,7 @@ class GUI : public script::Reflected, public util::Singleton<GUI> {
     void AddChildren();
     void InstallLogSink();
     void TakeLogLine(const String& line);  // warnings, errors, news for the user
+    void ShowEarlyNotices();
     void LoadCursor();
     void OnScaleChange();
     void PushSettings();  // to those who obey them
@@ -65,6 +69,8 @@ class GUI : public script::Reflected, public util::Singleton<GUI> {
     ConsolePtr m_console;
     NoticesPtr m_notices;
     bool m_hasDrawn = false;
+    bool m_readsUserFiles = false;
+    std::vector<String> m_earlyNotices;  // until the first frame
     WindowHost* m_windowHost = nullptr;  // not owned
 };
 

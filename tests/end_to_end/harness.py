@@ -75,6 +75,11 @@ def of_type(entities, kind):
     return [entity for entity in entities if entity.get("type") == kind]
 
 
+def to_list(answer):
+    """Of a script list as source text; lines of the log may follow it."""
+    return json.JSONDecoder(strict=False).raw_decode(answer)[0]
+
+
 def box(x, y, side):
     """Scene text of a square around a place."""
     h = side / 2
@@ -266,11 +271,11 @@ class Session:
 
     def widgets(self):
         """The controls on the screen, topmost first, each [kind, key, text, [x, y], [width, height], state]."""
-        return json.loads(self.console("System.code GUI.widgets"), strict=False)
+        return to_list(self.console("System.code GUI.widgets"))
 
     def focused(self):
         """The key of the control that has the keyboard; None for none."""
-        row = json.loads(self.console("System.code GUI.focused"), strict=False)
+        row = to_list(self.console("System.code GUI.focused"))
         return row[1] if row else None
 
     def find_widget(self, key):

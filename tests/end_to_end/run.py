@@ -159,7 +159,7 @@ def case_crash_and_recover(session):
 
 def case_clean_exit(session):
     """SIGTERM saves scene and configuration and takes the autosaves away; the next start goes on there.
-    Ctrl+s and return save under the name of the scene."""
+    Ctrl+s and return save under the name of the scene. What is wrong with the user's files is told at the start."""
     start_boxes(session)
     session.chord("ctrl", "s")
     session.wait_frames()
@@ -170,7 +170,10 @@ def case_clean_exit(session):
     for name in ["Scenes/" + AUTOSAVE, "config.autosave.cfg"]:
         check(not os.path.exists(session.path(name)), name + " was left behind")
     check(session.read("config.cfg"), "no configuration was saved")
-    session.start()
+    session.append_autoexec("Sim.gravity = 1")
+    session.start("nowhere.vxa")
+    notices = [row[2] for row in session.widgets() if row[0] == "Notices"]
+    check(notices and "bad type" in notices[0] and "nowhere.vxa" in notices[0], "the notices are: %s" % notices)
     wait_for("its name again", lambda: session.title().startswith("test.vxa - "))
     check(len(polygons(session.quit(by=signal.SIGINT))) == 2, "the scene of the last exit did not come back")
 
