@@ -1,12 +1,13 @@
 #include "gui/Console.h"
 
 #include <algorithm>
+#include <boost/algorithm/string/predicate.hpp>
 #include <cmath>
 
 #include "gui/Caret.h"
 #include "input/Clipboard.h"
 #include "input/Key.h"
-#include "logging/Log.h"
+#include "logging/Logger.h"
 #include "rendering/Gl.h"
 #include "rendering/Renderer.h"
 #include "script/Parser.h"
@@ -41,10 +42,6 @@ bool IsMouseKey(int key) {
     return key >= Key::LeftMouse;
 }
 
-bool BeginsWith(const String& text, const char* prefix) {
-    return text.compare(0, String(prefix).size(), prefix) == 0;
-}
-
 }  // namespace
 
 Console::Console()
@@ -71,7 +68,8 @@ void Console::AddLine(const String& text, bool isCommand) {
 }
 
 void Console::AddLogLine(const String& text) {
-    const bool isError = BeginsWith(text, "!! ERROR: "), isWarning = BeginsWith(text, "-- Warning: ");
+    const bool isError = boost::algorithm::starts_with(text, logging::ERROR_PREFIX);
+    const bool isWarning = boost::algorithm::starts_with(text, logging::WARNING_PREFIX);
     AddLines(util::ToShown(text), isError ? Tone::Error : isWarning ? Tone::Warning : Tone::Plain);
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "logging/Logger.h"
 #include "rendering/Gl.h"
 #include "rendering/Renderer.h"
 #include "util/Clock.h"
@@ -23,7 +24,6 @@ constexpr float MARGIN = 8;     // GUI units to the window's edges and within th
 constexpr float MAX_WIDTH = 560;
 constexpr Vec4 BACKGROUND(0.08f, 0.08f, 0.1f, 0.85f);
 constexpr Vec4 WARNING_COLOR(1, 0.85f, 0.4f, 1), ERROR_COLOR(1, 0.6f, 0.55f, 1);
-const String WARNING_PREFIX = "-- Warning: ", ERROR_PREFIX = "!! ERROR: ";
 
 bool TakePrefix(String& text, const String& prefix) {
     if (text.compare(0, prefix.size(), prefix) != 0) return false;
@@ -39,8 +39,8 @@ Notices::Notices() : Component("Notices") {
 
 void Notices::Add(const String& line) {
     String text = util::ToShown(line);
-    const bool isError = TakePrefix(text, ERROR_PREFIX);
-    if (!isError && !TakePrefix(text, WARNING_PREFIX)) return;
+    const bool isError = TakePrefix(text, logging::ERROR_PREFIX);
+    if (!isError && !TakePrefix(text, logging::WARNING_PREFIX)) return;
     const double end = util::Clock::Now() + DURATION;
     for (Notice& notice : m_notices) {
         if (notice.text.m_text != text) continue;

@@ -26,8 +26,8 @@ void Logger::Log(LogLevel level, const String& text) {
     const bool filtered = level == Warning || level == Error;
     String line = text;
     if (filtered && line.size() > MAX_WARNING) line = line.substr(0, MAX_WARNING) + " ...";
-    if (level == Warning) line = "-- Warning: " + line;
-    if (level == Error) line = "!! ERROR: " + line;
+    if (level == Warning) line = WARNING_PREFIX + line;
+    if (level == Error) line = ERROR_PREFIX + line;
     if (!m_thisFrame.insert(line).second && filtered) return;
     if (filtered && m_lastFrame.count(line) != 0) return;
     if (m_keepsEarlyLines && level != Trace && m_earlyLines.size() < MAX_EARLY_LINES) {

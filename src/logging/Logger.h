@@ -9,6 +9,10 @@
 
 namespace logging {
 
+// Put before texts of exactly these levels, so that every reader knows them.
+constexpr const char* WARNING_PREFIX = "-- Warning: ";
+constexpr const char* ERROR_PREFIX = "!! ERROR: ";
+
 // Distributes messages to sinks and keeps a repeating warning from flooding the log at frame rate: a text
 // of level Warning or Error is passed on only if neither this frame nor the last one has had it, and cut when
 // it is very long.
@@ -17,7 +21,7 @@ class Logger : public util::Pointee, public util::Singleton<Logger> {
     void AddLogger(const ILoggerPtr& sink) { m_loggers.insert(sink); }
     void RemoveLogger(const ILoggerPtr& sink) { m_loggers.erase(sink); }
 
-    // Never throws. "-- Warning: " and "!! ERROR: " are put before texts of exactly those two levels.
+    // Never throws.
     void Log(LogLevel level, const String& text);
 
     // What was for the user to read since the start, up to a thousand lines, for a reader who comes late;
