@@ -42,7 +42,6 @@ class Font : public util::Pointee {
 
     // Cells; a text of these bytes is as long as their sum.
     float GetAdvance(unsigned char glyph) const { return ChooseAdvances()[glyph]; }
-    float GetScale() const { return m_scale; }
     float GetCellSize() const { return m_cellSize; }  // pixels of the sheet
 
     // Pixels of the window per GUI unit, from the GUI's scale: decides which sheet is drawn.
@@ -76,7 +75,6 @@ class Font : public util::Pointee {
 
     rendering::TexturePtr m_texture;      // GL_ALPHA: colour comes from the text
     std::vector<FineSheet> m_fineSheets;  // from the smallest; textures are loaded when needed
-    float m_scale = 1;                    // cells per cell drawn
     float m_cellSize = 16;                // pixels
     Advances m_advances;
     std::array<bool, NUM_GLYPHS> m_isBlank{};  // has nothing to draw

@@ -108,7 +108,6 @@ class PixelGrid {
 void AddLine(rendering::VertexBatch& batch, const PixelGrid& grid, const Font& font,
              const FormattedText& formatted, const TextLine& line, math::Vec2 origin) {
     const TextFormat& format = formatted.m_format;
-    const float cell = format.m_size / font.GetScale();
     float pen = line.m_x;
     for (size_t i = line.m_begin; i < line.m_end; ++i) {
         const char c = formatted.m_text[i];
@@ -116,7 +115,7 @@ void AddLine(rendering::VertexBatch& batch, const PixelGrid& grid, const Font& f
             pen = format.GetNextTabStop(pen);
             continue;
         }
-        font.AddGlyph(batch, c, grid.Snap(origin + math::Vec2(pen, line.m_y)), cell);
+        font.AddGlyph(batch, c, grid.Snap(origin + math::Vec2(pen, line.m_y)), format.m_size);
         pen += font.GetAdvance(c) * format.m_size;
     }
 }
@@ -130,7 +129,7 @@ void DrawLines(const TextFormat& format, float x, float y, const FormattedText& 
         if (line.m_end <= formatted.m_text.size()) AddLine(s_batch, grid, *font, formatted, line, {x, y});
     }
     if (s_batch.IsEmpty()) return;
-    font->DrawGlyphs(s_batch, grid.IsStraight() && font->FitsPixels(format.m_size / font->GetScale()));
+    font->DrawGlyphs(s_batch, grid.IsStraight() && font->FitsPixels(format.m_size));
 }
 
 }  // namespace
