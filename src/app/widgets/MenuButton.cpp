@@ -38,10 +38,6 @@ void MenuButton::MakeRoom() {
     SetSize(TEXT_X + m_label.m_width + END_MARGIN, GetSize().y);
 }
 
-void MenuButton::AddAction(const std::function<void()>& run) {
-    GetOnPress().Add(new util::Callback(run, util::WeakPtr<util::Pointee>(this)));
-}
-
 void MenuButton::DrawComp() {
     MultStateColor();
     Component::DrawComp();  // NOLINT(bugprone-parent-virtual-call): without a button's own label

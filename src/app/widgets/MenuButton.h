@@ -18,8 +18,6 @@ class MenuButton : public gui::Button {
     void DrawComp() override;
     const char* GetKind() const override { return "Button"; }
 
-    void AddAction(const std::function<void()>& run);
-
   private:
     void MakeRoom();
 

@@ -105,7 +105,7 @@ SceneButton::SceneButton(const String& file, Shape shape, const std::function<vo
     } else {
         SetSize(std::max(picture.x, m_title.m_width) + 2 * GAP, picture.y + gui::ROW_HEIGHT + GAP);
     }
-    GetOnPress().Add(new util::Callback(choose, util::WeakPtr<util::Pointee>(this)));
+    AddAction(choose);
 }
 
 Vec2 SceneButton::GetPictureSize() const {

@@ -31,8 +31,7 @@ StartButton::StartButton(float side) : AbstractButton("StartButton"), m_picture(
     const gui::Border& border = gui::LookAndFeel::Get().GetButtonBorder();
     SetBorder(border);
     SetSize(side - border.GetLeft() - border.GetRight(), side - border.GetTop() - border.GetBottom());
-    const auto run = [] { physics::Simulation::Instance().m_running->SetValue(script::ValueToObject(true)); };
-    GetOnPress().Add(new util::Callback(run, util::WeakPtr<util::Pointee>(this)));
+    AddAction([] { physics::Simulation::Instance().m_running->SetValue(script::ValueToObject(true)); });
 }
 
 float StartButton::GetPulse() {

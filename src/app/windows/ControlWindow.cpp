@@ -15,8 +15,7 @@ gui::ComponentPtr MakeFitButton(const Commands& commands) {
     const util::SharedPtr<IconButton> button = new IconButton(command.m_icon);
     button->SetKey(command.m_name);
     button->SetToolTip(MakeToolTip(command, Translate("TipFitScene")));
-    const std::function<void()> run = command.m_run;
-    button->GetOnPress().Add(new util::Callback(run, util::WeakPtr<util::Pointee>(button.Get())));
+    button->AddAction(command.m_run);
     return button;
 }
 

@@ -53,6 +53,10 @@ void AbstractButton::OnPressed() {
     m_onPress.CallAll();
 }
 
+void AbstractButton::AddAction(const std::function<void()>& run) {
+    m_onPress.Add(new util::Callback(run, util::WeakPtr<util::Pointee>(this)));
+}
+
 void AbstractButton::SetEnabled(bool enabled) {
     if (enabled != m_enabled) util::Redraw::Request();
     m_enabled = enabled;

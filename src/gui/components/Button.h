@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "gui/Component.h"
 
 namespace gui {
@@ -20,6 +22,7 @@ class AbstractButton : public Component {
 
     bool IsPressed() const { return m_pressed; }  // held down now
     util::CallbackSet& GetOnPress() { return m_onPress; }
+    void AddAction(const std::function<void()>& run);  // at each press, as long as the button lives
     bool IsEnabled() const { return m_enabled; }
     void SetEnabled(bool enabled);  // a button that is not is drawn dark and fires nothing
 
