@@ -40,8 +40,7 @@ constexpr double MEGABYTE = 1 << 20;
 const String SCENE_MASK = "*.vxa";
 
 WindowPtr MakeDialog(const char* titleKey) {
-    const WindowPtr window = new gui::Window(Translate(titleKey), MakeRowLayout());
-    window->SetKey(titleKey);
+    const WindowPtr window = MakeRowWindow(titleKey);
     window->SetClosesAtEscape(true);
     return window;
 }
@@ -123,10 +122,8 @@ const Gesture GESTURES[] = {{"gui/help/draw", "GestureDraw"},   {"gui/help/selec
 
 ComponentPtr MakeGestureTile(const Gesture& gesture) {
     const ComponentPtr tile = new gui::Component("Gesture", new gui::ListLayout(gui::ListLayout::Vertical));
-    const gui::LabelPtr label = new gui::Label(Translate(gesture.m_key));
-    label->SetFixedWidth(GESTURE_WIDTH);
     tile->AddChild(new gui::Icon(gesture.m_picture));
-    tile->AddChild(label);
+    tile->AddChild(MakeCell(Translate(gesture.m_key), GESTURE_WIDTH));
     return tile;
 }
 
@@ -202,8 +199,7 @@ WindowPtr MakeSceneDialog(const Desk& desk, const char* titleKey, const NameFunc
 }
 
 WindowPtr MakeGallery(const Desk& desk, const NameFunction& choose) {
-    const WindowPtr window = new gui::Window(Translate("GalleryTitle"), MakeRowLayout());
-    window->SetKey("GalleryTitle");
+    const WindowPtr window = MakeRowWindow("GalleryTitle");
     const util::FileSystem& files = util::FileSystem::Instance();
     util::StringList names = files.ListFiles(files.GetShippedScenesDir(), SCENE_MASK);
     const auto isOwn = [](const String& name) { return !HasSceneTitle(name); };  // they may lie in one folder

@@ -26,18 +26,6 @@ const std::pair<const char*, const char*> FIXED_KEYS[] = {{"KeyCancel", "escape"
                                                           {"KeyWheel", "scrollup, scrolldown"},
                                                           {"KeyConsole", "f11"}};
 
-gui::ComponentPtr MakeName(const String& text) {
-    const gui::LabelPtr label = new gui::Label(text);
-    label->SetFixedWidth(NAME_WIDTH);
-    return label;
-}
-
-gui::ComponentPtr MakeFixedRow(const String& name, const String& key) {
-    const gui::LabelPtr label = new gui::Label(key);
-    label->SetFixedWidth(KEY_WIDTH);
-    return MakeRow({MakeName(name), label});
-}
-
 bool IsModifier(int key) {
     return key >= gui::Key::RightShift && key <= gui::Key::LeftMeta;
 }
@@ -86,7 +74,8 @@ void KeysWindow::Fill() {
                 return !IsBound(GetCombination(event)) && m_commands.SetKey(name, event.m_key, event.m_ctrl);
             }));
     }
-    for (const auto& [name, key] : FIXED_KEYS) m_rows->AddChild(MakeFixedRow(Translate(name), key));
+    for (const auto& [name, key] : FIXED_KEYS)
+        m_rows->AddChild(MakeRow({MakeCell(Translate(name), NAME_WIDTH), MakeCell(key, KEY_WIDTH)}));
     AddBoundKeys();
     for (const gui::ComponentPtr& line : m_rows->GetChildren()) {
         const gui::ComponentPtr last = line->GetChildren().back();
@@ -107,7 +96,7 @@ gui::ComponentPtr KeysWindow::MakeKeyRow(const String& name, const String& text,
         m_isStale = true;
     };
     button->GetOnPress().Add(new util::Callback(await, util::WeakPtr<util::Pointee>(this)));
-    return MakeRow({MakeName(text), button});
+    return MakeRow({MakeCell(text, NAME_WIDTH), button});
 }
 
 void KeysWindow::AddBoundKeys() {

@@ -153,8 +153,7 @@ ComponentPtr MakeDPIRow(const script::AttribPtr<float>& dpi) {
 
 // Rows that are scrolled in a small view.
 gui::WindowPtr MakeListWindow(const char* titleKey, const std::vector<ComponentPtr>& rows, const Desk& desk) {
-    const gui::WindowPtr window = new gui::Window(Translate(titleKey), MakeRowLayout());
-    window->SetKey(titleKey);
+    const gui::WindowPtr window = MakeRowWindow(titleKey);
     const ComponentPtr list = new gui::Component("Rows", MakeRowLayout());
     for (const ComponentPtr& row : rows) list->AddChild(row);
     window->AddChild(MakeScrolled(list, desk, FRAME_ROOM));

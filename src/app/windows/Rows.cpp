@@ -4,7 +4,9 @@
 #include "app/widgets/MenuButton.h"
 #include "app/windows/Commands.h"
 #include "gui/LookAndFeel.h"
+#include "gui/Window.h"
 #include "gui/components/AttribWidgets.h"
+#include "gui/components/Label.h"
 #include "gui/components/LabeledSlider.h"
 #include "gui/components/ScrollArea.h"
 
@@ -12,6 +14,12 @@ namespace app {
 
 gui::LayoutPtr MakeRowLayout() {
     return new gui::ListLayout(gui::ListLayout::Vertical | gui::ListLayout::StretchCross);
+}
+
+gui::WindowPtr MakeRowWindow(const char* titleKey) {
+    const gui::WindowPtr window = new gui::Window(Translate(titleKey), MakeRowLayout());
+    window->SetKey(titleKey);
+    return window;
 }
 
 gui::ScrollAreaPtr MakeScrolled(const gui::ComponentPtr& content, const Desk& desk, float room) {
@@ -46,10 +54,16 @@ gui::ComponentPtr MakeSliderRow(const char* key, const gui::SliderPtr& slider, c
     return new gui::LabeledSlider(Translate(key), slider, format.m_decimals, format.m_unit);
 }
 
+gui::LabelPtr MakeCell(const String& text, float width) {
+    const gui::LabelPtr label = new gui::Label(text);
+    label->SetFixedWidth(width);
+    return label;
+}
+
 gui::ButtonPtr MakeButton(const char* key, const std::function<void()>& run) {
     const gui::ButtonPtr button = new gui::Button(Translate(key));
     button->SetKey(key);
-    button->GetOnPress().Add(new util::Callback(run, util::WeakPtr<util::Pointee>(button.Get())));
+    button->AddAction(run);
     return button;
 }
 

@@ -23,6 +23,9 @@ struct SliderFormat {
 };
 gui::ComponentPtr MakeSliderRow(const char* key, const gui::SliderPtr& slider, const SliderFormat& format);
 
+// A text that takes up so much of its row whatever it says, GUI units.
+gui::LabelPtr MakeCell(const String& text, float width);
+
 // A pushbutton, as below a dialog.
 gui::ButtonPtr MakeButton(const char* key, const std::function<void()>& run);
 // Components beside each other.
@@ -34,5 +37,7 @@ gui::ScrollAreaPtr MakeScrolled(const gui::ComponentPtr& content, const Desk& de
 
 // The list of rows of a window, all as wide as the widest.
 gui::LayoutPtr MakeRowLayout();
+// A window for rows, under the title of that language key.
+gui::WindowPtr MakeRowWindow(const char* titleKey);
 
 }  // namespace app

@@ -101,12 +101,6 @@ ComponentPtr MakeValue(const Setting& setting) {
     return cell;
 }
 
-gui::LabelPtr MakeCell(const String& text, float width) {
-    const gui::LabelPtr label = new gui::Label(text);
-    label->SetFixedWidth(width);
-    return label;
-}
-
 ComponentPtr MakeSettingRow(const Setting& setting, bool withPath, bool withDefault) {
     String text = setting.m_attrib->MakeDefault()->ToCode();
     if (text.size() > MAX_VALUE_TEXT) text = text.substr(0, MAX_VALUE_TEXT - 2) + "..";
