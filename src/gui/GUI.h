@@ -12,8 +12,8 @@ namespace gui {
 // the mouse cursor, the console, the notices, the profiler's text. In scripts "GUI".
 //
 // Life: made after gui::Input, before the window; Resize when the window has its size; then once a frame
-// Update and Draw. Draw without a GL context does nothing. The root has one child, the application, and
-// later the console: windows hang below the application.
+// Update and Draw. Draw without a GL context does nothing. Below the root hang the application, the
+// console, the notices and the tool tip; windows hang below the application.
 class GUI : public script::Reflected, public util::Singleton<GUI> {
   public:
     GUI();

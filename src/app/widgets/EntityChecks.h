@@ -6,7 +6,7 @@
 
 namespace app {
 
-// Checks of the menus on entities. Each change is a step of the history.
+// Checks of the menus on entities. Each change of an entity is a step of the history.
 
 // A bool attribute of all entities.
 class AttribGroupCheckbox : public gui::MultiAttribCheckbox {
