@@ -146,13 +146,14 @@ void WaterFilm::CutOutline(uint32_t index) {
 }
 
 void WaterFilm::AddPieces(const OutlinePieces& pieces, const math::RigidTransform& place, uint32_t shape) {
-    const size_t begin = m_pieces.size(), padded = begin + pieces.size() + FEW - 1;
-    m_middles.resize(padded);
-    m_normals.resize(padded);
-    for (size_t i = 0; i < pieces.size(); ++i) {
+    const auto begin = static_cast<uint32_t>(m_pieces.size()), count = static_cast<uint32_t>(pieces.size());
+    m_middles.resize(begin + count + FEW - 1);
+    m_normals.resize(begin + count + FEW - 1);
+    for (uint32_t i = 0; i < count; ++i) {
         m_middles[begin + i] = place(pieces[i].pos);
         m_normals[begin + i] = place.Rotate(pieces[i].normal);
-        m_pieces.push_back({pieces[i].length, shape, NONE, 0, false, false, 0});
+        const uint32_t next = begin + (i + 1 < count ? i + 1 : 0), last = begin + (i > 0 ? i : count) - 1;
+        m_pieces.push_back({pieces[i].length, shape, next, last, NONE, 0, false, false, 0});
     }
 }
 
@@ -191,16 +192,6 @@ uint32_t WaterFilm::FindPartner(uint32_t piece, const Shape& shape) const {
 
 // ---- heads ---------------------------------------------------------------------------------------------
 
-uint32_t WaterFilm::GetNext(uint32_t piece) const {
-    const Shape& shape = m_shapes[m_pieces[piece].shape];
-    return piece + 1 < shape.end ? piece + 1 : shape.begin;
-}
-
-uint32_t WaterFilm::GetLast(uint32_t piece) const {
-    const Shape& shape = m_shapes[m_pieces[piece].shape];
-    return (piece > shape.begin ? piece : shape.end) - 1;
-}
-
 real WaterFilm::GetHead(Vec2 pos, real pressure) const {
     return pressure - m_settings.density * math::Dot(m_settings.gravity, pos);
 }
@@ -210,8 +201,8 @@ real WaterFilm::GetHead(Vec2 pos, real pressure) const {
 void WaterFilm::FindEnds(const Water& water) {
     m_queue.clear();
     for (uint32_t i = 0; i < m_pieces.size(); ++i) {
-        if (m_pieces[i].isSealed || !(m_pieces[GetNext(i)].isSealed || m_pieces[GetLast(i)].isSealed))
-            continue;
+        const Piece& piece = m_pieces[i];
+        if (piece.isSealed || !(m_pieces[piece.next].isSealed || m_pieces[piece.last].isSealed)) continue;
         real head = 0;
         const bool isWet = FindHeadBeside(i, water, head);
         if ((!isWet || IsDry(i, head)) && FillPocket(i)) continue;
@@ -229,8 +220,8 @@ bool WaterFilm::IsDry(uint32_t piece, real head) const {
 // as part of the gap: under water nothing stays dry. What does so lies above the head, and feels no pressure.
 bool WaterFilm::FillPocket(uint32_t first) {
     constexpr real SHORT = 4;  // spacings
-    const bool isForward = m_pieces[GetLast(first)].isSealed;
-    const auto step = [&](uint32_t i) { return isForward ? GetNext(i) : GetLast(i); };
+    const bool isForward = m_pieces[m_pieces[first].last].isSealed;
+    const auto step = [&](uint32_t i) { return isForward ? m_pieces[i].next : m_pieces[i].last; };
     real length = 0;
     uint32_t end = first;
     for (; !m_pieces[end].isSealed; end = step(end)) {
@@ -271,11 +262,10 @@ bool WaterFilm::FindHeadBeside(uint32_t piece, const Water& water, real& head) c
 
 void WaterFilm::SpreadHeads() {
     for (size_t at = 0; at < m_queue.size(); ++at) {
-        const uint32_t i = m_queue[at];
-        const real head = m_pieces[i].head;
-        Follow(GetNext(i), head);
-        Follow(GetLast(i), head);
-        if (m_pieces[i].isSealed && m_pieces[i].partner != NONE) Follow(m_pieces[i].partner, head);
+        const Piece& piece = m_pieces[m_queue[at]];
+        Follow(piece.next, piece.head);
+        Follow(piece.last, piece.head);
+        if (piece.isSealed && piece.partner != NONE) Follow(piece.partner, piece.head);
     }
 }
 

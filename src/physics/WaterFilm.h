@@ -65,6 +65,8 @@ class WaterFilm {
     struct Piece {
         math::real length;
         uint32_t shape;
+        uint32_t next;     // round the outline
+        uint32_t last;     // the one before
         uint32_t partner;  // the piece across the gap, or NONE
         math::real share;  // of the water before it that drops do not stand for
         bool isSealed;
@@ -81,8 +83,6 @@ class WaterFilm {
     void Seal(const Shape& shape, const Shape& other);
     void SealPiece(uint32_t piece, math::real gap, const Shape& other);
     uint32_t FindPartner(uint32_t piece, const Shape& shape) const;
-    uint32_t GetNext(uint32_t piece) const;
-    uint32_t GetLast(uint32_t piece) const;
     void FindEnds(const Water& water);
     bool IsDry(uint32_t piece, math::real head) const;
     bool FillPocket(uint32_t first);

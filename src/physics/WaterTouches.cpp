@@ -26,23 +26,22 @@ void WaterTouches::Find(const NeighborGrid& grid, const BodyList& bodies, const 
     }
 }
 
-void WaterTouches::Add(const Settings& settings, const BodyList& bodies, Found found) {
+void WaterTouches::Add(const Settings& settings, const BodyList& bodies, const Found& found) {
     constexpr real UPRIGHT = 0.5f;  // cosine of the angle to gravity, up to which a shape lies above or below
-    const Vec2 down = settings.down;
-    const auto isAbove = [down](const Found& touch) { return math::Dot(touch.probe.normal, down) > UPRIGHT; };
-    const auto isBelow = [down](const Found& touch) {
-        return math::Dot(touch.probe.normal, down) < -UPRIGHT;
-    };
-    const auto let = [&](Found& touch) { touch.isLet = !bodies[touch.body].Get()->IsImmovable(); };
-    for (uint32_t i = found.previous; i != NONE; i = m_found[i].previous) {
-        Found& other = m_found[i];
-        if (other.body == found.body) continue;
-        if (GetDropShare(other.probe.distance + found.probe.distance, settings.spacing) > 0) continue;
-        if (isAbove(found) && isBelow(other)) let(found);
-        if (isBelow(found) && isAbove(other)) let(other);
-    }
+    const auto getFall = [&](const Found& touch) { return math::Dot(touch.probe.normal, settings.down); };
+    const real fall = getFall(found);
+    const bool isAbove = fall > UPRIGHT, isBelow = fall < -UPRIGHT;
     m_last[found.drop] = static_cast<uint32_t>(m_found.size());
     m_found.push_back(found);
+    if (!isAbove && !isBelow) return;
+    for (uint32_t i = found.previous; i != NONE; i = m_found[i].previous) {
+        Found& other = m_found[i];
+        const bool isBetween = isAbove ? getFall(other) < -UPRIGHT : getFall(other) > UPRIGHT;
+        if (!isBetween || other.body == found.body) continue;
+        if (GetDropShare(other.probe.distance + found.probe.distance, settings.spacing) > 0) continue;
+        Found& upper = isAbove ? m_found.back() : other;
+        upper.isLet = !bodies[upper.body].Get()->IsImmovable();
+    }
 }
 
 }  // namespace physics

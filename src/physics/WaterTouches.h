@@ -43,7 +43,7 @@ class WaterTouches {
     const Found* End(uint32_t body) const { return m_found.data() + m_begins[body + 1]; }
 
   private:
-    void Add(const Settings& settings, const BodyList& bodies, Found found);
+    void Add(const Settings& settings, const BodyList& bodies, const Found& found);
 
     util::VectorPOD<Found> m_found;
     util::VectorPOD<uint32_t> m_begins;  // per body: the first of its touches; and their end
