@@ -60,6 +60,18 @@ Vec2 GetWayOut(Vec2 halfSize, Vec2 p) {
     return {p.x - std::clamp(p.x, -halfSize.x, halfSize.x), p.y - std::clamp(p.y, -halfSize.y, halfSize.y)};
 }
 
+// From such a box to a point, negative inside.
+real GetBoxDistance(Vec2 halfSize, Vec2 p) {
+    const Vec2 q(std::fabs(p.x) - halfSize.x, std::fabs(p.y) - halfSize.y);
+    return math::Length({std::max(q.x, 0.0f), std::max(q.y, 0.0f)}) + std::min(std::max(q.x, q.y), 0.0f);
+}
+
+// Whether an outline of this area fills its tight box, but for rounding.
+bool IsRectangle(Vec2 halfSize, real area) {
+    constexpr real ROUNDING = 1e-5f;  // of the area
+    return area > 4 * halfSize.x * halfSize.y * (1 - ROUNDING);
+}
+
 // Into the frame of a box.
 RigidTransform MakeToBox(const OBB2D& box) {
     const Vec2 axis = box.axis[0];
@@ -90,6 +102,7 @@ Polygon::Polygon(const Vec2List& outline, const Surface& surface)
     // Asked last, since the loops of a figure of eight may cancel out and it deserves its own message.
     if (!sound || !std::isfinite(m_inertiaSansMass)) THROW(BadDataException, "Bad polygon");
     m_obb = OBB2D::BuildBest(m_vertices.data(), m_vertices.size());
+    m_isRectangle = IsRectangle(m_obb.halfSize, m_area);
     m_boundingCircle = CalcBoundingCircle(m_vertices);
     m_sidePoints = FindSidePoints(m_vertices);
     m_localToBox = MakeToBox(m_obb);
@@ -266,6 +279,7 @@ Vec2 Polygon::GetNormal(Vec2 point) const {
 
 real Polygon::GetFieldDistance(Vec2 point) const {
     const Vec2 p = m_worldToBox(point);
+    if (m_isRectangle) return GetBoxDistance(m_obb.halfSize, p);
     if (Contains(m_map->GetBox().halfSize, p)) return m_map->SampleDistance(p);
     return math::Length(GetWayOut(m_obb.halfSize, p));
 }
@@ -330,6 +344,7 @@ inline uint32_t Polygon::FindMapped(const InBox& points) const {
 
 // GetFieldDistance, operation by operation.
 Float4 Polygon::GetFieldDistances(const InBox& points) const {
+    if (m_isRectangle) return GetBoxSlopes(points).distances;
     const Float4 distances = m_map->SampleDistances(points.x, points.y);
     const uint32_t isMapped = FindMapped(points);
     if (isMapped == InBox::ALL) return distances;
@@ -338,11 +353,30 @@ Float4 Polygon::GetFieldDistances(const InBox& points) const {
     return slopes.distances;
 }
 
+DistanceMap::FourSlopes Polygon::GetFieldSlopes(const InBox& points) const {
+    if (m_isRectangle) return GetBoxSlopes(points);
+    DistanceMap::FourSlopes slopes = m_map->SampleSlopes(points.x, points.y);
+    const uint32_t isMapped = FindMapped(points);
+    if (isMapped != InBox::ALL) TakeWaysOut(points, isMapped, slopes);
+    return slopes;
+}
+
+// GetBoxDistance, operation by operation. Inside, the way out leads across the nearest side.
+DistanceMap::FourSlopes Polygon::GetBoxSlopes(const InBox& points) const {
+    const Float4 zero = Float4::Zero(), one = Float4::Fill(1), two = Float4::Fill(2);
+    const InBox size = points.GetSize();
+    const Float4 x = size.x - Float4::Fill(m_obb.halfSize.x), y = size.y - Float4::Fill(m_obb.halfSize.y);
+    const Float4 outX = Max(x, zero), outY = Max(y, zero), nearest = Max(x, y);
+    const Float4 isInside = one - KeepWhereLess(one, zero, nearest);
+    const Float4 isAcrossX = KeepWhereLess(isInside, y, x), isAcrossY = isInside - isAcrossX;
+    const Float4 sideX = KeepWhereLess(two, zero, points.x) - one;
+    const Float4 sideY = KeepWhereLess(two, zero, points.y) - one;
+    return {Sqrt(outX * outX + outY * outY) + Min(nearest, zero), sideX * (outX + isAcrossX),
+            sideY * (outY + isAcrossY)};
+}
+
 uint32_t Polygon::FindNear(const Vec2* points, real limit, real* distances, Vec2* normals) const {
-    const InBox p = ToBox(points);
-    DistanceMap::FourSlopes slopes = m_map->SampleSlopes(p.x, p.y);
-    const uint32_t isMapped = FindMapped(p);
-    if (isMapped != InBox::ALL) TakeWaysOut(p, isMapped, slopes);
+    const DistanceMap::FourSlopes slopes = GetFieldSlopes(ToBox(points));
     const uint32_t isNear = MaskLess4(slopes.distances, Float4::Fill(limit));
     if (isNear == 0) return 0;
     StoreNormals(slopes.x, slopes.y, normals);

@@ -71,7 +71,7 @@ class Polygon : public Geom {
     size_t CountIntersections(const LineList& lines) const;
 
     // The distance at any point: from the map as far as it reaches, some way round the tight box; beyond,
-    // that from the tight box.
+    // and of a rectangle everywhere, that from the tight box.
     math::real GetFieldDistance(math::Vec2 point) const;
 
     // GetDistance without the virtual call, for loops over vertices.
@@ -106,6 +106,8 @@ class Polygon : public Geom {
     uint32_t FindMapped(const InBox& points) const;
     void StoreNormals(Float4 x, Float4 y, math::Vec2* normals) const;
     Float4 GetFieldDistances(const InBox& points) const;
+    DistanceMap::FourSlopes GetFieldSlopes(const InBox& points) const;
+    DistanceMap::FourSlopes GetBoxSlopes(const InBox& points) const;
     void TakeWaysOut(const InBox& points, uint32_t isMapped, DistanceMap::FourSlopes& slopes) const;
 
     math::Vec2List m_vertices;
@@ -119,6 +121,7 @@ class Polygon : public Geom {
     math::Vec3 m_worldBoundingCircle;      // x, y, radius
     math::OBB2D m_obb;                     // tight, local
     math::OBB2D m_worldOBB;
+    bool m_isRectangle = false;         // all that lies in m_obb
     math::RigidTransform m_localToBox;  // into the frame of m_obb: its centre the origin, its axes the axes
     math::RigidTransform m_worldToBox;
     util::SharedPtr<const DistanceMap> m_map;     // never changes; shared by copies

@@ -199,32 +199,48 @@ TEST(Polygon, EnclosesWhatLiesWhollyInside) {
     EXPECT_FALSE(big->Encloses(*apart));
 }
 
-// Beside the outline, within the map and beyond it: the bits of one point at a time, and the way up.
+// Beside an L, within its map and beyond it, and a rectangle: the bits of one point at a time, and the way
+// up.
 TEST(Polygon, FourPointsAtATime) {
     constexpr uint32_t FEW = Polygon::FEW;
     constexpr float LIMIT = 0.4f, STEP = 0.004f;
-    const PolygonPtr ell = new Polygon(L_SHAPE);
-    ell->SetTransform(math::RigidTransform(0.7f, Vec2(30, -4)));
     test::Random random(5);
-    int near = 0, rising = 0;
-    for (int i = 0; i < 500; ++i) {
-        Vec2 points[FEW], normals[FEW];
-        float distances[FEW];
-        for (Vec2& p : points)
-            p = Vec2(30, -4) + Vec2(test::Uniform(random, -3, 3), test::Uniform(random, -3, 3));
-        const uint32_t isNear = ell->FindNear(points, LIMIT, distances, normals);
-        for (uint32_t k = 0; k < FEW; ++k) {
-            const float distance = ell->GetFieldDistance(points[k]);
-            ASSERT_EQ((isNear >> k & 1) != 0, distance < LIMIT);
-            if (!(distance < LIMIT)) continue;
-            EXPECT_EQ(distances[k], distance);
-            const float ahead = ell->GetFieldDistance(points[k] + normals[k] * STEP);
-            ++near;
-            if (ahead - distance > 0.7f * STEP) ++rising;
+    for (const PolygonPtr& shape :
+         {PolygonPtr(new Polygon(L_SHAPE)), PolygonPtr(new Polygon(test::MakeRectangle(3, 1, 0.2f, {})))}) {
+        shape->SetTransform(math::RigidTransform(0.7f, Vec2(30, -4)));
+        int near = 0, rising = 0;
+        for (int i = 0; i < 500; ++i) {
+            Vec2 points[FEW], normals[FEW];
+            float distances[FEW];
+            for (Vec2& p : points)
+                p = Vec2(30, -4) + Vec2(test::Uniform(random, -3, 3), test::Uniform(random, -3, 3));
+            const uint32_t isNear = shape->FindNear(points, LIMIT, distances, normals);
+            for (uint32_t k = 0; k < FEW; ++k) {
+                const float distance = shape->GetFieldDistance(points[k]);
+                ASSERT_EQ((isNear >> k & 1) != 0, distance < LIMIT);
+                if (!(distance < LIMIT)) continue;
+                EXPECT_EQ(distances[k], distance);
+                const float ahead = shape->GetFieldDistance(points[k] + normals[k] * STEP);
+                ++near;
+                if (ahead - distance > 0.7f * STEP) ++rising;
+            }
         }
+        EXPECT_GT(near, 300);
+        EXPECT_GT(rising, near * 9 / 10) << "but on ridges, where there is no way up";
     }
-    EXPECT_GT(near, 300);
-    EXPECT_GT(rising, near * 9 / 10) << "but on ridges, where there is no way up";
+}
+
+TEST(Polygon, RectanglesKnowTheirDistanceExactly) {
+    Polygon plank(test::MakeRectangle(3, 0.2f, 0.2f, {1, 2}));
+    test::Random random(6);
+    for (int i = 0; i < 300; ++i) {
+        const Vec2 p = Vec2(1, 2) + Vec2(test::Uniform(random, -2, 2), test::Uniform(random, -0.5f, 0.5f));
+        float truth = 1e9f;
+        for (const Line& line : plank.GetWorldLines()) {
+            truth = std::min(truth, math::Length(math::ClosestPointOnSegment(line.start, line.end, p) - p));
+        }
+        EXPECT_NEAR(std::fabs(plank.GetFieldDistance(p)), truth, 1e-5f);
+    }
 }
 
 // What is before a point, and nearer than so far; not what stands beside it or behind.
@@ -234,7 +250,7 @@ TEST(Polygon, FindsGapsBeforeAPoint) {
     const Vec2 normals[] = {{0, -1}, {0, 1}, {1, 0}, {0, -1}};
     float gaps[Polygon::FEW];
     EXPECT_EQ(box->FindGaps(points, normals, 0.3f, gaps), 1u);
-    EXPECT_NEAR(gaps[0], 0.2f, 0.01f);
+    EXPECT_NEAR(gaps[0], 0.2f, 1e-5f);
 }
 
 // Apart and near along each of the four axes in turn.
