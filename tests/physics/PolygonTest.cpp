@@ -206,7 +206,7 @@ TEST(Polygon, FourPointsAtATime) {
     constexpr float LIMIT = 0.4f, STEP = 0.004f;
     test::Random random(5);
     for (const PolygonPtr& shape :
-         {PolygonPtr(new Polygon(L_SHAPE)), PolygonPtr(new Polygon(test::MakeRectangle(3, 1, 0.2f, {})))}) {
+         {PolygonPtr(new Polygon(L_SHAPE)), PolygonPtr(new Polygon(test::MakeRectangle(3, 1, 0, {})))}) {
         shape->SetTransform(math::RigidTransform(0.7f, Vec2(30, -4)));
         int near = 0, rising = 0;
         for (int i = 0; i < 500; ++i) {
@@ -231,7 +231,8 @@ TEST(Polygon, FourPointsAtATime) {
 }
 
 TEST(Polygon, RectanglesKnowTheirDistanceExactly) {
-    Polygon plank(test::MakeRectangle(3, 0.2f, 0.2f, {1, 2}));
+    Polygon plank(test::MakeRectangle(3, 0.2f, 0, {}));
+    plank.SetTransform(math::RigidTransform(0.2f, Vec2(1, 2)));
     test::Random random(6);
     for (int i = 0; i < 300; ++i) {
         const Vec2 p = Vec2(1, 2) + Vec2(test::Uniform(random, -2, 2), test::Uniform(random, -0.5f, 0.5f));
