@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "SceneFixture.h"
+#include "app/widgets/SceneButton.h"
 #include "script/Parser.h"
 #include "util/FileSystem.h"
 
@@ -39,6 +40,16 @@ TEST_F(LanguageTest, EveryShippedLanguageIsWhole) {
         EXPECT_TRUE(log.GetLines().empty()) << testing::PrintToString(log.GetLines());
     }
     GetApp().m_language->Set("English");
+}
+
+TEST_F(LanguageTest, ScenesStandInTheOrderOfTheirTitles) {
+    Get().Load("German");
+    const String ruins = "\xC3\x96lands ruin.vxa";
+    std::vector<String> files = {"Zoo.vxa", "_AUTOSAVE.vxa", "bridge.vxa", "car.vxa", ruins, "berg.vxa"};
+    SortByTitle(files);
+    // "Auto", "berg", a bridge, ...
+    EXPECT_EQ(files,
+              (std::vector<String>{"_AUTOSAVE.vxa", "car.vxa", "berg.vxa", "bridge.vxa", "Zoo.vxa", ruins}));
 }
 
 TEST_F(LanguageTest, TheUsersLocaleFindsItsLanguage) {

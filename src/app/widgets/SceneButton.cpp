@@ -6,6 +6,7 @@
 #include <array>
 #include <boost/algorithm/string/predicate.hpp>
 #include <ctime>
+#include <utility>
 
 #include "app/Language.h"
 #include "app/drawing/SceneThumbnail.h"
@@ -86,6 +87,20 @@ String GetSceneTitle(const String& file) {
         if (static_cast<unsigned char>(c) < ' ') c = '?';  // a file's name may hold line ends
     }
     return title.size() > MAX_TITLE ? title.substr(0, MAX_TITLE - 3) + "..." : title;
+}
+
+void SortByTitle(std::vector<String>& files) {
+    std::vector<std::pair<String, String>> rows;  // what to sort by, and the file
+    for (const String& file : files) {
+        String key = (GetOwnTitle(file).empty() ? "1" : "0") + GetSceneTitle(file);
+        for (char& c : key) {
+            const auto byte = static_cast<unsigned char>(c);
+            if ((byte >= 'A' && byte <= 'Z') || byte >= 0xC0) c = static_cast<char>(byte | 0x20);
+        }
+        rows.emplace_back(key, file);
+    }
+    std::sort(rows.begin(), rows.end());
+    for (size_t i = 0; i < files.size(); ++i) files[i] = rows[i].second;
 }
 
 SceneButton::SceneButton(const String& file, Shape shape, const std::function<void()>& choose)

@@ -32,5 +32,7 @@ class SceneButton : public gui::AbstractButton {
 // ending, shortened when it is very long.
 String GetSceneTitle(const String& file);
 bool HasSceneTitle(const String& file);  // it ships
+// In the order of their titles, whatever the case; what the program saves for itself comes first.
+void SortByTitle(std::vector<String>& files);
 
 }  // namespace app

@@ -183,7 +183,8 @@ void SaveDialog::Save() {
 WindowPtr MakeSceneDialog(const Desk& desk, const char* titleKey, const NameFunction& choose) {
     const WindowPtr window = MakeDialog(titleKey);
     const ComponentPtr list = new gui::Component("SceneList", MakeRowLayout());
-    const util::StringList names = ListNewestScenes(MAX_ROWS);
+    util::StringList names = ListNewestScenes(MAX_ROWS);
+    SortByTitle(names);
     for (const String& file : names) {
         list->AddChild(new SceneButton(file, SceneButton::Shape::Row,
                                        CloseAnd(window, [choose, file] { choose(file); })));
@@ -204,7 +205,7 @@ WindowPtr MakeGallery(const Desk& desk, const NameFunction& choose) {
     util::StringList names = files.ListFiles(files.GetShippedScenesDir(), SCENE_MASK);
     const auto isOwn = [](const String& name) { return !HasSceneTitle(name); };  // they may lie in one folder
     names.erase(std::remove_if(names.begin(), names.end(), isOwn), names.end());
-    std::sort(names.begin(), names.end());
+    SortByTitle(names);
     std::vector<ComponentPtr> tiles;
     for (const String& file : names) {
         tiles.push_back(new SceneButton(file, SceneButton::Shape::Tile, [choose, file] { choose(file); }));
