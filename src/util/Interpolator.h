@@ -30,14 +30,15 @@ class Interpolator : public InterpolatorBase {
     // Takes the value at once.
     void Jump(const T& value) {
         m_start = m_target = m_current = value;
-        m_duration = 0;
+        m_isMoving = false;
         Redraw::Request();
     }
 
     // The ease s(u) = u + u^2 - u^3 starts with slope 1, overshoots nothing, ends with slope 0 and reaches
     // exactly 1 at u = 1.
     void Update() override {
-        if (m_isMoving) Redraw::Request();
+        if (!m_isMoving) return;
+        Redraw::Request();
         const double t = Clock::Now() - m_startTime;
         if (!(t < m_duration)) {
             m_start = m_current = m_target;

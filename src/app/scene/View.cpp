@@ -112,7 +112,8 @@ void View::ZoomToScene(const Scene& scene) {
     const float worldPerGUI = SCENE_MARGIN * std::max(extent.x / width, extent.y / room);
     const float scale = std::clamp(1 / worldPerGUI, GetMinZoom(), GetMaxZoom());
     const float height = extent.y * scale;
-    const float below = std::min((room - height) / 2, MOST_BELOW * m_size.y);
+    const float highest = room - height * (1 + SCENE_MARGIN) / 2;  // with its margin above it
+    const float below = std::min({(m_size.y - height) / 2, MOST_BELOW * m_size.y, highest});
     const math::Vec2 middle(left + width / 2, m_size.y - below - height / 2);
     SetWorldToGUI(MakeView(middle, scale, box.GetCenter()));
 }
