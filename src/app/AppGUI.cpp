@@ -1,7 +1,6 @@
 #include "app/AppGUI.h"
 
 #include <algorithm>
-#include <boost/format.hpp>
 #include <cmath>
 
 #include "app/App.h"
@@ -342,7 +341,7 @@ String AppGUI::FindFreeName() {
     int number = 1;
     String name;
     do {
-        name = boost::str(boost::format("scene-%1%.vxa") % number++);
+        name = "scene-" + std::to_string(number++) + SCENE_ENDING;
     } while (util::FileSystem::Instance().Exists(GetScenePath(name)));
     return name;
 }
@@ -357,10 +356,8 @@ void AppGUI::NoteSaved(const String& name) {
 void AppGUI::ShowSceneName() {
     gui::WindowHost* const host = gui::GUI::Instance().GetWindowHost();
     if (!host) return;
-    const String& name = m_scene.GetName();
     const int loaded = m_scene.GetLoadedPart();
-    host->SetDocumentName(loaded < 100 ? std::to_string(loaded) + " %"
-                                       : name.substr(name.find_last_of("/\\") + 1));
+    host->SetDocumentName(loaded < 100 ? std::to_string(loaded) + " %" : GetFileName(m_scene.GetName()));
 }
 
 // ---- each frame

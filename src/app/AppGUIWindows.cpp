@@ -194,8 +194,7 @@ void AppGUI::OpenSaveDialog() {
     const String name = m_scene.GetName().empty() ? FindFreeName() : m_scene.GetName();
     const auto save = [this](const String& chosen) {
         if (!SaveSceneNamed(chosen)) return Tell(Translate("SaveFailed"));
-        const String file = chosen.substr(chosen.find_last_of("/\\") + 1);
-        Tell(Translate("SavedAs") + " " + util::Latin1FromUtf8(StripSceneEnding(file)));
+        Tell(Translate("SavedAs") + " " + util::Latin1FromUtf8(StripSceneEnding(GetFileName(chosen))));
     };
     OpenDialog(new SaveDialog(m_scene, name, save));
 }

@@ -5,11 +5,12 @@
 #include <cctype>
 #include <cstdlib>
 
+#include "util/FileNames.h"
+
 namespace core {
 
 namespace {
 
-const String SCENE_ENDING = ".vxa";
 constexpr float MIN_SCALE = 0.5f, MAX_SCALE = 4;  // of the interface
 
 bool AsksForVersion(const String& argument) {

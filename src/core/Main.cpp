@@ -43,7 +43,6 @@ namespace {
 using AppPtr = util::SharedPtr<app::App>;
 
 const String CREDIT = "the Vexa authors";
-const String SCENE_ENDING = ".vxa";
 constexpr int BAD_USAGE = 2;        // exit status
 constexpr int DESKTOP_MARGIN = 64;  // pixels that a first window leaves free in each direction
 

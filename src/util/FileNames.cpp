@@ -1,5 +1,6 @@
 #include "util/FileNames.h"
 
+const String SCENE_ENDING = ".vxa";
 const String WELCOME_SCENE = "welcome.vxa";
 const String AUTOSAVE_SCENE = "_AUTOSAVE.vxa";
 const String ONEXIT_SCENE = "_ONEXITSAVE.vxa";

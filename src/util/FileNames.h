@@ -5,6 +5,7 @@
 // Names of the files that carry state from one run to the next.
 
 // In the Scenes/ folder:
+extern const String SCENE_ENDING;    // of all scenes
 extern const String WELCOME_SCENE;   // shown at a first start
 extern const String AUTOSAVE_SCENE;  // written while running; found at start only after a crash
 extern const String ONEXIT_SCENE;    // the scene of the last clean exit

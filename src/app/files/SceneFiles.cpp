@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <boost/algorithm/string/predicate.hpp>
-#include <cstring>
 #include <limits>
 #include <map>
 
@@ -18,7 +17,11 @@ namespace app {
 
 namespace {
 
-const char* const EXTENSION = ".vxa";
+constexpr const char* SLASHES = "/\\";
+
+bool IsPath(const String& name) {
+    return name.find_first_of(SLASHES) != String::npos;
+}
 
 }  // namespace
 
@@ -29,23 +32,27 @@ String CleanSceneName(const String& name) {
         if (leading || static_cast<unsigned char>(c) < 32 || c == '/' || c == '\\') continue;
         clean += c;
     }
-    if (clean.empty() || boost::algorithm::ends_with(clean, EXTENSION)) return clean;
-    return clean + EXTENSION;
+    if (clean.empty() || boost::algorithm::ends_with(clean, SCENE_ENDING)) return clean;
+    return clean + SCENE_ENDING;
 }
 
 String StripSceneEnding(const String& name) {
-    return boost::algorithm::ends_with(name, EXTENSION) ? name.substr(0, name.size() - std::strlen(EXTENSION))
-                                                        : name;
+    return boost::algorithm::ends_with(name, SCENE_ENDING) ? name.substr(0, name.size() - SCENE_ENDING.size())
+                                                           : name;
+}
+
+String GetFileName(const String& path) {
+    return path.substr(path.find_last_of(SLASHES) + 1);
 }
 
 String GetScenePath(const String& name) {
-    if (name.find_first_of("/\\") != String::npos) return name;
+    if (IsPath(name)) return name;
     return util::FileSystem::Instance().FindScene(name);
 }
 
 String GetSceneName(const String& path) {
     const util::FileSystem& files = util::FileSystem::Instance();
-    const String name = path.substr(path.find_last_of("/\\") + 1);
+    const String name = GetFileName(path);
     const String autosave = util::RunSlot::Instance().GetAutosaveScene();
     if (name == autosave || name == ONEXIT_SCENE || name == WELCOME_SCENE) return String();
     return files.FindScene(name) == path ? name : path;
@@ -53,7 +60,7 @@ String GetSceneName(const String& path) {
 
 util::StringList ListNewestScenes(size_t most) {
     const util::FileSystem& files = util::FileSystem::Instance();
-    util::StringList names = files.ListScenes(String("*") + EXTENSION);
+    util::StringList names = files.ListScenes("*" + SCENE_ENDING);
     if (names.size() <= most) return names;
     const auto age = [&](const String& name) {
         struct stat info = {};
@@ -69,8 +76,7 @@ util::StringList ListNewestScenes(size_t most) {
 }
 
 String GetPathToWrite(const String& name) {
-    const bool isPath = name.find_first_of("/\\") != String::npos;
-    return isPath ? name : util::FileSystem::Instance().GetScenesDir() + name;
+    return IsPath(name) ? name : util::FileSystem::Instance().GetScenesDir() + name;
 }
 
 void WriteScene(const Scene& scene, const String& name) {

@@ -13,6 +13,9 @@ String CleanSceneName(const String& name);
 // The name without the extension.
 String StripSceneEnding(const String& name);
 
+// What follows the last slash or backslash of a path.
+String GetFileName(const String& path);
+
 // The path to read a scene from by its name: one without a slash or backslash is looked for in Scenes/.
 String GetScenePath(const String& name);
 

@@ -20,6 +20,7 @@
 #include "gui/components/TextField.h"
 #include "rendering/GraphicsResource.h"
 #include "util/Encoding.h"
+#include "util/FileNames.h"
 #include "util/FileSystem.h"
 
 namespace app {
@@ -37,7 +38,6 @@ constexpr size_t GESTURE_COLUMNS = 6;  // at most
 constexpr float GESTURE_WIDTH = 96;    // GUI units
 constexpr float INFO_WIDTH = 200;      // GUI units
 constexpr double MEGABYTE = 1 << 20;
-const String SCENE_MASK = "*.vxa";
 
 WindowPtr MakeDialog(const char* titleKey) {
     const WindowPtr window = MakeRowWindow(titleKey);
@@ -53,10 +53,6 @@ std::function<void()> CloseAnd(const WindowPtr& window, const std::function<void
         if (gui::Window* const open = weak.Get()) open->Close();
         chosen();
     };
-}
-
-String GetFileName(const String& path) {
-    return path.substr(path.find_last_of("/\\") + 1);
 }
 
 gui::ButtonPtr MakeCancelButton(const WindowPtr& window) {
@@ -189,7 +185,7 @@ WindowPtr MakeSceneDialog(const Desk& desk, const char* titleKey, const NameFunc
         list->AddChild(new SceneButton(file, SceneButton::Shape::Row,
                                        CloseAnd(window, [choose, file] { choose(file); })));
     }
-    const size_t count = util::FileSystem::Instance().ListScenes(SCENE_MASK).size();
+    const size_t count = util::FileSystem::Instance().ListScenes("*" + SCENE_ENDING).size();
     if (count > names.size()) {
         list->AddChild(new gui::Label(std::to_string(names.size()) + " / " + std::to_string(count)));
     }
@@ -202,7 +198,7 @@ WindowPtr MakeSceneDialog(const Desk& desk, const char* titleKey, const NameFunc
 WindowPtr MakeGallery(const Desk& desk, const NameFunction& choose) {
     const WindowPtr window = MakeRowWindow("GalleryTitle");
     const util::FileSystem& files = util::FileSystem::Instance();
-    util::StringList names = files.ListFiles(files.GetShippedScenesDir(), SCENE_MASK);
+    util::StringList names = files.ListFiles(files.GetShippedScenesDir(), "*" + SCENE_ENDING);
     const auto isOwn = [](const String& name) { return !HasSceneTitle(name); };  // they may lie in one folder
     names.erase(std::remove_if(names.begin(), names.end(), isOwn), names.end());
     SortByTitle(names);
