@@ -157,13 +157,8 @@ void AppGUI::OpenPopup(math::Vec2 place) {
 
 // Where the selection is, as far as it is in view, or in the middle; ready for the arrows.
 void AppGUI::OpenPopupByKey() {
-    math::BoundingBox2f box;
-    for (const EntityPtr& entity : m_scene.GetSelection().Get()) {
-        const math::BoundingBox2f extent = entity->GetBoundingBox();
-        if (extent.IsFinite()) box.Extend(extent);
-    }
-    const math::BoundingBox2f view = m_view.GetViewBox();
-    const bool isInView = box.IsFinite() && view.Contains(box.GetCenter());
+    const math::BoundingBox2f box = m_scene.GetSelection().GetExtent();
+    const bool isInView = box.IsFinite() && m_view.GetViewBox().Contains(box.GetCenter());
     OpenPopup(isInView ? m_view.WorldToGUI(box.GetCenter()) : m_view.GetMiddle());
     m_popup->TakeFocus();
 }

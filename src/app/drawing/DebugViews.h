@@ -5,7 +5,7 @@
 
 namespace app {
 
-// Drawings for whoever looks under the hood, in world coordinates, The renderer's colour
+// Drawings for whoever looks under the hood, in world coordinates. The renderer's colour
 // comes back as it was.
 
 // Over the whole scene.

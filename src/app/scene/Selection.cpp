@@ -78,13 +78,18 @@ physics::BodyList Selection::GetBodies() const {
     return bodies;
 }
 
-math::Vec2 Selection::GetCenter(math::Vec2 fallback) const {
-    math::BoundingBox2f box;
+math::BoundingBox2f Selection::GetExtent() const {
+    math::BoundingBox2f extent;
     for (const EntityPtr& entity : m_entities) {
-        const math::BoundingBox2f own = entity->GetBoundingBox();
-        if (own.IsFinite()) box.Extend(own);
+        const math::BoundingBox2f box = entity->GetBoundingBox();
+        if (box.IsFinite()) extent.Extend(box);
     }
-    return box.IsFinite() ? box.GetCenter() : fallback;
+    return extent;
+}
+
+math::Vec2 Selection::GetCenter(math::Vec2 fallback) const {
+    const math::BoundingBox2f extent = GetExtent();
+    return extent.IsFinite() ? extent.GetCenter() : fallback;
 }
 
 // Joints go with their shapes, or they would vanish behind them. Planes stay below: they would hide half of

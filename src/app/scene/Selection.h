@@ -37,7 +37,9 @@ class Selection {
 
     // The distinct bodies, in the order of the entities, without the world body.
     physics::BodyList GetBodies() const;
-    // The middle of the box around all that have a finite one; `fallback` when none has.
+    // Round all that have a finite one; not finite when none has.
+    math::BoundingBox2f GetExtent() const;
+    // The middle of that; `fallback` when it is not finite.
     math::Vec2 GetCenter(math::Vec2 fallback) const;
     // To the end of the scene list, in their order there, so that they are drawn on top: all but planes, and
     // with the joints of what rises.
