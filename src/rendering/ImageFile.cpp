@@ -1,6 +1,7 @@
 #include "rendering/ImageFile.h"
 
 #include <array>
+#include <boost/algorithm/string/predicate.hpp>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -215,11 +216,6 @@ std::string CheckTga(const Bytes& file) {
 
 // ---- all ----------------------------------------------------------------------------------------------
 
-bool HasExtension(const std::string& path, const char* extension) {
-    const size_t length = std::strlen(extension);
-    return path.size() > length && path.compare(path.size() - length, length, extension) == 0;
-}
-
 // False when the file cannot be read or is too large to be a picture.
 bool ReadBytes(const std::string& path, std::vector<unsigned char>& bytes) {
     std::FILE* const file = std::fopen(path.c_str(), "rb");
@@ -241,7 +237,7 @@ std::string FindImageFault(const std::string& path) {
     if (!ReadBytes(path, contents)) return "Couldn't read " + path;
     const Bytes file(std::move(contents));
     // The library takes everything of this name for a TGA, which has no magic.
-    if (HasExtension(path, ".tga")) return CheckTga(file);
+    if (boost::algorithm::ends_with(path, ".tga")) return CheckTga(file);
     if (file.Matches(0, "\x89PNG\r\n\x1a\n", 8)) return CheckPng(file);
     if (file.Matches(0, "BM", 2)) return CheckBmp(file);
     if (file.Matches(0, "\xff\xd8\xff", 3)) return CheckJpeg(file);

@@ -187,24 +187,22 @@ void Texture::SetSampling() const {
 
 // ---- use ----------------------------------------------------------------------------------------------
 
-void Texture::Bind(int unit) const {
-    Recording::NoteTexture(unit, m_serial);
+static void BindTo(int unit, GLuint id, uint64_t serial) {
+    Recording::NoteTexture(unit, serial);
     if (unit > 0) {
         DATA_ASSERTION(HasMultiTexturing());
         SelectUnit(unit);
     }
-    glBindTexture(GL_TEXTURE_2D, m_id);
+    glBindTexture(GL_TEXTURE_2D, id);
     if (unit > 0) SelectUnit(0);
 }
 
+void Texture::Bind(int unit) const {
+    BindTo(unit, m_id, m_serial);
+}
+
 void Texture::Unbind(int unit) const {
-    Recording::NoteTexture(unit, 0);
-    if (unit > 0) {
-        DATA_ASSERTION(HasMultiTexturing());
-        SelectUnit(unit);
-    }
-    glBindTexture(GL_TEXTURE_2D, 0);
-    if (unit > 0) SelectUnit(0);
+    BindTo(unit, 0, 0);
 }
 
 math::Vec2 Texture::GetUnits() const {

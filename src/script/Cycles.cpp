@@ -97,19 +97,19 @@ bool Examine(const Suspect& suspect) {
     return false;
 }
 
+void ExamineFirst(SuspectList& suspects, size_t most) {
+    for (size_t i = std::min(most, suspects.size()); i > 0; --i) {
+        const Suspect suspect = suspects.front();
+        suspects.pop_front();
+        if (Examine(suspect)) GetOld().push_back(suspect);
+    }
+}
+
 }  // namespace
 
 void CollectCycles() {
-    for (size_t i = std::min(MAX_OLD, GetOld().size()); i > 0; --i) {
-        const Suspect suspect = GetOld().front();
-        GetOld().pop_front();
-        if (Examine(suspect)) GetOld().push_back(suspect);
-    }
-    for (size_t i = std::min(MAX_FRESH, GetNewSuspects().size()); i > 0; --i) {
-        const Suspect suspect = GetNewSuspects().front();
-        GetNewSuspects().pop_front();
-        if (Examine(suspect)) GetOld().push_back(suspect);
-    }
+    ExamineFirst(GetOld(), MAX_OLD);
+    ExamineFirst(GetNewSuspects(), MAX_FRESH);
 }
 
 size_t GetNumSuspects() {
