@@ -260,8 +260,13 @@ bool Input::IsModifierDown(Modifier modifier) const {
            (row.m_key == 0 || IsKeyDown(row.m_key) || IsKeyDown(row.m_other));
 }
 
+// A full screen without a cursor makes the library ask for movements, which touch screens, tablets and the
+// mice of virtual machines have none of: they tell places. So the cursor is not hidden, it is empty.
 void Input::ShowCursor(bool show) {
-    SDL_ShowCursor(show ? SDL_ENABLE : SDL_DISABLE);
+    constexpr int SIDE = 8;  // pixels
+    Uint8 clear[SIDE] = {};
+    SDL_Cursor* const empty = show ? nullptr : SDL_CreateCursor(clear, clear, SIDE, SIDE, 0, 0);
+    if (empty != nullptr) SDL_SetCursor(empty);  // the library's when its video part stops
 }
 
 void Input::GrabInput(bool grab) {
