@@ -133,19 +133,20 @@ TEST_F(ViewTest, ZoomToSceneFitsWhatHasAnExtent) {
     const float zoom = GetView().GetZoom();
     EXPECT_NEAR(zoom, 800 / (24 * 1.1), 0.01);
     // In the middle, and low: what there is above a flat scene is sky, not ground under it.
-    ExpectNear(GetView().WorldToGUI({20, 3}), {400, 600 * 0.78f});
+    ExpectNear(GetView().WorldToGUI({20, 0}), {400, 600 * 0.78f});
 
     GetView().SetRooms(100, 60);
     GetApp().ZoomToScene();
     Settle();
     EXPECT_NEAR(GetView().GetZoom(), 700 / (24 * 1.1), 0.01);
-    EXPECT_NEAR(GetView().WorldToGUI({20, 3}).x, 450, 0.01);
+    EXPECT_NEAR(GetView().WorldToGUI({20, 0}).x, 450, 0.01);
     AddCircle({20, 25}, 2);  // now its height decides
+    AddPlane({0, 1}, 200);   // too far below to be in view
     GetView().SetRooms(100, 60);
     GetApp().ZoomToScene();
     Settle();
-    EXPECT_NEAR(GetView().GetZoom(), 540 / (24 * 1.1), 0.01);
-    ExpectNear(GetView().WorldToGUI({20, 15}), {450, 330}, 0.01f);
+    EXPECT_NEAR(GetView().GetZoom(), 540 / (27 * 1.1), 0.01);
+    ExpectNear(GetView().WorldToGUI({20, 13.5}), {450, 330}, 0.01f);
     GetView().SetRooms(0, 0);
 }
 

@@ -1,11 +1,13 @@
 #include "app/scene/Scene.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 
 #include "app/entities/Chain.h"
 #include "app/entities/GeomEntity.h"
 #include "app/entities/JointEntity.h"
+#include "app/entities/PlaneEntity.h"
 #include "physics/Body.h"
 #include "physics/Simulation.h"
 #include "util/Assert.h"
@@ -30,6 +32,20 @@ constexpr math::Vec3 PALETTE[] = {
     {0.71f, 0.51f, 0.35f},  // wood
 };
 constexpr int PALETTE_SIZE = static_cast<int>(std::size(PALETTE));
+
+// To the point of each plane that is nearest to the middle. A plane far away would make all else small.
+void ExtendToPlanes(const EntityList& entities, math::BoundingBox2f& extent) {
+    constexpr float FAR = 4;  // sides of the box
+    const math::Vec2 size = extent.GetSize(), center = extent.GetCenter();
+    const float farthest = FAR * std::max(size.x, size.y);
+    for (const EntityPtr& entity : entities) {
+        const auto plane = util::DynamicCast<PlaneEntity>(entity);
+        if (!plane) continue;
+        const math::Vec3& p = plane->GetPlane()->GetPlane();
+        const float distance = p.x * center.x + p.y * center.y + p.z;
+        if (std::fabs(distance) <= farthest) extent.Extend(center - math::Vec2(p.x, p.y) * distance);
+    }
+}
 
 }  // namespace
 
@@ -177,6 +193,7 @@ math::BoundingBox2f Scene::GetExtent() const {
         const math::BoundingBox2f box = entity->GetBoundingBox();
         if (box.IsFinite()) extent.Extend(box);
     }
+    if (extent.IsFinite()) ExtendToPlanes(m_entities, extent);
     return extent;
 }
 

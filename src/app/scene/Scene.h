@@ -45,7 +45,8 @@ class Scene {
     GeomList GetGeomsAt(math::Vec2 world) const;       // topmost first; the world geom comes last
     // The first of those that does not belong to that body; null when there is none.
     physics::GeomPtr GetGeomAt(math::Vec2 world, const physics::BodyPtr& except = nullptr) const;
-    // Round all entities with finite extents; not finite when there are none. Water does not count.
+    // Round all entities with finite extents, and the planes near them as far as things fall straight onto
+    // them; not finite when there are none. Water does not count.
     math::BoundingBox2f GetExtent() const;
 
     // ---- what belongs together
