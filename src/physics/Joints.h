@@ -50,8 +50,6 @@ class SpringJoint : public Joint {
     math::real GetStrength() const { return m_strength; }
     void SetStrength(math::real strength) { m_strength = strength; }
     void SetDamping(math::real damping) { m_damping = damping; }
-    math::Vec2 GetAnchor(int end) const { return m_anchors[end]; }
-    void SetAnchor(int end, math::Vec2 anchor) { m_anchors[end] = anchor; }
     math::Vec2 GetWorldAnchor(int end) const;
 
   private:

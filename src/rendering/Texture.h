@@ -70,7 +70,6 @@ class Texture : public GraphicsResource {
     uint32_t GetWidth() const { return m_width; }
     uint32_t GetHeight() const { return m_height; }
     math::Vec2 GetUnits() const;  // its size in GUI units
-    const ImageType& GetType() const { return m_type; }
     const AbstractImagePtr& GetImage() const { return m_image; }
     unsigned int GetId() const { return m_id; }  // GL name, 0 when none
 

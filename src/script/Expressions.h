@@ -127,8 +127,6 @@ class FunctionDeclaration : public Expression {
     FunctionDeclaration(const StringList& args, const CodeBlockPtr& code);
     ~FunctionDeclaration() noexcept(false) override;
 
-    const CodeBlockPtr& GetCode() const { return m_code; }
-
     ObjectPtr Evaluate(const ClosurePtr& closure) override;
     void WriteCode(CodeWriter& out) const override;
 
@@ -180,8 +178,6 @@ class InfixDeclaration : public Expression {
     explicit InfixDeclaration(const InfixPtr& infix);
     ~InfixDeclaration() noexcept(false) override;
 
-    const InfixPtr& GetInfix() const { return m_infix; }
-
     ObjectPtr Evaluate(const ClosurePtr& closure) override;
     void WriteCode(CodeWriter& out) const override;
 
@@ -193,8 +189,6 @@ class InfixFunctionCall : public Expression {
   public:
     InfixFunctionCall(const InfixPtr& infix, ExpressionList args);
     ~InfixFunctionCall() noexcept(false) override;
-
-    const InfixPtr& GetInfix() const { return m_infix; }
 
     ObjectPtr Evaluate(const ClosurePtr& closure) override;
     void WriteCode(CodeWriter& out) const override;

@@ -54,10 +54,6 @@ IconButton::IconButton(const String& icon, const String& name) : AbstractButton(
     SetSize(ICON_SIZE, ICON_SIZE);
 }
 
-void IconButton::SetIcon(const String& icon) {
-    m_icon = GetIcon(icon);
-}
-
 void IconButton::DrawIcon() const {
     const math::Vec2 corner = (GetSize() - math::Vec2(ICON_SIZE, ICON_SIZE)) * 0.5f;
     gui::DrawImage(m_icon, corner, corner + math::Vec2(ICON_SIZE, ICON_SIZE));

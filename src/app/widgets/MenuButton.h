@@ -32,13 +32,11 @@ class IconButton : public gui::AbstractButton {
 
     void DrawComp() override;
 
-    void SetIcon(const String& icon);
-
   protected:
     void DrawIcon() const;
 
   private:
-    rendering::TextureMentorPtr m_icon;
+    const rendering::TextureMentorPtr m_icon;
 };
 
 // A picture below Data/Textures/ as icons are sampled.

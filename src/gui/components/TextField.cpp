@@ -87,9 +87,7 @@ void TextField::OnKeyEvent(KeyEvent& event) {
     if (!HandleMarkKey(event)) m_inputer->OnKeyEvent(event);
     if (!event.m_handled) return;
     m_lastInput = util::Clock::Now();
-    if (GetText() == before) return;
-    Format();
-    m_onChange.CallAll();
+    if (GetText() != before) Format();
 }
 
 void TextField::MarkAll() {

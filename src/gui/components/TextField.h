@@ -30,7 +30,6 @@ class TextField : public Component {
     void SetMaxWidth(float width);  // a longer text is cut, and moves with the cursor
 
     util::CallbackSet& GetOnEnter() { return m_inputer->GetOnEnter(); }  // return, with a text
-    util::CallbackSet& GetOnChange() { return m_onChange; }              // of the text, by the user
     util::CallbackSet& GetOnLostFocus() { return m_onLostFocus; }
 
   private:
@@ -49,7 +48,6 @@ class TextField : public Component {
     float m_maxWidth = 320;
     bool m_cursorShown = false;
     double m_lastInput = 0;  // seconds; the cursor blinks from here
-    util::CallbackSet m_onChange;
     util::CallbackSet m_onLostFocus;
 };
 
