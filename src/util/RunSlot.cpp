@@ -29,14 +29,17 @@ String NameInSlot(const String& name, int number) {
     return name.substr(0, dot) + "-" + std::to_string(number) + name.substr(dot);
 }
 
-// The open, locked file; -1 when another program holds it, -2 when it cannot be made at all.
+// Why there is no lock on a slot.
+constexpr int HELD_BY_ANOTHER = -1, CANNOT_BE_MADE = -2;
+
+// The open, locked file, or one of these two.
 int OpenLock(int number) {
     const String path = GetFiles().GetWorkDir() + NameInSlot(LOCK_FILE, number);
     const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    if (file < 0) return -2;
+    if (file < 0) return CANNOT_BE_MADE;
     if (flock(file, LOCK_EX | LOCK_NB) == 0) return file;
     close(file);
-    return -1;
+    return HELD_BY_ANOTHER;
 }
 
 // Of the moment at which the scene was saved: the same from a name and from the file that it was given to,
@@ -90,8 +93,8 @@ RunSlot& RunSlot::Instance() {
 
 bool RunSlot::TakeSlot(int number) {
     const int lock = OpenLock(number);
-    if (lock == -1 && number < MAX_SLOTS) return false;
-    m_number = lock == -2 ? 1 : number;
+    if (lock == HELD_BY_ANOTHER && number < MAX_SLOTS) return false;
+    m_number = lock == CANNOT_BE_MADE ? 1 : number;
     m_lock = lock;
     return true;
 }
