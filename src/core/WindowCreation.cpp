@@ -103,6 +103,7 @@ void Subsystem::BuildWindow(WindowParams params) {
     ResourceManager::Instance().DestroyAll();
     rendering::TextureManager::Instance().ReadAhead();  // while the driver is at work
     params.m_resolution = ClampResolution(params.m_resolution);
+    gui::Input::Instance().DropCursor();
     if (NeedsStretching(params) && !m_stretches) StartStretching();
     SetVideoMode(params);
     gui::Input::Instance().Reset();

@@ -29,6 +29,8 @@ void EnableCharacters() {
     SDL_EnableKeyRepeat(KEY_REPEAT_DELAY, KEY_REPEAT_INTERVAL);
 }
 
+SDL_Cursor* s_emptyCursor = nullptr;  // in use; null while the window system's is
+
 constexpr int HEARS_MOUSE = SDL_APPINPUTFOCUS | SDL_APPMOUSEFOCUS;
 
 bool IsLosingWindow(const SDL_ActiveEvent& event) {
@@ -264,9 +266,16 @@ bool Input::IsModifierDown(Modifier modifier) const {
 // mice of virtual machines have none of: they tell places. So the cursor is not hidden, it is empty.
 void Input::ShowCursor(bool show) {
     constexpr int SIDE = 8;  // pixels
+    DropCursor();
+    if (show) return;
     Uint8 clear[SIDE] = {};
-    SDL_Cursor* const empty = show ? nullptr : SDL_CreateCursor(clear, clear, SIDE, SIDE, 0, 0);
-    if (empty != nullptr) SDL_SetCursor(empty);  // the library's when its video part stops
+    s_emptyCursor = SDL_CreateCursor(clear, clear, SIDE, SIDE, 0, 0);
+    SDL_SetCursor(s_emptyCursor);
+}
+
+void Input::DropCursor() {
+    if (s_emptyCursor != nullptr) SDL_FreeCursor(s_emptyCursor);  // the usual one takes its place
+    s_emptyCursor = nullptr;
 }
 
 void Input::GrabInput(bool grab) {

@@ -80,6 +80,7 @@ class Input : public InputDelegator, public util::Singleton<Input> {
     math::Vec2 GetMousePosition() const { return m_mousePosition; }
 
     void ShowCursor(bool show);  // the window system's
+    void DropCursor();           // before the library's video part may stop, which takes its cursors along
     void GrabInput(bool grab);
     void Reset();  // to be called when the video mode has been set
 
