@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -23,7 +24,8 @@ namespace physics {
 //
 // Local coordinates have the centroid at the origin; the geom starts where the vertices were. Inside its
 // tight box (m_obb) the distance comes from the map; outside it is the distance to that box, which bounds
-// the true one and is positive. A normal exists inside the box only.
+// the true one and is positive. A rectangle is its tight box, and its distances need no map. A normal exists
+// inside the box only.
 class Polygon : public Geom {
   public:
     // `outline` in world coordinates, in either sense, without or with a closing vertex. Repeated vertices
@@ -152,6 +154,7 @@ inline math::real Polygon::Distance(math::Vec2 point) const {
     const math::real dy = std::fabs(p.y) - m_obb.halfSize.y;
     if (dx > 0) return dy > 0 ? std::sqrt(dx * dx + dy * dy) : dx;
     if (dy > 0) return dy;
+    if (m_isRectangle) return std::max(dx, dy);
     return m_map->SampleDistance(p);
 }
 
