@@ -55,8 +55,11 @@ ObjectPtr BadLiteral::Evaluate(const ClosurePtr&) {
     THROW(ScriptException, m_failure);
 }
 
+// A sign alone is a number only directly before another one, and a name anywhere else: "+0.0e" is a number
+// that fails as well.
 void BadLiteral::WriteCode(CodeWriter& out) const {
     out.Append(m_text);
+    if (m_text.find_first_of("0123456789") == String::npos) out.Append("0.0e");
 }
 
 // ---- Identifier --------------------------------------------------------------------------------------

@@ -68,6 +68,7 @@ TEST_F(Printing, Forms) {
         {"infix 2.5 right: _ to _ => math.add", "infix 2.5 right: _ to _ => math.add;\n"},
         {"infix -inf left: _ from => f; 1", "infix -inf left: _ from => f;\n;\n1"},
         {"{ infix 1 left: _ at _ => f }", "{\ninfix 1 left: _ at _ => f;\n\n}"},
+        {"f = {x--5}", "f = {x(-0.0e)(-5)}"},  // the first sign is a number that cannot be read
     };
     for (const auto& row : rows) {
         const CodeBlockPtr code = m_parser.Parse(row.text);
@@ -82,6 +83,7 @@ TEST_F(Printing, RoundTrip) {
         "a = 1;\nb = [1, 2.5, \"x\", [true]];\nf = (x)=>{x + 1}",
         "f = (x, y)=>{\na = x;\n    b = {\n    c;\n        d\n    };\n    a - b\n}",
         "f = {\nt = \"two {\nlines \\\"}\\\\\";\n    u = 1.0e-05\n}",
+        "f = {x(-0.0e)(-5)}",
         "x = 0.009999999776482582;\ny = 9.999999747378752e-05;\nz = +inf;\nw = -inf",
     };
     for (const char* text : texts) EXPECT_EQ(m_parser.Parse(String(text))->ToCode(), text);
