@@ -15,8 +15,8 @@ namespace physics {
 //
 // What comes out is defined by brute force over all pairs of geoms, in the order planes and circles, planes
 // and polygons, circles, polygons, circles and polygons, each pass in the order of the lists, and then the
-// water's, body by body. Pairs
-// whose boxes are apart cannot touch, so a sweep hands out only the others, and in that same order.
+// water's, body by body. Pairs whose boxes are apart cannot touch, so a sweep hands out only the others, and
+// in that same order.
 //
 // Shapes have no edges-against-edges test: a contact of two polygons is a vertex or side point of one found
 // inside the other. Normals point from the contact's first geom to its second.

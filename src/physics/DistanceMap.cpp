@@ -32,14 +32,15 @@ void DistanceMap::MakeTransforms() {
     constexpr real HALF_CELL = 0.5f;
     const real halfSize[2] = {m_box.halfSize.x, m_box.halfSize.y};
     m_cellsPerMetre = {SIZE / (2 * halfSize[0]), SIZE / (2 * halfSize[1])};
+    math::TMatrix3<float> localToMap;
     for (int r = 0; r < 2; ++r) {
         const Vec2 axis = m_box.axis[r];
         const real scale = SIZE / (2 * halfSize[r]);
-        m_localToMap.m[r][0] = axis.x * scale;
-        m_localToMap.m[r][1] = axis.y * scale;
-        m_localToMap.m[r][2] = (halfSize[r] - math::Dot(axis, m_box.center)) * scale - HALF_CELL;
+        localToMap.m[r][0] = axis.x * scale;
+        localToMap.m[r][1] = axis.y * scale;
+        localToMap.m[r][2] = (halfSize[r] - math::Dot(axis, m_box.center)) * scale - HALF_CELL;
     }
-    m_mapToLocal = math::Inverted(m_localToMap);
+    m_mapToLocal = math::Inverted(localToMap);
 }
 
 // Central differences, in cells; at the borders one-sided ones, doubled to the same scale.

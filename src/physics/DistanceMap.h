@@ -45,7 +45,6 @@ class DistanceMap : public util::Pointee {
     const DistanceField::Cells& GetDistMap() const { return GetField().GetCells(); }  // m, negative inside
     void BuildAhead() const { GetField().BuildAhead(); }
     const math::OBB2D& GetBox() const { return m_box; }  // what the map covers
-    const math::TMatrix3<float>& GetLocalToMap() const { return m_localToMap; }
     const math::TMatrix3<float>& GetMapToLocal() const { return m_mapToLocal; }
 
   private:
@@ -75,7 +74,6 @@ class DistanceMap : public util::Pointee {
 
     util::SharedPtr<const DistanceField> m_field;
     math::OBB2D m_box;
-    math::TMatrix3<float> m_localToMap;
     math::TMatrix3<float> m_mapToLocal;
     math::Vec2 m_cellsPerMetre;  // along either axis
 };

@@ -63,7 +63,6 @@ class Polygon : public Geom {
     // The map, for drawing. Cell (i, j) has its centre at the map point (i, j).
     const DistanceField::Cells& GetDistMap() const { return m_map->GetDistMap(); }
     void BuildMapAhead() const { m_map->BuildAhead(); }
-    const math::TMatrix3<float>& GetLocalToMap() const { return m_map->GetLocalToMap(); }
     const math::TMatrix3<float>& GetMapToLocal() const { return m_map->GetMapToLocal(); }
     const math::OBB2D& GetMapOBB() const { return m_map->GetBox(); }
 

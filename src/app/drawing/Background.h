@@ -41,8 +41,6 @@ class Background : public gui::Component {
     const script::AttribPtr<math::Vec4> m_horizonColor;  // at the lower edge
 
   private:
-    const View& m_view;
-    const script::AttribPtr<bool> m_drawClouds;  // of App
     void FindTextures();
     void CreateClouds();
     void WrapClouds(math::Vec2 center);
@@ -56,6 +54,8 @@ class Background : public gui::Component {
     void DrawClouds();
     bool CollectClouds(const math::BoundingBox2f& view);  // false if there are none in view
 
+    const View& m_view;
+    const script::AttribPtr<bool> m_drawClouds;              // of App
     std::vector<rendering::TextureMentorPtr> m_skyTextures;  // at least one
     std::vector<rendering::VertexBatch> m_batches;           // of this frame's clouds, one for each texture
     std::vector<Cloud> m_clouds;                             // none until the first Update
