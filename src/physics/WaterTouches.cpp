@@ -13,7 +13,8 @@ void WaterTouches::Find(const NeighborGrid& grid, const BodyList& bodies, const 
     m_last.clear();
     m_last.resize(grid.GetSize(), NONE);
     m_begins.clear();
-    m_begins.push_back(0);
+    m_begins.resize(bodies.size() + 1, 0);
+    if (grid.GetSize() == 0) return;
     for (uint32_t b = 0; b < bodies.size(); ++b) {
         for (const BodyPart& part : bodies[b]->GetParts()) {
             Geom& geom = *part.geom.Get();
@@ -22,7 +23,7 @@ void WaterTouches::Find(const NeighborGrid& grid, const BodyList& bodies, const 
                 Add(settings, bodies, {drop, b, &geom, probe, false, m_last[drop]});
             });
         }
-        m_begins.push_back(static_cast<uint32_t>(m_found.size()));
+        m_begins[b + 1] = static_cast<uint32_t>(m_found.size());
     }
 }
 
