@@ -51,6 +51,10 @@ bool IsIn(const math::BoundingBox2f& view, const Background::Cloud& cloud) {
     const float half = cloud.size / 2;
     return std::fabs(distance.x) < halfSize.x + half && std::fabs(distance.y) < halfSize.y + half;
 }
+// Not those of a much closer view, to which they were sent.
+bool IsNoticed(const math::BoundingBox2f& view, const Background::Cloud& cloud) {
+    return cloud.size >= std::min(LEAST_WIDTH * view.GetSize().x, MIN_CLOUD_SIZE) && IsIn(view, cloud);
+}
 
 // From the plane of the clouds to GUI units; the world point in the middle of the view stays there.
 math::TMatrix3<float> GetParallaxMatrix(const View& view) {
@@ -174,14 +178,11 @@ bool Background::IsViewOfNewScene() {
 
 // The sky that a user sees first is the same for everybody; a later one is left as it is.
 void Background::BringClouds(const math::BoundingBox2f& view) {
-    const auto isVisible = [&view](const Cloud& cloud) { return IsIn(view, cloud); };
-    const auto isNoticed = [&](const Cloud& cloud) {
-        return isVisible(cloud) && cloud.size >= LEAST_WIDTH * view.GetSize().x;
-    };
+    const auto isNoticed = [&view](const Cloud& cloud) { return IsNoticed(view, cloud); };
     const bool isFirst = !std::exchange(m_hasBroughtClouds, true);
     if (!isFirst && std::any_of(m_clouds.begin(), m_clouds.end(), isNoticed)) return;
     for (Cloud& cloud : m_clouds) {
-        if (isVisible(cloud)) cloud.position.x += m_wrapWidth / 2;
+        if (IsIn(view, cloud)) cloud.position.x += m_wrapWidth / 2;
     }
     for (size_t i = 0; i < std::size(CLOUD_PLACES); ++i) PlaceCloud(i, view, CLOUD_PLACES[i].x);
 }
@@ -208,7 +209,7 @@ bool Background::CollectClouds(const math::BoundingBox2f& view) {
     bool any = false;
     for (const Cloud& cloud : m_clouds) {
         if (!IsIn(view, cloud)) continue;
-        any = true;
+        any = any || IsNoticed(view, cloud);
         const float half = cloud.size / 2;
         m_batches[cloud.textureIndex].AddSprite(cloud.position, {half, 0}, {0, half});
     }

@@ -52,7 +52,7 @@ class Background : public gui::Component {
     bool IsViewOfNewScene();
     void DrawSky();
     void DrawClouds();
-    bool CollectClouds(const math::BoundingBox2f& view);  // false if there are none in view
+    bool CollectClouds(const math::BoundingBox2f& view);  // false if none would be noticed
 
     const View& m_view;
     const script::AttribPtr<bool> m_drawClouds;              // of App
