@@ -52,12 +52,6 @@ const SliderRow SPRING_SLIDERS[] = {
     {"SpringDamping", "dampingFactor", 0, 1, 0.1, false, 2},
 };
 
-WindowPtr MakeMenuWindow(const char* titleKey) {
-    const WindowPtr window = new gui::Window(Translate(titleKey), MakeRowLayout());
-    window->SetKey(titleKey);
-    return window;
-}
-
 util::SharedPtr<gui::MultiAttribSlider> MakeSlider(const EntityGroup& group, const SliderRow& row) {
     const util::SharedPtr<gui::MultiAttribSlider> slider =
         new gui::MultiAttribSlider(row.m_min, row.m_max, group.FindAttribs<float>(row.m_attrib));
@@ -227,7 +221,7 @@ void EntityPopup::AddMenuRows() {
 
 // Each opens its window, or closes it.
 WindowPtr EntityPopup::MakeWindowsMenu() const {
-    const WindowPtr window = MakeMenuWindow("WindowsMenu");
+    const WindowPtr window = MakeRowWindow("WindowsMenu");
     for (const char* const command : {"ToolbarTitle", "ControlTitle", "FileButton", "OptionsButton",
                                       "GalleryButton", "AllSettings", "KeysTitle", "ShowStats"}) {
         window->AddChild(MakeCommandRow(m_desk, command));
@@ -255,7 +249,7 @@ WindowPtr EntityPopup::MakeCollisionMenu() const {
 }
 
 WindowPtr EntityPopup::MakeSelectMenu() const {
-    const WindowPtr window = MakeMenuWindow("SelectMenu");
+    const WindowPtr window = MakeRowWindow("SelectMenu");
     Scene& scene = m_desk.m_scene;
     for (const SelectRow& row : SELECT_ROWS) {
         const auto matches = row.m_matches;
