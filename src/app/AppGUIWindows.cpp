@@ -188,8 +188,9 @@ void AppGUI::OpenDialog(const gui::WindowPtr& dialog) {
 void AppGUI::OpenSaveDialog() {
     const String name = m_scene.GetName().empty() ? FindFreeName() : m_scene.GetName();
     const auto save = [this](const String& chosen) {
-        if (!SaveSceneNamed(chosen)) return Tell(Translate("SaveFailed"));
+        if (!SaveSceneNamed(chosen)) return false;
         Tell(Translate("SavedAs") + " " + util::Latin1FromUtf8(StripSceneEnding(GetFileName(chosen))));
+        return true;
     };
     OpenDialog(new SaveDialog(m_scene, name, save));
 }

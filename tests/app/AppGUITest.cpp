@@ -233,6 +233,14 @@ class AppGUISaveTest : public AppGUITest {
         return util::FileSystem::Instance().ReadFile((m_folder / name).string());
     }
 
+    static util::SharedPtr<gui::TextField> FindNameField() {
+        return util::DynamicCast<gui::TextField>(FindWidget("EnterName"));
+    }
+    static void EnterName(const String& name) {
+        FindNameField()->SetText(name);
+        FindNameField()->GetOnEnter().CallAll();
+    }
+
     fs::path m_folder;
     String m_oldWorkDir;
 };
@@ -270,14 +278,13 @@ TEST_F(AppGUISaveTest, AnotherSceneIsReplacedAtTheSecondPressOnly) {
     const String old = Read("Scenes/mine.vxa");
     AddCircle({0, 0});
     Key('s', true);
-    const util::SharedPtr<gui::TextField> field = util::DynamicCast<gui::TextField>(FindWidget("EnterName"));
-    ASSERT_TRUE(field);
-    field->SetText("mine.vxa");
+    ASSERT_TRUE(FindNameField());
+    FindNameField()->SetText("mine.vxa");
     PressButton("Save");
     EXPECT_EQ(Read("Scenes/mine.vxa"), old);
     PressButton("Save");
     EXPECT_NE(Read("Scenes/mine.vxa").find("circle"), String::npos);
-    EXPECT_FALSE(FindWidget("EnterName")) << "the dialog has gone";
+    EXPECT_FALSE(FindNameField()) << "the dialog has gone";
 }
 
 TEST_F(AppGUISaveTest, FailureToSaveIsTold) {
@@ -291,20 +298,27 @@ TEST_F(AppGUISaveTest, FailureToSaveIsTold) {
 
 TEST_F(AppGUISaveTest, WhatBecameOfADialogIsTold) {
     AddCircle({0, 0});
-    const auto save = [](const String& name) {
-        Key('s', true);
-        const auto field = util::DynamicCast<gui::TextField>(FindWidget("EnterName"));
-        field->SetText(name);
-        field->GetOnEnter().CallAll();
-        return GUI().GetHint().GetText();
-    };
+    Key('s', true);
+    EnterName("my car");
     const Language& language = Language::Instance();
-    EXPECT_EQ(save("my car"), language.Get("SavedAs") + " my car");
+    EXPECT_EQ(GUI().GetHint().GetText(), language.Get("SavedAs") + " my car");
     EXPECT_TRUE(Exists("Scenes/my car.vxa"));
     test::LogCapture log;
-    EXPECT_EQ(save(String(300, 'x')), language.Get("SaveFailed"));
     GUI().LoadScene("nothing.vxa", false);
     EXPECT_EQ(GUI().GetHint().GetText(), language.Get("LoadFailed"));
+}
+
+TEST_F(AppGUISaveTest, ADialogThatCannotSaveKeepsTheName) {
+    AddCircle({0, 0});
+    test::LogCapture log;
+    Key('s', true);
+    const String name(300, 'x');
+    EnterName(name);
+    ASSERT_TRUE(FindNameField()) << "the dialog has gone";
+    EXPECT_EQ(FindNameField()->GetText(), name);
+    EnterName("shorter");
+    EXPECT_TRUE(Exists("Scenes/shorter.vxa"));
+    EXPECT_FALSE(FindNameField());
 }
 
 TEST_F(AppGUISaveTest, AutosavesInTime) {

@@ -127,7 +127,7 @@ ComponentPtr MakeGestureTile(const Gesture& gesture) {
 
 // ---- saving
 
-SaveDialog::SaveDialog(const Scene& scene, const String& name, const NameFunction& save)
+SaveDialog::SaveDialog(const Scene& scene, const String& name, const SaveFunction& save)
     : Window(Translate("Save"), MakeRowLayout()),
       m_scene(scene),
       m_path(name),
@@ -169,9 +169,9 @@ void SaveDialog::Save() {
         m_saveButton->SetText(Translate("Replace"));
         return;
     }
-    const NameFunction save = m_save;
-    Close();
-    save(file);
+    if (m_save(file)) return Close();
+    m_question->SetText(Translate("SaveFailed"));
+    TakeFocus();  // for another name: the one that has failed stays marked
 }
 
 // ---- choosing a scene

@@ -9,12 +9,14 @@
 namespace app {
 
 using NameFunction = std::function<void(const String&)>;
+using SaveFunction = std::function<bool(const String&)>;  // false: it has failed
 
 // Asks for a name to save the scene under. Another scene of that name is replaced only at a second press.
+// It stays, with the name that was typed, when saving fails.
 class SaveDialog : public gui::Window {
   public:
     // `name` is what the field shows at first: a file name or a path.
-    SaveDialog(const Scene& scene, const String& name, const NameFunction& save);
+    SaveDialog(const Scene& scene, const String& name, const SaveFunction& save);
     ~SaveDialog() noexcept(false) override;
 
     void TakeFocus() override;  // for the name
@@ -25,7 +27,7 @@ class SaveDialog : public gui::Window {
 
     const Scene& m_scene;
     const String m_path;  // of the name at first
-    const NameFunction m_save;
+    const SaveFunction m_save;
     gui::LabelPtr m_question;
     gui::TextFieldPtr m_name;
     gui::ButtonPtr m_saveButton;
