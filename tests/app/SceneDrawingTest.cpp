@@ -332,4 +332,26 @@ TEST_F(SceneDrawingTest, TheWindNeverSweepsTheSkyForLong) {
     Simulation::Instance().m_running->Set(false);
 }
 
+TEST_F(SceneDrawingTest, AViewFittedToTheSceneShowsCloudsOfItsSize) {
+    App& app = App::Instance();
+    const util::SharedPtr<app::Background> sky =
+        new app::Background(app.GetView(), app.GetDrawSettings().m_drawClouds);
+    app.GetDrawSettings().m_drawClouds->Set(true);
+    sky->SetSize(SIZE, SIZE);
+    sky->Update(1);
+    for (int i = 0; i < 50; ++i) {
+        app.Clear();
+        AddCircle({20.0f * static_cast<float>(i), 3}, {1, 1, 1});  // often behind clouds larger than the view
+        app.ZoomToScene();
+        app.GetView().Arrive();
+        sky->Draw();
+        const float half = SIZE / app.GetView().GetZoom() / app::Background::PARALLAX / 2;
+        const auto& clouds = sky->GetClouds();
+        EXPECT_TRUE(std::any_of(clouds.begin(), clouds.end(), [&](const auto& cloud) {
+            const math::Vec2 middle = cloud.position - app.GetView().GetViewBox().GetCenter();
+            return cloud.size < 2 * half && std::fabs(middle.x) < half && std::fabs(middle.y) < half;
+        })) << i;
+    }
+}
+
 }  // namespace

@@ -35,6 +35,7 @@ struct CloudPlace {
 constexpr CloudPlace CLOUD_PLACES[] = {
     {0.27f, 0.42f, 0.17f}, {0.36f, 0.10f, 0.15f}, {0.90f, 0.13f, 0.22f}, {0.63f, 0.50f, 0.20f}};
 constexpr float LEAST_WIDTH = 0.08f;  // of a cloud that one notices, in parts of the view
+constexpr float MOST_WIDTH = 0.6f;    // likewise: of a larger one the view may show but empty margins
 constexpr float CLOUD_GAP = 0.4f;     // between those that drift in, in parts of the view
 
 const char* const FOLDER = "background/";
@@ -51,9 +52,11 @@ bool IsIn(const math::BoundingBox2f& view, const Background::Cloud& cloud) {
     const float half = cloud.size / 2;
     return std::fabs(distance.x) < halfSize.x + half && std::fabs(distance.y) < halfSize.y + half;
 }
-// Not those of a much closer view, to which they were sent.
+// Not those that were sent to a much closer view, and not those of a much farther one.
 bool IsNoticed(const math::BoundingBox2f& view, const Background::Cloud& cloud) {
-    return cloud.size >= std::min(LEAST_WIDTH * view.GetSize().x, MIN_CLOUD_SIZE) && IsIn(view, cloud);
+    const float width = view.GetSize().x;
+    const bool isSeen = cloud.size >= std::min(LEAST_WIDTH * width, MIN_CLOUD_SIZE);
+    return isSeen && cloud.size <= MOST_WIDTH * width && IsIn(view, cloud);
 }
 
 // From the plane of the clouds to GUI units; the world point in the middle of the view stays there.
@@ -190,6 +193,8 @@ void Background::BringClouds(const math::BoundingBox2f& view) {
 // When the wind has swept the sky, clouds drift in from the left, one behind the other.
 void Background::SendClouds(const math::BoundingBox2f& view) {
     for (size_t i = 0; i < std::size(CLOUD_PLACES); ++i) {
+        const bool isLarge = m_clouds[i].size > MOST_WIDTH * view.GetSize().x;
+        if (isLarge && IsIn(view, m_clouds[i])) continue;  // it may be seen
         PlaceCloud(i, view, -CLOUD_PLACES[i].width / 2 - CLOUD_GAP * static_cast<float>(i));
     }
 }
