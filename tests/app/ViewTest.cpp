@@ -150,6 +150,14 @@ TEST_F(ViewTest, ZoomToSceneFitsWhatHasAnExtent) {
     GetView().SetRooms(0, 0);
 }
 
+TEST_F(ViewTest, AShapeAloneIsSeenWithRoomAroundIt) {
+    AddCircle({10, 5}, 2);
+    AddPlane({0, 1}, 200);
+    GetApp().ZoomToScene();
+    Settle();
+    EXPECT_NEAR(GetView().GetZoom(), 600 / (4 * 3.0), 0.01);
+}
+
 TEST_F(ViewTest, ASceneWithoutExtentIsSeenInTheDefaultView) {
     for (const bool plane : {false, true}) {
         if (plane) AddPlane({0, 1}, 0);

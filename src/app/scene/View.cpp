@@ -14,6 +14,7 @@ namespace {
 
 constexpr double VIEW_TIME = 0.1;     // seconds that the view takes to glide to its target
 constexpr float SCENE_MARGIN = 1.1f;  // of the scene's extent, at ZoomToScene
+constexpr float LONE_MARGIN = 3;      // the same where one shape is all there is
 constexpr float MOST_BELOW = 0.22f;   // part of the view's height left free under the scene, mostly ground
 constexpr float MOST_LEFT = 0.25f;    // part of the view's width that is kept for the interface
 constexpr float MOST_ABOVE = 0.15f;   // part of its height
@@ -40,6 +41,12 @@ bool IsBounded(const Matrix& matrix) {
 
 bool IsUsable(const Matrix& matrix) {
     return IsBounded(matrix) && matrix.m[0][0] != 0 && IsBounded(math::Inverted(matrix));
+}
+
+float GetMargin(const Scene& scene) {
+    const EntityList& entities = scene.GetEntities();
+    const auto isBounded = [](const EntityPtr& entity) { return entity->GetBoundingBox().IsFinite(); };
+    return std::count_if(entities.begin(), entities.end(), isBounded) == 1 ? LONE_MARGIN : SCENE_MARGIN;
 }
 
 }  // namespace
@@ -109,10 +116,11 @@ void View::ZoomToScene(const Scene& scene) {
     if (!box.IsFinite() || !(m_size.x > 0) || !(m_size.y > 0)) return SetDefaultView(true);
     const math::Vec2 extent = box.GetSize();
     const float left = GetLeftRoom(), width = m_size.x - left, room = m_size.y - GetTopRoom();
-    const float worldPerGUI = SCENE_MARGIN * std::max(extent.x / width, extent.y / room);
+    const float margin = GetMargin(scene);
+    const float worldPerGUI = margin * std::max(extent.x / width, extent.y / room);
     const float scale = std::clamp(1 / worldPerGUI, GetMinZoom(), GetMaxZoom());
     const float height = extent.y * scale;
-    const float highest = room - height * (1 + SCENE_MARGIN) / 2;  // with its margin above it
+    const float highest = room - height * (1 + margin) / 2;  // with its margin above it
     const float below = std::min({(m_size.y - height) / 2, MOST_BELOW * m_size.y, highest});
     const math::Vec2 middle(left + width / 2, m_size.y - below - height / 2);
     SetWorldToGUI(MakeView(middle, scale, box.GetCenter()));
