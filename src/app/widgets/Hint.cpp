@@ -14,6 +14,7 @@ namespace {
 constexpr double SHOW_TIME = 1.2;        // seconds until it begins to fade
 constexpr double FADE_TIME = 0.6;        // seconds
 constexpr math::Vec2 DISTANCE(14, -30);  // GUI units from its place: right above the cursor's picture
+constexpr float WIDEST = 0.5f;           // of the picture, where a long text wraps
 constexpr int PRIORITY = 90;             // above windows, below tool tips
 
 }  // namespace
@@ -24,6 +25,7 @@ Hint::Hint() : Label(String(), "Hint"), m_since(-SHOW_TIME - FADE_TIME) {
 }
 
 void Hint::Show(const String& text, math::Vec2 place) {
+    SetMaxWidth(WIDEST * GetParent()->GetSize().x);
     SetText(text);
     m_since = util::Clock::Now();
     const math::Vec2 room = GetParent()->GetSize() - GetOuterSize();
