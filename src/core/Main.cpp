@@ -245,6 +245,29 @@ void OpenDroppedFile(app::App& application, const String& path) {
     application.GetAppGUI()->LoadScene(path, false);
 }
 
+// ---- the user's files
+
+// What is wrong with them becomes a notice.
+class ScopedUserFiles {
+  public:
+    ScopedUserFiles() { gui::GUI::Instance().SetReadsUserFiles(true); }
+    ~ScopedUserFiles() { gui::GUI::Instance().SetReadsUserFiles(false); }
+    ScopedUserFiles(const ScopedUserFiles&) = delete;
+    ScopedUserFiles& operator=(const ScopedUserFiles&) = delete;
+};
+
+void ReadSettings(const core::CommandLine& line) {
+    const ScopedUserFiles reading;
+    LoadConfigurations();
+    for (const String& setting : line.m_settings) script::Parser::Instance().Execute(setting);
+}
+
+void ReadScene(app::App& application, const core::CommandLine& line) {
+    const ScopedUserFiles reading;
+    if (!line.m_noScene.empty()) TellNoScene(line.m_noScene);
+    LoadFirstScene(application, line.m_scene);
+}
+
 // ---- end
 
 // Each step stands alone: a scene that cannot be saved is no reason to lose the settings. What could not be
@@ -280,18 +303,11 @@ void Save(app::App& application) {
     const AppPtr application = MakeApp();
     RenameOldScenes();
     Log(logging::Trace, "Application created");
-    gui::GUI& interface = gui::GUI::Instance();
-    interface.SetReadsUserFiles(true);
-    LoadConfigurations();
-    for (const String& setting : line.m_settings) script::Parser::Instance().Execute(setting);
-    interface.SetReadsUserFiles(false);
+    ReadSettings(line);
     core::Subsystem::Instance().RecreateWindow();
     application->CreateGUI();
     rendering::TextureManager::Instance().ReadAhead();  // while the scene is read
-    interface.SetReadsUserFiles(true);
-    if (!line.m_noScene.empty()) TellNoScene(line.m_noScene);
-    LoadFirstScene(*application, line.m_scene);
-    interface.SetReadsUserFiles(false);
+    ReadScene(*application, line);
     application->GetView().Arrive();  // the first picture is not one on the way
     core::Subsystem::Instance().SetOnFileDropped(
         [&application](const String& path) { OpenDroppedFile(*application, path); });
