@@ -109,7 +109,7 @@ TEST_F(DrawingToolsTest, CircleGrowsFromItsCentre) {
 // takes some few random numbers, one for each preview would take twenty at least.
 TEST_F(DrawingToolsTest, PreviewsKeepTheirColour) {
     constexpr int PREVIEWS = 20;
-    for (const char* const tool : {"circle", "box", "plane"}) {
+    for (const char* const tool : {"circle", "box"}) {
         util::Random before = Scene().GetRandom();
         GUI().SelectTool(tool);
         Press({0, 4}, Key::LeftMouse);

@@ -19,6 +19,9 @@ using math::Vec2;
 namespace {
 
 constexpr math::real ARROW_HALF_WIDTH = 0.5f;  // m
+// Of what fills half the picture: grass, as in the scenes that ship, and none of the lively ones of the
+// shapes.
+constexpr math::Vec3 GROUND_COLOR(0.36f, 0.55f, 0.27f);
 
 }  // namespace
 
@@ -31,7 +34,6 @@ void PlaneTool::OnDragStart(gui::DragEvent& event) {
     if (!TakesPress(event)) return;
     m_drawing = true;
     m_anchor = m_view.GUIToWorld(event.m_position);
-    m_color = m_scene.GetNextColor();
 }
 
 void PlaneTool::OnDrag(gui::DragEvent& event) {
@@ -42,7 +44,7 @@ void PlaneTool::OnDrag(gui::DragEvent& event) {
     if (!math::IsFinite(normal) || normal == Vec2()) return;
     m_tip = mouse;
     m_preview = new PlaneEntity(new physics::Plane(normal, -math::Dot(normal, m_anchor), GetSurface()));
-    m_preview->SetColor(m_color);
+    m_preview->SetColor(GROUND_COLOR);
 }
 
 void PlaneTool::OnDragEnd(gui::DragEvent& event) {

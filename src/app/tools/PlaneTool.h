@@ -23,7 +23,6 @@ class PlaneTool : public Tool {
     bool m_drawing = false;
     math::Vec2 m_anchor;       // world
     math::Vec2 m_tip;          // world, of the arrow: where the mouse was when the plane was last turned
-    math::Vec3 m_color;        // of this plane from its first picture on
     PlaneEntityPtr m_preview;  // outside the scene; null until the plane has a direction
     rendering::TextureMentorPtr m_arrow;
 };
