@@ -45,17 +45,19 @@ void CodeWriter::SetApart(size_t from) {
     ChargeBytes(body.size());
     m_text.resize(from);
     Append("\n");
-    bool inString = false;
+    bool inString = false, inName = false;  // of operator characters, which may hold a quote
     for (size_t i = 0; i < body.size(); ++i) {
-        const bool escape = inString && body[i] == '\\' && i + 1 < body.size();
+        const char c = body[i];
+        const bool escape = inString && c == '\\' && i + 1 < body.size();
         Append(body.data() + i, escape ? 2 : 1);
         if (escape) {
             ++i;
-        } else if (body[i] == '"') {
+        } else if (c == '"' && !inName) {
             inString = !inString;
-        } else if (body[i] == '\n' && !inString && i + 1 < body.size()) {
+        } else if (c == '\n' && !inString && i + 1 < body.size()) {
             Append("    ");
         }
+        inName = !inString && (IsOperator(c) || (c == '"' && inName));
     }
     Append("\n");
 }
