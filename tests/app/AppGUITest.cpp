@@ -316,6 +316,9 @@ TEST_F(AppGUISaveTest, ADialogThatCannotSaveKeepsTheName) {
     EnterName(name);
     ASSERT_TRUE(FindNameField()) << "the dialog has gone";
     EXPECT_EQ(FindNameField()->GetText(), name);
+    const auto told = util::DynamicCast<gui::Label>(FindWidget("SaveAsWhat"));
+    ASSERT_TRUE(told);
+    EXPECT_EQ(told->GetText(), Language::Instance().Get("SaveFailed"));
     EnterName("shorter");
     EXPECT_TRUE(Exists("Scenes/shorter.vxa"));
     EXPECT_FALSE(FindNameField());

@@ -109,6 +109,15 @@ class SceneDrawingTest : public test::GlTest {
         THROW(BadCoderException, "no background");
     }
 
+    static util::SharedPtr<app::Background> MakeSky() {
+        const App& app = App::Instance();
+        app.GetDrawSettings().m_drawClouds->Set(true);
+        const util::SharedPtr<app::Background> sky =
+            new app::Background(app.GetView(), app.GetDrawSettings().m_drawClouds);
+        sky->SetSize(SIZE, SIZE);
+        return sky;
+    }
+
     static app::EntityPtr AddCircle(Vec2 place, math::Vec3 color) {
         const app::EntityPtr circle = new app::CircleEntity(new physics::Circle(0.5f, place));
         circle->SetColor(color);
@@ -304,10 +313,7 @@ TEST_F(SceneDrawingTest, CloudsFillTheirBoxAndBigOnesAreFaster) {
 
 TEST_F(SceneDrawingTest, TheWindNeverSweepsTheSkyForLong) {
     App& app = App::Instance();
-    const util::SharedPtr<app::Background> sky =
-        new app::Background(app.GetView(), app.GetDrawSettings().m_drawClouds);
-    app.GetDrawSettings().m_drawClouds->Set(true);
-    sky->SetSize(SIZE, SIZE);
+    const util::SharedPtr<app::Background> sky = MakeSky();
     const math::TMatrix3<float> view = app.GetView().GetWorldToGUI();
     for (const float factor : {1000.0f, 1.0f}) {  // clouds that came into a close view are specks now
         app.SetWorldToGUI(math::TMatrix3<float>::Scale(factor, factor) * view, false);
@@ -334,10 +340,7 @@ TEST_F(SceneDrawingTest, TheWindNeverSweepsTheSkyForLong) {
 
 TEST_F(SceneDrawingTest, AViewFittedToTheSceneShowsCloudsOfItsSize) {
     App& app = App::Instance();
-    const util::SharedPtr<app::Background> sky =
-        new app::Background(app.GetView(), app.GetDrawSettings().m_drawClouds);
-    app.GetDrawSettings().m_drawClouds->Set(true);
-    sky->SetSize(SIZE, SIZE);
+    const util::SharedPtr<app::Background> sky = MakeSky();
     sky->Update(1);
     for (int i = 0; i < 50; ++i) {
         app.Clear();

@@ -52,6 +52,7 @@ bool IsIn(const math::BoundingBox2f& view, const Background::Cloud& cloud) {
     const float half = cloud.size / 2;
     return std::fabs(distance.x) < halfSize.x + half && std::fabs(distance.y) < halfSize.y + half;
 }
+
 // Not those that were sent to a much closer view, and not those of a much farther one.
 bool IsNoticed(const math::BoundingBox2f& view, const Background::Cloud& cloud) {
     const float width = view.GetSize().x;

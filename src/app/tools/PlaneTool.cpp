@@ -19,8 +19,7 @@ using math::Vec2;
 namespace {
 
 constexpr math::real ARROW_HALF_WIDTH = 0.5f;  // m
-// Of what fills half the picture: grass, as in the scenes that ship, and none of the lively ones of the
-// shapes.
+// A plane fills half the picture: grass, as in the scenes that ship, not a lively colour of the shapes.
 constexpr math::Vec3 GROUND_COLOR(0.36f, 0.55f, 0.27f);
 
 }  // namespace

@@ -137,6 +137,7 @@ SaveDialog::SaveDialog(const Scene& scene, const String& name, const SaveFunctio
       m_saveButton(MakeButton("Save", [this] { Save(); })) {
     SetKey("Save");
     SetClosesAtEscape(true);
+    m_question->SetKey("SaveAsWhat");
     m_name->SetKey("EnterName");
     m_name->SetMinWidth(NAME_WIDTH);
     m_name->GetOnEnter().Add(new util::Callback([this] { Save(); }, util::WeakPtr<util::Pointee>(this)));
