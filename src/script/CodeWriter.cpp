@@ -29,15 +29,23 @@ static bool IsOperator(char c) {
     return std::isspace(byte) == 0 && std::isalnum(byte) == 0 && std::strchr("_\"{}()[],", c) == nullptr;
 }
 
+CodeWriter& CodeWriter::AppendName(const String& name) {
+    Append(name);
+    m_nameEnd = m_text.size();
+    return *this;
+}
+
 CodeWriter& CodeWriter::AppendSeparator(const char* separator) {
-    if (!m_text.empty() && IsOperator(separator[0]) && IsOperator(m_text.back())) Append(" ");
+    const char last = m_text.empty() ? ' ' : m_text.back();
+    const bool endsInOperator = IsOperator(last) || (last == '"' && m_nameEnd == m_text.size());
+    if (endsInOperator && IsOperator(separator[0])) Append(" ");
     return Append(separator);
 }
 
 CodeWriter& CodeWriter::AppendMember(const String& name) {
     AppendSeparator(".");
     if (!name.empty() && IsOperator(name[0])) Append(" ");
-    return Append(name);
+    return AppendName(name);
 }
 
 void CodeWriter::SetApart(size_t from) {

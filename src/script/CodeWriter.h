@@ -11,6 +11,8 @@ class CodeWriter {
     CodeWriter& Append(const String& text) { return Append(text.data(), text.size()); }
     CodeWriter& Append(const char* text);
 
+    // A name of operator characters may end in a quote, which is told from a string's only here.
+    CodeWriter& AppendName(const String& name);
     // With a blank where a name of operator characters would join the separator, or the point in front of it.
     CodeWriter& AppendSeparator(const char* separator);
     CodeWriter& AppendMember(const String& name);
@@ -29,6 +31,7 @@ class CodeWriter {
     CodeWriter& Append(const char* text, size_t size);
 
     String m_text;
+    size_t m_nameEnd = 0;  // of the name written last
 };
 
 // Writes the elements of a range with `separator` between those that give any text. Dereferences each

@@ -81,7 +81,7 @@ void Identifier::WriteCode(CodeWriter& out) const {
         m_owner->WriteCode(out);
         out.AppendMember(m_name);
     } else {
-        out.Append(m_name);
+        out.AppendName(m_name);
     }
 }
 

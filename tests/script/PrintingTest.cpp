@@ -85,6 +85,7 @@ TEST_F(Printing, RoundTrip) {
         "f = {\nt = \"two {\nlines \\\"}\\\\\";\n    u = 1.0e-05\n}",
         "f = {x(-0.0e)(-5)}",
         "f = {\n=\"(\"two\nlines\");\n    a = \"b\nc\"\n}",  // the name `="` begins no string
+        ">\" .r;\n>\" ;\n\">\".r;\n\">\"",                   // a quote at the end of a name, and of a string
         "x = 0.009999999776482582;\ny = 9.999999747378752e-05;\nz = +inf;\nw = -inf",
     };
     for (const char* text : texts) EXPECT_EQ(m_parser.Parse(String(text))->ToCode(), text);
